@@ -1,0 +1,187 @@
+#include "base/AtomicFile.h"
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QUuid>
+
+#include "base/FileError.h"
+
+namespace tarnovel {
+
+namespace {
+
+const QString temporaryPrefix = QStringLiteral(".tarnovel-");
+
+/// A hidden file beside its goal. It is removed unless it was moved into place.
+class TemporaryFile {
+public:
+    explicit TemporaryFile(const QString &folder)
+        : m_path(folder + u'/' + temporaryPrefix + QString::number(getpid()) + u'-' +
+                 QUuid::createUuid().toString(QUuid::Id128).left(12)),
+          m_descriptor(open(encoded().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666))
+    {
+        if (m_descriptor < 0) {
+            throw FileError(folder, errno);
+        }
+    }
+    ~TemporaryFile()
+    {
+        if (m_descriptor >= 0) {
+            close(m_descriptor);
+        }
+        if (!m_moved) {
+            unlink(encoded().constData());
+        }
+    }
+    TemporaryFile(const TemporaryFile &) = delete;
+    TemporaryFile &operator=(const TemporaryFile &) = delete;
+
+    QByteArray encoded() const { return QFile::encodeName(m_path); }
+
+    void write(const char *bytes, qint64 count)
+    {
+        while (count > 0) {
+            const ssize_t written = ::write(m_descriptor, bytes, static_cast<size_t>(count));
+            if (written < 0 && errno == EINTR) {
+                continue;
+            }
+            if (written <= 0) {
+                throw FileError(m_path, written < 0 ? errno : ENOSPC);
+            }
+            bytes += written;
+            count -= written;
+            m_size += written;
+        }
+    }
+
+    /// What was written is on the disk, and as long as it should be; close() can report a late failure too.
+    void finish()
+    {
+        struct stat status = {};
+        if (fsync(m_descriptor) != 0 || fstat(m_descriptor, &status) != 0) {
+            throw FileError(m_path, errno);
+        }
+        if (status.st_size != m_size) {
+            throw FileError(m_path, EIO);
+        }
+        const int descriptor = m_descriptor;
+        m_descriptor = -1;
+        if (close(descriptor) != 0) {
+            throw FileError(m_path, errno);
+        }
+    }
+
+    void replace(const QString &path)
+    {
+        if (rename(encoded().constData(), QFile::encodeName(path).constData()) != 0) {
+            throw FileError(path, errno);
+        }
+        m_moved = true;
+    }
+
+    /// False when the name is taken.
+    bool moveToFreeName(const QString &path)
+    {
+        const QByteArray goal = QFile::encodeName(path);
+        // Some file systems know no exclusive rename, and some no hard link.
+        if (syscall(SYS_renameat2, AT_FDCWD, encoded().constData(), AT_FDCWD, goal.constData(),
+                    RENAME_NOREPLACE) == 0) {
+            m_moved = true;
+            return true;
+        }
+        if (errno == EINVAL || errno == ENOSYS) {
+            if (link(encoded().constData(), goal.constData()) == 0) {
+                return true;
+            }
+        }
+        if (errno == EEXIST) {
+            return false;
+        }
+        throw FileError(path, errno);
+    }
+
+private:
+    QString m_path;
+    int m_descriptor;
+    qint64 m_size = 0;
+    bool m_moved = false;
+};
+
+void syncFolder(const QString &folder)
+{
+    const int descriptor = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) {
+        throw FileError(folder, errno);
+    }
+    // File systems that cannot sync a folder say EINVAL; there is nothing more to do on them.
+    const int failure = fsync(descriptor) == 0 || errno == EINVAL ? 0 : errno;
+    close(descriptor);
+    if (failure != 0) {
+        throw FileError(folder, failure);
+    }
+}
+
+} // namespace
+
+void replaceFile(const QString &path, const QByteArray &bytes)
+{
+    const QString folder = QFileInfo(path).path();
+    TemporaryFile temporary(folder);
+    temporary.write(bytes.constData(), bytes.size());
+    temporary.finish();
+    temporary.replace(path);
+    syncFolder(folder);
+}
+
+QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor)
+{
+    const int input = open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC);
+    if (input < 0) {
+        throw FileError(source, errno);
+    }
+    const struct Closer {
+        int descriptor;
+        ~Closer() { close(descriptor); }
+    } closer{input};
+
+    TemporaryFile temporary(folder);
+    QByteArray block(1 << 20, Qt::Uninitialized);
+    ssize_t count = 0;
+    while ((count = read(input, block.data(), static_cast<size_t>(block.size()))) != 0) {
+        if (count < 0) {
+            throw FileError(source, errno);
+        }
+        temporary.write(block.constData(), count);
+    }
+    temporary.finish();
+    for (int attempt = 0;; ++attempt) {
+        QString path = folder + u'/' + nameFor(attempt);
+        if (temporary.moveToFreeName(path)) {
+            syncFolder(folder);
+            return path;
+        }
+    }
+}
+
+void sweepTemporaryFiles(const QString &folder)
+{
+    const QStringList names = QDir(folder).entryList({temporaryPrefix + u'*'}, QDir::Files | QDir::Hidden);
+    for (const QString &name : names) {
+        const int process = name.mid(temporaryPrefix.size()).section(u'-', 0, 0).toInt();
+        const bool alive = process > 0 && process != getpid() && (kill(process, 0) == 0 || errno == EPERM);
+        if (!alive) {
+            QFile::remove(folder + u'/' + name);
+        }
+    }
+}
+
+} // namespace tarnovel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <stop_token>
+
+#include <QByteArray>
+#include <QImage>
+
+namespace tarnovel {
+
+/// Encodes one opaque picture, at as many qualities as are asked for; the colour conversion is done once.
+/// The files hold pixels alone: no metadata, no profile (the pixels are sRGB).
+class JpegEncoder {
+public:
+    explicit JpegEncoder(const QImage &image);
+    ~JpegEncoder();
+    JpegEncoder(const JpegEncoder &) = delete;
+    JpegEncoder &operator=(const JpegEncoder &) = delete;
+
+    /// `quality` from 0 to 1, which the library takes in whole hundredths. Below 0.9 colour is stored at half
+    /// the resolution both ways (4:2:0), from there on at the full one (4:4:4). Throws an std::bad_alloc at
+    /// most.
+    QByteArray encode(double quality);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+/// What a search for the best quality under a size limit came to.
+struct JpegSearchResult {
+    /// None when even quality 0.05 does not fit.
+    std::optional<QByteArray> bytes;
+    double quality = 0;
+    /// How many times the picture was encoded.
+    int encodings = 0;
+};
+
+/// The encoding at 0.95 when it has at most `limit` bytes; else the best that seven halvings of 0.05…0.95
+/// find, where a quality that fits raises the lower end. Throws OperationCancelled between encodings.
+JpegSearchResult searchJpegQuality(const QImage &image, qint64 limit, const std::stop_token &stop = {});
+
+/// A PNG at a fast compression level. Opaque images give RGB, others RGBA.
+QByteArray encodePng(const QImage &image);
+
+} // namespace tarnovel

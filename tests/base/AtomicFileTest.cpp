@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "base/AtomicFile.h"
+#include "base/FileError.h"
+
+namespace tarnovel {
+namespace {
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+}
+
+QStringList entries(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                                  QDir::Name);
+}
+
+TEST(ReplaceFile, LeavesOnlyTheNewBytes)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.json"));
+    replaceFile(path, "one");
+    replaceFile(path, "two");
+    EXPECT_EQ(contents(path), "two");
+    EXPECT_EQ(entries(folder.path()), QStringList{QStringLiteral("a.json")});
+}
+
+TEST(ReplaceFile, LeavesTheFolderAsItWasWhenItFails)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("taken"));
+    ASSERT_TRUE(QDir().mkpath(path + QStringLiteral("/inner")));
+    EXPECT_THROW(replaceFile(path, "bytes"), FileError);
+    EXPECT_EQ(entries(folder.path()), QStringList{QStringLiteral("taken")});
+    EXPECT_THROW(replaceFile(folder.filePath(QStringLiteral("absent/a")), "bytes"), FileError);
+    EXPECT_THROW(replaceFile(QStringLiteral("/dev/full/a"), "bytes"), FileError);
+}
+
+TEST(PublishFile, TakesTheFirstFreeNameAndNoOther)
+{
+    const QTemporaryDir folder;
+    const QString source = folder.filePath(QStringLiteral("source"));
+    replaceFile(source, QByteArray(3'000'000, 'x'));
+    const QString goal = folder.filePath(QStringLiteral("out"));
+    ASSERT_TRUE(QDir().mkdir(goal));
+    ASSERT_TRUE(QFile::link(QStringLiteral("/nowhere"), goal + QStringLiteral("/0")));
+    const auto name = [](int attempt) { return QString::number(attempt); };
+    EXPECT_EQ(publishFile(source, goal, name), goal + QStringLiteral("/1"));
+    EXPECT_EQ(publishFile(source, goal, name), goal + QStringLiteral("/2"));
+    EXPECT_EQ(contents(goal + QStringLiteral("/2")).size(), 3'000'000);
+    EXPECT_EQ(entries(goal).size(), 3);
+    EXPECT_THROW(publishFile(source, source, name), FileError);
+    EXPECT_THROW(publishFile(goal + QStringLiteral("/none"), goal, name), FileError);
+    EXPECT_EQ(entries(goal).size(), 3);
+}
+
+TEST(SweepTemporaryFiles, SparesWritersThatLive)
+{
+    const QTemporaryDir folder;
+    for (const char *name : {".tarnovel-999999999-aaaa", ".tarnovel-1-bbbb", ".tarnovel-", "note.txt"}) {
+        QFile file(folder.filePath(QString::fromLatin1(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    sweepTemporaryFiles(folder.path());
+    EXPECT_EQ(entries(folder.path()),
+              (QStringList{QStringLiteral(".tarnovel-1-bbbb"), QStringLiteral("note.txt")}));
+}
+
+} // namespace
+} // namespace tarnovel

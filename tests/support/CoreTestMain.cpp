@@ -1,0 +1,13 @@
+#include "support/TestWorld.h"
+
+#include <QCoreApplication>
+#include <gmock/gmock.h>
+
+int main(int argc, char **argv)
+{
+    tarnovel::test::settle();
+    testing::InitGoogleMock(&argc, argv);
+    const QCoreApplication application(argc, argv);
+    tarnovel::test::failOnQtWarnings();
+    return RUN_ALL_TESTS();
+}
