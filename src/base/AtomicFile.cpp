@@ -4,6 +4,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -63,11 +64,42 @@ public:
         }
     }
 
-    /// What was written is on the disk, and as long as it should be; close() can report a late failure too.
-    void finish()
+    /// Shares the blocks of an open file where the file system can; false where it cannot.
+    bool clone(int source)
     {
         struct stat status = {};
-        if (fsync(m_descriptor) != 0 || fstat(m_descriptor, &status) != 0) {
+        if (ioctl(m_descriptor, FICLONE, source) != 0 || fstat(m_descriptor, &status) != 0) {
+            return false;
+        }
+        m_size = status.st_size;
+        return true;
+    }
+
+    void copy(int source, const QString &sourcePath)
+    {
+        QByteArray block(1 << 20, Qt::Uninitialized);
+        while (true) {
+            const ssize_t count = read(source, block.data(), static_cast<size_t>(block.size()));
+            if (count == 0) {
+                return;
+            }
+            if (count < 0 && errno == EINTR) {
+                continue;
+            }
+            if (count < 0) {
+                throw FileError(sourcePath, errno);
+            }
+            write(block.constData(), count);
+        }
+    }
+
+    /// What was written is as long as it should be, and on the disk where that is asked for; close() can
+    /// report a late failure too.
+    void finish(Durability durability)
+    {
+        struct stat status = {};
+        if ((durability == Durability::Synced && fsync(m_descriptor) != 0) ||
+            fstat(m_descriptor, &status) != 0) {
             throw FileError(m_path, errno);
         }
         if (status.st_size != m_size) {
@@ -132,14 +164,16 @@ void syncFolder(const QString &folder)
 
 } // namespace
 
-void replaceFile(const QString &path, const QByteArray &bytes)
+void replaceFile(const QString &path, const QByteArray &bytes, Durability durability)
 {
     const QString folder = QFileInfo(path).path();
     TemporaryFile temporary(folder);
     temporary.write(bytes.constData(), bytes.size());
-    temporary.finish();
+    temporary.finish(durability);
     temporary.replace(path);
-    syncFolder(folder);
+    if (durability == Durability::Synced) {
+        syncFolder(folder);
+    }
 }
 
 QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor)
@@ -154,15 +188,10 @@ QString publishFile(const QString &source, const QString &folder, const std::fun
     } closer{input};
 
     TemporaryFile temporary(folder);
-    QByteArray block(1 << 20, Qt::Uninitialized);
-    ssize_t count = 0;
-    while ((count = read(input, block.data(), static_cast<size_t>(block.size()))) != 0) {
-        if (count < 0) {
-            throw FileError(source, errno);
-        }
-        temporary.write(block.constData(), count);
+    if (!temporary.clone(input)) {
+        temporary.copy(input, source);
     }
-    temporary.finish();
+    temporary.finish(Durability::Synced);
     for (int attempt = 0;; ++attempt) {
         QString path = folder + u'/' + nameFor(attempt);
         if (temporary.moveToFreeName(path)) {

@@ -7,9 +7,16 @@
 
 namespace tarnovel {
 
-/// Replaces the file by `bytes`, whole or not at all, and durably: the bytes and the folder's entry have
-/// reached the disk when it returns. On a failure the old file is untouched and a FileError is thrown.
-void replaceFile(const QString &path, const QByteArray &bytes);
+enum class Durability {
+    /// The bytes and the folder's entry have reached the disk on return.
+    Synced,
+    /// Whole for every reader, but a power cut may lose it: for files that live only for moments.
+    Unsynced,
+};
+
+/// Replaces the file by `bytes`, whole or not at all. On a failure the old file is untouched and a FileError
+/// is thrown.
+void replaceFile(const QString &path, const QByteArray &bytes, Durability durability = Durability::Synced);
 
 /// Copies `source` into `folder` under the first of nameFor(0), nameFor(1), … that no entry has, and returns
 /// the path it got. The file appears whole or not at all, and never takes the place of another one, not even

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <set>
+
+#include <QString>
+
+#include "model/Session.h"
+
+namespace tarnovel {
+
+/// What the start of the program finds in a library folder.
+struct LoadedSession {
+    Session session;
+    /// Files that may be deleted once nothing needs them; none unless the document was read.
+    std::set<QString> cleanupCandidates;
+    /// The document was there and could be read.
+    bool decoded = false;
+    /// Where a document that could not be decoded was put, or empty.
+    QString setAside;
+};
+
+enum class DamagedDocument {
+    /// Moved aside under another name, so that the next save does not overwrite it.
+    SetAside,
+    /// Left as it is, for readers that never change the library.
+    LeaveAlone,
+};
+
+/// Loads the session of a library folder: photos whose files are gone are dropped, records are normalized,
+/// and the selection and last style fall back to what is left. Never throws.
+LoadedSession loadSession(const QString &libraryFolder, DamagedDocument damaged);
+
+} // namespace tarnovel

@@ -1,0 +1,270 @@
+#include "pipeline/ImagePipeline.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <utility>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QPainter>
+#include <QtConcurrentRun>
+
+#include "base/AtomicFile.h"
+#include "base/Cancellation.h"
+#include "base/FileError.h"
+#include "base/Uuid.h"
+#include "imaging/ImageDecoder.h"
+#include "imaging/ImageEncoder.h"
+#include "imaging/ImageError.h"
+#include "imaging/Resampler.h"
+#include "pipeline/CameraTexts.h"
+#include "pipeline/PhotoPalette.h"
+#include "pipeline/PipelineError.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr int blurSourcePixels = 500;
+constexpr double blurSigma = 22;
+constexpr int backdropPixels = 1200;
+constexpr int logoPixels = 1500;
+constexpr int signaturePixels = 2400;
+constexpr int palettePixels = 120;
+constexpr int testDecodePixels = 100;
+constexpr qsizetype mostPalettes = 100;
+constexpr double defaultQuality = 0.95;
+
+int longSide(QSizeF size)
+{
+    constexpr double longerThanAny = 1e6;
+    return static_cast<int>(std::ceil(std::min(std::max(size.width(), size.height()), longerThanAny)));
+}
+
+QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std::stop_token &stop)
+{
+    QByteArray bytes;
+    if (options.png) {
+        bytes = encodePng(canvas);
+    } else if (options.maxMB > 0) {
+        const double limit = std::min(options.maxMB * 1'000'000, 1e15);
+        const JpegSearchResult found = searchJpegQuality(canvas, static_cast<qint64>(limit), stop);
+        if (!found.bytes) {
+            throw PipelineFailure(PipelineError::fileSize);
+        }
+        bytes = *found.bytes;
+    } else {
+        bytes = JpegEncoder(canvas).encode(defaultQuality);
+    }
+    if (bytes.isEmpty()) {
+        throw PipelineFailure(PipelineError::write);
+    }
+    return bytes;
+}
+
+} // namespace
+
+ImagePipeline::ImagePipeline(QString libraryFolder, QString temporaryFolder)
+    : m_libraryFolder(std::move(libraryFolder)), m_temporaryFolder(std::move(temporaryFolder))
+{
+    m_thread.setMaxThreadCount(1);
+    m_thread.setExpiryTimeout(-1);
+}
+
+ImagePipeline::~ImagePipeline()
+{
+    m_thread.waitForDone();
+}
+
+/// Runs `work(stop)` on the service's thread. What the lower layers throw becomes what the service promises.
+template<typename Work>
+auto ImagePipeline::enqueue(std::stop_token stop, Work work)
+{
+    return QtConcurrent::run(&m_thread, [stop = std::move(stop), work = std::move(work)] {
+        try {
+            throwIfCancelled(stop);
+            return work(stop);
+        } catch (const ImageError &) {
+            throw PipelineFailure(PipelineError::unreadable);
+        } catch (const std::bad_alloc &) {
+            throw PipelineFailure(PipelineError::tooLarge);
+        }
+    });
+}
+
+QFuture<QImage> ImagePipeline::read(const QString &file, int maxPixel, std::stop_token stop)
+{
+    return enqueue(std::move(stop), [this, file, maxPixel](const std::stop_token &token) {
+        return decoded(file, maxPixel, token);
+    });
+}
+
+QFuture<PhotoItem> ImagePipeline::inspect(const ImportedFile &imported, TestDecode testDecode,
+                                          std::stop_token stop)
+{
+    return enqueue(std::move(stop), [this, imported, testDecode](const std::stop_token &token) {
+        return inspected(imported, testDecode, token);
+    });
+}
+
+QFuture<QList<Ink>> ImagePipeline::primaryColors(const QString &file, std::stop_token stop)
+{
+    return enqueue(std::move(stop),
+                   [this, file](const std::stop_token &token) { return colors(file, token); });
+}
+
+QFuture<QImage> ImagePipeline::blurred(const QImage &image, std::stop_token stop)
+{
+    return enqueue(std::move(stop), [image](const std::stop_token &) {
+        if (image.isNull()) {
+            throw PipelineFailure(PipelineError::unreadable);
+        }
+        return gaussianBlurred(image, blurSigma);
+    });
+}
+
+QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const ExportOptions &options,
+                                                 std::stop_token stop)
+{
+    return enqueue(std::move(stop), [this, item, options](const std::stop_token &token) {
+        return exported(item, options, token);
+    });
+}
+
+QFuture<QImage> ImagePipeline::render(const PhotoItem &item, QSize canvas, std::stop_token stop)
+{
+    return enqueue(std::move(stop), [this, item, canvas](const std::stop_token &token) {
+        return rendered(item, canvas, token).copy();
+    });
+}
+
+QString ImagePipeline::resolved(const QString &file) const
+{
+    return QDir(m_libraryFolder).filePath(file);
+}
+
+QImage ImagePipeline::decoded(const QString &file, int maxPixel, const std::stop_token &stop) const
+{
+    return decodeImage(resolved(file), maxPixel, stop);
+}
+
+PhotoItem ImagePipeline::inspected(const ImportedFile &imported, TestDecode testDecode,
+                                   const std::stop_token &stop) const
+{
+    const QString path = resolved(imported.file);
+    const QSize size = readImageHeader(path).uprightSize();
+    if (testDecode == TestDecode::Yes) {
+        decodeImage(path, testDecodePixels, stop);
+    }
+    const CameraTexts texts = CameraTexts::from(readCaptureMetadata(path));
+    PhotoItem item;
+    item.id = QUuid::createUuid();
+    item.file = imported.file;
+    item.name = QFileInfo(path).completeBaseName();
+    item.width = size.width();
+    item.height = size.height();
+    item.settings.layer(u"brand"_s)->text = texts.brand;
+    item.settings.layer(u"model"_s)->text = texts.model;
+    item.settings.layer(u"exif"_s)->text = texts.exif;
+    item.settings.layer(u"date"_s)->text = texts.date;
+    return item;
+}
+
+QList<Ink> ImagePipeline::colors(const QString &file, const std::stop_token &stop)
+{
+    if (const auto known = m_paletteCache.constFind(file); known != m_paletteCache.constEnd()) {
+        return *known;
+    }
+    const QList<Ink> colors = PhotoPalette::extract(decoded(file, palettePixels, stop));
+    if (m_paletteCache.size() >= mostPalettes) {
+        m_paletteCache.clear();
+    }
+    m_paletteCache.insert(file, colors);
+    return colors;
+}
+
+/// The part of the photo that the canvas shows, with its pixels on the canvas's.
+PhotoImage ImagePipeline::photoFor(const PhotoItem &item, QSize canvas, const std::stop_token &stop) const
+{
+    const PhotoPlacement placement = CompositionRenderer::photoPlacement(item, item.settings, canvas);
+    const QRectF &whole = placement.whole;
+    const QRect pixels = (placement.shown & whole & QRectF({}, QSizeF(canvas))).toAlignedRect();
+    if (whole.isEmpty() || pixels.isEmpty()) {
+        return {};
+    }
+    PhotoImage photo;
+    photo.extent = {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
+                    pixels.width() / whole.width(), pixels.height() / whole.height()};
+    const QString path = resolved(item.file);
+    const QSizeF source = readImageHeader(path).uprightSize();
+    const QRectF region(photo.extent.x() * source.width(), photo.extent.y() * source.height(),
+                        photo.extent.width() * source.width(), photo.extent.height() * source.height());
+    photo.image = decodeImageRegion(path, region, pixels.size(), stop);
+    return photo;
+}
+
+CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
+                                           const std::stop_token &stop) const
+{
+    const FrameSettings &settings = item.settings;
+    const int edge = longSide(canvas);
+    CompositionImages images;
+    images.photo = photoFor(item, canvas, stop);
+    throwIfCancelled(stop);
+    if (settings.background == Backdrop::blur) {
+        images.background = gaussianBlurred(decoded(item.file, blurSourcePixels, stop), blurSigma);
+    } else if (settings.background == Backdrop::image && settings.backgroundFile) {
+        images.background = decoded(*settings.backgroundFile, backdropPixels, stop);
+    }
+    throwIfCancelled(stop);
+    // Logo and signature are decoded at the size they are drawn at: the painter scales down badly.
+    const TextLayer *logo = settings.layer(u"watermark"_s);
+    if (logo && logo->visible && logo->imageFile) {
+        const int drawn = longSide(CompositionRenderer::textRect(*logo, canvas).size());
+        images.watermark = decoded(*logo->imageFile, std::max(1, std::min({edge, logoPixels, drawn})), stop);
+    }
+    if (settings.handwritingFile) {
+        const QSize own = readImageHeader(resolved(*settings.handwritingFile)).uprightSize();
+        const int drawn = longSide(CompositionRenderer::handwritingRect(settings, own, canvas).size());
+        images.handwriting =
+            decoded(*settings.handwritingFile, std::max(1, std::min({edge, signaturePixels, drawn})), stop);
+    }
+    return images;
+}
+
+const QImage &ImagePipeline::rendered(const PhotoItem &item, QSize canvas, const std::stop_token &stop)
+{
+    const CompositionImages images = imagesFor(item, canvas, stop);
+    throwIfCancelled(stop);
+    if (m_canvas.size() != canvas) {
+        m_canvas = QImage();
+        m_canvas = QImage(canvas, QImage::Format_RGB32);
+        if (m_canvas.isNull()) {
+            throw PipelineFailure(PipelineError::tooLarge);
+        }
+    }
+    QPainter painter(&m_canvas);
+    CompositionRenderer::draw(painter, item, item.settings, canvas, images);
+    return m_canvas;
+}
+
+ExportedFile ImagePipeline::exported(const PhotoItem &item, const ExportOptions &options,
+                                     const std::stop_token &stop)
+{
+    const QSize canvas = outputCanvas(item, options);
+    const QByteArray bytes = encoded(rendered(item, canvas, stop), options, stop);
+    throwIfCancelled(stop);
+    const QString folder = m_temporaryFolder + u"/Exports"_s;
+    if (!QDir().mkpath(folder)) {
+        throw FileError(folder, QFileInfo(folder).exists() ? ENOTDIR : EACCES);
+    }
+    const QString path = folder + u"/Kesmar-"_s + uuidText(QUuid::createUuid()).left(8) +
+                         (options.png ? u".png"_s : u".jpg"_s);
+    replaceFile(path, bytes, Durability::Unsynced);
+    return {path, canvas, bytes.size()};
+}
+
+} // namespace tarnovel

@@ -1,0 +1,290 @@
+#include "render/CompositionRenderer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include <QLinearGradient>
+#include <QPainter>
+
+#include "render/Fonts.h"
+#include "render/FrameGeometry.h"
+#include "render/SetText.h"
+#include "render/SoftShadow.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel::CompositionRenderer {
+
+namespace {
+
+/// Width ÷ height of the cinema band: the anamorphic wide-screen ratio.
+constexpr double cinemaRatio = 2.39;
+
+/// Texts are set once at this size of type and scaled from there.
+constexpr int referencePixels = 256;
+
+/// Type and pictures larger than this many canvas widths are held there: the painter's coordinates end
+/// somewhere.
+constexpr double largestType = 8;
+
+/// A text's box as fractions of the canvas.
+constexpr double widestText = 0.84;
+constexpr double highestText = 0.3;
+
+double borderPx(const FrameSettings &settings, QSizeF size)
+{
+    return settings.border * std::min(size.width(), size.height());
+}
+
+QRectF centred(QPointF centre, QSizeF size)
+{
+    return {centre.x() - size.width() / 2, centre.y() - size.height() / 2, size.width(), size.height()};
+}
+
+double radians(const TextLayer &layer)
+{
+    return layer.rotation.value_or(0) * std::numbers::pi / 180;
+}
+
+bool isPicture(const TextLayer &layer)
+{
+    return layer.imageFile.has_value();
+}
+
+/// Canvas units for one unit of the reference type.
+double typeScale(const TextLayer &layer, QSizeF size)
+{
+    return FrameGeometry::held(layer.size, 0, largestType) * size.width() / referencePixels;
+}
+
+SetText setText(const TextLayer &layer, QSizeF size)
+{
+    const double scale = typeScale(layer, size);
+    const QFont reference = Fonts::face(
+        layer.fontStyle, layer.id == u"brand"_s ? QFont::DemiBold : QFont::Normal, referencePixels);
+    return {layer.text, reference, {widestText * size.width() / scale, highestText * size.height() / scale}};
+}
+
+/// The layer's rectangle for an element of this size.
+QRectF placed(const TextLayer &layer, QSizeF element, QSizeF size)
+{
+    const double cosine = std::abs(std::cos(radians(layer)));
+    const double sine = std::abs(std::sin(radians(layer)));
+    const double halfWidth = (element.width() * cosine + element.height() * sine) / 2;
+    const double halfHeight = (element.width() * sine + element.height() * cosine) / 2;
+    return centred({FrameGeometry::held(layer.x * size.width(), halfWidth, size.width() - halfWidth),
+                    FrameGeometry::held(layer.y * size.height(), halfHeight, size.height() - halfHeight)},
+                   element);
+}
+
+QSizeF pictureSize(const TextLayer &layer, QSizeF size)
+{
+    const double width = FrameGeometry::held(layer.size, 0, largestType) * size.width() * 5;
+    return {width, width / (layer.imageAspect ? std::max(*layer.imageAspect, 0.1) : 1)};
+}
+
+void drawBackdrop(QPainter &painter, const FrameSettings &settings, QSizeF size, const QImage &picture)
+{
+    const QRectF canvas({}, size);
+    if (settings.background == Backdrop::gradient) {
+        QLinearGradient gradient(canvas.topLeft(), canvas.bottomRight());
+        gradient.setColorAt(0, opaque(settings.color));
+        gradient.setColorAt(1, opaque(settings.secondColor));
+        painter.fillRect(canvas, gradient);
+        return;
+    }
+    painter.fillRect(canvas, opaque(settings.color));
+    const bool takesPicture = settings.background == Backdrop::blur || settings.background == Backdrop::image;
+    if (takesPicture && !picture.isNull()) {
+        painter.drawImage(aspectFilled(picture.size(), canvas), picture);
+    }
+}
+
+void drawPlacedPhoto(QPainter &painter, const PhotoItem &item, const FrameSettings &settings, QSizeF size,
+                     const PhotoImage &photo)
+{
+    const PhotoPlacement placement = photoPlacement(item, settings, size);
+    const bool bordered = settings.style != FrameStyle::cinema && settings.border > 0;
+    if (bordered && !placement.whole.isEmpty()) {
+        const double border = borderPx(settings, size);
+        painter.fillRect(placement.whole.adjusted(-border, -border, border, border),
+                         opaque(settings.borderColor));
+    }
+    drawPhoto(painter, photo, placement);
+}
+
+void drawText(QPainter &painter, const TextLayer &layer, const FrameSettings &settings, QSizeF size)
+{
+    const double scale = typeScale(layer, size);
+    if (!(scale > 0)) {
+        return;
+    }
+    const SetText text = setText(layer, size);
+    const QRectF rect = placed(layer, text.size() * scale, size);
+    painter.save();
+    painter.translate(rect.center());
+    painter.rotate(layer.rotation.value_or(0));
+    painter.translate(-rect.width() / 2, -rect.height() / 2);
+    painter.scale(scale, scale);
+    if (settings.style == FrameStyle::cinema) {
+        // A subtitle's shadow: straight below, 0.0012 of the width, with a blur of 0.004 whose deviation is
+        // half of it.
+        const double pixels =
+            std::sqrt(std::abs(painter.deviceTransform().determinant())) / scale * size.width();
+        drawSoftShadow(painter, text.outlines(),
+                       {QColor::fromRgbF(0, 0, 0, 0.85F), 0.002 * pixels, {0, 0.0012 * pixels}});
+    }
+    text.draw(painter, opaque(layer.ink));
+    painter.restore();
+}
+
+void drawLayer(QPainter &painter, const TextLayer &layer, const FrameSettings &settings, QSizeF size,
+               const QImage &watermark)
+{
+    if (!layer.visible || (layer.text.isEmpty() && !isPicture(layer))) {
+        return;
+    }
+    if (layer.id == u"watermark"_s && isPicture(layer) && !watermark.isNull()) {
+        const QRectF rect = textRect(layer, size);
+        painter.save();
+        painter.translate(rect.center());
+        painter.rotate(layer.rotation.value_or(0));
+        painter.drawImage(centred({}, rect.size()), watermark);
+        painter.restore();
+    } else {
+        drawText(painter, layer, settings, size);
+    }
+}
+
+/// The rectangle in whole device pixels that `image` covers exactly when drawn into `target`, or an empty
+/// one.
+QRect alignedTarget(const QPainter &painter, const QRectF &target, const QImage &image)
+{
+    constexpr double tolerance = 1e-3;
+    const QTransform &transform = painter.deviceTransform();
+    if (transform.type() > QTransform::TxScale) {
+        return {};
+    }
+    const QRectF device = transform.mapRect(target);
+    const QRect whole(QPoint(qRound(device.left()), qRound(device.top())), image.size());
+    const auto near = [](double a, double b) { return std::abs(a - b) < tolerance; };
+    const bool aligned = near(device.left(), whole.left()) && near(device.top(), whole.top()) &&
+                         near(device.width(), whole.width()) && near(device.height(), whole.height());
+    return aligned ? whole : QRect();
+}
+
+} // namespace
+
+QColor opaque(const Ink &ink)
+{
+    const auto component = [](double value) { return static_cast<float>(std::clamp(value, 0.0, 1.0)); };
+    return QColor::fromRgbF(component(ink.r), component(ink.g), component(ink.b));
+}
+
+QRectF aspectFilled(QSizeF source, const QRectF &target)
+{
+    const double scale = std::max(target.width() / source.width(), target.height() / source.height());
+    return centred(target.center(), source * scale);
+}
+
+QRectF photoRect(const PhotoItem &item, const FrameSettings &settings, QSizeF size)
+{
+    if (settings.style == FrameStyle::cinema) {
+        const double height = std::min(size.width() / cinemaRatio, size.height());
+        return {0, (size.height() - height) / 2, size.width(), height};
+    }
+    return FrameGeometry::photoRect(
+        item.size(), size,
+        {settings.scale, settings.x, settings.y, settings.lockX, settings.lockY, borderPx(settings, size)});
+}
+
+PhotoPlacement photoPlacement(const PhotoItem &item, const FrameSettings &settings, QSizeF size)
+{
+    const QRectF rect = photoRect(item, settings, size);
+    if (settings.style != FrameStyle::cinema) {
+        return {rect, rect};
+    }
+    // 0.45 is as far as the editor's vertical slider goes: there the photo's bottom meets the band's.
+    const double bias = std::min(settings.y / 0.45, 1.0);
+    const QSizeF source(std::max(item.width, 1.0), std::max(item.height, 1.0));
+    const QRectF filled = aspectFilled(source, rect);
+    return {filled.translated(0, -(filled.height() - rect.height()) / 2 * bias), rect};
+}
+
+QFont font(const TextLayer &layer, double width)
+{
+    return Fonts::face(layer.fontStyle, layer.id == u"brand"_s ? QFont::DemiBold : QFont::Normal,
+                       std::max(1, qRound(layer.size * width)));
+}
+
+QRectF textRect(const TextLayer &layer, QSizeF size)
+{
+    if (isPicture(layer)) {
+        return placed(layer, pictureSize(layer, size), size);
+    }
+    const double scale = typeScale(layer, size);
+    return placed(layer, scale > 0 ? setText(layer, size).size() * scale : QSizeF(0, 0), size);
+}
+
+QRectF handwritingRect(const FrameSettings &settings, QSizeF imageSize, QSizeF size)
+{
+    const double own = imageSize.width() / std::max(imageSize.height(), 1.0);
+    const double aspect = std::max(settings.handwritingAspect.value_or(own), 0.1);
+    const double width =
+        FrameGeometry::held(settings.handwritingWidth.value_or(0.42), 0, largestType) * size.width();
+    const double height = width / aspect;
+    const auto centre = [](double fraction, double length, double element) {
+        return FrameGeometry::held(fraction * length, element / 2, length - element / 2);
+    };
+    return centred({centre(settings.handwritingX.value_or(0.5), size.width(), width),
+                    centre(settings.handwritingY.value_or(0.9), size.height(), height)},
+                   {width, height});
+}
+
+void drawPhoto(QPainter &painter, const PhotoImage &photo, const PhotoPlacement &placement)
+{
+    if (photo.image.isNull() || placement.whole.isEmpty()) {
+        return;
+    }
+    const QRectF &whole = placement.whole;
+    const QRectF &extent = photo.extent;
+    const QRectF target(whole.x() + extent.x() * whole.width(), whole.y() + extent.y() * whole.height(),
+                        extent.width() * whole.width(), extent.height() * whole.height());
+    const QRectF shown = placement.shown & placement.whole & target;
+    painter.save();
+    const QRect aligned = alignedTarget(painter, target, photo.image);
+    if (!aligned.isEmpty()) {
+        // A fill whose texture lies on the device's pixels copies them, and blends the fractional edge.
+        const QRectF device = painter.deviceTransform().mapRect(shown);
+        painter.setTransform(painter.deviceTransform().inverted() * painter.transform());
+        painter.setBrushOrigin(aligned.topLeft());
+        painter.fillRect(device, QBrush(photo.image));
+    } else {
+        const QSizeF pixels(photo.image.width() / target.width(), photo.image.height() / target.height());
+        const QRectF source((shown.x() - target.x()) * pixels.width(),
+                            (shown.y() - target.y()) * pixels.height(), shown.width() * pixels.width(),
+                            shown.height() * pixels.height());
+        painter.drawImage(shown, photo.image, source);
+    }
+    painter.restore();
+}
+
+void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &settings, QSizeF size,
+          const CompositionImages &images)
+{
+    painter.save();
+    painter.setClipRect(QRectF({}, size), Qt::IntersectClip);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    drawBackdrop(painter, settings, size, images.background);
+    drawPlacedPhoto(painter, item, settings, size, images.photo);
+    if (settings.handwritingFile && !images.handwriting.isNull()) {
+        painter.drawImage(handwritingRect(settings, images.handwriting.size(), size), images.handwriting);
+    }
+    for (const TextLayer &layer : settings.layers) {
+        drawLayer(painter, layer, settings, size, images.watermark);
+    }
+    painter.restore();
+}
+
+} // namespace tarnovel::CompositionRenderer

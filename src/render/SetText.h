@@ -1,0 +1,44 @@
+#pragma once
+
+#include <vector>
+
+#include <QFont>
+#include <QGlyphRun>
+#include <QPainterPath>
+#include <QSizeF>
+#include <QString>
+
+class QColor;
+class QPainter;
+
+namespace tarnovel {
+
+/// A text set in lines at one reference size, so that it breaks and measures the same at every size it is
+/// drawn at. Lengths are those of the reference font's pixels; the origin is the top left of the text's box.
+class SetText {
+public:
+    struct Box {
+        double width = 0;
+        double height = 0;
+    };
+
+    /// Sets centred lines, broken at words (inside one where it is too long) to the box's width. Lines that
+    /// do not fit whole into its height are left out, but never the first.
+    SetText(const QString &text, const QFont &font, Box box);
+
+    /// The lines' common box: as wide as the widest line.
+    QSizeF size() const { return m_size; }
+
+    /// The letters' outlines. Letters without outlines (colour pictures) are missing here.
+    const QPainterPath &outlines() const { return m_outlines; }
+
+    /// Draws at the painter's origin, in the painter's scale.
+    void draw(QPainter &painter, const QColor &ink) const;
+
+private:
+    QSizeF m_size;
+    QPainterPath m_outlines;
+    std::vector<QGlyphRun> m_pictures;
+};
+
+} // namespace tarnovel
