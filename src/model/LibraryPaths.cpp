@@ -7,13 +7,16 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel::LibraryPaths {
 
+QString location()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/TarnovelMac"_s;
+}
+
 QString root()
 {
     static const QString folder = [] {
-        const QString path =
-            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/TarnovelMac"_s;
-        QDir().mkpath(path);
-        return path;
+        QDir().mkpath(location());
+        return location();
     }();
     return folder;
 }

@@ -42,9 +42,14 @@ QRectF centred(QPointF centre, QSizeF size)
     return {centre.x() - size.width() / 2, centre.y() - size.height() / 2, size.width(), size.height()};
 }
 
+double degrees(const TextLayer &layer)
+{
+    return std::fmod(layer.rotation.value_or(0), 360);
+}
+
 double radians(const TextLayer &layer)
 {
-    return layer.rotation.value_or(0) * std::numbers::pi / 180;
+    return degrees(layer) * std::numbers::pi / 180;
 }
 
 bool isPicture(const TextLayer &layer)
@@ -124,7 +129,7 @@ void drawText(QPainter &painter, const TextLayer &layer, const FrameSettings &se
     const QRectF rect = placed(layer, text.size() * scale, size);
     painter.save();
     painter.translate(rect.center());
-    painter.rotate(layer.rotation.value_or(0));
+    painter.rotate(degrees(layer));
     painter.translate(-rect.width() / 2, -rect.height() / 2);
     painter.scale(scale, scale);
     if (settings.style == FrameStyle::cinema) {
@@ -149,7 +154,7 @@ void drawLayer(QPainter &painter, const TextLayer &layer, const FrameSettings &s
         const QRectF rect = textRect(layer, size);
         painter.save();
         painter.translate(rect.center());
-        painter.rotate(layer.rotation.value_or(0));
+        painter.rotate(degrees(layer));
         painter.drawImage(centred({}, rect.size()), watermark);
         painter.restore();
     } else {

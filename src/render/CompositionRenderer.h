@@ -12,7 +12,7 @@ namespace tarnovel {
 
 /// A decoded photo, or the part of it that a drawing needs.
 struct PhotoImage {
-    QImage image;
+    QImage image = {};
     /// The part of the upright photo that the image shows, as fractions of its width and height. It may reach
     /// a little past 0…1, so that the image's pixels can lie exactly on those of the canvas.
     QRectF extent = {0, 0, 1, 1};
@@ -26,11 +26,11 @@ struct PhotoPlacement {
 
 /// The decoded pictures of one framed photo. An absent one leaves its element out.
 struct CompositionImages {
-    PhotoImage photo;
+    PhotoImage photo = {};
     /// For a blurred backdrop, the blurred photo; for a picture, that picture.
-    QImage background;
-    QImage watermark;
-    QImage handwriting;
+    QImage background = {};
+    QImage watermark = {};
+    QImage handwriting = {};
 };
 
 /// Draws one framed photo. Screen, thumbnails, studios and export all call `draw`; it reads nothing but its

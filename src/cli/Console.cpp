@@ -1,0 +1,109 @@
+#include "cli/Console.h"
+
+#include <cstdio>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace Console {
+
+namespace {
+
+void toStandardError(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
+    std::fflush(stderr);
+}
+
+} // namespace
+
+bool print(const QString &line)
+{
+    const QByteArray bytes = line.toUtf8() + '\n';
+    const bool written = std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout) ==
+                         static_cast<size_t>(bytes.size());
+    return std::fflush(stdout) == 0 && written;
+}
+
+QString escaped(const QString &text)
+{
+    QString result;
+    for (const QChar character : text) {
+        if (character == u'\n') {
+            result += u"\\n"_s;
+        } else if (character == u'\t') {
+            result += u"\\t"_s;
+        } else if (character.category() == QChar::Other_Control ||
+                   character.category() == QChar::Separator_Line ||
+                   character.category() == QChar::Separator_Paragraph) {
+            result += u"\\x%1"_s.arg(character.unicode(), 2, 16, QChar(u'0'));
+        } else {
+            result += character;
+        }
+    }
+    return result;
+}
+
+void complain(const QString &what, const QString &message)
+{
+    toStandardError(u"tarnovel: "_s + escaped(what) + u": "_s + escaped(message) + u'\n');
+}
+
+void complain(const QString &message)
+{
+    toStandardError(u"tarnovel: "_s + escaped(message) + u'\n');
+}
+
+} // namespace Console
+
+namespace {
+
+constexpr int barWidth = 24;
+constexpr const char *startOfLine = "\r\033[K";
+
+int terminalColumns()
+{
+    winsize size = {};
+    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+} // namespace
+
+ProgressBar::ProgressBar(int total, bool quiet)
+    : m_total(total), m_shown(!quiet && isatty(STDERR_FILENO) != 0)
+{
+}
+
+ProgressBar::~ProgressBar()
+{
+    clear();
+}
+
+void ProgressBar::show(int done, const QString &label)
+{
+    if (!m_shown) {
+        return;
+    }
+    const int filled = m_total > 0 ? barWidth * done / m_total : 0;
+    const QString bar = QString(filled, u'━') + QString(barWidth - filled, u'┄');
+    QString line = u"%1 %2/%3 %4"_s.arg(bar).arg(done).arg(m_total).arg(Console::escaped(label));
+    // Wide characters take two columns; half of what is left is safe for any name.
+    const qsizetype room = barWidth + (terminalColumns() - barWidth) / 2;
+    line = line.left(room);
+    std::fputs((startOfLine + line.toStdString()).c_str(), stderr);
+    std::fflush(stderr);
+}
+
+void ProgressBar::clear()
+{
+    if (m_shown) {
+        std::fputs(startOfLine, stderr);
+        std::fflush(stderr);
+    }
+}
+
+} // namespace tarnovel

@@ -1,0 +1,396 @@
+#include "cli/ExportCommand.h"
+
+#include <functional>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include "base/AtomicFile.h"
+#include "base/Cancellation.h"
+#include "base/Json.h"
+#include "cli/Console.h"
+#include "cli/Interruption.h"
+#include "cli/StyleEdit.h"
+#include "export/ExportNames.h"
+#include "imaging/ImageDecoder.h"
+#include "imaging/ImageError.h"
+#include "language/AppLanguage.h"
+#include "model/FrameSettingsJson.h"
+#include "model/LibraryPaths.h"
+#include "model/SessionStore.h"
+#include "model/Styling.h"
+#include "pipeline/ImagePipeline.h"
+#include "pipeline/PipelineError.h"
+#include "render/BuiltInTemplate.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+/// Something that stops the whole command before its first photo.
+struct Refusal {
+    QString what;
+    QString message;
+};
+
+QString absolute(const QString &path)
+{
+    return QFileInfo(path).absoluteFilePath();
+}
+
+ExportOptions optionsFrom(const ExportRequest &request)
+{
+    ExportOptions options;
+    if (request.size == u"original"_s) {
+        options.fullResolution = true;
+    } else {
+        bool whole = false;
+        options.longEdge = request.size.toInt(&whole);
+        if (!whole || options.longEdge <= 0) {
+            throw UsageError{localized({"--size 应为 1080、original 或像素数：",
+                                        "--size takes 1080, original or a number of pixels: ",
+                                        "--size prend 1080, original ou un nombre de pixels : "}) +
+                             request.size};
+        }
+    }
+    if (request.format != u"jpeg"_s && request.format != u"png"_s) {
+        throw UsageError{localized({"--format 应为 jpeg 或 png：",
+                                    "--format takes jpeg or png: ", "--format prend jpeg ou png : "}) +
+                         request.format};
+    }
+    options.png = request.format == u"png"_s;
+    if (request.maxMb) {
+        bool number = false;
+        const double limit = request.maxMb->toDouble(&number);
+        if (!number || !(limit > 0)) {
+            throw UsageError{localized({"--max-mb 应为大于零的数：", "--max-mb takes a number above zero: ",
+                                        "--max-mb prend un nombre positif : "}) +
+                             *request.maxMb};
+        }
+        options.maxMB = options.png ? 0 : limit;
+    }
+    return options;
+}
+
+/// Files that a style names are looked for beside the style.
+void resolveFiles(FrameSettings &settings, const QDir &folder)
+{
+    const auto resolve = [&folder](std::optional<QString> &file) {
+        if (file) {
+            file = QDir::cleanPath(folder.absoluteFilePath(*file));
+        }
+    };
+    resolve(settings.backgroundFile);
+    resolve(settings.handwritingFile);
+    for (TextLayer &layer : settings.layers) {
+        resolve(layer.imageFile);
+    }
+}
+
+FrameSettings styleFrom(const QString &path)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
+        throw Refusal{path, localized({"无法读取这个样式。", "Cannot read this style.",
+                                       "Impossible de lire ce style."})};
+    }
+    try {
+        const Json json = parseJson(file.readAll());
+        FrameSettings settings = frameSettingsFromJson(JsonReader(json));
+        settings.normalize();
+        resolveFiles(settings, QFileInfo(path).absoluteDir());
+        return settings;
+    } catch (const JsonError &error) {
+        throw Refusal{path, localized({"这不是有效的样式：", "Not a valid style: ", "Style non valide : "}) +
+                                QString::fromStdString(error.what())};
+    }
+}
+
+double aspectOf(const QString &path)
+{
+    try {
+        const QSizeF size = readImageHeader(path).uprightSize();
+        return size.width() / size.height();
+    } catch (const ImageError &) {
+        throw Refusal{path, errorDescription(PipelineError::unreadable)};
+    }
+}
+
+/// The pictures that the options add to every photo, with what has to be known of them.
+struct Pictures {
+    std::optional<QString> background;
+    std::optional<QString> logo;
+    std::optional<QString> signature;
+    double logoAspect = 1;
+    double signatureAspect = 1;
+
+    explicit Pictures(const ExportRequest &request)
+        : background(request.background), logo(request.logo), signature(request.signature)
+    {
+        if (background) {
+            aspectOf(*background);
+        }
+        if (logo) {
+            logoAspect = aspectOf(*logo);
+        }
+        if (signature) {
+            signatureAspect = aspectOf(*signature);
+        }
+    }
+
+    void apply(FrameSettings &settings) const
+    {
+        if (background) {
+            settings.background = Backdrop::image;
+            settings.backgroundFile = absolute(*background);
+        }
+        if (logo) {
+            TextLayer &layer = *settings.layer(u"watermark"_s);
+            layer.imageFile = absolute(*logo);
+            layer.imageAspect = logoAspect;
+            layer.visible = true;
+        }
+        if (signature) {
+            settings.handwritingFile = absolute(*signature);
+            settings.handwritingAspect = signatureAspect;
+        }
+    }
+};
+
+/// Turns a photo as inspected into one with the style that was asked for.
+using Styler = std::function<PhotoItem(const PhotoItem &, int index)>;
+
+Styler stylerFrom(const ExportRequest &request, ImagePipeline &pipeline, const Interruption &interruption)
+{
+    const Pictures pictures(request);
+    const std::optional<FrameSettings> style =
+        request.styleFile ? std::optional(styleFrom(*request.styleFile)) : std::nullopt;
+    const auto look = BuiltInTemplates::withId(request.templateId.value_or(u"plain"_s));
+    if (!look) {
+        throw UsageError{localized({"没有这个模板：", "There is no template ", "Modèle inconnu : "}) +
+                         *request.templateId};
+    }
+    const auto edit = [pictures, request](FrameSettings &settings) {
+        pictures.apply(settings);
+        for (const QString &assignment : request.sets) {
+            StyleEdit::set(settings, assignment);
+        }
+        for (const QString &assignment : request.texts) {
+            StyleEdit::setText(settings, assignment);
+        }
+    };
+    // The numbers of film frames go on from the style's own, so they are given after every other change.
+    Styler styler = [style, look, edit, &pipeline, &interruption](const PhotoItem &item, int index) {
+        const bool wantsColors = !style && *look == BuiltInTemplate::tone;
+        const QList<Ink> palette =
+            wantsColors ? pipeline.primaryColors(item.file, interruption.token()).result() : QList<Ink>();
+        PhotoItem result =
+            styled(item, style ? *style : BuiltInTemplates::make(*look, item.settings, palette), 0);
+        edit(result.settings);
+        numberFilmFrame(result.settings, index);
+        return result;
+    };
+    // A try on an empty photo finds what is wrong with the options before a real one is opened.
+    FrameSettings trial = style ? *style : BuiltInTemplates::make(*look, FrameSettings(), {});
+    edit(trial);
+    return styler;
+}
+
+Json rectangle(const QRectF &rect)
+{
+    return Json::array({rect.x(), rect.y(), rect.width(), rect.height()});
+}
+
+/// One run of the command.
+class ExportRun {
+public:
+    ExportRun(const ExportRequest &request, const ExportOptions &options, ImagePipeline &pipeline,
+              const Interruption &interruption, int total)
+        : m_request(request),
+          m_options(options),
+          m_pipeline(pipeline),
+          m_interruption(interruption),
+          m_progress(total, request.quiet)
+    {
+    }
+
+    /// `photo` is how the photo is called in messages; `item` makes it ready.
+    void exportOne(const QString &photo, const std::function<PhotoItem()> &item)
+    {
+        m_progress.show(m_done, photo);
+        try {
+            const PhotoItem ready = item();
+            const ExportedFile made =
+                m_pipeline.exportPhoto(ready, m_options, m_interruption.token()).result();
+            const struct Remover {
+                QString path;
+                ~Remover() { QFile::remove(path); }
+            } remover{made.path};
+            const QString extension = m_options.png ? u"png"_s : u"jpg"_s;
+            const QString path = publishFile(made.path, m_request.folder, [&](int attempt) {
+                return ExportNames::fileName(ready.name, extension, attempt);
+            });
+            report(photo, path, ready, made);
+        } catch (const PipelineFailure &failure) {
+            reportFailure(photo, errorDescription(failure.error()));
+        } catch (const FileError &error) {
+            const bool elsewhere = !error.path().startsWith(m_request.folder);
+            const QString place = elsewhere ? QFileInfo(error.path()).path() : m_request.folder;
+            reportFailure(photo, place + u": "_s + errorDescription(error));
+        }
+        ++m_done;
+        m_progress.show(m_done, photo);
+    }
+
+    int status() const { return m_failed || m_deaf ? 1 : 0; }
+    /// Nobody reads standard output any more.
+    bool deaf() const { return m_deaf; }
+
+private:
+    void report(const QString &photo, const QString &path, const PhotoItem &item, const ExportedFile &made)
+    {
+        if (!m_request.json) {
+            return;
+        }
+        const QRectF placed = CompositionRenderer::photoRect(item, item.settings, made.canvas);
+        Json line;
+        line["photo"] = jsonText(photo);
+        line["file"] = jsonText(path);
+        line["width"] = made.canvas.width();
+        line["height"] = made.canvas.height();
+        line["bytes"] = made.bytes;
+        line["canvas"] = {made.canvas.width(), made.canvas.height()};
+        line["photoRect"] = rectangle(placed);
+        line["style"] = toJson(item.settings);
+        print(line);
+    }
+
+    void reportFailure(const QString &photo, const QString &message)
+    {
+        m_failed = true;
+        if (m_request.json) {
+            print(Json{{"photo", jsonText(photo)}, {"error", jsonText(message)}});
+        }
+        m_progress.clear();
+        Console::complain(photo, message);
+    }
+
+    void print(const Json &line) { m_deaf = !Console::print(QString::fromUtf8(writeJson(line))) || m_deaf; }
+
+    const ExportRequest &m_request;
+    const ExportOptions m_options;
+    ImagePipeline &m_pipeline;
+    const Interruption &m_interruption;
+    int m_done = 0;
+    bool m_failed = false;
+    bool m_deaf = false;
+    ProgressBar m_progress;
+};
+
+void makeFolder(const QString &folder)
+{
+    if (QFileInfo(folder).isDir() || QDir().mkpath(folder)) {
+        sweepTemporaryFiles(folder);
+        return;
+    }
+    const bool taken = QFileInfo(folder).exists();
+    throw Refusal{folder, taken ? localized({"这里有一个同名文件，无法建立文件夹。",
+                                             "A file stands where the folder should be.",
+                                             "Un fichier occupe la place du dossier."})
+                                : localized({"无法建立这个文件夹。", "Cannot make this folder.",
+                                             "Impossible de créer ce dossier."})};
+}
+
+Session storedSession()
+{
+    const QString library = LibraryPaths::location();
+    const LoadedSession loaded = loadSession(library, DamagedDocument::LeaveAlone);
+    const QString document = library + u'/' + LibraryPaths::sessionFileName();
+    if (!loaded.decoded && QFileInfo::exists(document)) {
+        throw Refusal{document, localized({"无法读取保存的编辑。", "Cannot read the stored session.",
+                                           "Impossible de lire la session enregistrée."})};
+    }
+    if (loaded.session.photos.isEmpty()) {
+        throw Refusal{document, localized({"没有保存的照片。", "There are no stored photos.",
+                                           "Aucune photo enregistrée."})};
+    }
+    return loaded.session;
+}
+
+void checkSession(const ExportRequest &request)
+{
+    const bool styles = request.templateId || request.styleFile || !request.sets.isEmpty() ||
+                        !request.texts.isEmpty() || request.background || request.logo || request.signature;
+    if (!request.photos.isEmpty() || styles) {
+        throw UsageError{localized(
+            {"--session 按保存的样式导出保存的照片，不能再指定照片或样式。",
+             "--session exports the stored photos in their stored styles; it takes no photo and no style.",
+             "--session exporte les photos enregistrées avec leurs styles ; ni photo ni style en plus."})};
+    }
+}
+
+int exportSession(const ExportRequest &request, const ExportOptions &options,
+                  const Interruption &interruption)
+{
+    checkSession(request);
+    const Session session = storedSession();
+    makeFolder(request.folder);
+    ImagePipeline pipeline(LibraryPaths::location(), QDir::tempPath());
+    ExportRun run(request, options, pipeline, interruption, static_cast<int>(session.photos.size()));
+    for (const PhotoItem &item : session.photos) {
+        run.exportOne(item.name, [&item] { return item; });
+        if (run.deaf()) {
+            break;
+        }
+    }
+    return run.status();
+}
+
+int exportPhotos(const ExportRequest &request, const ExportOptions &options, const Interruption &interruption)
+{
+    if (request.photos.isEmpty()) {
+        throw UsageError{localized({"没有指定照片。", "No photo is named.", "Aucune photo indiquée."})};
+    }
+    ImagePipeline pipeline(QDir::currentPath(), QDir::tempPath());
+    const Styler styler = stylerFrom(request, pipeline, interruption);
+    makeFolder(request.folder);
+    ExportRun run(request, options, pipeline, interruption, static_cast<int>(request.photos.size()));
+    for (int index = 0; const QString &photo : request.photos) {
+        run.exportOne(photo, [&, index] {
+            const auto inspected =
+                pipeline.inspect({absolute(photo)}, ImagePipeline::TestDecode::No, interruption.token());
+            return styler(inspected.result(), index);
+        });
+        ++index;
+        if (run.deaf()) {
+            break;
+        }
+    }
+    return run.status();
+}
+
+} // namespace
+
+int runExport(const ExportRequest &request, const Interruption &interruption)
+{
+    const ExportOptions options = optionsFrom(request);
+    if (request.styleFile && request.templateId) {
+        throw UsageError{
+            localized({"--template 与 --style 不能同时使用。", "--template and --style exclude each other.",
+                       "--template et --style s’excluent."})};
+    }
+    try {
+        return request.session ? exportSession(request, options, interruption)
+                               : exportPhotos(request, options, interruption);
+    } catch (const Refusal &refusal) {
+        Console::complain(refusal.what, refusal.message);
+        return 1;
+    } catch (const OperationCancelled &) {
+        return interruption.exitStatus();
+    }
+}
+
+} // namespace tarnovel

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <atomic>
+#include <stop_token>
+#include <thread>
+
+namespace tarnovel {
+
+/// Turns Ctrl-C and a polite request to end into a stop request, so that the work at hand can end cleanly.
+/// Made before any other thread, since it decides where those signals go.
+class Interruption {
+public:
+    Interruption();
+    ~Interruption();
+    Interruption(const Interruption &) = delete;
+    Interruption &operator=(const Interruption &) = delete;
+
+    std::stop_token token() const { return m_source.get_token(); }
+    /// 128 and the number of the signal that came, as shells report it; 0 when none did.
+    int exitStatus() const;
+
+private:
+    std::stop_source m_source;
+    std::atomic<int> m_signal = 0;
+    std::jthread m_listener;
+};
+
+} // namespace tarnovel

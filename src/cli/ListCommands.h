@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QStringList>
+
+namespace tarnovel {
+
+class Interruption;
+
+/// What the import would read of each photo. Returns the exit status.
+int runInspect(const QStringList &photos, bool json, const Interruption &interruption);
+
+/// The built-in templates and the film stocks, in the order in which they are offered.
+int runTemplates(bool json);
+int runStocks(bool json);
+
+} // namespace tarnovel
