@@ -1,0 +1,226 @@
+#include <atomic>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include "base/Cancellation.h"
+#include "base/FileError.h"
+#include "pipeline/ImagePipeline.h"
+#include "pipeline/PhotoPalette.h"
+#include "pipeline/PipelineError.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+namespace {
+
+/// A library with photos and the service that reads them.
+class Pipeline : public testing::Test {
+protected:
+    QTemporaryDir m_folder;
+    ImagePipeline m_pipeline{m_folder.path(), m_folder.filePath(u"temporary"_s)};
+
+    QString write(const QString &name, const QImage &image) const
+    {
+        EXPECT_TRUE(image.save(m_folder.filePath(name), name.endsWith(u"png"_s) ? "PNG" : "JPEG", 95));
+        return name;
+    }
+
+    static QImage gradient(QSize size)
+    {
+        QImage image(size, QImage::Format_RGB32);
+        for (int y = 0; y < size.height(); ++y) {
+            for (int x = 0; x < size.width(); ++x) {
+                image.setPixel(x, y, qRgb(255 * x / size.width(), 255 * y / size.height(), 128));
+            }
+        }
+        return image;
+    }
+
+    PhotoItem item(const QString &file) { return m_pipeline.inspect({file}).result(); }
+
+    /// The failure of an export, or none.
+    std::optional<PipelineError> failure(const PhotoItem &photo, const ExportOptions &options)
+    {
+        try {
+            m_pipeline.exportPhoto(photo, options).result();
+        } catch (const PipelineFailure &failure) {
+            return failure.error();
+        }
+        return {};
+    }
+};
+
+using Palette = Pipeline;
+using Inspecting = Pipeline;
+using Exporting = Pipeline;
+using Serving = Pipeline;
+
+QImage plain(const QColor &color, QSize size = {64, 64})
+{
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(color);
+    return image;
+}
+
+TEST_F(Palette, FindsUpToThreeClearlyDifferentColors)
+{
+    EXPECT_EQ(PhotoPalette::extract(plain(Qt::transparent)), QList<Ink>());
+    EXPECT_EQ(PhotoPalette::extract(plain(QColor(255, 0, 0, 200))), QList<Ink>());
+    const QList<Ink> single = PhotoPalette::extract(plain(QColor(200, 100, 50)));
+    ASSERT_EQ(single.size(), 1);
+    EXPECT_NEAR(single.first().g, 100.0 / 255, 0.005);
+
+    // Columns: half blue, a quarter red, the rest two greens that count as one, and a sliver of white.
+    QImage columns(96, 96, QImage::Format_RGB32);
+    for (int x = 0; x < 96; ++x) {
+        const QColor color = x < 48   ? QColor(20, 40, 200)
+                             : x < 72 ? QColor(220, 30, 30)
+                             : x < 84 ? QColor(30, 140, 30)
+                             : x < 92 ? QColor(30, 150, 30)
+                                      : QColor(250, 250, 250);
+        for (int y = 0; y < 96; ++y) {
+            columns.setPixelColor(x, y, color);
+        }
+    }
+    const QList<Ink> found = PhotoPalette::extract(columns);
+    ASSERT_EQ(found.size(), 3);
+    EXPECT_GT(found[0].b, 0.7);
+    EXPECT_GT(found[1].r, 0.8);
+    EXPECT_GT(found[2].g, 0.5);
+}
+
+TEST_F(Palette, IsRememberedByFileName)
+{
+    write(u"a.png"_s, plain(Qt::red));
+    const QList<Ink> first = m_pipeline.primaryColors(u"a.png"_s).result();
+    write(u"a.png"_s, plain(Qt::blue));
+    EXPECT_EQ(m_pipeline.primaryColors(u"a.png"_s).result(), first);
+    for (int i = 0; i < 100; ++i) {
+        const QString name = u"%1.png"_s.arg(i);
+        write(name, plain(Qt::green, {4, 4}));
+        m_pipeline.primaryColors(name).waitForFinished();
+    }
+    EXPECT_NE(m_pipeline.primaryColors(u"a.png"_s).result(), first);
+    EXPECT_THROW(m_pipeline.primaryColors(u"none.png"_s).result(), PipelineFailure);
+}
+
+TEST_F(Inspecting, MakesAPhotoWithDefaultSettings)
+{
+    write(u"IMG.0042.png"_s, gradient({30, 20}));
+    const PhotoItem photo = item(u"IMG.0042.png"_s);
+    EXPECT_EQ(photo.name, u"IMG.0042"_s);
+    EXPECT_EQ(photo.size(), QSizeF(30, 20));
+    EXPECT_EQ(photo.settings, FrameSettings());
+    EXPECT_FALSE(photo.id.isNull());
+    QFile broken(m_folder.filePath(u"broken.jpg"_s));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    EXPECT_THROW(item(u"broken.jpg"_s), PipelineFailure);
+}
+
+TEST_F(Exporting, ChoosesTheCanvasByTheOptions)
+{
+    PhotoItem photo;
+    photo.width = 12000;
+    photo.height = 9000;
+    const auto canvas = [&photo](ExportOptions options) { return outputCanvas(photo, options); };
+    EXPECT_EQ(canvas({.longEdge = 300}), QSize(540, 720));
+    EXPECT_EQ(canvas({.longEdge = 1080}), QSize(1080, 1440));
+    photo.settings.preset = CanvasPreset::instagram;
+    EXPECT_EQ(canvas({.longEdge = 1080}), QSize(1080, 1350));
+    photo.settings.preset = CanvasPreset::original;
+    EXPECT_EQ(canvas({.longEdge = 1080}), QSize(1440, 1080));
+    EXPECT_THROW(canvas({.fullResolution = true}), PipelineFailure);
+    photo.settings.preset = CanvasPreset::custom;
+    photo.settings.customWidth = 1;
+    photo.settings.customHeight = 5;
+    EXPECT_EQ(canvas({.longEdge = 10'000}), QSize(1638, 8192));
+    photo.settings.customWidth = 0;
+    photo.settings.preset = CanvasPreset::original;
+    photo.height = 2000;
+    EXPECT_EQ(canvas({.fullResolution = true}), QSize(12'000, 2400)); // 6 : 1 is held to 5 : 1
+    photo.width = 12'001;
+    EXPECT_THROW(canvas({.fullResolution = true}), PipelineFailure);
+}
+
+TEST_F(Exporting, WritesWholeFilesUnderNewNames)
+{
+    write(u"a.jpg"_s, gradient({400, 300}));
+    const PhotoItem photo = item(u"a.jpg"_s);
+    const ExportedFile first = m_pipeline.exportPhoto(photo, {.longEdge = 720}).result();
+    const ExportedFile second =
+        m_pipeline.exportPhoto(photo, {.longEdge = 720, .png = true, .maxMB = 0.0001}).result();
+    EXPECT_TRUE(QRegularExpression(u"/Exports/Kesmar-[0-9A-F]{8}\\.jpg$"_s).match(first.path).hasMatch());
+    EXPECT_TRUE(second.path.endsWith(u".png"_s));
+    EXPECT_EQ(QImage(first.path).size(), QSize(540, 720));
+    EXPECT_EQ(first.bytes, QFileInfo(first.path).size());
+    EXPECT_EQ(QDir(m_folder.filePath(u"temporary/Exports"_s)).entryList(QDir::Files | QDir::Hidden).size(),
+              2);
+}
+
+TEST_F(Exporting, FailsByNameAndLeavesNothing)
+{
+    write(u"a.jpg"_s, gradient({400, 300}));
+    PhotoItem photo = item(u"a.jpg"_s);
+    EXPECT_EQ(failure(photo, {.maxMB = 0.001}), PipelineError::fileSize);
+    photo.settings.handwritingFile = u"none.png"_s;
+    EXPECT_EQ(failure(photo, {}), PipelineError::unreadable);
+    photo.file = u"none.jpg"_s;
+    photo.settings.handwritingFile = {};
+    EXPECT_EQ(failure(photo, {}), PipelineError::unreadable);
+    photo.settings.preset = CanvasPreset::square;
+    EXPECT_EQ(failure(photo, {.longEdge = 8192}), PipelineError::tooLarge);
+    EXPECT_EQ(QDir(m_folder.filePath(u"temporary/Exports"_s)).entryList(QDir::Files | QDir::Hidden).size(),
+              0);
+
+    QFile blocked(m_folder.filePath(u"blocked"_s));
+    ASSERT_TRUE(blocked.open(QIODevice::WriteOnly));
+    ImagePipeline pipeline(m_folder.path(), blocked.fileName());
+    EXPECT_THROW(pipeline.exportPhoto(item(u"a.jpg"_s), {}).result(), FileError);
+}
+
+TEST_F(Exporting, MatchesTheSameFrameDrawnSmall)
+{
+    write(u"a.png"_s, gradient({1501, 997}));
+    PhotoItem photo = item(u"a.png"_s);
+    photo.settings.background = Backdrop::blur;
+    for (const FrameStyle style : {FrameStyle::simple, FrameStyle::cinema}) {
+        photo.settings.style = style;
+        const QImage small = m_pipeline.render(photo, {300, 400}).result();
+        const QImage large = m_pipeline.render(photo, {1200, 1600}).result();
+        int worst = 0;
+        for (int y = 8; y < 392; y += 3) {
+            for (int x = 8; x < 292; x += 3) {
+                const QColor a = small.pixelColor(x, y);
+                const QColor b = large.pixelColor(4 * x + 2, 4 * y + 2);
+                const bool flat =
+                    std::abs(small.pixelColor(x + 2, y).red() - small.pixelColor(x - 2, y).red()) < 12 &&
+                    std::abs(small.pixelColor(x, y + 2).green() - small.pixelColor(x, y - 2).green()) < 12;
+                if (flat) {
+                    worst = std::max({worst, std::abs(a.red() - b.red()), std::abs(a.green() - b.green())});
+                }
+            }
+        }
+        EXPECT_LE(worst, 4);
+    }
+}
+
+TEST_F(Serving, CancelsWhatIsNoLongerWanted)
+{
+    write(u"a.jpg"_s, gradient({400, 300}));
+    const PhotoItem photo = item(u"a.jpg"_s);
+    std::stop_source source;
+    source.request_stop();
+    EXPECT_THROW(m_pipeline.read(u"a.jpg"_s, 100, source.get_token()).result(), OperationCancelled);
+    EXPECT_THROW(m_pipeline.exportPhoto(photo, {}, source.get_token()).result(), OperationCancelled);
+    EXPECT_EQ(m_pipeline.read(u"a.jpg"_s, 100).result().size(), QSize(100, 75));
+    EXPECT_EQ(m_pipeline.blurred(gradient({50, 40})).result().size(), QSize(50, 40));
+    EXPECT_THROW(m_pipeline.blurred({}).result(), PipelineFailure);
+}
+
+} // namespace
+} // namespace tarnovel
