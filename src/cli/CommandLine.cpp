@@ -8,8 +8,10 @@
 #include <string_view>
 
 #include <CLI/CLI.hpp>
+#include <QDir>
 #include <QFile>
 #include <QGuiApplication>
+#include <QStandardPaths>
 
 #include "cli/Console.h"
 #include "cli/ExportCommand.h"
@@ -19,6 +21,7 @@
 #include "model/Preferences.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::string_view_literals;
 
 namespace tarnovel {
 
@@ -330,6 +333,15 @@ int dispatch(const Grammar &grammar, const Arguments &arguments, const Interrupt
     return runExport(exportRequest(grammar, arguments), interruption);
 }
 
+/// Without a session's runtime folder Qt makes one among the temporary files; a command leaves nothing there.
+/// A folder that is in use is not empty, and stays.
+void removeRuntimeFolder()
+{
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        QDir().rmdir(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
+    }
+}
+
 /// Qt without a display, and silent: its remarks on the platform are nothing the user of a command asked for.
 void prepareQt()
 {
@@ -364,15 +376,22 @@ int runCommandLine(int argc, char **argv)
     }
     Arguments arguments;
     Grammar grammar(arguments);
+    // CLI11 gives what follows "--" to the command only while it has no photo yet; all of it is photos.
+    char **const end =
+        std::find_if(argv, argv + argc, [](const char *argument) { return argument == "--"sv; });
     try {
-        grammar.app().parse(argc, argv);
+        grammar.app().parse(static_cast<int>(end - argv), argv);
     } catch (const CLI::Success &asked) {
         return grammar.app().exit(asked);
     } catch (const CLI::ParseError &error) {
         return wrong(complaint(error));
     }
+    if (end != argv + argc) {
+        arguments.photos.insert(arguments.photos.end(), end + 1, argv + argc);
+    }
     const Interruption interruption;
     const QGuiApplication application(argc, argv);
+    removeRuntimeFolder();
     try {
         const int status = dispatch(grammar, arguments, interruption);
         return interruption.exitStatus() != 0 ? interruption.exitStatus() : status;

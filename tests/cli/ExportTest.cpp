@@ -125,7 +125,7 @@ TEST(Export, MeetsFormatAndSizeLimit)
         EXPECT_EQ(outcome.status, 0) << outcome.errors.toStdString();
         return outcome.lines().value(0);
     };
-    EXPECT_LE(written({u"--max-mb"_s, u"0.1"_s})["bytes"].get<int>(), 100'000);
+    EXPECT_LE(written({u"--max-mb"_s, u"0.3"_s})["bytes"].get<int>(), 300'000);
     EXPECT_EQ(written({u"--size"_s, u"original"_s, u"-t"_s, u"full"_s})["canvas"],
               Json::parse("[3000, 2000]"));
     const Json png = written({u"--size"_s, u"720"_s, u"--format"_s, u"png"_s, u"--max-mb"_s, u"0.001"_s});
