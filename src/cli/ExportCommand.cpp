@@ -307,7 +307,7 @@ void makeFolder(const QString &folder)
 Session storedSession()
 {
     const QString library = LibraryPaths::location();
-    const LoadedSession loaded = loadSession(library, DamagedDocument::LeaveAlone);
+    const LoadedSession loaded = loadSession(library, LibraryAccess::ReadOnly);
     const QString document = library + u'/' + LibraryPaths::sessionFileName();
     if (!loaded.decoded && QFileInfo::exists(document)) {
         throw Refusal{document, localized({"无法读取保存的编辑。", "Cannot read the stored session.",

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "base/AtomicFile.h"
 #include "base/Json.h"
 #include "model/LibraryCleanup.h"
 #include "model/LibraryPaths.h"
@@ -57,22 +58,29 @@ QString setAside(const QString &path)
 
 } // namespace
 
-LoadedSession loadSession(const QString &libraryFolder, DamagedDocument damaged)
+LoadedSession loadSession(const QString &libraryFolder, LibraryAccess access)
 {
+    if (access == LibraryAccess::Own) {
+        sweepTemporaryFiles(libraryFolder);
+    }
     LoadedSession loaded;
     QFile file(libraryFolder + u'/' + LibraryPaths::sessionFileName());
     if (!QFileInfo(file.fileName()).isFile() || !file.open(QIODevice::ReadOnly)) {
         return loaded;
     }
     const QByteArray document = file.readAll();
+    const bool whole = file.error() == QFile::NoError;
     file.close();
+    if (!whole) {
+        return loaded;
+    }
     try {
         loaded.session = readSession(document);
         settle(loaded.session, libraryFolder);
         loaded.cleanupCandidates = LibraryCleanup::candidates(libraryFolder);
         loaded.decoded = true;
     } catch (const JsonError &) {
-        if (damaged == DamagedDocument::SetAside) {
+        if (access == LibraryAccess::Own) {
             loaded.setAside = setAside(file.fileName());
         }
     }

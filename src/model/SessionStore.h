@@ -19,15 +19,16 @@ struct LoadedSession {
     QString setAside;
 };
 
-enum class DamagedDocument {
-    /// Moved aside under another name, so that the next save does not overwrite it.
-    SetAside,
-    /// Left as it is, for readers that never change the library.
-    LeaveAlone,
+enum class LibraryAccess {
+    /// The one program that edits: what a killed one left half-written is swept away, and a damaged document is moved
+    /// aside under another name, so that the next save does not overwrite it.
+    Own,
+    /// Nothing in the folder is changed.
+    ReadOnly,
 };
 
 /// Loads the session of a library folder: photos whose files are gone are dropped, records are normalized,
 /// and the selection and last style fall back to what is left. Never throws.
-LoadedSession loadSession(const QString &libraryFolder, DamagedDocument damaged);
+LoadedSession loadSession(const QString &libraryFolder, LibraryAccess access);
 
 } // namespace tarnovel

@@ -136,7 +136,7 @@ TEST_F(Loading, DropsPhotosWhoseFilesAreGone)
     session.photos[1].settings.layers.clear();
     session.selected = session.photos.first().id;
     SessionWriter(folder()).save(session, 1);
-    const LoadedSession loaded = loadSession(folder(), DamagedDocument::SetAside);
+    const LoadedSession loaded = loadSession(folder(), LibraryAccess::Own);
     ASSERT_EQ(loaded.session.photos.size(), 1);
     EXPECT_EQ(loaded.session.selected, session.photos.at(1).id);
     EXPECT_EQ(loaded.session.lastStyle, std::nullopt);
@@ -151,7 +151,7 @@ TEST_F(Loading, TakesTheLastStyleFromTheSelectedPhoto)
     session.photos.first().settings.scale = 0.5;
     session.selected = session.photos.first().id;
     SessionWriter(folder()).save(session, 1);
-    EXPECT_EQ(loadSession(folder(), DamagedDocument::SetAside).session.lastStyle,
+    EXPECT_EQ(loadSession(folder(), LibraryAccess::Own).session.lastStyle,
               session.photos.first().settings);
 }
 
@@ -160,15 +160,15 @@ TEST_F(Loading, SetsADamagedDocumentAside)
     const QString owned = uuidText(QUuid::createUuid()) + u".jpg"_s;
     write(owned);
     write(u"session.json"_s, "{\"photos\":[");
-    EXPECT_EQ(loadSession(folder(), DamagedDocument::LeaveAlone).setAside, QString());
+    EXPECT_EQ(loadSession(folder(), LibraryAccess::ReadOnly).setAside, QString());
     EXPECT_EQ(read(u"session.json"_s), "{\"photos\":[");
-    const LoadedSession loaded = loadSession(folder(), DamagedDocument::SetAside);
+    const LoadedSession loaded = loadSession(folder(), LibraryAccess::Own);
     EXPECT_FALSE(loaded.decoded);
     EXPECT_EQ(loaded.session, Session{});
     EXPECT_TRUE(loaded.cleanupCandidates.empty());
     EXPECT_EQ(read(QFileInfo(loaded.setAside).fileName()), "{\"photos\":[");
     EXPECT_FALSE(QFileInfo::exists(path(u"session.json"_s)));
-    EXPECT_FALSE(loadSession(path(u"absent"_s), DamagedDocument::SetAside).decoded);
+    EXPECT_FALSE(loadSession(path(u"absent"_s), LibraryAccess::Own).decoded);
 }
 
 TEST_F(Cleanup, DeletesOnlyUnusedFilesOfItsOwnShape)

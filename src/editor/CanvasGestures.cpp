@@ -1,0 +1,151 @@
+#include "editor/CanvasGestures.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QTransform>
+
+#include "editor/EditorModel.h"
+#include "render/CompositionRenderer.h"
+#include "render/FrameGeometry.h"
+
+namespace tarnovel {
+
+namespace {
+
+/// How near the centre pulls, as a fraction of the canvas.
+constexpr double snapDistance = 0.012;
+constexpr double nearestToEdge = 0.02;
+constexpr double smallestTarget = 28;
+
+double heldText(double value)
+{
+    return std::clamp(value, nearestToEdge, 1 - nearestToEdge);
+}
+
+} // namespace
+
+void CanvasGestures::dragPhoto(QPointF translation, QSizeF canvas)
+{
+    const PhotoItem *item = m_model.current();
+    if (!item || canvas.isEmpty()) {
+        return;
+    }
+    if (!m_dragStart) {
+        m_model.checkpoint();
+        m_dragStart = QPointF(item->settings.x, item->settings.y);
+        m_guidesVisible = true;
+    }
+    FrameSettings settings = item->settings;
+    settings.x = FrameGeometry::snap(m_dragStart->x() + translation.x() / canvas.width(), snapDistance);
+    settings.y = FrameGeometry::snap(m_dragStart->y() + translation.y() / canvas.height(), snapDistance);
+    feedbackAtCenter({settings.x == 0, settings.y == 0});
+    m_model.update(settings);
+}
+
+void CanvasGestures::endPhotoDrag()
+{
+    m_dragStart.reset();
+    m_guidesVisible = false;
+}
+
+void CanvasGestures::pinchPhoto(double magnification)
+{
+    const PhotoItem *item = m_model.current();
+    if (!item || !std::isfinite(magnification)) {
+        return;
+    }
+    if (!m_pinchStart) {
+        m_model.checkpoint();
+        m_pinchStart = item->settings.scale;
+    }
+    FrameSettings settings = item->settings;
+    settings.scale = std::clamp(*m_pinchStart * magnification, 0.1, 1.0);
+    m_model.update(settings);
+}
+
+void CanvasGestures::endPinch()
+{
+    m_pinchStart.reset();
+}
+
+void CanvasGestures::moveText(const QString &layerId, QPointF position)
+{
+    FrameSettings settings = m_model.current()->settings;
+    TextLayer *layer = settings.layer(layerId);
+    layer->x = position.x();
+    layer->y = position.y();
+    m_model.update(settings);
+}
+
+void CanvasGestures::dragText(const QString &layerId, QPointF translation, QSizeF canvas)
+{
+    const PhotoItem *item = m_model.current();
+    const TextLayer *layer = item ? item->settings.layer(layerId) : nullptr;
+    if (!layer || canvas.isEmpty()) {
+        return;
+    }
+    if (!m_textStart) {
+        m_model.checkpoint();
+        m_textStart = QPointF(layer->x, layer->y);
+        m_guidesVisible = true;
+    }
+    const auto moved = [](double value) { return std::abs(value - 0.5) < snapDistance ? 0.5 : heldText(value); };
+    const QPointF position(moved(m_textStart->x() + translation.x() / canvas.width()),
+                           moved(m_textStart->y() + translation.y() / canvas.height()));
+    feedbackAtCenter({position.x() == 0.5, position.y() == 0.5});
+    moveText(layerId, position);
+}
+
+void CanvasGestures::endTextDrag()
+{
+    m_textStart.reset();
+    m_guidesVisible = false;
+}
+
+void CanvasGestures::nudge(const std::optional<QString> &layerId, QPointF fractions)
+{
+    const PhotoItem *item = m_model.current();
+    if (!item) {
+        return;
+    }
+    if (!layerId) {
+        FrameSettings settings = item->settings;
+        settings.x += fractions.x();
+        settings.y += fractions.y();
+        m_model.update(settings);
+    } else if (const TextLayer *layer = item->settings.layer(*layerId)) {
+        moveText(*layerId, {heldText(layer->x + fractions.x()), heldText(layer->y + fractions.y())});
+    }
+}
+
+std::optional<QString> CanvasGestures::layerAt(const FrameSettings &settings, QPointF position, QSizeF canvas)
+{
+    for (auto layer = settings.layers.crbegin(); layer != settings.layers.crend(); ++layer) {
+        if (!layer->visible || (layer->text.isEmpty() && !layer->imageFile)) {
+            continue;
+        }
+        QRectF target = CompositionRenderer::textRect(*layer, canvas);
+        const double growX = std::max(0.0, smallestTarget - target.width()) / 2;
+        const double growY = std::max(0.0, smallestTarget - target.height()) / 2;
+        target.adjust(-growX, -growY, growX, growY);
+        QTransform turned;
+        turned.translate(target.center().x(), target.center().y());
+        turned.rotate(-layer->rotation.value_or(0));
+        turned.translate(-target.center().x(), -target.center().y());
+        if (target.contains(turned.map(position))) {
+            return layer->id;
+        }
+    }
+    return std::nullopt;
+}
+
+void CanvasGestures::feedbackAtCenter(CentreSnap snap)
+{
+    if ((snap.x && !m_snap.x) || (snap.y && !m_snap.y)) {
+        ++m_snapFeedback;
+    }
+    m_snap = snap;
+}
+
+} // namespace tarnovel

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <optional>
+
+#include <QPointF>
+#include <QRectF>
+#include <QSizeF>
+#include <QString>
+
+#include "model/Session.h"
+
+namespace tarnovel {
+
+class EditorModel;
+
+/// Which axes of a dragged thing hold to the canvas's centre.
+struct CentreSnap {
+    bool x = false;
+    bool y = false;
+    bool operator==(const CentreSnap &) const = default;
+};
+
+/// The moves on the canvas as positions and times: what a drag or a pinch does to the selected photo. Each gesture is one
+/// undo step, begun by its first change.
+class CanvasGestures {
+public:
+    explicit CanvasGestures(EditorModel &model) : m_model(model) {}
+
+    /// `translation` is how far the finger has gone since the gesture began, in canvas units as displayed.
+    void dragPhoto(QPointF translation, QSizeF canvas);
+    void endPhotoDrag();
+
+    /// `magnification` is relative to the gesture's beginning.
+    void pinchPhoto(double magnification);
+    void endPinch();
+
+    void dragText(const QString &layerId, QPointF translation, QSizeF canvas);
+    void endTextDrag();
+
+    /// A step with the arrow keys, in fractions of the canvas: the photo, or the layer that is named.
+    void nudge(const std::optional<QString> &layerId, QPointF fractions);
+
+    /// The top-most visible text layer under `position`; texts are at least 28 units in each direction to the finger.
+    static std::optional<QString> layerAt(const FrameSettings &settings, QPointF position, QSizeF canvas);
+
+    bool guidesVisible() const { return m_guidesVisible; }
+    CentreSnap snap() const { return m_snap; }
+    /// Raised by one each time an axis newly holds.
+    int snapFeedback() const { return m_snapFeedback; }
+
+private:
+    void feedbackAtCenter(CentreSnap snap);
+    void moveText(const QString &layerId, QPointF position);
+
+    EditorModel &m_model;
+    std::optional<QPointF> m_dragStart;
+    std::optional<QPointF> m_textStart;
+    std::optional<double> m_pinchStart;
+    CentreSnap m_snap;
+    int m_snapFeedback = 0;
+    bool m_guidesVisible = false;
+};
+
+} // namespace tarnovel

@@ -1,0 +1,391 @@
+#include "editor/EditorModel.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "language/AppLanguage.h"
+#include "model/LibraryCleanup.h"
+#include "model/SessionStore.h"
+#include "model/Styling.h"
+#include "render/BuiltInTemplate.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+EditorModel::EditorModel(const EditorServices &services, Load load) : m_services(services), m_loader(services.pipeline)
+{
+    connect(&m_loader, &PreviewLoader::changed, this, [this] { tell(PreviewsChanged); });
+    connect(&m_loader, &PreviewLoader::unreadable, this, [this] {
+        setMessage(localized({"无法读取照片。", "Could not read this photo.", "Impossible de lire cette photo."}));
+    });
+    if (load == Load::StoredSession) {
+        LoadedSession loaded = loadSession(services.libraryFolder, LibraryAccess::Own);
+        m_session = std::move(loaded.session);
+        m_cleanupCandidates = std::move(loaded.cleanupCandidates);
+        m_saves = std::make_unique<SaveScheduler>(services.writer, services.clock, [this](bool done) { saved(done); });
+        loadPreview();
+    }
+}
+
+EditorModel::~EditorModel() = default;
+
+const PhotoItem *EditorModel::photo(const QUuid &id) const
+{
+    const auto found = std::ranges::find(m_session.photos, id, &PhotoItem::id);
+    return found == m_session.photos.end() ? nullptr : &*found;
+}
+
+const PhotoItem *EditorModel::current() const
+{
+    return m_session.selected ? photo(*m_session.selected) : nullptr;
+}
+
+PhotoItem *EditorModel::currentItem()
+{
+    return const_cast<PhotoItem *>(current());
+}
+
+void EditorModel::select(const QUuid &id)
+{
+    m_session.selected = id;
+    if (const PhotoItem *item = current()) {
+        m_session.lastStyle = item->settings;
+    }
+    m_loader.clear();
+    loadPreview();
+    tell(SelectionChanged | SettingsChanged);
+    scheduleSave();
+}
+
+void EditorModel::update(const FrameSettings &settings)
+{
+    PhotoItem *item = currentItem();
+    if (!item) {
+        return;
+    }
+    item->settings = settings;
+    m_session.lastStyle = settings;
+    tell(SettingsChanged);
+    scheduleSave();
+}
+
+qsizetype EditorModel::append(const QList<PhotoItem> &items)
+{
+    const QList<PhotoItem> taken = items.first(std::clamp<qsizetype>(mostPhotos - photos().size(), 0, items.size()));
+    if (taken.isEmpty()) {
+        scheduleSave();
+        return 0;
+    }
+    m_session.photos = taken + m_session.photos;
+    tell(PhotosChanged);
+    select(taken.first().id);
+    return taken.size();
+}
+
+bool EditorModel::autoApplied(std::optional<bool> autoApply) const
+{
+    return autoApply.value_or(autoApplyLastStyle());
+}
+
+qsizetype EditorModel::importPhotos(const QList<PhotoItem> &items, const std::optional<FrameSettings> &style,
+                                    std::optional<bool> autoApply, const std::stop_token &stop)
+{
+    if (stop.stop_requested()) {
+        return 0;
+    }
+    const std::optional<FrameSettings> applied = style                    ? style
+                                                 : autoApplied(autoApply) ? m_session.lastStyle
+                                                                          : std::nullopt;
+    QList<PhotoItem> ready = items;
+    if (applied) {
+        for (qsizetype i = 0; i < ready.size(); ++i) {
+            ready[i] = styled(ready.at(i), *applied, static_cast<int>(i));
+        }
+    }
+    const qsizetype added = append(ready);
+    if (applied && applied->style == FrameStyle::film) {
+        m_session.lastStyle = applied;
+        numberFilmFrame(*m_session.lastStyle, static_cast<int>(added));
+    }
+    scheduleSave();
+    return added;
+}
+
+FrameSettings EditorModel::styleForImport(const std::optional<FrameSettings> &explicitStyle, Origin origin,
+                                          std::optional<bool> autoApply) const
+{
+    if (explicitStyle) {
+        return *explicitStyle;
+    }
+    if (origin == Origin::Home) {
+        return BuiltInTemplates::make(BuiltInTemplate::plain, {}, {});
+    }
+    return autoApplied(autoApply) && m_session.lastStyle ? *m_session.lastStyle : FrameSettings();
+}
+
+void EditorModel::applyToAll()
+{
+    QList<QUuid> ids;
+    for (const PhotoItem &item : photos()) {
+        ids.append(item.id);
+    }
+    record(snapshot(ids));
+    const FrameSettings style = current() ? current()->settings : FrameSettings();
+    for (qsizetype i = 0; i < m_session.photos.size(); ++i) {
+        m_session.photos[i] = styled(photos().at(i), style, static_cast<int>(i));
+    }
+    if (const PhotoItem *item = current()) {
+        m_session.lastStyle = item->settings;
+    }
+    loadPreview();
+    tell(SettingsChanged);
+    scheduleSave();
+}
+
+void EditorModel::applyPreset(const SavedPreset &preset)
+{
+    checkpoint();
+    FrameSettings settings = preset.settings;
+    settings.normalize();
+    const QUuid id = preset.id;
+    update(settings);
+    markPresetUsed(id);
+    loadPreview();
+}
+
+bool EditorModel::savePreset(const QString &name)
+{
+    const PhotoItem *item = current();
+    if (!item) {
+        return false;
+    }
+    m_session.presets.append({QUuid::createUuid(), name, item->settings, m_services.clock.date()});
+    tell(PresetsChanged);
+    scheduleSave();
+    return true;
+}
+
+void EditorModel::deletePreset(const QUuid &id)
+{
+    m_session.presets.removeIf([&id](const SavedPreset &preset) { return preset.id == id; });
+    tell(PresetsChanged);
+    scheduleSave();
+}
+
+void EditorModel::markPresetUsed(const QUuid &id)
+{
+    for (SavedPreset &preset : m_session.presets) {
+        if (preset.id == id) {
+            preset.lastUsed = m_services.clock.date();
+        }
+    }
+    tell(PresetsChanged);
+    scheduleSave();
+}
+
+const SavedPreset *EditorModel::preferredPreset() const
+{
+    const auto latest = std::ranges::max_element(presets(), {}, [](const SavedPreset &preset) {
+        return preset.lastUsed.value_or(-std::numeric_limits<double>::infinity());
+    });
+    return latest == presets().end() ? nullptr : &*latest;
+}
+
+std::optional<QString> EditorModel::activeTemplateID() const
+{
+    const PhotoItem *item = current();
+    if (!item) {
+        return FrameSettings().templateID;
+    }
+    if (item->settings.templateID) {
+        return item->settings.templateID;
+    }
+    for (const BuiltInTemplate look : BuiltInTemplates::all()) {
+        if (BuiltInTemplates::make(look, item->settings, previews().palette) == item->settings) {
+            return BuiltInTemplates::id(look);
+        }
+    }
+    return std::nullopt;
+}
+
+void EditorModel::movePhoto(const QUuid &id, const QUuid &before)
+{
+    const auto indexOf = [this](const QUuid &wanted) {
+        return std::ranges::find(m_session.photos, wanted, &PhotoItem::id) - m_session.photos.begin();
+    };
+    const qsizetype from = indexOf(id);
+    const qsizetype to = indexOf(before);
+    if (from == to || from == photos().size() || to == photos().size()) {
+        return;
+    }
+    m_session.photos.move(from, to);
+    tell(PhotosChanged);
+    scheduleSave();
+}
+
+void EditorModel::selectFirst()
+{
+    m_session.selected = photos().isEmpty() ? std::nullopt : std::optional(photos().first().id);
+    m_loader.clear();
+    tell(SelectionChanged | SettingsChanged);
+}
+
+void EditorModel::removeCurrent()
+{
+    if (m_session.selected) {
+        removePhotos({*m_session.selected});
+    }
+}
+
+void EditorModel::removePhotos(const std::set<QUuid> &ids)
+{
+    m_session.photos.removeIf([&ids](const PhotoItem &item) { return ids.contains(item.id); });
+    tell(PhotosChanged);
+    if (m_session.selected && ids.contains(*m_session.selected)) {
+        selectFirst();
+    }
+    loadPreview();
+    scheduleSave();
+}
+
+void EditorModel::removeAll()
+{
+    m_session.photos.clear();
+    m_session.selected.reset();
+    m_history.clear();
+    m_loader.forget();
+    tell(PhotosChanged | SelectionChanged | SettingsChanged | HistoryChanged);
+    scheduleSave();
+}
+
+EditSnapshot EditorModel::snapshot(const QList<QUuid> &ids) const
+{
+    EditSnapshot step;
+    for (const QUuid &id : ids) {
+        if (const PhotoItem *item = photo(id)) {
+            step.settings.insert(id, item->settings);
+        }
+    }
+    step.selected = m_session.selected;
+    return step;
+}
+
+void EditorModel::record(const EditSnapshot &snapshot)
+{
+    m_history.record(snapshot);
+    tell(HistoryChanged);
+}
+
+void EditorModel::checkpoint()
+{
+    if (const PhotoItem *item = current()) {
+        record(snapshot({item->id}));
+    }
+}
+
+void EditorModel::undo()
+{
+    if (const auto step = m_history.undo([this](const QList<QUuid> &ids) { return snapshot(ids); })) {
+        restore(*step);
+    }
+}
+
+void EditorModel::redo()
+{
+    if (const auto step = m_history.redo([this](const QList<QUuid> &ids) { return snapshot(ids); })) {
+        restore(*step);
+    }
+}
+
+void EditorModel::restore(const EditSnapshot &step)
+{
+    for (PhotoItem &item : m_session.photos) {
+        if (const auto settings = step.settings.constFind(item.id); settings != step.settings.constEnd()) {
+            item.settings = *settings;
+        }
+    }
+    if (step.selected && photo(*step.selected)) {
+        m_session.selected = step.selected;
+    }
+    if (const PhotoItem *item = current()) {
+        m_session.lastStyle = item->settings;
+    }
+    m_loader.clear();
+    loadPreview();
+    tell(SettingsChanged | SelectionChanged | HistoryChanged);
+    scheduleSave();
+}
+
+std::set<QString> EditorModel::retainedFiles() const
+{
+    std::set<QString> files = m_session.referencedFiles();
+    files.merge(m_history.referencedFiles());
+    return files;
+}
+
+void EditorModel::scheduleSave(SaveScheduler::Moment moment)
+{
+    if (!m_saves) {
+        return;
+    }
+    m_cleanupCandidates.merge(retainedFiles());
+    m_saves->schedule(m_session, moment);
+}
+
+void EditorModel::flush()
+{
+    if (m_saves) {
+        m_saves->flush();
+    }
+}
+
+void EditorModel::saved(bool done)
+{
+    if (!done) {
+        setMessage(localized({"无法保存本次编辑，请检查设备剩余空间。",
+                              "Could not save your edits. Check available device storage.",
+                              "Impossible d’enregistrer vos modifications. Vérifiez l’espace de stockage."}));
+        return;
+    }
+    for (const QString &name :
+         LibraryCleanup::removeUnused(m_cleanupCandidates, retainedFiles(), m_services.libraryFolder)) {
+        m_cleanupCandidates.erase(name);
+    }
+}
+
+void EditorModel::loadPreview()
+{
+    if (const PhotoItem *item = current()) {
+        m_loader.load(*item);
+    } else {
+        m_loader.clear();
+    }
+}
+
+void EditorModel::setMessage(const QString &message)
+{
+    m_message = message;
+    tell(MessageChanged);
+}
+
+void EditorModel::setImport(bool busy, const QString &progress)
+{
+    m_busy = busy;
+    m_importProgress = progress;
+    tell(ImportChanged);
+}
+
+bool EditorModel::autoApplyLastStyle() const
+{
+    const QVariant stored = m_services.preferences.value(u"autoApplyLastStyle"_s, true);
+    // The file knows only texts: anything but a clear "false" is on.
+    return stored.toString() != u"false"_s;
+}
+
+void EditorModel::setAutoApplyLastStyle(bool on)
+{
+    m_services.preferences.setValue(u"autoApplyLastStyle"_s, on);
+}
+
+} // namespace tarnovel

@@ -1,0 +1,154 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <set>
+
+#include <QImage>
+#include <QObject>
+
+#include "editor/Clock.h"
+#include "editor/EditHistory.h"
+#include "editor/PreviewLoader.h"
+#include "editor/SaveScheduler.h"
+#include "model/Preferences.h"
+#include "model/Session.h"
+#include "model/SessionWriter.h"
+#include "pipeline/ImagePipeline.h"
+
+namespace tarnovel {
+
+/// What the editor model works with; all of it outlives the model.
+struct EditorServices {
+    ImagePipeline &pipeline;
+    SessionWriter &writer;
+    Preferences &preferences;
+    Clock &clock;
+    QString libraryFolder;
+};
+
+/// The one live copy of the editing session. Screens read it and change it through its operations; each change is told
+/// at once and saved after a pause. It lives on the interface thread.
+class EditorModel : public QObject {
+    Q_OBJECT
+
+public:
+    /// Photos in one session.
+    static constexpr qsizetype mostPhotos = 50;
+
+    enum class Load {
+        /// The stored session; changes are saved.
+        StoredSession,
+        /// Nothing; the disk is never touched.
+        Empty,
+    };
+
+    /// What has changed, for observers; several may come at once.
+    enum Change {
+        PhotosChanged = 1,
+        SelectionChanged = 2,
+        SettingsChanged = 4,
+        PresetsChanged = 8,
+        PreviewsChanged = 16,
+        MessageChanged = 32,
+        ImportChanged = 64,
+        HistoryChanged = 128,
+    };
+    Q_DECLARE_FLAGS(Changes, Change)
+
+    EditorModel(const EditorServices &services, Load load);
+    ~EditorModel() override;
+
+    const QList<PhotoItem> &photos() const { return m_session.photos; }
+    const std::optional<QUuid> &selected() const { return m_session.selected; }
+    const QList<SavedPreset> &presets() const { return m_session.presets; }
+    const std::optional<FrameSettings> &lastStyle() const { return m_session.lastStyle; }
+    /// The selected photo, or null.
+    const PhotoItem *current() const;
+    const PhotoItem *photo(const QUuid &id) const;
+    const Previews &previews() const { return m_loader.previews(); }
+    const EditHistory &history() const { return m_history; }
+    bool canUndo() const { return !m_history.undoStack().isEmpty(); }
+    bool canRedo() const { return !m_history.redoStack().isEmpty(); }
+    bool busy() const { return m_busy; }
+    const QString &importProgress() const { return m_importProgress; }
+    /// Something to tell the user, in the language of its moment; empty when there is nothing.
+    const QString &message() const { return m_message; }
+
+    void select(const QUuid &id);
+    /// Replaces the selected photo's settings. The checkpoint of the step is the caller's.
+    void update(const FrameSettings &settings);
+    /// Puts as many as there is room for at the front, and selects the first of them. Returns how many.
+    qsizetype append(const QList<PhotoItem> &items);
+    /// Styles new photos and puts them at the front. `style` and `autoApply` take the place of the last style and of
+    /// the preference. Nothing happens once `stop` is requested.
+    qsizetype importPhotos(const QList<PhotoItem> &items, const std::optional<FrameSettings> &style = {},
+                           std::optional<bool> autoApply = {}, const std::stop_token &stop = {});
+    enum class Origin { Editor, Home };
+    /// The style that new photos get.
+    FrameSettings styleForImport(const std::optional<FrameSettings> &explicitStyle, Origin origin,
+                                 std::optional<bool> autoApply = {}) const;
+    /// Gives every photo the selected one's settings, each keeping its camera texts.
+    void applyToAll();
+
+    void applyPreset(const SavedPreset &preset);
+    bool savePreset(const QString &name);
+    void deletePreset(const QUuid &id);
+    void markPresetUsed(const QUuid &id);
+    /// The saved style that was used last, or null.
+    const SavedPreset *preferredPreset() const;
+    /// The style that pickers show as chosen.
+    std::optional<QString> activeTemplateID() const;
+
+    /// Puts the photo at the place that `before` has now.
+    void movePhoto(const QUuid &id, const QUuid &before);
+    void removeCurrent();
+    void removePhotos(const std::set<QUuid> &ids);
+    /// Saved styles and the last style stay.
+    void removeAll();
+
+    EditSnapshot snapshot(const QList<QUuid> &ids) const;
+    void record(const EditSnapshot &snapshot);
+    /// Begins a step of the selected photo: call it before its settings change.
+    void checkpoint();
+    void undo();
+    void redo();
+
+    /// The files that the session or a step of the history needs.
+    std::set<QString> retainedFiles() const;
+    void scheduleSave(SaveScheduler::Moment moment = SaveScheduler::Moment::AfterAPause);
+    /// Returns when everything is on the disk.
+    void flush();
+    void loadPreview();
+
+    void setMessage(const QString &message);
+    void setImport(bool busy, const QString &progress);
+    bool autoApplyLastStyle() const;
+    void setAutoApplyLastStyle(bool on);
+    const QString &libraryFolder() const { return m_services.libraryFolder; }
+
+Q_SIGNALS:
+    void changed(tarnovel::EditorModel::Changes changes);
+
+private:
+    PhotoItem *currentItem();
+    bool autoApplied(std::optional<bool> autoApply) const;
+    void restore(const EditSnapshot &step);
+    void selectFirst();
+    void saved(bool done);
+    void tell(Changes changes) { Q_EMIT changed(changes); }
+
+    const EditorServices m_services;
+    Session m_session;
+    EditHistory m_history;
+    PreviewLoader m_loader;
+    std::unique_ptr<SaveScheduler> m_saves;
+    std::set<QString> m_cleanupCandidates;
+    QString m_message;
+    bool m_busy = false;
+    QString m_importProgress;
+};
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(EditorModel::Changes)
+
+} // namespace tarnovel

@@ -1,0 +1,177 @@
+#include "editor/ImportFlow.h"
+
+#include <utility>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QFutureWatcher>
+
+#include "language/AppLanguage.h"
+#include "model/ImportedFile.h"
+#include "pipeline/PipelineError.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+QString ImportSummary::message(ImportSource source) const
+{
+    QStringList parts;
+    if (truncated) {
+        parts.append(localized({"一次最多编辑 50 张，已添加前 ", "Up to 50 photos per session. Added the first ",
+                                "50 photos maximum par session. Les "}) +
+                     QString::number(added) + localized({" 张。", ".", " premières ont été ajoutées."}));
+    }
+    if (unreadable > 0) {
+        const QString count = QString::number(unreadable);
+        parts.append(count + (source == ImportSource::Files
+                                  ? localized({" 个文件无法读取。", " files could not be read.", " fichiers illisibles."})
+                                  : localized({" 张照片无法读取，其余已导入。",
+                                               " photos could not be read. The others were imported.",
+                                               " photos n’ont pas pu être lues. Les autres ont été importées."})));
+    }
+    return parts.join(u' ');
+}
+
+ImportFlow::ImportFlow(EditorModel &model, ImagePipeline &pipeline) : m_model(model), m_pipeline(pipeline)
+{
+    m_copier.setMaxThreadCount(1);
+}
+
+ImportFlow::~ImportFlow()
+{
+    m_stop.request_stop();
+    m_copier.waitForDone();
+}
+
+void ImportFlow::start(const ImportRequest &request)
+{
+    m_queue.append(request);
+    if (!m_running) {
+        next();
+    }
+}
+
+void ImportFlow::cancel()
+{
+    m_queue.clear();
+    m_stop.request_stop();
+}
+
+void ImportFlow::next()
+{
+    m_request = m_queue.takeFirst();
+    m_index = 0;
+    m_items.clear();
+    m_summary = {};
+    m_stop = {};
+    m_running = true;
+    step();
+}
+
+void ImportFlow::step()
+{
+    const qsizetype room = m_request.mode == ImportMode::Photos ? EditorModel::mostPhotos - m_model.photos().size() : 1;
+    const bool full = m_items.size() >= room;
+    if (m_stop.stop_requested() || full || m_index >= m_request.paths.size()) {
+        m_summary.truncated = full && m_request.mode == ImportMode::Photos && m_index < m_request.paths.size();
+        m_summary.cancelled = m_stop.stop_requested();
+        finish();
+        return;
+    }
+    m_model.setImport(true, u"%1 / %2"_s.arg(m_index + 1).arg(m_request.paths.size()));
+    const QString path = m_request.paths.at(m_index++);
+    m_copier.start([this, path, library = m_model.libraryFolder()] {
+        QString file;
+        try {
+            file = ImportedFile::receive(path, library).file;
+        } catch (const std::exception &) {
+            file.clear(); // counted as unreadable
+        }
+        QMetaObject::invokeMethod(this, [this, file] { copied(file); }, Qt::QueuedConnection);
+    });
+}
+
+void ImportFlow::copied(const QString &file)
+{
+    if (file.isEmpty()) {
+        inspected(file, std::nullopt);
+        return;
+    }
+    auto *watcher = new QFutureWatcher<PhotoItem>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, file] {
+        watcher->deleteLater();
+        std::optional<PhotoItem> item;
+        try {
+            item = watcher->result();
+        } catch (const QException &) {
+            item.reset(); // unreadable, or cancelled: `step` tells them apart
+        }
+        inspected(file, item);
+    });
+    watcher->setFuture(m_pipeline.inspect({file}, ImagePipeline::TestDecode::Yes, m_stop.get_token()));
+}
+
+void ImportFlow::inspected(const QString &file, const std::optional<PhotoItem> &item)
+{
+    if (item) {
+        m_items.append(*item);
+        // The library's name for the copy says nothing; the photo keeps the one it came with.
+        m_items.last().name = QFileInfo(m_request.paths.at(m_index - 1)).completeBaseName();
+    } else {
+        remove(file);
+        m_summary.unreadable += m_stop.stop_requested() ? 0 : 1;
+    }
+    step();
+}
+
+void ImportFlow::finish()
+{
+    if (m_summary.cancelled) {
+        for (const PhotoItem &item : std::as_const(m_items)) {
+            remove(item.file);
+        }
+    } else if (m_request.mode == ImportMode::Background) {
+        finishBackground();
+    } else if (!m_items.isEmpty()) {
+        m_summary.added = m_model.importPhotos(m_items, m_request.style, m_request.autoApply, m_stop.get_token());
+    }
+    m_running = false;
+    m_model.setImport(false, {});
+    if (!m_summary.cancelled) {
+        if (const QString message = m_summary.message(m_request.source); !message.isEmpty()) {
+            m_model.setMessage(message);
+        }
+    }
+    Q_EMIT finished(m_summary);
+    if (!m_running && !m_queue.isEmpty()) {
+        next();
+    }
+}
+
+void ImportFlow::finishBackground()
+{
+    if (m_items.isEmpty()) {
+        return;
+    }
+    const PhotoItem *current = m_model.current();
+    if (!current) {
+        remove(m_items.first().file);
+        return;
+    }
+    m_model.checkpoint();
+    FrameSettings settings = current->settings;
+    settings.background = Backdrop::image;
+    settings.backgroundFile = m_items.first().file;
+    m_model.update(settings);
+    m_model.loadPreview();
+}
+
+void ImportFlow::remove(const QString &file) const
+{
+    if (!file.isEmpty()) {
+        QFile::remove(m_model.libraryFolder() + u'/' + file);
+    }
+}
+
+} // namespace tarnovel

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <optional>
+#include <stop_token>
+
+#include <QObject>
+#include <QStringList>
+#include <QThreadPool>
+
+#include "editor/EditorModel.h"
+
+namespace tarnovel {
+
+/// What an import does with its files.
+enum class ImportMode {
+    /// Each becomes a photo of the session.
+    Photos,
+    /// The first that can be read becomes the selected photo's backdrop.
+    Background,
+};
+
+/// Where the files came from; it decides how unreadable ones are spoken of.
+enum class ImportSource { Files, PhotoPicker };
+
+struct ImportRequest {
+    QStringList paths;
+    ImportMode mode = ImportMode::Photos;
+    ImportSource source = ImportSource::Files;
+    /// A style that was chosen before the photos.
+    std::optional<FrameSettings> style;
+    /// Applies the last style or not, whatever the preference says.
+    std::optional<bool> autoApply;
+};
+
+/// What an import came to.
+struct ImportSummary {
+    qsizetype added = 0;
+    qsizetype unreadable = 0;
+    /// Files were left out because the session was full.
+    bool truncated = false;
+    bool cancelled = false;
+
+    /// What the user is told, in the current language; empty when all went as wished.
+    QString message(ImportSource source) const;
+};
+
+/// Brings files into the library and the session, one after another, off the interface thread. Copies that come to
+/// nothing are removed again. The model's `busy` and `importProgress` follow; its `message` ends with the summary's.
+class ImportFlow : public QObject {
+    Q_OBJECT
+
+public:
+    ImportFlow(EditorModel &model, ImagePipeline &pipeline);
+    ~ImportFlow() override;
+
+    /// Queued behind a running import.
+    void start(const ImportRequest &request);
+    void cancel();
+    bool running() const { return m_running; }
+
+Q_SIGNALS:
+    void finished(const tarnovel::ImportSummary &summary);
+
+private:
+    void next();
+    void step();
+    void copied(const QString &file);
+    void inspected(const QString &file, const std::optional<PhotoItem> &item);
+    void finish();
+    void finishBackground();
+    void remove(const QString &file) const;
+
+    EditorModel &m_model;
+    ImagePipeline &m_pipeline;
+    QList<ImportRequest> m_queue;
+    ImportRequest m_request;
+    qsizetype m_index = 0;
+    QList<PhotoItem> m_items;
+    ImportSummary m_summary;
+    bool m_running = false;
+    std::stop_source m_stop;
+    QThreadPool m_copier;
+};
+
+} // namespace tarnovel

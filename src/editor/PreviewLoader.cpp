@@ -1,0 +1,148 @@
+#include "editor/PreviewLoader.h"
+
+#include <utility>
+
+#include <QFutureWatcher>
+
+#include "base/Cancellation.h"
+#include "pipeline/PipelineError.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr int photoPixels = 1400;
+constexpr int blurSourcePixels = 500;
+constexpr int backdropPixels = 1200;
+constexpr int logoPixels = 600;
+constexpr int signaturePixels = 1200;
+
+} // namespace
+
+PreviewLoader::PreviewLoader(ImagePipeline &pipeline) : m_pipeline(pipeline) {}
+
+PreviewLoader::~PreviewLoader()
+{
+    m_stop.request_stop();
+}
+
+/// Hears of the outcome on this object's thread, unless a newer request has been made by then.
+template<typename Value>
+void PreviewLoader::whenDone(QFuture<Value> future, std::function<void(const Value &)> arrived,
+                             std::function<void()> failed)
+{
+    auto *watcher = new QFutureWatcher<Value>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this,
+            [watcher, stop = m_stop.get_token(), arrived = std::move(arrived), failed = std::move(failed)] {
+                watcher->deleteLater();
+                if (stop.stop_requested()) {
+                    return;
+                }
+                try {
+                    arrived(watcher->result());
+                } catch (const OperationCancelled &) {
+                    return;
+                } catch (const PipelineFailure &) {
+                    failed();
+                }
+            });
+    watcher->setFuture(std::move(future));
+}
+
+void PreviewLoader::request(const QString &file, int maxPixel, QImage Previews::*place)
+{
+    whenDone<QImage>(
+        m_pipeline.read(file, maxPixel, m_stop.get_token()),
+        [this, place](const QImage &image) {
+            m_previews.*place = image;
+            Q_EMIT changed();
+        },
+        [this, place] {
+            m_previews.*place = {};
+            Q_EMIT changed();
+        });
+}
+
+void PreviewLoader::load(const PhotoItem &item)
+{
+    m_stop.request_stop();
+    m_stop = {};
+    if (m_loadedFile == item.file) {
+        m_previews.photo = m_loadedImage;
+    } else {
+        whenDone<QImage>(
+            m_pipeline.read(item.file, photoPixels, m_stop.get_token()),
+            [this, file = item.file](const QImage &image) {
+                m_loadedFile = file;
+                m_loadedImage = image;
+                m_previews.photo = image;
+                Q_EMIT changed();
+            },
+            [this] { Q_EMIT unreadable(); });
+    }
+    loadBackground(item);
+    const TextLayer *logo = item.settings.layer(u"watermark"_s);
+    if (logo && logo->imageFile) {
+        request(*logo->imageFile, logoPixels, &Previews::watermark);
+    } else {
+        m_previews.watermark = {};
+    }
+    if (item.settings.handwritingFile) {
+        request(*item.settings.handwritingFile, signaturePixels, &Previews::handwriting);
+    } else {
+        m_previews.handwriting = {};
+    }
+    whenDone<QList<Ink>>(
+        m_pipeline.primaryColors(item.file, m_stop.get_token()),
+        [this](const QList<Ink> &colors) {
+            m_previews.palette = colors;
+            Q_EMIT changed();
+        },
+        [] {});
+    Q_EMIT changed();
+}
+
+void PreviewLoader::loadBackground(const PhotoItem &item)
+{
+    const FrameSettings &settings = item.settings;
+    if (settings.background == Backdrop::image && settings.backgroundFile) {
+        request(*settings.backgroundFile, backdropPixels, &Previews::background);
+    } else if (settings.background == Backdrop::blur) {
+        const auto failed = [this] {
+            m_previews.background = {};
+            Q_EMIT changed();
+        };
+        whenDone<QImage>(
+            m_pipeline.read(item.file, blurSourcePixels, m_stop.get_token()),
+            [this, failed](const QImage &source) {
+                whenDone<QImage>(
+                    m_pipeline.blurred(source, m_stop.get_token()),
+                    [this](const QImage &image) {
+                        m_previews.background = image;
+                        Q_EMIT changed();
+                    },
+                    failed);
+            },
+            failed);
+    } else {
+        m_previews.background = {};
+    }
+}
+
+void PreviewLoader::clear()
+{
+    m_stop.request_stop();
+    m_previews = {};
+    Q_EMIT changed();
+}
+
+void PreviewLoader::forget()
+{
+    m_loadedFile.clear();
+    m_loadedImage = {};
+    clear();
+}
+
+} // namespace tarnovel

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <stop_token>
+
+#include <QImage>
+#include <QObject>
+
+#include "pipeline/ImagePipeline.h"
+
+namespace tarnovel {
+
+/// What the canvas needs of the selected photo. An absent picture has not arrived, or cannot be read.
+struct Previews {
+    QImage photo;
+    QImage background;
+    QImage watermark;
+    QImage handwriting;
+    QList<Ink> palette;
+};
+
+/// Loads the pictures of one photo at a time; a newer request cancels the older one, which then publishes nothing more.
+class PreviewLoader : public QObject {
+    Q_OBJECT
+
+public:
+    explicit PreviewLoader(ImagePipeline &pipeline);
+    ~PreviewLoader() override;
+
+    /// Starts loading. Pictures of `previews` are replaced as they arrive.
+    void load(const PhotoItem &item);
+    /// Stops loading and drops the pictures; the decoded photo is kept for its return.
+    void clear();
+    /// Stops loading and forgets the decoded photo too.
+    void forget();
+
+    const Previews &previews() const { return m_previews; }
+
+Q_SIGNALS:
+    void changed();
+    /// The photo itself cannot be read.
+    void unreadable();
+
+private:
+    void loadBackground(const PhotoItem &item);
+    void request(const QString &file, int maxPixel, QImage Previews::*place);
+    template<typename Value>
+    void whenDone(QFuture<Value> future, std::function<void(const Value &)> arrived, std::function<void()> failed);
+
+    ImagePipeline &m_pipeline;
+    std::stop_source m_stop;
+    Previews m_previews;
+    QString m_loadedFile;
+    QImage m_loadedImage;
+};
+
+} // namespace tarnovel

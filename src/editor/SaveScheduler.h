@@ -1,0 +1,44 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <QObject>
+#include <QThreadPool>
+
+#include "editor/Clock.h"
+#include "model/SessionWriter.h"
+
+namespace tarnovel {
+
+/// Saves the session after a moment of quiet, on a thread of its own; each later request takes the place of one that
+/// still waits.
+class SaveScheduler : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Moment { AfterAPause, AtOnce };
+
+    /// `finished` hears of each save that no later one has overtaken, on the thread of this object.
+    SaveScheduler(SessionWriter &writer, Clock &clock, std::function<void(bool saved)> finished);
+    /// Waits for a save that is being written; one that still waits for its pause is written now.
+    ~SaveScheduler() override;
+
+    void schedule(const Session &session, Moment moment);
+
+    /// Writes what still waits and returns when everything is on the disk.
+    void flush();
+
+private:
+    void write();
+
+    SessionWriter &m_writer;
+    Clock &m_clock;
+    std::function<void(bool)> m_finished;
+    qint64 m_revision = 0;
+    Session m_waiting;
+    std::unique_ptr<PendingCall> m_pause;
+    QThreadPool m_thread;
+};
+
+} // namespace tarnovel
