@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include <QImage>
+
+namespace tarnovel {
+
+/// A block of memory aligned to 64 bytes, as the resampler needs it. Blocks come from a small pool shared by
+/// all threads and go back to it: fresh pages for 50–100 MB cost as much as decoding does. The bytes are not
+/// cleared.
+class PooledBuffer {
+public:
+    PooledBuffer() = default;
+    explicit PooledBuffer(size_t bytes);
+    ~PooledBuffer();
+    PooledBuffer(PooledBuffer &&other) noexcept;
+    PooledBuffer &operator=(PooledBuffer &&other) noexcept;
+
+    uint8_t *data() const { return m_data; }
+    /// Hands the block over to whoever calls giveBack with it.
+    uint8_t *release();
+    static void giveBack(void *block);
+
+private:
+    uint8_t *m_data = nullptr;
+};
+
+/// An image with undefined pixels whose memory comes from the pool and returns there with the last copy.
+QImage pooledImage(QSize size, QImage::Format format);
+
+} // namespace tarnovel

@@ -1,0 +1,103 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <new>
+#include <optional>
+
+#include <turbojpeg.h>
+
+#include "imaging/BufferPool.h"
+#include "imaging/ImageEncoder.h"
+
+namespace tarnovel {
+namespace {
+
+constexpr double fullColourFrom = 0.9;
+
+QImage opaque(const QImage &image)
+{
+    return image.depth() == 32 && image.pixelFormat().colorModel() == QPixelFormat::RGB &&
+                   image.format() != QImage::Format_RGBA8888 && image.format() != QImage::Format_RGBX8888 &&
+                   image.format() != QImage::Format_RGBA8888_Premultiplied &&
+                   image.format() <= QImage::Format_ARGB32_Premultiplied
+               ? image
+               : image.convertToFormat(QImage::Format_RGB32);
+}
+
+/// A picture's YCbCr planes at one subsampling.
+struct Planes {
+    PooledBuffer memory;
+    std::array<unsigned char *, 3> plane{};
+};
+
+} // namespace
+
+struct JpegEncoder::State {
+    QImage image;
+    tjhandle handle = nullptr;
+    std::optional<Planes> halfColour;
+    std::optional<Planes> fullColour;
+
+    Planes planes(int subsampling) const
+    {
+        const int width = image.width();
+        const int height = image.height();
+        std::array<size_t, 3> sizes{};
+        size_t total = 0;
+        for (int i = 0; i < 3; ++i) {
+            sizes[static_cast<size_t>(i)] = tjPlaneSizeYUV(i, width, 0, height, subsampling);
+            total += sizes[static_cast<size_t>(i)];
+        }
+        Planes made{PooledBuffer(total), {}};
+        size_t at = 0;
+        for (size_t i = 0; i < 3; ++i) {
+            made.plane[i] = made.memory.data() + at;
+            at += sizes[i];
+        }
+        if (tjEncodeYUVPlanes(handle, image.constBits(), width, static_cast<int>(image.bytesPerLine()),
+                              height, TJPF_BGRX, made.plane.data(), nullptr, subsampling,
+                              TJFLAG_ACCURATEDCT) != 0) {
+            throw std::bad_alloc();
+        }
+        return made;
+    }
+};
+
+JpegEncoder::JpegEncoder(const QImage &image) : m_state(std::make_unique<State>())
+{
+    m_state->image = opaque(image);
+    m_state->handle = tjInitCompress();
+    if (m_state->handle == nullptr) {
+        throw std::bad_alloc();
+    }
+}
+
+JpegEncoder::~JpegEncoder()
+{
+    tjDestroy(m_state->handle);
+}
+
+QByteArray JpegEncoder::encode(double quality)
+{
+    const bool full = quality >= fullColourFrom;
+    const int subsampling = full ? TJSAMP_444 : TJSAMP_420;
+    std::optional<Planes> &planes = full ? m_state->fullColour : m_state->halfColour;
+    if (!planes) {
+        planes = m_state->planes(subsampling);
+    }
+    const int width = m_state->image.width();
+    const int height = m_state->image.height();
+    // The worst case, of which only the pages that are written cost anything.
+    unsigned long size = tjBufSize(width, height, subsampling);
+    const PooledBuffer buffer(size);
+    unsigned char *bytes = buffer.data();
+    const int hundredths = std::clamp(static_cast<int>(std::lround(quality * 100)), 1, 100);
+    std::array<const unsigned char *, 3> source{planes->plane[0], planes->plane[1], planes->plane[2]};
+    if (tjCompressFromYUVPlanes(m_state->handle, source.data(), width, nullptr, height, subsampling, &bytes,
+                                &size, hundredths, TJFLAG_ACCURATEDCT | TJFLAG_NOREALLOC) != 0) {
+        throw std::bad_alloc();
+    }
+    return QByteArray(reinterpret_cast<const char *>(bytes), static_cast<qsizetype>(size));
+}
+
+} // namespace tarnovel

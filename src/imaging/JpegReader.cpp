@@ -1,0 +1,101 @@
+#include "imaging/JpegReader.h"
+
+#include <algorithm>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <jerror.h>
+
+#include "base/Cancellation.h"
+#include "imaging/ImageError.h"
+
+namespace tarnovel {
+namespace {
+
+// Encoders write ten to twenty scans. Every scan visits every block, so that a large picture is allowed
+// fewer: about as much work as a hundred scans of 24 megapixels.
+constexpr qint64 mostScans = 100;
+constexpr qint64 fewestScans = 24;
+constexpr qint64 mostScannedPixels = 2'400'000'000;
+
+constexpr int endOfImage = 0xd9;
+
+} // namespace
+
+JpegReader::JpegReader(const ImageFile &file, const std::stop_token &stop)
+{
+    m_stream = fdopen(fcntl(file.descriptor(), F_DUPFD_CLOEXEC, 0), "rb");
+    if (m_stream == nullptr || std::fseek(m_stream, 0, SEEK_SET) != 0) {
+        throw ImageError(ImageError::Cause::Missing, "cannot be read");
+    }
+    m_info.err = jpeg_std_error(&m_errors.manager);
+    m_errors.manager.error_exit = &JpegReader::leave;
+    m_errors.manager.emit_message = &JpegReader::warn;
+    m_progress.manager.progress_monitor = &JpegReader::step;
+    m_progress.stop = &stop;
+    m_info.client_data = this;
+    try {
+        run([this] {
+            jpeg_create_decompress(&m_info);
+            m_info.progress = &m_progress.manager;
+            jpeg_stdio_src(&m_info, m_stream);
+            jpeg_read_header(&m_info, TRUE);
+        });
+    } catch (...) {
+        jpeg_destroy_decompress(&m_info);
+        std::fclose(m_stream);
+        throw;
+    }
+}
+
+JpegReader::~JpegReader()
+{
+    jpeg_destroy_decompress(&m_info);
+    std::fclose(m_stream);
+}
+
+void JpegReader::leave(j_common_ptr info)
+{
+    std::longjmp(static_cast<JpegReader *>(info->client_data)->m_errors.jump, 1);
+}
+
+void JpegReader::warn(j_common_ptr info, int level)
+{
+    if (level >= 0) {
+        return;
+    }
+    const jpeg_error_mgr &errors = *info->err;
+    // Some cameras pad the data before the end marker: nothing of the picture is missing.
+    const bool padding = errors.msg_code == JWRN_EXTRANEOUS_DATA && errors.msg_parm.i[1] == endOfImage;
+    if (!padding && errors.msg_code != JWRN_ADOBE_XFORM && errors.msg_code != JWRN_JFIF_MAJOR) {
+        leave(info);
+    }
+}
+
+void JpegReader::step(j_common_ptr info)
+{
+    auto &self = *static_cast<JpegReader *>(info->client_data);
+    const qint64 pixels = qint64(self.m_info.image_width) * self.m_info.image_height;
+    const qint64 scans = std::clamp(mostScannedPixels / std::max<qint64>(pixels, 1), fewestScans, mostScans);
+    self.m_progress.tooManyScans = self.m_info.input_scan_number > scans;
+    if (self.m_progress.tooManyScans || self.m_progress.stop->stop_requested()) {
+        leave(info);
+    }
+}
+
+void JpegReader::fail()
+{
+    throwIfCancelled(*m_progress.stop);
+    if (m_progress.tooManyScans) {
+        throw ImageError(ImageError::Cause::TooLarge, "too many scans");
+    }
+    char message[JMSG_LENGTH_MAX] = "";
+    m_errors.manager.format_message(reinterpret_cast<j_common_ptr>(&m_info), message);
+    const int code = m_errors.manager.msg_code;
+    const bool unsupported = code == JERR_SOF_UNSUPPORTED || code == JERR_BAD_PRECISION ||
+                             code == JERR_CONVERSION_NOTIMPL || code == JERR_NOTIMPL;
+    throw ImageError(unsupported ? ImageError::Cause::Unsupported : ImageError::Cause::Damaged, message);
+}
+
+} // namespace tarnovel

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QByteArray>
+
+#include "imaging/ImageFile.h"
+
+namespace tarnovel {
+
+/// What stands in the chunks of a PNG file beside its picture.
+struct PngChunks {
+    /// The EXIF block, a TIFF header and its directories; empty when there is none.
+    QByteArray exif;
+    /// Whether every text and profile is small enough (64 KiB, which inflate to at most a thousand times as
+    /// much) for a parser that inflates them.
+    bool textIsSmall = true;
+};
+
+/// Reads chunk headers, and the content of the EXIF chunk alone.
+PngChunks readPngChunks(const ImageFile &file);
+
+} // namespace tarnovel

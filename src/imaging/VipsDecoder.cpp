@@ -1,0 +1,274 @@
+#include "imaging/VipsDecoder.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <unistd.h>
+
+#include "base/Cancellation.h"
+#include "imaging/ImageError.h"
+#include "imaging/ImageLimits.h"
+#include "imaging/PlaneScaler.h"
+#include "imaging/VipsRuntime.h"
+
+namespace tarnovel {
+namespace {
+
+// What is taken to memory before resampling; larger areas are averaged to whole fractions on the way.
+constexpr double mostPixelsInMemory = 64e6;
+// Formats and layouts that the libraries decode as a whole: several copies of them stay below a gigabyte.
+constexpr qint64 mostWholePixels = 128'000'000;
+constexpr qint64 mostWholeBytes = 800'000'000;
+constexpr qint64 largestWholeFile = 256'000'000;
+
+[[noreturn]] void throwDamaged()
+{
+    const QByteArray detail(vips_error_buffer());
+    vips_error_clear();
+    throw ImageError(ImageError::Cause::Damaged, detail.trimmed());
+}
+
+/// Takes over what an operation made; throws when it failed. By reference, for the operation may be called in
+/// the very expression that passes its result.
+VipsImagePtr checked(int failed, VipsImage *const &made)
+{
+    if (failed != 0) {
+        throwDamaged();
+    }
+    return VipsImagePtr(made);
+}
+
+VipsImagePtr load(const ImageFile &file, const std::stop_token &stop = {})
+{
+    ensureVips();
+    throwIfCancelled(stop);
+    // A descriptor's copies share its position.
+    lseek(file.descriptor(), 0, SEEK_SET);
+    const VipsSourcePtr source(vips_source_new_from_descriptor(file.descriptor()));
+    if (!source) {
+        throwDamaged();
+    }
+    VipsImage *made = nullptr;
+    int failed = 0;
+    const auto call = [&](auto loader) {
+        failed = loader(source.get(), &made, "access", VIPS_ACCESS_SEQUENTIAL, "fail_on", VIPS_FAIL_ON_ERROR,
+                        static_cast<void *>(nullptr));
+    };
+    switch (file.format()) {
+    case PictureFormat::Jpeg:
+        // Here any warning is about the data: JpegReader has judged the header already.
+        failed = vips_jpegload_source(source.get(), &made, "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
+                                      VIPS_FAIL_ON_WARNING, static_cast<void *>(nullptr));
+        break;
+    case PictureFormat::Png:
+        call(vips_pngload_source);
+        break;
+    case PictureFormat::Heif:
+    case PictureFormat::Avif:
+        call(vips_heifload_source);
+        break;
+    case PictureFormat::WebP:
+        call(vips_webpload_source);
+        break;
+    case PictureFormat::Tiff:
+        call(vips_tiffload_source);
+        break;
+    }
+    return checked(failed, made);
+}
+
+bool isInterlaced(const VipsImage *image)
+{
+    int interlaced = 0;
+    return vips_image_get_typeof(image, "interlaced") != 0 &&
+           vips_image_get_int(image, "interlaced", &interlaced) == 0 && interlaced != 0;
+}
+
+void checkWholeDecode(const ImageFile &file, VipsImage *image)
+{
+    const qint64 pixels = qint64(image->Xsize) * image->Ysize;
+    const qint64 bytes = pixels * qint64(VIPS_IMAGE_SIZEOF_PEL(image));
+    const bool whole = file.format() == PictureFormat::Heif || file.format() == PictureFormat::Avif ||
+                       file.format() == PictureFormat::WebP;
+    if (whole ? pixels > mostWholePixels || file.size() > largestWholeFile
+              : isInterlaced(image) && bytes > mostWholeBytes) {
+        throw ImageError(ImageError::Cause::TooLarge, "too large to be decoded as a whole");
+    }
+}
+
+QByteArray profileOf(VipsImage *image)
+{
+    const void *data = nullptr;
+    size_t length = 0;
+    if (vips_image_get_typeof(image, VIPS_META_ICC_NAME) == 0 ||
+        vips_image_get_blob(image, VIPS_META_ICC_NAME, &data, &length) != 0) {
+        return {};
+    }
+    return QByteArray(static_cast<const char *>(data), static_cast<qsizetype>(length));
+}
+
+/// A picture of red, green, blue and perhaps alpha in bytes, still in the profile `profile` if that is not
+/// empty.
+VipsImagePtr toRgbBytes(VipsImagePtr image, QByteArray &profile)
+{
+    const VipsInterpretation kind = vips_image_guess_interpretation(image.get());
+    const bool rgb = kind == VIPS_INTERPRETATION_sRGB || kind == VIPS_INTERPRETATION_RGB16 ||
+                     kind == VIPS_INTERPRETATION_RGB;
+    if (!rgb && !profile.isEmpty()) {
+        // A profile for grey or printing inks means nothing to the RGB pixels: it is applied here.
+        profile.clear();
+        VipsImage *made = nullptr;
+        if (vips_icc_transform(image.get(), &made, "srgb", "embedded", TRUE, "depth", 8,
+                               static_cast<void *>(nullptr)) == 0) {
+            image.reset(made);
+        } else {
+            vips_error_clear();
+        }
+    }
+    if (image->Type != VIPS_INTERPRETATION_sRGB || image->BandFmt != VIPS_FORMAT_UCHAR || image->Bands < 3) {
+        VipsImage *made = nullptr;
+        const int failed =
+            vips_colourspace(image.get(), &made, VIPS_INTERPRETATION_sRGB, "source_space",
+                             vips_image_guess_interpretation(image.get()), static_cast<void *>(nullptr));
+        image = checked(failed, made);
+    }
+    if (image->BandFmt != VIPS_FORMAT_UCHAR) {
+        VipsImage *made = nullptr;
+        image = checked(vips_cast_uchar(image.get(), &made, static_cast<void *>(nullptr)), made);
+    }
+    if (image->Bands > 4) {
+        VipsImage *made = nullptr;
+        const int failed = vips_extract_band(image.get(), &made, 0, "n", 4, static_cast<void *>(nullptr));
+        image = checked(failed, made);
+    }
+    if (image->Bands < 3) {
+        throw ImageError(ImageError::Cause::Unsupported, "no colour channels");
+    }
+    return image;
+}
+
+/// Averages `factor` × `factor` pixels to one; colours weigh by their alpha.
+VipsImagePtr averaged(VipsImagePtr image, int factor)
+{
+    const bool alpha = vips_image_hasalpha(image.get()) != 0;
+    const VipsBandFormat format = image->BandFmt;
+    VipsImage *made = nullptr;
+    if (alpha) {
+        image = checked(vips_premultiply(image.get(), &made, static_cast<void *>(nullptr)), made);
+    }
+    image = checked(vips_shrink(image.get(), &made, factor, factor, static_cast<void *>(nullptr)), made);
+    if (alpha) {
+        image = checked(vips_unpremultiply(image.get(), &made, static_cast<void *>(nullptr)), made);
+        image = checked(vips_cast(image.get(), &made, format, static_cast<void *>(nullptr)), made);
+    }
+    return image;
+}
+
+/// Stops an evaluation that nobody waits for any more.
+void watch(VipsImage *image, const std::stop_token &stop)
+{
+    if (!stop.stop_possible()) {
+        return;
+    }
+    vips_image_set_progress(image, TRUE);
+    const auto look = +[](VipsImage *running, void *, void *token) {
+        if (static_cast<const std::stop_token *>(token)->stop_requested()) {
+            vips_image_set_kill(running, TRUE);
+        }
+    };
+    g_signal_connect(image, "eval", G_CALLBACK(look), const_cast<std::stop_token *>(&stop));
+}
+
+/// Premultiplies straight alpha in place. False when every pixel is opaque.
+bool premultiply(uint8_t *pixels, qint64 count)
+{
+    bool transparent = false;
+    for (qint64 i = 0; i < count; ++i) {
+        uint8_t *pixel = pixels + i * 4;
+        const unsigned alpha = pixel[3];
+        if (alpha != 255) {
+            transparent = true;
+            for (int channel = 0; channel < 3; ++channel) {
+                const unsigned product = pixel[channel] * alpha + 128;
+                pixel[channel] = static_cast<uint8_t>((product + (product >> 8)) >> 8);
+            }
+        }
+    }
+    return transparent;
+}
+
+/// The whole pixels of the picture that the region needs, with what the filter reads beside it.
+QRect neededPixels(QSize picture, const QRectF &region, QSize size)
+{
+    const AxisPlan x = planAxis(picture.width(), region.x(), region.width(), size.width());
+    const AxisPlan y = planAxis(picture.height(), region.y(), region.height(), size.height());
+    const QRect window(QPoint(x.windowBegin, y.windowBegin), QPoint(x.windowEnd - 1, y.windowEnd - 1));
+    const QRect needed = window & QRect(QPoint(), picture);
+    return needed.isEmpty() ? QRect(QPoint(), picture) : needed;
+}
+
+} // namespace
+
+VipsHeader readVipsHeader(const ImageFile &file)
+{
+    const VipsImagePtr image = load(file);
+    VipsHeader header;
+    header.size = QSize(image->Xsize, image->Ysize);
+    checkPictureSize(header.size);
+    checkWholeDecode(file, image.get());
+    if (file.format() != PictureFormat::Heif && file.format() != PictureFormat::Avif) {
+        header.orientation = vips_image_get_orientation(image.get());
+    }
+    return header;
+}
+
+VipsPixels decodeWithVips(const ImageFile &file, const QRectF &region, QSize size,
+                          const std::stop_token &stop)
+{
+    VipsImagePtr image = load(file, stop);
+    const QSize picture(image->Xsize, image->Ysize);
+    checkPictureSize(picture);
+    checkWholeDecode(file, image.get());
+    VipsPixels result;
+    result.profile = profileOf(image.get());
+
+    const QRect needed = neededPixels(picture, region, size);
+    VipsImage *made = nullptr;
+    if (needed.size() != picture) {
+        const int failed = vips_extract_area(image.get(), &made, needed.left(), needed.top(), needed.width(),
+                                             needed.height(), static_cast<void *>(nullptr));
+        image = checked(failed, made);
+    }
+    const double pixels = double(needed.width()) * needed.height();
+    const int factor = std::min({static_cast<int>(std::ceil(std::sqrt(pixels / mostPixelsInMemory))),
+                                 needed.width(), needed.height()});
+    if (factor > 1) {
+        image = averaged(std::move(image), factor);
+    }
+    image = toRgbBytes(std::move(image), result.profile);
+
+    watch(image.get(), stop);
+    size_t bytes = 0;
+    const std::unique_ptr<void, GFree> memory(vips_image_write_to_memory(image.get(), &bytes));
+    throwIfCancelled(stop);
+    if (!memory) {
+        throwDamaged();
+    }
+    PackedSource packed;
+    packed.bits = static_cast<const uint8_t *>(memory.get());
+    packed.size = QSize(image->Xsize, image->Ysize);
+    packed.step = image->Bands;
+    packed.stride = ptrdiff_t(image->Xsize) * image->Bands;
+    const bool transparent =
+        image->Bands == 4 && premultiply(static_cast<uint8_t *>(memory.get()), qint64(bytes / 4));
+    packed.offset = {0, 1, 2, transparent ? 3 : -1};
+    const double scale = 1.0 / std::max(factor, 1);
+    const QRectF inMemory = QRectF(region.topLeft() - QPointF(needed.topLeft()), region.size());
+    result.image = scalePacked(
+        packed,
+        QRectF(inMemory.topLeft() * scale, QSizeF(inMemory.width() * scale, inMemory.height() * scale)), size,
+        stop);
+    return result;
+}
+
+} // namespace tarnovel

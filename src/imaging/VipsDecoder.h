@@ -1,0 +1,34 @@
+#pragma once
+
+#include <stop_token>
+
+#include <QByteArray>
+#include <QImage>
+#include <QRectF>
+
+#include "imaging/ImageFile.h"
+
+namespace tarnovel {
+
+struct VipsHeader {
+    QSize size;
+    /// 1 for the formats whose decoder turns the picture itself.
+    int orientation = 1;
+};
+
+/// Reads the header of a file in any of the formats. Throws an ImageError, also for a picture whose decoder
+/// would need it whole in memory and which is too large for that.
+VipsHeader readVipsHeader(const ImageFile &file);
+
+struct VipsPixels {
+    QImage image;
+    /// The RGB profile that the pixels are still in; empty for sRGB.
+    QByteArray profile;
+};
+
+/// Resamples `region` of the stored picture (in its pixels, edges going on outside it) to `size`. Throws an
+/// ImageError and OperationCancelled.
+VipsPixels decodeWithVips(const ImageFile &file, const QRectF &region, QSize size,
+                          const std::stop_token &stop);
+
+} // namespace tarnovel

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QRectF>
+#include <QString>
+
+namespace tarnovel::test {
+
+/// Smooth colour with texture down to four pixels: nothing that halving aliases, much that a poor filter
+/// loses.
+QImage texture(QSize size);
+/// A quarter in each of four colours: red, green / blue, yellow.
+QImage quarters(QSize size);
+
+/// Lanczos-3 in double precision whose edge pixels go on.
+QImage lanczosReference(const QImage &image, const QRectF &region, QSize size);
+/// Over red, green, blue (and alpha, where both have it); 99 for equal images.
+double psnr(const QImage &one, const QImage &other);
+double psnr(const QImage &one, const QImage &other, const QRect &area);
+
+struct JpegOptions {
+    int quality = 95;
+    int horizontal = 1;
+    int vertical = 1;
+    bool grey = false;
+    bool progressive = false;
+    bool storedAsRgb = false;
+};
+QByteArray jpeg(const QImage &image, const JpegOptions &options = {});
+/// The file with a marker segment put after its first two bytes.
+QByteArray withSegment(const QByteArray &file, int marker, const QByteArray &content);
+
+/// One entry of an EXIF directory; the value bytes are little-endian.
+struct ExifEntry {
+    quint16 tag;
+    quint16 type;
+    quint32 count;
+    QByteArray value;
+};
+/// A little-endian TIFF block: a first directory, and a photo directory.
+QByteArray exifBlock(QList<ExifEntry> first, const QList<ExifEntry> &photo = {});
+QByteArray orientationBlock(int orientation);
+QByteArray withExif(const QByteArray &jpegFile, const QByteArray &block);
+/// The PNG file with a chunk put after its header.
+QByteArray withChunk(const QByteArray &pngFile, const QByteArray &type, const QByteArray &content);
+
+/// A file written by the picture library; the name's ending and what follows it in brackets choose how.
+/// `bands` 1…4 are taken from grey, grey and alpha, RGB and RGBA; `depth` is 8 or 16.
+struct SaveOptions {
+    int bands = 3;
+    int depth = 8;
+    int orientation = 1;
+    bool cmyk = false;
+};
+void save(const QImage &image, const QString &path, const QString &brackets = {},
+          const SaveOptions &options = {});
+
+QString written(const QString &path, const QByteArray &bytes);
+QByteArray contents(const QString &path);
+
+} // namespace tarnovel::test

@@ -1,0 +1,146 @@
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <turbojpeg.h>
+
+#include "base/Cancellation.h"
+#include "imaging/Fixtures.h"
+#include "imaging/ImageDecoder.h"
+#include "imaging/ImageEncoder.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+namespace {
+
+using namespace test;
+
+int subsampling(const QByteArray &file)
+{
+    tjhandle handle = tjInitDecompress();
+    int width = 0;
+    int height = 0;
+    int found = -1;
+    int space = 0;
+    tjDecompressHeader3(handle, reinterpret_cast<const unsigned char *>(file.constData()),
+                        static_cast<unsigned long>(file.size()), &width, &height, &found, &space);
+    tjDestroy(handle);
+    return found;
+}
+
+/// The bisection as it is described, encoding at every step.
+JpegSearchResult plainSearch(const QMap<int, qint64> &sizes, qint64 limit)
+{
+    const auto fits = [&](double quality) {
+        return sizes[static_cast<int>(std::lround(quality * 100))] <= limit;
+    };
+    if (fits(0.95)) {
+        return {QByteArray(), 0.95, 1};
+    }
+    if (!fits(0.05)) {
+        return {std::nullopt, 0, 2};
+    }
+    double low = 0.05;
+    double high = 0.95;
+    double best = low;
+    for (int i = 0; i < 7; ++i) {
+        const double mid = (low + high) / 2;
+        if (fits(mid)) {
+            best = low = mid;
+        } else {
+            high = mid;
+        }
+    }
+    return {QByteArray(), best, 9};
+}
+
+TEST(JpegEncoder, StoresColourInFullFromNineTenthsOn)
+{
+    JpegEncoder encoder(texture(QSize(75, 53)));
+    EXPECT_EQ(subsampling(encoder.encode(0.89)), TJSAMP_420);
+    EXPECT_EQ(subsampling(encoder.encode(0.8999)), TJSAMP_420);
+    EXPECT_EQ(subsampling(encoder.encode(0.9)), TJSAMP_444);
+    EXPECT_EQ(encoder.encode(0.5), encoder.encode(0.5));
+    EXPECT_EQ(encoder.encode(0.701), encoder.encode(0.70));
+    EXPECT_GT(encoder.encode(1).size(), encoder.encode(0.95).size());
+    EXPECT_FALSE(encoder.encode(0).isEmpty());
+}
+
+TEST(JpegEncoder, KeepsThePictureAndNothingElse)
+{
+    const QTemporaryDir folder;
+    const QImage image = texture(QSize(333, 127));
+    const QByteArray file = JpegEncoder(image).encode(0.95);
+    EXPECT_GT(psnr(decodeImage(written(folder.filePath(u"a.jpg"_s), file), 1000), image), 38);
+    EXPECT_FALSE(file.contains("Exif"));
+    EXPECT_FALSE(file.contains("ICC_PROFILE"));
+    EXPECT_EQ(JpegEncoder(image.copy()).encode(0.95), file);
+}
+
+TEST(SearchJpegQuality, GivesWhatThePlainBisectionGivesForEveryLimit)
+{
+    for (const QImage &image :
+         {texture(QSize(600, 450)), quarters(QSize(97, 61)), quarters(QSize(700, 500))}) {
+        QMap<int, qint64> sizes;
+        JpegEncoder encoder(image);
+        for (int quality = 5; quality <= 95; ++quality) {
+            sizes[quality] = encoder.encode(quality / 100.0).size();
+        }
+        QList<qint64> limits;
+        for (const qint64 size : sizes) {
+            limits << size - 1 << size << size + 1;
+        }
+        int most = 0;
+        for (const qint64 limit : limits) {
+            const JpegSearchResult wanted = plainSearch(sizes, limit);
+            const JpegSearchResult found = searchJpegQuality(image, limit);
+            ASSERT_EQ(found.bytes.has_value(), wanted.bytes.has_value()) << limit;
+            ASSERT_EQ(found.quality, wanted.quality) << limit;
+            if (found.bytes) {
+                ASSERT_EQ(*found.bytes, encoder.encode(wanted.quality));
+                ASSERT_LE(found.bytes->size(), limit);
+            }
+            most = std::max(most, found.encodings);
+        }
+        EXPECT_LE(most, 12);
+    }
+}
+
+TEST(SearchJpegQuality, EncodesOnceWhenTheBestFitsAndTwiceWhenNothingDoes)
+{
+    const QImage image = texture(QSize(160, 120));
+    EXPECT_EQ(searchJpegQuality(image, 1'000'000).encodings, 1);
+    EXPECT_EQ(searchJpegQuality(image, 1'000'000).quality, 0.95);
+    EXPECT_EQ(searchJpegQuality(image, 100).encodings, 2);
+    EXPECT_FALSE(searchJpegQuality(image, 100).bytes.has_value());
+    EXPECT_FALSE(searchJpegQuality(image, -5).bytes.has_value());
+    std::stop_source source;
+    source.request_stop();
+    EXPECT_THROW(searchJpegQuality(image, 10'000, source.get_token()), OperationCancelled);
+}
+
+TEST(EncodePng, IsLosslessForOpaqueAndTransparentImages)
+{
+    const QTemporaryDir folder;
+    const QImage image = texture(QSize(301, 77));
+    const QImage opaque = decodeImage(written(folder.filePath(u"a.png"_s), encodePng(image)), 1000);
+    EXPECT_EQ(opaque.format(), QImage::Format_RGB32);
+    EXPECT_EQ(psnr(opaque, image), 99);
+    EXPECT_EQ(encodePng(image).at(25), 2); // the colour type in the header: RGB
+
+    QImage clear = image.convertToFormat(QImage::Format_ARGB32);
+    for (int x = 0; x < 200; ++x) {
+        clear.setPixel(x, 20, qRgba(200, 100, 50, x));
+    }
+    const QByteArray file = encodePng(clear.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+    EXPECT_EQ(file.at(25), 6);
+    const QImage back = decodeImage(written(folder.filePath(u"b.png"_s), file), 1000);
+    EXPECT_GT(psnr(back, clear.convertToFormat(QImage::Format_ARGB32_Premultiplied)), 65);
+    EXPECT_NEAR(qRed(QImage::fromData(file).pixel(150, 20)), 200, 2);
+}
+
+} // namespace
+} // namespace tarnovel
