@@ -90,7 +90,9 @@ void CanvasGestures::dragText(const QString &layerId, QPointF translation, QSize
         m_textStart = QPointF(layer->x, layer->y);
         m_guidesVisible = true;
     }
-    const auto moved = [](double value) { return std::abs(value - 0.5) < snapDistance ? 0.5 : heldText(value); };
+    const auto moved = [](double value) {
+        return std::abs(value - 0.5) < snapDistance ? 0.5 : heldText(value);
+    };
     const QPointF position(moved(m_textStart->x() + translation.x() / canvas.width()),
                            moved(m_textStart->y() + translation.y() / canvas.height()));
     feedbackAtCenter({position.x() == 0.5, position.y() == 0.5});

@@ -20,8 +20,8 @@ struct CentreSnap {
     bool operator==(const CentreSnap &) const = default;
 };
 
-/// The moves on the canvas as positions and times: what a drag or a pinch does to the selected photo. Each gesture is one
-/// undo step, begun by its first change.
+/// The moves on the canvas as positions and times: what a drag or a pinch does to the selected photo. Each
+/// gesture is one undo step, begun by its first change.
 class CanvasGestures {
 public:
     explicit CanvasGestures(EditorModel &model) : m_model(model) {}
@@ -40,7 +40,8 @@ public:
     /// A step with the arrow keys, in fractions of the canvas: the photo, or the layer that is named.
     void nudge(const std::optional<QString> &layerId, QPointF fractions);
 
-    /// The top-most visible text layer under `position`; texts are at least 28 units in each direction to the finger.
+    /// The top-most visible text layer under `position`; texts are at least 28 units in each direction to the
+    /// finger.
     static std::optional<QString> layerAt(const FrameSettings &settings, QPointF position, QSizeF canvas);
 
     bool guidesVisible() const { return m_guidesVisible; }

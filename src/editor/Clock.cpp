@@ -26,7 +26,8 @@ private:
 
 std::chrono::milliseconds SystemClock::elapsed() const
 {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now().time_since_epoch());
 }
 
 SecondsSince2001 SystemClock::date() const

@@ -22,7 +22,8 @@ public:
     virtual std::chrono::milliseconds elapsed() const = 0;
     virtual SecondsSince2001 date() const = 0;
     /// Calls `action` once on the calling thread's event loop, after `delay`.
-    virtual std::unique_ptr<PendingCall> after(std::chrono::milliseconds delay, std::function<void()> action) = 0;
+    virtual std::unique_ptr<PendingCall> after(std::chrono::milliseconds delay,
+                                               std::function<void()> action) = 0;
 };
 
 /// The machine's own clocks and Qt's timers.
@@ -30,7 +31,8 @@ class SystemClock : public Clock {
 public:
     std::chrono::milliseconds elapsed() const override;
     SecondsSince2001 date() const override;
-    std::unique_ptr<PendingCall> after(std::chrono::milliseconds delay, std::function<void()> action) override;
+    std::unique_ptr<PendingCall> after(std::chrono::milliseconds delay,
+                                       std::function<void()> action) override;
 };
 
 } // namespace tarnovel

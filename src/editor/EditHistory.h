@@ -28,8 +28,8 @@ public:
     /// A new step: what could be redone is gone. A snapshot of no photo is none.
     void record(const EditSnapshot &snapshot);
 
-    /// Takes the newest step back (forward); `present` tells the state of its photos now, which becomes the step of the
-    /// other direction. None when there is no step.
+    /// Takes the newest step back (forward); `present` tells the state of its photos now, which becomes the
+    /// step of the other direction. None when there is no step.
     template<typename Present>
     std::optional<EditSnapshot> undo(Present present)
     {
@@ -51,7 +51,8 @@ public:
 
 private:
     template<typename Present>
-    static std::optional<EditSnapshot> move(QList<EditSnapshot> &from, QList<EditSnapshot> &to, Present present)
+    static std::optional<EditSnapshot> move(QList<EditSnapshot> &from, QList<EditSnapshot> &to,
+                                            Present present)
     {
         if (from.isEmpty()) {
             return std::nullopt;

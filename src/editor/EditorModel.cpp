@@ -13,17 +13,20 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
-EditorModel::EditorModel(const EditorServices &services, Load load) : m_services(services), m_loader(services.pipeline)
+EditorModel::EditorModel(const EditorServices &services, Load load)
+    : m_services(services), m_loader(services.pipeline)
 {
     connect(&m_loader, &PreviewLoader::changed, this, [this] { tell(PreviewsChanged); });
     connect(&m_loader, &PreviewLoader::unreadable, this, [this] {
-        setMessage(localized({"无法读取照片。", "Could not read this photo.", "Impossible de lire cette photo."}));
+        setMessage(
+            localized({"无法读取照片。", "Could not read this photo.", "Impossible de lire cette photo."}));
     });
     if (load == Load::StoredSession) {
         LoadedSession loaded = loadSession(services.libraryFolder, LibraryAccess::Own);
         m_session = std::move(loaded.session);
         m_cleanupCandidates = std::move(loaded.cleanupCandidates);
-        m_saves = std::make_unique<SaveScheduler>(services.writer, services.clock, [this](bool done) { saved(done); });
+        m_saves = std::make_unique<SaveScheduler>(services.writer, services.clock,
+                                                  [this](bool done) { saved(done); });
         loadPreview();
     }
 }
@@ -72,7 +75,8 @@ void EditorModel::update(const FrameSettings &settings)
 
 qsizetype EditorModel::append(const QList<PhotoItem> &items)
 {
-    const QList<PhotoItem> taken = items.first(std::clamp<qsizetype>(mostPhotos - photos().size(), 0, items.size()));
+    const QList<PhotoItem> taken =
+        items.first(std::clamp<qsizetype>(mostPhotos - photos().size(), 0, items.size()));
     if (taken.isEmpty()) {
         scheduleSave();
         return 0;

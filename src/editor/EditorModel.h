@@ -27,8 +27,8 @@ struct EditorServices {
     QString libraryFolder;
 };
 
-/// The one live copy of the editing session. Screens read it and change it through its operations; each change is told
-/// at once and saved after a pause. It lives on the interface thread.
+/// The one live copy of the editing session. Screens read it and change it through its operations; each
+/// change is told at once and saved after a pause. It lives on the interface thread.
 class EditorModel : public QObject {
     Q_OBJECT
 
@@ -80,8 +80,8 @@ public:
     void update(const FrameSettings &settings);
     /// Puts as many as there is room for at the front, and selects the first of them. Returns how many.
     qsizetype append(const QList<PhotoItem> &items);
-    /// Styles new photos and puts them at the front. `style` and `autoApply` take the place of the last style and of
-    /// the preference. Nothing happens once `stop` is requested.
+    /// Styles new photos and puts them at the front. `style` and `autoApply` take the place of the last style
+    /// and of the preference. Nothing happens once `stop` is requested.
     qsizetype importPhotos(const QList<PhotoItem> &items, const std::optional<FrameSettings> &style = {},
                            std::optional<bool> autoApply = {}, const std::stop_token &stop = {});
     enum class Origin { Editor, Home };

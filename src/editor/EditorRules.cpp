@@ -110,13 +110,15 @@ namespace Confirmations {
 
 QString removePhoto()
 {
-    return localized({"从本次编辑中移除？原照片仍在相册中。", "Remove from this editing session? The original stays in Photos.",
+    return localized({"从本次编辑中移除？原照片仍在相册中。",
+                      "Remove from this editing session? The original stays in Photos.",
                       "Retirer de cette session ? L’original reste dans Photos."});
 }
 
 QString clearAll()
 {
-    return localized({"清空全部照片？原照片仍会保留在相册中。", "Clear all photos? The originals will remain in Photos.",
+    return localized({"清空全部照片？原照片仍会保留在相册中。",
+                      "Clear all photos? The originals will remain in Photos.",
                       "Effacer toutes les photos ? Les originaux restent dans Photos."});
 }
 

@@ -19,8 +19,8 @@ class SliderCheckpoints {
 public:
     SliderCheckpoints(EditorModel &model, Clock &clock) : m_model(model), m_clock(clock) {}
 
-    /// To be called before each change that the control `key` makes: a new step begins with another control, and when
-    /// more than a second has passed since the last change.
+    /// To be called before each change that the control `key` makes: a new step begins with another control,
+    /// and when more than a second has passed since the last change.
     void change(const QString &key);
     /// The next change begins a new step.
     void end() { m_key.clear(); }
@@ -40,28 +40,37 @@ QString absentNotice();
 /// "Enter a valid date…"
 QString invalidNotice();
 
-/// Writes the date into the selected photo's date text, as one step. False, with nothing changed, for anything but a date
-/// written year.month.day.
+/// Writes the date into the selected photo's date text, as one step. False, with nothing changed, for
+/// anything but a date written year.month.day.
 bool enter(EditorModel &model, const QString &text);
 
 } // namespace CaptureDateEntry
 
 /// The nine places of a layer, row by row.
 enum class QuickPosition {
-    TopLeft, TopCenter, TopRight, CenterLeft, Center, CenterRight, BottomLeft, BottomCenter, BottomRight
+    TopLeft,
+    TopCenter,
+    TopRight,
+    CenterLeft,
+    Center,
+    CenterRight,
+    BottomLeft,
+    BottomCenter,
+    BottomRight
 };
 
 namespace QuickPositions {
 
 constexpr std::array<QuickPosition, 9> all = {
-    QuickPosition::TopLeft,     QuickPosition::TopCenter, QuickPosition::TopRight,
-    QuickPosition::CenterLeft,  QuickPosition::Center,    QuickPosition::CenterRight,
-    QuickPosition::BottomLeft,  QuickPosition::BottomCenter, QuickPosition::BottomRight};
+    QuickPosition::TopLeft,    QuickPosition::TopCenter,    QuickPosition::TopRight,
+    QuickPosition::CenterLeft, QuickPosition::Center,       QuickPosition::CenterRight,
+    QuickPosition::BottomLeft, QuickPosition::BottomCenter, QuickPosition::BottomRight};
 
 /// In the current language.
 QString title(QuickPosition position);
 
-/// Where the layer's centre goes, as fractions of the canvas: a margin of 6 % of the canvas's width is kept on all sides.
+/// Where the layer's centre goes, as fractions of the canvas: a margin of 6 % of the canvas's width is kept
+/// on all sides.
 QPointF place(QuickPosition position, const TextLayer &layer, QSizeF canvas);
 
 } // namespace QuickPositions

@@ -18,17 +18,20 @@ QString ImportSummary::message(ImportSource source) const
 {
     QStringList parts;
     if (truncated) {
-        parts.append(localized({"一次最多编辑 50 张，已添加前 ", "Up to 50 photos per session. Added the first ",
-                                "50 photos maximum par session. Les "}) +
-                     QString::number(added) + localized({" 张。", ".", " premières ont été ajoutées."}));
+        parts.append(
+            localized({"一次最多编辑 50 张，已添加前 ", "Up to 50 photos per session. Added the first ",
+                       "50 photos maximum par session. Les "}) +
+            QString::number(added) + localized({" 张。", ".", " premières ont été ajoutées."}));
     }
     if (unreadable > 0) {
         const QString count = QString::number(unreadable);
-        parts.append(count + (source == ImportSource::Files
-                                  ? localized({" 个文件无法读取。", " files could not be read.", " fichiers illisibles."})
-                                  : localized({" 张照片无法读取，其余已导入。",
-                                               " photos could not be read. The others were imported.",
-                                               " photos n’ont pas pu être lues. Les autres ont été importées."})));
+        parts.append(
+            count +
+            (source == ImportSource::Files
+                 ? localized({" 个文件无法读取。", " files could not be read.", " fichiers illisibles."})
+                 : localized({" 张照片无法读取，其余已导入。",
+                              " photos could not be read. The others were imported.",
+                              " photos n’ont pas pu être lues. Les autres ont été importées."})));
     }
     return parts.join(u' ');
 }
@@ -71,10 +74,12 @@ void ImportFlow::next()
 
 void ImportFlow::step()
 {
-    const qsizetype room = m_request.mode == ImportMode::Photos ? EditorModel::mostPhotos - m_model.photos().size() : 1;
+    const qsizetype room =
+        m_request.mode == ImportMode::Photos ? EditorModel::mostPhotos - m_model.photos().size() : 1;
     const bool full = m_items.size() >= room;
     if (m_stop.stop_requested() || full || m_index >= m_request.paths.size()) {
-        m_summary.truncated = full && m_request.mode == ImportMode::Photos && m_index < m_request.paths.size();
+        m_summary.truncated =
+            full && m_request.mode == ImportMode::Photos && m_index < m_request.paths.size();
         m_summary.cancelled = m_stop.stop_requested();
         finish();
         return;
@@ -88,7 +93,8 @@ void ImportFlow::step()
         } catch (const std::exception &) {
             file.clear(); // counted as unreadable
         }
-        QMetaObject::invokeMethod(this, [this, file] { copied(file); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, file] { copied(file); }, Qt::QueuedConnection);
     });
 }
 
@@ -134,7 +140,8 @@ void ImportFlow::finish()
     } else if (m_request.mode == ImportMode::Background) {
         finishBackground();
     } else if (!m_items.isEmpty()) {
-        m_summary.added = m_model.importPhotos(m_items, m_request.style, m_request.autoApply, m_stop.get_token());
+        m_summary.added =
+            m_model.importPhotos(m_items, m_request.style, m_request.autoApply, m_stop.get_token());
     }
     m_running = false;
     m_model.setImport(false, {});

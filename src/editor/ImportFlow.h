@@ -44,8 +44,9 @@ struct ImportSummary {
     QString message(ImportSource source) const;
 };
 
-/// Brings files into the library and the session, one after another, off the interface thread. Copies that come to
-/// nothing are removed again. The model's `busy` and `importProgress` follow; its `message` ends with the summary's.
+/// Brings files into the library and the session, one after another, off the interface thread. Copies that
+/// come to nothing are removed again. The model's `busy` and `importProgress` follow; its `message` ends with
+/// the summary's.
 class ImportFlow : public QObject {
     Q_OBJECT
 

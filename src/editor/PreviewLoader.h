@@ -20,7 +20,8 @@ struct Previews {
     QList<Ink> palette;
 };
 
-/// Loads the pictures of one photo at a time; a newer request cancels the older one, which then publishes nothing more.
+/// Loads the pictures of one photo at a time; a newer request cancels the older one, which then publishes
+/// nothing more.
 class PreviewLoader : public QObject {
     Q_OBJECT
 
@@ -46,7 +47,8 @@ private:
     void loadBackground(const PhotoItem &item);
     void request(const QString &file, int maxPixel, QImage Previews::*place);
     template<typename Value>
-    void whenDone(QFuture<Value> future, std::function<void(const Value &)> arrived, std::function<void()> failed);
+    void whenDone(QFuture<Value> future, std::function<void(const Value &)> arrived,
+                  std::function<void()> failed);
 
     ImagePipeline &m_pipeline;
     std::stop_source m_stop;

@@ -45,7 +45,8 @@ void SaveScheduler::write()
 {
     // The pause may be what called: it must not be destroyed while it does.
     const std::shared_ptr<PendingCall> over = std::move(m_pause);
-    QMetaObject::invokeMethod(this, [over] {}, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [over] {}, Qt::QueuedConnection);
     m_thread.start([this, session = std::exchange(m_waiting, {}), revision = m_revision] {
         const bool saved = m_writer.save(session, revision);
         QMetaObject::invokeMethod(

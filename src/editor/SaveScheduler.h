@@ -11,8 +11,8 @@
 
 namespace tarnovel {
 
-/// Saves the session after a moment of quiet, on a thread of its own; each later request takes the place of one that
-/// still waits.
+/// Saves the session after a moment of quiet, on a thread of its own; each later request takes the place of
+/// one that still waits.
 class SaveScheduler : public QObject {
     Q_OBJECT
 

@@ -151,8 +151,7 @@ TEST_F(Loading, TakesTheLastStyleFromTheSelectedPhoto)
     session.photos.first().settings.scale = 0.5;
     session.selected = session.photos.first().id;
     SessionWriter(folder()).save(session, 1);
-    EXPECT_EQ(loadSession(folder(), LibraryAccess::Own).session.lastStyle,
-              session.photos.first().settings);
+    EXPECT_EQ(loadSession(folder(), LibraryAccess::Own).session.lastStyle, session.photos.first().settings);
 }
 
 TEST_F(Loading, SetsADamagedDocumentAside)
