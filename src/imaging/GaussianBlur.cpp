@@ -67,7 +67,7 @@ QImage gaussianBlurred(const QImage &image, double sigma)
 {
     const QImage::Format format =
         image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
-    const QImage source = image.format() == format ? image : image.convertToFormat(format);
+    QImage source = image.format() == format ? image : image.convertToFormat(format);
     if (source.isNull() || !(sigma >= smallestSigma)) {
         return source;
     }

@@ -87,10 +87,10 @@ QByteArray JpegEncoder::encode(double quality)
     }
     const int width = m_state->image.width();
     const int height = m_state->image.height();
-    // The worst case, of which only the pages that are written cost anything.
+    // The worst case, of which only the pages that are written cost anything: not one for the pool.
     unsigned long size = tjBufSize(width, height, subsampling);
-    const PooledBuffer buffer(size);
-    unsigned char *bytes = buffer.data();
+    const auto buffer = std::make_unique_for_overwrite<unsigned char[]>(size);
+    unsigned char *bytes = buffer.get();
     const int hundredths = std::clamp(static_cast<int>(std::lround(quality * 100)), 1, 100);
     std::array<const unsigned char *, 3> source{planes->plane[0], planes->plane[1], planes->plane[2]};
     if (tjCompressFromYUVPlanes(m_state->handle, source.data(), width, nullptr, height, subsampling, &bytes,

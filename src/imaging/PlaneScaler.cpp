@@ -243,9 +243,9 @@ QImage scalePacked(const PackedSource &source, const QRectF &region, QSize size,
 {
     const bool hasAlpha = source.offset[3] >= 0;
     const QImage::Format format = hasAlpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
-    const QRect whole = region.toRect();
-    if (QRectF(whole) == region && whole.size() == size && QRect(QPoint(), source.size).contains(whole) &&
-        source.step == 4 && source.offset[0] == 2) {
+    const bool inside = QRectF(QPointF(), QSizeF(source.size)).contains(region);
+    const QRect whole = inside ? region.toRect() : QRect();
+    if (QRectF(whole) == region && whole.size() == size && source.step == 4 && source.offset[0] == 2) {
         return copied(source, whole, format);
     }
     const AxisPlan x = planAxis(source.size.width(), region.x(), region.width(), size.width());

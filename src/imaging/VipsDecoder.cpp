@@ -23,9 +23,9 @@ constexpr qint64 largestWholeFile = 256'000'000;
 
 [[noreturn]] void throwDamaged()
 {
-    const QByteArray detail(vips_error_buffer());
+    const QByteArray detail = QByteArray(vips_error_buffer()).trimmed();
     vips_error_clear();
-    throw ImageError(ImageError::Cause::Damaged, detail.trimmed());
+    throw ImageError(ImageError::Cause::Damaged, detail.isEmpty() ? QByteArray("cannot be decoded") : detail);
 }
 
 /// Takes over what an operation made; throws when it failed. By reference, for the operation may be called in
