@@ -22,7 +22,8 @@ def main():
         stamp = passed_folder / f"{file.parent.name}-{file.stem}-{key.hexdigest()[:24]}"
         if stamp.exists():
             return ""
-        run = subprocess.run(["clang-tidy", "-p", str(build), "--quiet", str(file)], capture_output=True, text=True)
+        # What compilers warn of is the compiler's own business.
+        run = subprocess.run(["clang-tidy", "-p", str(build), "--quiet", "--extra-arg=-Wno-everything", str(file)], capture_output=True, text=True)
         if run.returncode == 0:
             stamp.touch()
             return ""

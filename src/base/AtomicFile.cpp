@@ -22,6 +22,8 @@ namespace {
 
 const QString temporaryPrefix = QStringLiteral(".tarnovel-");
 
+} // namespace
+
 /// A hidden file beside its goal. It is removed unless it was moved into place.
 class TemporaryFile {
 public:
@@ -148,6 +150,8 @@ private:
     bool m_moved = false;
 };
 
+namespace {
+
 void syncFolder(const QString &folder)
 {
     const int descriptor = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -178,6 +182,21 @@ void replaceFile(const QString &path, const QByteArray &bytes, Durability durabi
 
 QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor)
 {
+    StagedFiles staged(folder);
+    staged.stage(source);
+    return staged.publish([&nameFor](qsizetype, int attempt) { return nameFor(attempt); }).constFirst();
+}
+
+StagedFiles::StagedFiles(QString folder) : m_folder(std::move(folder)) {}
+
+StagedFiles::~StagedFiles() = default;
+
+void StagedFiles::stage(const QString &source)
+{
+    if (source.isEmpty()) {
+        TemporaryFile(m_folder).finish(Durability::Unsynced);
+        return;
+    }
     const int input = open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC);
     if (input < 0) {
         throw FileError(source, errno);
@@ -186,19 +205,35 @@ QString publishFile(const QString &source, const QString &folder, const std::fun
         int descriptor;
         ~Closer() { close(descriptor); }
     } closer{input};
+    auto temporary = std::make_unique<TemporaryFile>(m_folder);
+    if (!temporary->clone(input)) {
+        temporary->copy(input, source);
+    }
+    temporary->finish(Durability::Synced);
+    m_files.push_back(std::move(temporary));
+}
 
-    TemporaryFile temporary(folder);
-    if (!temporary.clone(input)) {
-        temporary.copy(input, source);
-    }
-    temporary.finish(Durability::Synced);
-    for (int attempt = 0;; ++attempt) {
-        QString path = folder + u'/' + nameFor(attempt);
-        if (temporary.moveToFreeName(path)) {
-            syncFolder(folder);
-            return path;
+QStringList StagedFiles::publish(const std::function<QString(qsizetype, int)> &nameFor)
+{
+    QStringList published;
+    try {
+        for (qsizetype index = 0; index < static_cast<qsizetype>(m_files.size()); ++index) {
+            for (int attempt = 0;; ++attempt) {
+                const QString path = m_folder + u'/' + nameFor(index, attempt);
+                if (m_files[static_cast<size_t>(index)]->moveToFreeName(path)) {
+                    published.append(path);
+                    break;
+                }
+            }
         }
+        syncFolder(m_folder);
+    } catch (const FileError &) {
+        for (const QString &path : published) {
+            unlink(QFile::encodeName(path).constData());
+        }
+        throw;
     }
+    return published;
 }
 
 void sweepTemporaryFiles(const QString &folder)

@@ -1,11 +1,16 @@
 #pragma once
 
 #include <functional>
+#include <memory>
+#include <vector>
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 namespace tarnovel {
+
+class TemporaryFile;
 
 enum class Durability {
     /// The bytes and the folder's entry have reached the disk on return.
@@ -23,6 +28,28 @@ void replaceFile(const QString &path, const QByteArray &bytes, Durability durabi
 /// of one that another process makes at the same moment. Throws a FileError, and leaves nothing behind, when
 /// the disk refuses.
 QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor);
+
+/// Copies of several files that appear in a folder together. Until then, and for ever when something fails,
+/// the folder shows none of them.
+class StagedFiles {
+public:
+    explicit StagedFiles(QString folder);
+    ~StagedFiles();
+    StagedFiles(const StagedFiles &) = delete;
+    StagedFiles &operator=(const StagedFiles &) = delete;
+
+    /// Copies a file beside its goal, durably; an empty path only tries whether the folder can be written.
+    /// Throws a FileError.
+    void stage(const QString &source);
+
+    /// Gives every copy the first of nameFor(index, 0), nameFor(index, 1), … that is free. When one of them
+    /// cannot have it, those that already appeared are taken back, and a FileError is thrown.
+    QStringList publish(const std::function<QString(qsizetype index, int attempt)> &nameFor);
+
+private:
+    QString m_folder;
+    std::vector<std::unique_ptr<TemporaryFile>> m_files;
+};
 
 /// Removes the temporary files that writes of these functions left in `folder` when their process was killed.
 /// A write that another process is still making is left alone.

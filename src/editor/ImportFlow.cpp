@@ -4,11 +4,11 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QFutureWatcher>
 
 #include "language/AppLanguage.h"
 #include "model/ImportedFile.h"
 #include "pipeline/PipelineError.h"
+#include "pipeline/WhenFinished.h"
 
 using namespace Qt::StringLiterals;
 
@@ -104,18 +104,16 @@ void ImportFlow::copied(const QString &file)
         inspected(file, std::nullopt);
         return;
     }
-    auto *watcher = new QFutureWatcher<PhotoItem>(this);
-    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, file] {
-        watcher->deleteLater();
-        std::optional<PhotoItem> item;
-        try {
-            item = watcher->result();
-        } catch (const QException &) {
-            item.reset(); // unreadable, or cancelled: `step` tells them apart
-        }
-        inspected(file, item);
-    });
-    watcher->setFuture(m_pipeline.inspect({file}, ImagePipeline::TestDecode::Yes, m_stop.get_token()));
+    whenFinished<PhotoItem>(m_pipeline.inspect({file}, ImagePipeline::TestDecode::Yes, m_stop.get_token()),
+                            this, [this, file](const QFuture<PhotoItem> &finished) {
+                                std::optional<PhotoItem> item;
+                                try {
+                                    item = finished.result();
+                                } catch (const QException &) {
+                                    item.reset(); // unreadable, or cancelled: `step` tells them apart
+                                }
+                                inspected(file, item);
+                            });
 }
 
 void ImportFlow::inspected(const QString &file, const std::optional<PhotoItem> &item)

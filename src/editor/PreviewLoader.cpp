@@ -2,10 +2,9 @@
 
 #include <utility>
 
-#include <QFutureWatcher>
-
 #include "base/Cancellation.h"
 #include "pipeline/PipelineError.h"
+#include "pipeline/WhenFinished.h"
 
 using namespace Qt::StringLiterals;
 
@@ -33,22 +32,20 @@ template<typename Value>
 void PreviewLoader::whenDone(QFuture<Value> future, std::function<void(const Value &)> arrived,
                              std::function<void()> failed)
 {
-    auto *watcher = new QFutureWatcher<Value>(this);
-    connect(watcher, &QFutureWatcherBase::finished, this,
-            [watcher, stop = m_stop.get_token(), arrived = std::move(arrived), failed = std::move(failed)] {
-                watcher->deleteLater();
-                if (stop.stop_requested()) {
-                    return;
-                }
-                try {
-                    arrived(watcher->result());
-                } catch (const OperationCancelled &) {
-                    return;
-                } catch (const PipelineFailure &) {
-                    failed();
-                }
-            });
-    watcher->setFuture(std::move(future));
+    whenFinished<Value>(std::move(future), this,
+                        [stop = m_stop.get_token(), arrived = std::move(arrived),
+                         failed = std::move(failed)](const QFuture<Value> &finished) {
+                            if (stop.stop_requested()) {
+                                return;
+                            }
+                            try {
+                                arrived(finished.result());
+                            } catch (const OperationCancelled &) {
+                                return;
+                            } catch (const PipelineFailure &) {
+                                failed();
+                            }
+                        });
 }
 
 void PreviewLoader::request(const QString &file, int maxPixel, QImage Previews::*place)

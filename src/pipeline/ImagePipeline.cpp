@@ -178,7 +178,7 @@ QList<Ink> ImagePipeline::colors(const QString &file, const std::stop_token &sto
     if (const auto known = m_paletteCache.constFind(file); known != m_paletteCache.constEnd()) {
         return *known;
     }
-    const QList<Ink> colors = PhotoPalette::extract(decoded(file, palettePixels, stop));
+    QList<Ink> colors = PhotoPalette::extract(decoded(file, palettePixels, stop));
     if (m_paletteCache.size() >= mostPalettes) {
         m_paletteCache.clear();
     }

@@ -84,7 +84,7 @@ QImage colored(const std::vector<float> &mask, QSize size, const QColor &color)
     for (int y = 0; y < size.height(); ++y) {
         auto *pixels = reinterpret_cast<QRgb *>(image.scanLine(y));
         for (int x = 0; x < size.width(); ++x, ++value) {
-            const auto component = [&value](float part) { return static_cast<int>(*value * part + 0.5F); };
+            const auto component = [&value](float part) { return static_cast<int>(std::lround(*value * part)); };
             pixels[x] = qRgba(component(red), component(green), component(blue), component(color.alphaF()));
         }
     }

@@ -1,0 +1,140 @@
+#include "export/ExportChoices.h"
+
+#include "language/AppLanguage.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+ExportChoices ExportChoices::stored(const Preferences &preferences)
+{
+    ExportChoices choices;
+    const int resolution = preferences.value(u"macExportResolution"_s, choices.resolution).toInt();
+    if (resolution == 1080 || resolution == 0) {
+        choices.resolution = resolution;
+    }
+    choices.png = preferences.value(u"macExportPNG"_s, false).toBool();
+    const double limit = preferences.value(u"macExportMaxMB"_s, 0).toDouble();
+    if (limit == 1 || limit == 2 || limit == 5) {
+        choices.maxMB = limit;
+    }
+    return choices;
+}
+
+ExportChoices ExportChoices::forSheet()
+{
+    ExportChoices choices;
+    choices.resolution = 1080;
+    return choices;
+}
+
+void ExportChoices::store(Preferences &preferences) const
+{
+    preferences.setValue(u"macExportResolution"_s, resolution);
+    preferences.setValue(u"macExportPNG"_s, png);
+    preferences.setValue(u"macExportMaxMB"_s, maxMB);
+}
+
+ExportOptions ExportChoices::options() const
+{
+    ExportOptions options;
+    options.fullResolution = resolution == 0;
+    options.longEdge = resolution == 0 ? 1080 : resolution;
+    options.png = png;
+    options.maxMB = png ? 0 : maxMB;
+    return options;
+}
+
+QList<PhotoItem> ExportChoices::photos(const EditorModel &model) const
+{
+    const PhotoItem *current = model.current();
+    if (!current) {
+        return {};
+    }
+    return all ? model.photos() : QList<PhotoItem>{*current};
+}
+
+namespace ExportTexts {
+
+QString sizeGroup()
+{
+    return localized({"尺寸", "Size", "Taille"});
+}
+
+QList<Choice> sizes()
+{
+    return {{1080, localized({"短边 1080 像素", "1080 px short edge", "Petit côté 1080 px"})},
+            {4096, localized({"长边 4096 像素", "4096 px long edge", "Grand côté 4096 px"})},
+            {0, localized({"原始尺寸", "Original size", "Taille d’origine"})}};
+}
+
+QString formatGroup()
+{
+    return localized({"格式", "Format", "Format"});
+}
+
+QString limitGroup()
+{
+    return localized({"大小上限", "Size limit", "Taille maximale"});
+}
+
+QList<Choice> limits()
+{
+    QList<Choice> list = {{0, localized({"不限", "None", "Aucune"})}};
+    for (const int limit : {1, 2, 5}) {
+        list.append({static_cast<double>(limit), QString::number(limit) + localized({" MB", " MB", " Mo"})});
+    }
+    return list;
+}
+
+QString startButton(qsizetype count)
+{
+    if (count < 2) {
+        return localized({"导出到文件夹…", "Export to folder…", "Exporter vers un dossier…"});
+    }
+    const QString number = QString::number(count);
+    return localized({"导出 ", "Export ", "Exporter "}) + number +
+           localized({" 张到文件夹…", " photos to folder…", " photos vers un dossier…"});
+}
+
+QString progress(int done, int total)
+{
+    return localized({"正在处理照片 ", "Processing photos ", "Traitement des photos "}) +
+           QString::number(done) + u" / "_s + QString::number(total);
+}
+
+QString cancelButton()
+{
+    return localized({"取消", "Cancel", "Annuler"});
+}
+
+QString cancelled(qsizetype written)
+{
+    return localized({"已取消。已导出的 ", "Cancelled. ", "Annulé. "}) + QString::number(written) +
+           localized({" 张保留在文件夹中。", " exported photos remain in the folder.",
+                      " photos exportées restent dans le dossier."});
+}
+
+QString failed(const QString &description)
+{
+    return localized({"导出失败：", "Export failed: ", "Échec de l’export : "}) + description;
+}
+
+QString exported(qsizetype count)
+{
+    if (count == 1) {
+        return localized({"已导出 1 张照片", "1 photo exported", "1 photo exportée"});
+    }
+    return localized({"已导出 ", "", ""}) + QString::number(count) +
+           localized({" 张照片", " photos exported", " photos exportées"});
+}
+
+QString privacy()
+{
+    return localized({"无应用水印，无位置数据。", "No app watermark. No location data.",
+                      "Sans filigrane ni données de localisation."});
+}
+
+} // namespace ExportTexts
+
+} // namespace tarnovel

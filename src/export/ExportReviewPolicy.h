@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QProcessEnvironment>
+#include <QString>
+#include <QStringList>
+
+#include "model/Preferences.h"
+
+/// When to ask for a rating: after the third successful export into the photo library at the earliest, and
+/// once a version.
+namespace tarnovel::ExportReviewPolicy {
+
+/// Counts one successful export, and tells whether to ask now.
+bool recordSuccess(Preferences &preferences, const QString &currentVersion, const QStringList &arguments,
+                   const QProcessEnvironment &environment);
+
+/// True in automated runs and in previews.
+bool promptsDisabled(const QStringList &arguments, const QProcessEnvironment &environment);
+
+} // namespace tarnovel::ExportReviewPolicy

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <optional>
+
+#include <QImage>
+#include <QObject>
+#include <QStringList>
+#include <QUuid>
+
+#include "export/ExportRun.h"
+#include "language/PhotographyQuotes.h"
+
+namespace tarnovel {
+
+/// One finished export; it never changes.
+struct ExportResult {
+    QUuid id;
+    QString folder;
+    /// The files written, in the order of the run.
+    QStringList files;
+    /// Of the first four files at most; a file that cannot be read has none.
+    QList<QImage> thumbnails;
+    std::optional<PhotographyQuote> quote;
+};
+
+/// Exports photos into a folder, one after another. Finished files stay whatever happens to the rest;
+/// existing ones are never overwritten.
+class FolderExport : public QObject {
+    Q_OBJECT
+
+public:
+    explicit FolderExport(ImagePipeline &pipeline);
+
+    /// Nothing happens without photos or while a run is under way.
+    void start(const QList<PhotoItem> &photos, const ExportOptions &options, const QString &folder);
+    void cancel() { m_run.cancel(); }
+
+    bool working() const { return m_run.running(); }
+    int progress() const { return m_progress; }
+    int total() const { return m_total; }
+    /// The last failure or cancellation, as the user is told; empty when there is none.
+    const QString &error() const { return m_error; }
+    const std::optional<ExportResult> &result() const { return m_result; }
+    void dismissResult();
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    QString deliver(const PhotoItem &photo, const ExportedFile &file) const;
+    void fail(const QString &error);
+    void finish();
+    void addThumbnails();
+
+    ImagePipeline &m_pipeline;
+    QString m_folder;
+    QStringList m_written;
+    QString m_extension;
+    int m_progress = 0;
+    int m_total = 0;
+    QString m_error;
+    std::optional<ExportResult> m_result;
+    ExportRun m_run;
+};
+
+} // namespace tarnovel

@@ -1,0 +1,190 @@
+#include "export/LibraryExport.h"
+
+#include "language/AppLanguage.h"
+#include "pipeline/PipelineError.h"
+#include "pipeline/WhenFinished.h"
+
+namespace tarnovel {
+
+namespace {
+
+constexpr qsizetype mostThumbnails = 4;
+constexpr int thumbnailPixels = 700;
+
+QString restrictedText()
+{
+    return localized(
+        {"此设备限制了照片访问，请检查屏幕使用时间或设备管理设置。",
+         "Photo access is restricted on this device. Check Screen Time or device management settings.",
+         "L’accès aux photos est restreint sur cet appareil. Vérifiez Temps d’écran ou la gestion de "
+         "l’appareil."});
+}
+
+QString deniedText()
+{
+    return localized(
+        {"未保存任何照片。请在设置中允许 Tarnovel 添加照片后重试。",
+         "No photos were saved. Allow Tarnovel to add photos in Settings, then try again.",
+         "Aucune photo enregistrée. Autorisez Tarnovel à ajouter des photos dans Réglages, puis réessayez."});
+}
+
+} // namespace
+
+LibraryExport::LibraryExport(ImagePipeline &pipeline, PhotoLibrary &library)
+    : m_pipeline(pipeline),
+      m_library(library),
+      m_files(std::make_shared<ExportFileLifetime>()),
+      m_run(pipeline)
+{
+    m_disk.setMaxThreadCount(1);
+}
+
+LibraryExport::~LibraryExport()
+{
+    m_disk.waitForDone();
+}
+
+void LibraryExport::start(const QList<PhotoItem> &photos, const ExportOptions &options)
+{
+    if (photos.isEmpty() || m_phase == Phase::Rendering || m_phase == Phase::Saving) {
+        return;
+    }
+    m_photos = photos;
+    m_options = options;
+    // Files of the last run that are still being shared stay with their sharer.
+    m_files = std::make_shared<ExportFileLifetime>();
+    m_phase = Phase::Rendering;
+    m_progress = 0;
+    m_total = static_cast<int>(photos.size());
+    m_error.clear();
+    m_denied = false;
+    m_saved.clear();
+    m_thumbnails.clear();
+    m_quote.reset();
+    Q_EMIT changed();
+    m_disk.start([this] {
+        const PhotoLibraryAccess access = m_library.requestAccess();
+        QMetaObject::invokeMethod(
+            this, [this, access] { begin(access); }, Qt::QueuedConnection);
+    });
+}
+
+void LibraryExport::begin(PhotoLibraryAccess access)
+{
+    if (access != PhotoLibraryAccess::Authorised) {
+        m_denied = access == PhotoLibraryAccess::Denied;
+        fail(m_denied ? deniedText() : restrictedText());
+        return;
+    }
+    const auto failed = [this](const QString &description) {
+        fail(localized({"无法处理这批照片，尚未保存到相册：",
+                        "Could not process this batch. It has not been saved to Photos: ",
+                        "Impossible de traiter ce lot. Il n’a pas été enregistré dans Photos : "}) +
+             description);
+    };
+    m_run.start(m_photos, m_options,
+                {.deliver = [files = m_files](int, const ExportedFile &file) { files->add(file.path); },
+                 .progressed =
+                     [this](int done) {
+                         m_progress = done;
+                         Q_EMIT changed();
+                     },
+                 .completed = [this] { save(); },
+                 .cancelled =
+                     [this] {
+                         fail(
+                             localized({"已取消导出，没有照片加入相册。",
+                                        "Export cancelled. No photos were added to your library.",
+                                        "Export annulé. Aucune photo n’a été ajoutée à votre photothèque."}));
+                     },
+                 .failed = failed});
+}
+
+void LibraryExport::save()
+{
+    m_phase = Phase::Saving;
+    Q_EMIT changed();
+    QList<PhotoLibrary::Addition> additions;
+    for (qsizetype i = 0; i < m_photos.size(); ++i) {
+        additions.append({m_files->files().at(i), m_photos.at(i).name});
+    }
+    m_disk.start([this, additions] {
+        QStringList saved;
+        std::optional<FileError> refusal;
+        try {
+            saved = m_library.add(additions);
+        } catch (const FileError &error) {
+            refusal = error;
+        }
+        QMetaObject::invokeMethod(
+            this,
+            [this, saved, refusal] {
+                if (refusal) {
+                    fail(localized({"无法保存到相册：", "Could not save to Photos: ",
+                                    "Enregistrement dans Photos impossible : "}) +
+                         errorDescription(*refusal));
+                    return;
+                }
+                m_saved = saved;
+                finishSaving();
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void LibraryExport::finishSaving()
+{
+    m_phase = Phase::Saved;
+    m_quote = PhotographyQuotes::random();
+    for (const QString &file : m_saved.first(std::min(mostThumbnails, m_saved.size()))) {
+        whenFinished<QImage>(m_pipeline.read(file, thumbnailPixels), this,
+                             [this](const QFuture<QImage> &finished) {
+                                 try {
+                                     m_thumbnails.append(finished.result());
+                                     Q_EMIT changed();
+                                 } catch (const QException &) {
+                                     return; // a file that went away has no thumbnail
+                                 }
+                             });
+    }
+    Q_EMIT changed();
+    Q_EMIT succeeded();
+}
+
+void LibraryExport::fail(const QString &error)
+{
+    m_files->clear();
+    m_phase = Phase::Idle;
+    m_error = error;
+    Q_EMIT changed();
+}
+
+QString LibraryExport::savingText()
+{
+    return localized({"正在保存到相册…", "Saving to Photos…", "Enregistrement dans Photos…"});
+}
+
+QString LibraryExport::savingHint()
+{
+    return localized(
+        {"请等待保存完成。", "Please wait for saving to finish.", "Attendez la fin de l’enregistrement."});
+}
+
+QString LibraryExport::savedText()
+{
+    return localized({"已保存到相册", "Saved to your photo library", "Enregistré dans votre photothèque"});
+}
+
+QString LibraryExport::openSettingsText()
+{
+    return localized({"打开系统设置", "Open Settings", "Ouvrir Réglages"});
+}
+
+QString LibraryExport::shareText()
+{
+    return localized({"分享全部导出的照片，或存储到“文件”。",
+                      "Share all exported photos or save them to Files.",
+                      "Partagez toutes les photos exportées ou enregistrez-les dans Fichiers."});
+}
+
+} // namespace tarnovel

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include <QImage>
+#include <QObject>
+#include <QThreadPool>
+
+#include "export/ExportFileLifetime.h"
+#include "export/ExportRun.h"
+#include "export/PhotoLibrary.h"
+#include "language/PhotographyQuotes.h"
+
+namespace tarnovel {
+
+/// Exports photos into the photo library: all are rendered first, then the whole batch goes in, or nothing.
+class LibraryExport : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Phase {
+        Idle,
+        Rendering,
+        /// No way back: the sheet offers no cancel.
+        Saving,
+        Saved,
+    };
+
+    LibraryExport(ImagePipeline &pipeline, PhotoLibrary &library);
+    ~LibraryExport() override;
+
+    /// Nothing happens without photos or while a run is under way.
+    void start(const QList<PhotoItem> &photos, const ExportOptions &options);
+    void cancel() { m_run.cancel(); }
+
+    Phase phase() const { return m_phase; }
+    int progress() const { return m_progress; }
+    int total() const { return m_total; }
+    const QString &error() const { return m_error; }
+    /// The library has refused; the sheet offers the system's settings.
+    bool denied() const { return m_denied; }
+    /// Where the photos are after a success.
+    const QStringList &saved() const { return m_saved; }
+    const QList<QImage> &thumbnails() const { return m_thumbnails; }
+    const std::optional<PhotographyQuote> &quote() const { return m_quote; }
+    /// The temporary files of the last run, for sharing; they live as long as someone holds this.
+    std::shared_ptr<const ExportFileLifetime> files() const { return m_files; }
+
+    /// The texts of the saving phase and of success, in the current language.
+    static QString savingText();
+    static QString savingHint();
+    static QString savedText();
+    static QString openSettingsText();
+    static QString shareText();
+
+Q_SIGNALS:
+    void changed();
+    /// Once for each batch that is in the library.
+    void succeeded();
+
+private:
+    void begin(PhotoLibraryAccess access);
+    void save();
+    void finishSaving();
+    void fail(const QString &error);
+
+    ImagePipeline &m_pipeline;
+    PhotoLibrary &m_library;
+    QList<PhotoItem> m_photos;
+    ExportOptions m_options;
+    std::shared_ptr<ExportFileLifetime> m_files;
+    Phase m_phase = Phase::Idle;
+    int m_progress = 0;
+    int m_total = 0;
+    QString m_error;
+    bool m_denied = false;
+    QStringList m_saved;
+    QList<QImage> m_thumbnails;
+    std::optional<PhotographyQuote> m_quote;
+    ExportRun m_run;
+    QThreadPool m_disk;
+};
+
+} // namespace tarnovel

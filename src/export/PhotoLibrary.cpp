@@ -1,0 +1,51 @@
+#include "export/PhotoLibrary.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include "base/AtomicFile.h"
+#include "base/FileError.h"
+#include "export/ExportNames.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+PicturesFolder::PicturesFolder()
+    : PicturesFolder(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation))
+{
+}
+
+PicturesFolder::PicturesFolder(QString picturesFolder) : m_album(std::move(picturesFolder) + u"/Tarnovel"_s)
+{
+}
+
+PhotoLibraryAccess PicturesFolder::requestAccess()
+{
+    if (!QDir().mkpath(m_album)) {
+        return PhotoLibraryAccess::Denied;
+    }
+    sweepTemporaryFiles(m_album);
+    try {
+        StagedFiles(m_album).stage({});
+    } catch (const FileError &) {
+        return PhotoLibraryAccess::Denied;
+    }
+    return PhotoLibraryAccess::Authorised;
+}
+
+QStringList PicturesFolder::add(const QList<Addition> &additions)
+{
+    StagedFiles staged(m_album);
+    for (const Addition &addition : additions) {
+        staged.stage(addition.file);
+    }
+    return staged.publish([&additions](qsizetype index, int attempt) {
+        const Addition &addition = additions.at(index);
+        return ExportNames::fileName(addition.photoName, QFileInfo(addition.file).suffix(), attempt);
+    });
+}
+
+} // namespace tarnovel

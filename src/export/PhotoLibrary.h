@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace tarnovel {
+
+/// Whether the user's photo library takes photos.
+enum class PhotoLibraryAccess { Authorised, Restricted, Denied };
+
+/// The photo library of a system. Whole batches go in, or nothing.
+class PhotoLibrary {
+public:
+    virtual ~PhotoLibrary() = default;
+
+    /// Asks for leave to add photos; may wait for the disk, or for the user.
+    virtual PhotoLibraryAccess requestAccess() = 0;
+
+    /// A finished file and the name it is to have, without "-2" and the like.
+    struct Addition {
+        QString file;
+        QString photoName;
+    };
+
+    /// Adds all files or none, and returns where they are now, in the same order. The originals stay where
+    /// they are. Throws a FileError.
+    virtual QStringList add(const QList<Addition> &additions) = 0;
+};
+
+/// The user's pictures folder, where the album "Tarnovel" is a folder.
+class PicturesFolder : public PhotoLibrary {
+public:
+    /// The pictures folder that the desktop names.
+    PicturesFolder();
+    explicit PicturesFolder(QString picturesFolder);
+
+    /// Makes the folders that are missing. Denied when that fails, or when the album cannot be written.
+    PhotoLibraryAccess requestAccess() override;
+
+    /// Everything is written and synced beside the album first; then the names appear one after another, and
+    /// are taken back if one of them cannot.
+    QStringList add(const QList<Addition> &additions) override;
+
+    QString album() const { return m_album; }
+
+private:
+    QString m_album;
+};
+
+} // namespace tarnovel
