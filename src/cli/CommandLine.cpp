@@ -312,7 +312,8 @@ bool chooseLanguage(int argc, char **argv)
     if (language) {
         preference = languageName(language);
     }
-    setLanguageSources({[preference] { return QString(preference); }, [system] { return QStringList(system); }});
+    setLanguageSources(
+        {[preference] { return QString(preference); }, [system] { return QStringList(system); }});
     return !code || language;
 }
 

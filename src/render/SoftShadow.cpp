@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 #include <QImage>
@@ -19,15 +20,16 @@ constexpr double sharp = 0.2;
 
 std::vector<float> gaussian(double sigma)
 {
-    const int radius = static_cast<int>(std::ceil(sigma * reach));
-    std::vector<float> kernel(static_cast<size_t>(2 * radius + 1));
-    double sum = 0;
-    for (int i = -radius; i <= radius; ++i) {
-        sum += std::exp(-i * i / (2 * sigma * sigma));
+    const double radius = std::ceil(sigma * reach);
+    std::vector<float> kernel(static_cast<size_t>(2 * radius) + 1);
+    double place = -radius;
+    for (float &weight : kernel) {
+        weight = static_cast<float>(std::exp(-place * place / (2 * sigma * sigma)));
+        place += 1;
     }
-    for (int i = -radius; i <= radius; ++i) {
-        kernel[static_cast<size_t>(i + radius)] =
-            static_cast<float>(std::exp(-i * i / (2 * sigma * sigma)) / sum);
+    const float sum = std::accumulate(kernel.begin(), kernel.end(), 0.F);
+    for (float &weight : kernel) {
+        weight /= sum;
     }
     return kernel;
 }
@@ -84,7 +86,9 @@ QImage colored(const std::vector<float> &mask, QSize size, const QColor &color)
     for (int y = 0; y < size.height(); ++y) {
         auto *pixels = reinterpret_cast<QRgb *>(image.scanLine(y));
         for (int x = 0; x < size.width(); ++x, ++value) {
-            const auto component = [&value](float part) { return static_cast<int>(std::lround(*value * part)); };
+            const auto component = [&value](float part) {
+                return static_cast<int>(std::lround(*value * part));
+            };
             pixels[x] = qRgba(component(red), component(green), component(blue), component(color.alphaF()));
         }
     }

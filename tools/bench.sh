@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Builds and runs every benchmark: processor time, as ratios to a floor measured in the same run.
+# Words of the command line go to each (--benchmark_filter=export).
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. tools/prepare.sh
+install_packages
+build bench
+for program in build/bench/bench/bench_*; do
+    if [ -x "$program" ] && [ -f "$program" ]; then
+        QT_QPA_PLATFORM=offscreen "$program" --benchmark_out=/dev/null "$@" >/tmp/bench.$$ 2>/tmp/bench-errors.$$ || {
+            cat /tmp/bench-errors.$$ >&2
+            exit 1
+        }
+        sed -n '/^Processor time/,$p' /tmp/bench.$$
+        rm -f /tmp/bench.$$ /tmp/bench-errors.$$
+    fi
+done
