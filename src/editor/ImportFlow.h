@@ -23,13 +23,13 @@ enum class ImportMode {
 enum class ImportSource { Files, PhotoPicker };
 
 struct ImportRequest {
-    QStringList paths;
+    QStringList paths = {};
     ImportMode mode = ImportMode::Photos;
     ImportSource source = ImportSource::Files;
     /// A style that was chosen before the photos.
-    std::optional<FrameSettings> style;
+    std::optional<FrameSettings> style = {};
     /// Applies the last style or not, whatever the preference says.
-    std::optional<bool> autoApply;
+    std::optional<bool> autoApply = {};
 };
 
 /// What an import came to.

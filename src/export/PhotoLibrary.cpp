@@ -18,9 +18,7 @@ PicturesFolder::PicturesFolder()
 {
 }
 
-PicturesFolder::PicturesFolder(QString picturesFolder) : m_album(std::move(picturesFolder) + u"/Tarnovel"_s)
-{
-}
+PicturesFolder::PicturesFolder(const QString &picturesFolder) : m_album(picturesFolder + u"/Tarnovel"_s) {}
 
 PhotoLibraryAccess PicturesFolder::requestAccess()
 {

@@ -32,7 +32,7 @@ class PicturesFolder : public PhotoLibrary {
 public:
     /// The pictures folder that the desktop names.
     PicturesFolder();
-    explicit PicturesFolder(QString picturesFolder);
+    explicit PicturesFolder(const QString &picturesFolder);
 
     /// Makes the folders that are missing. Denied when that fails, or when the album cannot be written.
     PhotoLibraryAccess requestAccess() override;

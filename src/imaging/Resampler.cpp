@@ -11,7 +11,7 @@ QImage resampled(const QImage &image, const QRectF &region, QSize size)
     if (image.isNull() || size.isEmpty() || !(region.width() > 0) || !(region.height() > 0)) {
         return {};
     }
-    const QImage source = image.format() == format ? image : image.convertToFormat(format);
+    QImage source = image.format() == format ? image : image.convertToFormat(format);
     if (region == QRectF(source.rect()) && size == source.size()) {
         return source;
     }

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -59,6 +61,28 @@ TEST(PublishFile, TakesTheFirstFreeNameAndNoOther)
     EXPECT_THROW(publishFile(source, source, name), FileError);
     EXPECT_THROW(publishFile(goal + QStringLiteral("/none"), goal, name), FileError);
     EXPECT_EQ(entries(goal).size(), 3);
+}
+
+TEST(StagedFiles, AppearTogetherOrNotAtAll)
+{
+    const QTemporaryDir folder;
+    const QString source = folder.filePath(QStringLiteral("source"));
+    replaceFile(source, "bytes");
+    const QString goal = folder.filePath(QStringLiteral("goal"));
+    ASSERT_TRUE(QDir().mkdir(goal));
+    const auto publish = [&](const QStringList &names) {
+        StagedFiles staged(goal);
+        for (qsizetype i = 0; i < names.size(); ++i) {
+            staged.stage(source);
+        }
+        EXPECT_TRUE(
+            std::ranges::all_of(entries(goal), [](const QString &name) { return name.startsWith(u'.'); }));
+        return staged.publish([&](qsizetype index, int) { return names.at(index); });
+    };
+    EXPECT_THROW(publish({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("absent/c")}), FileError);
+    EXPECT_EQ(entries(goal), QStringList());
+    EXPECT_EQ(publish({QStringLiteral("a"), QStringLiteral("b")}).size(), 2);
+    EXPECT_EQ(entries(goal), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
 }
 
 TEST(SweepTemporaryFiles, SparesWritersThatLive)

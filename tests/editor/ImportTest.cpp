@@ -1,0 +1,146 @@
+#include <thread>
+
+#include "editor/EditorWorld.h"
+#include "editor/ImportFlow.h"
+#include "editor/SingleInstance.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel::test {
+namespace {
+
+class Importing : public EditorWorld {
+protected:
+    EditorModel m_model{m_services, EditorModel::Load::StoredSession};
+    ImportFlow m_flow{m_model, m_pipeline};
+
+    /// A file outside the library.
+    QString outside(const QString &name, const QByteArray &bytes = {}) const
+    {
+        const QString path = m_folder.filePath(name);
+        if (bytes.isEmpty()) {
+            QImage image(60, 40, QImage::Format_RGB32);
+            image.fill(Qt::darkGreen);
+            EXPECT_TRUE(image.save(path, "JPEG"));
+        } else {
+            QFile file(path);
+            EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(bytes);
+        }
+        return path;
+    }
+
+    ImportSummary run(const ImportRequest &request)
+    {
+        std::optional<ImportSummary> result;
+        const auto connection =
+            QObject::connect(&m_flow, &ImportFlow::finished, &m_model,
+                             [&result](const ImportSummary &summary) { result = summary; });
+        m_flow.start(request);
+        EXPECT_TRUE(waitFor([&result] { return result.has_value(); }));
+        QObject::disconnect(connection);
+        return result.value_or(ImportSummary());
+    }
+
+    qsizetype libraryFiles() const { return QDir(m_library).entryList({u"*.jpg"_s}, QDir::Files).size(); }
+};
+
+TEST_F(Importing, AddsPhotosUnderTheirOwnNames)
+{
+    QStringList progress;
+    QObject::connect(&m_model, &EditorModel::changed, &m_model,
+                     [&] { progress.append(m_model.importProgress()); });
+    const ImportSummary summary = run(
+        {.paths = {outside(u"one.a.jpg"_s), outside(u"broken.jpg"_s, "no picture"), outside(u"two.jpg"_s)}});
+    EXPECT_EQ(summary.added, 2);
+    ASSERT_EQ(m_model.photos().size(), 2);
+    EXPECT_EQ(m_model.photos().first().name, u"one.a"_s);
+    EXPECT_NE(m_model.photos().first().file, u"one.a.jpg"_s);
+    EXPECT_EQ(m_model.message(), u"1 files could not be read."_s);
+    EXPECT_EQ(libraryFiles(), 2);
+    EXPECT_TRUE(progress.contains(u"2 / 3"_s));
+    EXPECT_FALSE(m_model.busy());
+}
+
+TEST_F(Importing, StopsAtFiftyAndSaysSo)
+{
+    m_model.append(photos(45));
+    QStringList paths;
+    for (int i = 0; i < 10; ++i) {
+        paths.append(outside(u"new %1.jpg"_s.arg(i)));
+    }
+    const qsizetype before = libraryFiles();
+    EXPECT_EQ(run({.paths = paths}).added, 5);
+    EXPECT_EQ(m_model.message(), u"Up to 50 photos per session. Added the first 5."_s);
+    EXPECT_EQ(m_model.photos().first().name, u"new 0"_s);
+    EXPECT_EQ(libraryFiles(), before + 5);
+    EXPECT_EQ(run({.paths = paths, .source = ImportSource::PhotoPicker}).added, 0);
+}
+
+TEST_F(Importing, UsesTheFirstReadableFileAsBackdrop)
+{
+    m_model.append(photos(1));
+    run({.paths = {outside(u"no.txt"_s, "text"), outside(u"yes.jpg"_s), outside(u"other.jpg"_s)},
+         .mode = ImportMode::Background});
+    EXPECT_EQ(m_model.photos().size(), 1);
+    const FrameSettings &settings = m_model.current()->settings;
+    EXPECT_EQ(settings.background, Backdrop::image);
+    EXPECT_TRUE(exists(*settings.backgroundFile));
+    EXPECT_EQ(m_model.history().undoStack().size(), 1);
+    EXPECT_EQ(libraryFiles(), 2);
+}
+
+TEST_F(Importing, LeavesNothingBehindWhenCancelled)
+{
+    QStringList paths;
+    for (int i = 0; i < 10; ++i) {
+        paths.append(outside(u"%1.jpg"_s.arg(i)));
+    }
+    QObject::connect(&m_model, &EditorModel::changed, &m_model, [&] {
+        if (m_model.importProgress().startsWith(u'3')) {
+            m_flow.cancel();
+        }
+    });
+    EXPECT_TRUE(run({.paths = paths}).cancelled);
+    EXPECT_EQ(m_model.photos().size(), 0);
+    EXPECT_EQ(libraryFiles(), 0);
+    EXPECT_EQ(m_model.message(), QString());
+}
+
+TEST_F(Importing, TakesRequestsInTurn)
+{
+    m_flow.start({.paths = {outside(u"a.jpg"_s)}});
+    m_flow.start({.paths = {outside(u"b.jpg"_s)}});
+    EXPECT_TRUE(waitFor([this] { return m_model.photos().size() == 2 && !m_flow.running(); }));
+    EXPECT_EQ(m_model.photos().first().name, u"b"_s);
+}
+
+using Instances = EditorWorld;
+
+TEST_F(Instances, HandTheirPhotosToTheFirst)
+{
+    SingleInstance first(m_library);
+    ASSERT_TRUE(first.acquire({}));
+    QStringList received;
+    QObject::connect(&first, &SingleInstance::photosReceived, &first,
+                     [&](const QStringList &photos) { received = photos; });
+    // The second one waits for an answer, so the first has to live on another thread's time.
+    bool owner = true;
+    bool handed = false;
+    std::jthread second([&] {
+        SingleInstance other(m_library);
+        owner = other.acquire({u"relative.jpg"_s, u"/tmp/été.jpg"_s});
+        handed = other.handedOver();
+    });
+    EXPECT_TRUE(waitFor([&] { return received.size() == 2; }));
+    second.join();
+    EXPECT_FALSE(owner);
+    EXPECT_TRUE(handed);
+    EXPECT_EQ(received,
+              (QStringList{QDir::current().absoluteFilePath(u"relative.jpg"_s), u"/tmp/été.jpg"_s}));
+    SingleInstance elsewhere(m_folder.path());
+    EXPECT_TRUE(elsewhere.acquire({}));
+}
+
+} // namespace
+} // namespace tarnovel::test

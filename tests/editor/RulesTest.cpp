@@ -1,0 +1,171 @@
+#include "editor/CanvasGestures.h"
+#include "editor/EditorRules.h"
+#include "editor/EditorWorld.h"
+#include "language/AppLanguage.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace tarnovel::test {
+namespace {
+
+class Canvas : public EditorWorld {
+protected:
+    EditorModel m_model{m_services, EditorModel::Load::Empty};
+    CanvasGestures m_gestures{m_model};
+
+    void SetUp() override { m_model.append(photos(1)); }
+    const FrameSettings &settings() const { return m_model.current()->settings; }
+    const TextLayer &title() const { return *settings().layer(u"title"_s); }
+};
+
+using Rules = Canvas;
+
+TEST_F(Canvas, DragsThePhotoAsOneStepAndSnapsIt)
+{
+    const QSizeF canvas(1000, 1000);
+    m_gestures.dragPhoto({100, 0}, canvas);
+    EXPECT_TRUE(m_gestures.guidesVisible());
+    m_gestures.dragPhoto({11, 13}, canvas);
+    EXPECT_EQ(settings().x, 0);
+    EXPECT_DOUBLE_EQ(settings().y, 0.013);
+    EXPECT_EQ(m_gestures.snap(), (CentreSnap{true, false}));
+    m_gestures.dragPhoto({150, -80}, canvas);
+    m_gestures.endPhotoDrag();
+    EXPECT_FALSE(m_gestures.guidesVisible());
+    EXPECT_DOUBLE_EQ(settings().x, 0.15);
+    EXPECT_EQ(m_model.history().undoStack().size(), 1);
+    m_gestures.dragPhoto({10, 0}, canvas);
+    EXPECT_DOUBLE_EQ(settings().x, 0.16);
+    m_model.undo();
+    m_model.undo();
+    EXPECT_EQ(settings().x, 0);
+    EXPECT_EQ(settings().y, 0);
+}
+
+TEST_F(Canvas, TicksOnceForEachNewSnap)
+{
+    const QSizeF canvas(1000, 1000);
+    m_gestures.dragPhoto({100, 100}, canvas);
+    EXPECT_EQ(m_gestures.snapFeedback(), 0);
+    m_gestures.dragPhoto({5, 100}, canvas);
+    m_gestures.dragPhoto({3, 100}, canvas);
+    EXPECT_EQ(m_gestures.snapFeedback(), 1);
+    m_gestures.dragPhoto({3, 3}, canvas);
+    EXPECT_EQ(m_gestures.snapFeedback(), 2);
+    m_gestures.dragPhoto({50, 50}, canvas);
+    m_gestures.dragPhoto({3, 3}, canvas);
+    EXPECT_EQ(m_gestures.snapFeedback(), 3);
+}
+
+TEST_F(Canvas, PinchesWithinLimits)
+{
+    m_gestures.pinchPhoto(2);
+    EXPECT_EQ(settings().scale, 1);
+    m_gestures.pinchPhoto(0.05);
+    EXPECT_EQ(settings().scale, 0.1);
+    m_gestures.pinchPhoto(0.5);
+    EXPECT_DOUBLE_EQ(settings().scale, 0.44);
+    m_gestures.endPinch();
+    m_gestures.pinchPhoto(2);
+    EXPECT_DOUBLE_EQ(settings().scale, 0.88);
+    EXPECT_EQ(m_model.history().undoStack().size(), 2);
+}
+
+TEST_F(Canvas, DragsATextLayerWithinTheCanvas)
+{
+    m_gestures.dragText(u"title"_s, {600, 0}, {1000, 1000});
+    EXPECT_EQ(title().x, 0.98);
+    m_gestures.dragText(u"title"_s, {5, -400}, {1000, 1000});
+    EXPECT_EQ(title().x, 0.5);
+    EXPECT_DOUBLE_EQ(title().y, 0.45);
+    EXPECT_EQ(m_gestures.snapFeedback(), 1);
+    m_gestures.endTextDrag();
+    EXPECT_EQ(m_model.history().undoStack().size(), 1);
+    m_gestures.nudge(u"title"_s, {0.01, 2});
+    EXPECT_DOUBLE_EQ(title().x, 0.51);
+    EXPECT_EQ(title().y, 0.98);
+    m_gestures.dragText(u"absent"_s, {1, 1}, {1000, 1000});
+    EXPECT_EQ(m_model.history().undoStack().size(), 1);
+}
+
+TEST_F(Canvas, FindsTheTopMostLayerUnderTheFinger)
+{
+    FrameSettings style;
+    for (const QString &id : {u"title"_s, u"caption"_s}) {
+        TextLayer &layer = *style.layer(id);
+        layer.text = u"I"_s;
+        layer.visible = true;
+        layer.x = layer.y = 0.5;
+        layer.size = 0.004;
+    }
+    const QSizeF canvas(1000, 1000);
+    EXPECT_EQ(CanvasGestures::layerAt(style, {513, 487}, canvas), u"caption"_s);
+    EXPECT_EQ(CanvasGestures::layerAt(style, {516, 500}, canvas), std::nullopt);
+    style.layer(u"caption"_s)->visible = false;
+    EXPECT_EQ(CanvasGestures::layerAt(style, {500, 500}, canvas), u"title"_s);
+    style.layer(u"title"_s)->text = u"A long line of text"_s;
+    style.layer(u"title"_s)->size = 0.04;
+    style.layer(u"title"_s)->rotation = 90;
+    EXPECT_EQ(CanvasGestures::layerAt(style, {500, 600}, canvas), u"title"_s);
+    EXPECT_EQ(CanvasGestures::layerAt(style, {600, 500}, canvas), std::nullopt);
+}
+
+TEST_F(Rules, JoinTheChangesOfOneSlider)
+{
+    SliderCheckpoints sliders(m_model, m_clock);
+    const auto steps = [this] { return m_model.history().undoStack().size(); };
+    sliders.change(u"scale"_s);
+    m_clock.advance(500ms);
+    sliders.change(u"scale"_s);
+    m_clock.advance(900ms);
+    sliders.change(u"scale"_s);
+    EXPECT_EQ(steps(), 1);
+    sliders.change(u"border"_s);
+    EXPECT_EQ(steps(), 2);
+    m_clock.advance(1500ms);
+    sliders.change(u"border"_s);
+    EXPECT_EQ(steps(), 3);
+    sliders.end();
+    sliders.change(u"border"_s);
+    EXPECT_EQ(steps(), 4);
+}
+
+TEST_F(Rules, TakeOnlyRealDates)
+{
+    for (const QString &wrong :
+         {u""_s, u"2026-09-22"_s, u"2026.13.01"_s, u"2026.02.30"_s, u"today"_s, u"26.9.22"_s}) {
+        EXPECT_FALSE(CaptureDateEntry::enter(m_model, wrong)) << wrong.toStdString();
+    }
+    EXPECT_FALSE(m_model.canUndo());
+    EXPECT_TRUE(CaptureDateEntry::enter(m_model, u" 2026.09.22 "_s));
+    EXPECT_EQ(settings().layer(u"date"_s)->text, u"2026.09.22"_s);
+    EXPECT_EQ(m_model.history().undoStack().size(), 1);
+}
+
+TEST_F(Rules, KeepAMarginAtEveryQuickPosition)
+{
+    TextLayer layer = title();
+    const QSizeF canvas(900, 1200);
+    EXPECT_EQ(QuickPositions::place(QuickPosition::TopLeft, layer, canvas), QPointF(0.08, 0.08));
+    layer.text = u"Words"_s;
+    for (const double rotation : {0.0, 90.0, 30.0}) {
+        layer.rotation = rotation;
+        const QPointF topLeft = QuickPositions::place(QuickPosition::TopLeft, layer, canvas);
+        const QPointF bottomRight = QuickPositions::place(QuickPosition::BottomRight, layer, canvas);
+        EXPECT_NEAR(topLeft.x() + bottomRight.x(), 1, 1e-9);
+        EXPECT_NEAR(topLeft.y() + bottomRight.y(), 1, 1e-9);
+        // A margin of 0.06 × 900 = 54 on every side.
+        EXPECT_GT(topLeft.x() * 900, 54);
+        EXPECT_GT(topLeft.y() * 1200, 54);
+    }
+    EXPECT_EQ(QuickPositions::place(QuickPosition::Center, layer, canvas), QPointF(0.5, 0.5));
+    layer.rotation = 0;
+    layer.imageFile = u"a logo five times as wide as its size.png"_s;
+    layer.size = 0.2;
+    EXPECT_EQ(QuickPositions::place(QuickPosition::BottomLeft, layer, canvas).x(), 0.5);
+    EXPECT_EQ(QuickPositions::title(QuickPosition::CenterRight), u"Center right"_s);
+}
+
+} // namespace
+} // namespace tarnovel::test

@@ -1,0 +1,260 @@
+#include <QDateTime>
+#include <QFileInfo>
+
+#include "base/FileError.h"
+#include "editor/EditorWorld.h"
+#include "export/ExportChoices.h"
+#include "export/ExportFileLifetime.h"
+#include "export/ExportReviewPolicy.h"
+#include "export/FolderExport.h"
+#include "export/LibraryExport.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel::test {
+namespace {
+
+class Exports : public EditorWorld {
+protected:
+    EditorModel m_model{m_services, EditorModel::Load::Empty};
+    QString m_goal = m_folder.filePath(u"goal"_s);
+    const ExportOptions m_small = {.longEdge = 720};
+
+    void SetUp() override { ASSERT_TRUE(QDir().mkpath(m_goal)); }
+
+    static QStringList entries(const QString &folder)
+    {
+        return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+    QStringList temporary() const { return entries(m_folder.filePath(u"temporary/Exports"_s)); }
+};
+
+using Choosing = Exports;
+using IntoAFolder = Exports;
+using IntoTheLibrary = Exports;
+using TemporaryFiles = Exports;
+using Review = Exports;
+
+TEST_F(Choosing, RemembersThePanelAndCountsTheRun)
+{
+    EXPECT_EQ(ExportChoices::stored(m_preferences).resolution, 4096);
+    ExportChoices choices{.resolution = 0, .png = true, .maxMB = 2};
+    choices.store(m_preferences);
+    m_preferences.setValue(u"macExportMaxMB"_s, 7);
+    const ExportChoices stored = ExportChoices::stored(m_preferences);
+    EXPECT_EQ(stored.resolution, 0);
+    EXPECT_TRUE(stored.png);
+    EXPECT_EQ(stored.maxMB, 0);
+    EXPECT_EQ(ExportChoices::forSheet().resolution, 1080);
+    EXPECT_EQ(choices.options(), (ExportOptions{true, 1080, true, 0}));
+    choices.png = false;
+    EXPECT_EQ(choices.options().maxMB, 2);
+    EXPECT_EQ(choices.photos(m_model).size(), 0);
+    m_model.append(photos(3));
+    EXPECT_EQ(choices.photos(m_model).size(), 3);
+    choices.all = false;
+    EXPECT_EQ(choices.photos(m_model).first().id, m_model.selected());
+    EXPECT_EQ(ExportTexts::startButton(1), u"Export to folder…"_s);
+    EXPECT_EQ(ExportTexts::startButton(3), u"Export 3 photos to folder…"_s);
+    EXPECT_EQ(ExportTexts::progress(2, 5), u"Processing photos 2 / 5"_s);
+    EXPECT_EQ(ExportTexts::exported(1), u"1 photo exported"_s);
+}
+
+TEST_F(IntoAFolder, WritesEveryPhotoInOrderAndSumsUp)
+{
+    QList<PhotoItem> items = photos(6);
+    items[1].name = items[0].name;
+    FolderExport run(m_pipeline);
+    QList<int> progress;
+    QObject::connect(&run, &FolderExport::changed, &run, [&] { progress.append(run.progress()); });
+    run.start(items, m_small, m_goal);
+    EXPECT_TRUE(run.working());
+    run.start(items, m_small, m_library); // one run at a time
+    ASSERT_TRUE(waitFor([&] { return run.result() && run.result()->thumbnails.size() == 4; }));
+    EXPECT_EQ(run.result()->files.size(), 6);
+    EXPECT_EQ(run.result()->files.at(1), m_goal + u"/0.jpg-framed-2.jpg"_s);
+    EXPECT_EQ(run.result()->thumbnails.first().size(), QSize(525, 700));
+    EXPECT_TRUE(run.result()->quote);
+    EXPECT_EQ(entries(m_goal).size(), 6);
+    EXPECT_EQ(temporary(), QStringList());
+    EXPECT_EQ(run.error(), QString());
+    EXPECT_TRUE(std::ranges::is_sorted(progress));
+    run.dismissResult();
+    EXPECT_FALSE(run.result());
+    run.start({}, m_small, m_goal);
+    EXPECT_FALSE(run.working());
+}
+
+TEST_F(IntoAFolder, KeepsWhatIsDoneWhenCancelled)
+{
+    FolderExport run(m_pipeline);
+    QObject::connect(&run, &FolderExport::changed, &run, [&] {
+        if (run.progress() == 3) {
+            run.cancel();
+        }
+    });
+    run.start(photos(10), m_small, m_goal);
+    ASSERT_TRUE(waitFor([&] { return !run.working(); }));
+    EXPECT_EQ(run.error(), u"Cancelled. 3 exported photos remain in the folder."_s);
+    EXPECT_FALSE(run.result());
+    EXPECT_EQ(entries(m_goal).size(), 3);
+    EXPECT_EQ(temporary(), QStringList());
+}
+
+TEST_F(IntoAFolder, StopsAtAFailureWithASummaryOfTheRest)
+{
+    QList<PhotoItem> items = photos(6);
+    items[4].file = u"gone.jpg"_s;
+    FolderExport run(m_pipeline);
+    run.start(items, m_small, m_goal);
+    ASSERT_TRUE(waitFor([&] { return !run.error().isEmpty(); }));
+    EXPECT_EQ(run.error(), u"Export failed: Cannot read this photo. Try JPEG, HEIC or PNG."_s);
+    EXPECT_EQ(run.result()->files.size(), 4);
+    EXPECT_EQ(entries(m_goal).size(), 4);
+
+    QDir(m_goal).removeRecursively();
+    run.start(items, m_small, m_goal);
+    ASSERT_TRUE(waitFor([&] { return !run.working(); }));
+    EXPECT_EQ(run.error(), u"Export failed: The folder is gone."_s);
+    EXPECT_FALSE(run.result());
+    EXPECT_EQ(temporary(), QStringList());
+}
+
+/// A library that says and does what the test wants.
+class FakeLibrary : public PhotoLibrary {
+public:
+    PhotoLibraryAccess access = PhotoLibraryAccess::Authorised;
+    bool refuses = false;
+    QList<Addition> added;
+
+    PhotoLibraryAccess requestAccess() override { return access; }
+    QStringList add(const QList<Addition> &additions) override
+    {
+        if (refuses) {
+            throw FileError(u"album"_s, ENOSPC);
+        }
+        added = additions;
+        QStringList paths;
+        for (const Addition &addition : additions) {
+            paths.append(addition.file);
+        }
+        return paths;
+    }
+};
+
+TEST_F(IntoTheLibrary, AddsTheWholeBatch)
+{
+    PicturesFolder library(m_folder.filePath(u"Pictures"_s));
+    LibraryExport run(m_pipeline, library);
+    int successes = 0;
+    QObject::connect(&run, &LibraryExport::succeeded, &run, [&] { ++successes; });
+    run.start(photos(3), m_small);
+    ASSERT_TRUE(
+        waitFor([&] { return run.phase() == LibraryExport::Phase::Saved && run.thumbnails().size() == 3; }));
+    EXPECT_EQ(entries(library.album()),
+              (QStringList{u"0.jpg-framed.jpg"_s, u"1.jpg-framed.jpg"_s, u"2.jpg-framed.jpg"_s}));
+    EXPECT_EQ(successes, 1);
+    EXPECT_EQ(run.files()->files().size(), 3); // for sharing
+    run.start(photos(1), m_small);
+    ASSERT_TRUE(waitFor([&] { return run.phase() == LibraryExport::Phase::Saved; }));
+    EXPECT_EQ(run.saved(), QStringList{library.album() + u"/0.jpg-framed-2.jpg"_s});
+    EXPECT_EQ(temporary().size(), 1);
+}
+
+TEST_F(IntoTheLibrary, AddsNothingWhenAnythingFails)
+{
+    FakeLibrary library;
+    LibraryExport run(m_pipeline, library);
+    const auto error = [&](const QList<PhotoItem> &items) {
+        run.start(items, m_small);
+        EXPECT_TRUE(waitFor([&] { return run.phase() == LibraryExport::Phase::Idle; }));
+        return run.error();
+    };
+    library.access = PhotoLibraryAccess::Denied;
+    EXPECT_EQ(error(photos(2)),
+              u"No photos were saved. Allow Tarnovel to add photos in Settings, then try again."_s);
+    EXPECT_TRUE(run.denied());
+    library.access = PhotoLibraryAccess::Restricted;
+    EXPECT_TRUE(error(photos(2)).startsWith(u"Photo access is restricted"_s));
+    EXPECT_FALSE(run.denied());
+    library.access = PhotoLibraryAccess::Authorised;
+    library.refuses = true;
+    EXPECT_EQ(error(photos(2)), u"Could not save to Photos: No space is left on the disk."_s);
+    library.refuses = false;
+    QList<PhotoItem> items = photos(3);
+    items[2].file = u"gone.jpg"_s;
+    EXPECT_TRUE(
+        error(items).startsWith(u"Could not process this batch. It has not been saved to Photos: Cannot"_s));
+    QObject::connect(&run, &LibraryExport::changed, &run, [&] {
+        if (run.progress() == 1) {
+            run.cancel();
+        }
+    });
+    EXPECT_EQ(error(photos(5)), u"Export cancelled. No photos were added to your library."_s);
+    EXPECT_TRUE(library.added.isEmpty());
+    EXPECT_EQ(temporary(), QStringList());
+}
+
+TEST_F(IntoTheLibrary, StagesEverythingBeforeAnythingShows)
+{
+    PicturesFolder library(m_folder.filePath(u"Pictures"_s));
+    ASSERT_EQ(library.requestAccess(), PhotoLibraryAccess::Authorised);
+    const PhotoItem item = photo(u"a.jpg"_s);
+    const QString file = m_library + u"/a.jpg"_s;
+    EXPECT_THROW(library.add({{file, u"one"_s}, {m_library + u"/gone.jpg"_s, u"two"_s}}), FileError);
+    EXPECT_EQ(entries(library.album()), QStringList());
+    QFile blocked(m_folder.filePath(u"file"_s));
+    ASSERT_TRUE(blocked.open(QIODevice::WriteOnly));
+    EXPECT_EQ(PicturesFolder(blocked.fileName()).requestAccess(), PhotoLibraryAccess::Denied);
+}
+
+TEST_F(TemporaryFiles, AreSweptAfterADay)
+{
+    const QString folder = m_folder.filePath(u"temporary/Exports"_s);
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    const auto write = [&](const QString &name, int hoursAgo) {
+        QFile file(folder + u'/' + name);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("x");
+        file.flush();
+        EXPECT_TRUE(file.setFileTime(now.addSecs(-3600 * hoursAgo), QFileDevice::FileModificationTime));
+    };
+    write(u"Kesmar-OLD.jpg"_s, 25);
+    write(u"Kesmar-NEW.jpg"_s, 23);
+    write(u"other.jpg"_s, 99);
+    ASSERT_TRUE(QDir().mkdir(folder + u"/Kesmar-folder"_s));
+    ExportFileLifetime::sweep(m_folder.filePath(u"temporary"_s), now.toMSecsSinceEpoch());
+    EXPECT_EQ(entries(folder), (QStringList{u"Kesmar-NEW.jpg"_s, u"other.jpg"_s}));
+    {
+        ExportFileLifetime lifetime;
+        lifetime.add(folder + u"/Kesmar-NEW.jpg"_s);
+        lifetime.add(folder + u"/gone.jpg"_s);
+    }
+    EXPECT_EQ(entries(folder), QStringList{u"other.jpg"_s});
+}
+
+TEST_F(Review, AsksOnceAVersionFromTheThirdSuccessOn)
+{
+    const auto success = [this](const QString &version, const QStringList &arguments = {}) {
+        return ExportReviewPolicy::recordSuccess(m_preferences, version, arguments, {});
+    };
+    EXPECT_FALSE(success(u"1.2"_s));
+    EXPECT_FALSE(success(u"1.2"_s));
+    EXPECT_FALSE(success(u"1.2"_s, {u"-disable-review-prompt"_s}));
+    EXPECT_FALSE(success(u""_s));
+    EXPECT_TRUE(success(u"1.2"_s));
+    EXPECT_FALSE(success(u"1.2"_s));
+    EXPECT_TRUE(success(u"1.3"_s));
+    EXPECT_EQ(m_preferences.value(u"successfulExportCount"_s).toInt(), 7);
+    EXPECT_TRUE(ExportReviewPolicy::promptsDisabled({u"-UITestMode"_s}, {}));
+    EXPECT_TRUE(ExportReviewPolicy::promptsDisabled({u"-preview-x"_s}, {}));
+    QProcessEnvironment environment;
+    environment.insert(u"XCODE_RUNNING_FOR_PREVIEWS"_s, u"0"_s);
+    EXPECT_FALSE(ExportReviewPolicy::promptsDisabled({u"photo.jpg"_s}, environment));
+    environment.insert(u"XCODE_RUNNING_FOR_PREVIEWS"_s, u"1"_s);
+    EXPECT_TRUE(ExportReviewPolicy::promptsDisabled({}, environment));
+}
+
+} // namespace
+} // namespace tarnovel::test
