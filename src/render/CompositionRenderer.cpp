@@ -7,6 +7,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 
+#include "render/FilmRenderer.h"
 #include "render/Fonts.h"
 #include "render/FrameGeometry.h"
 #include "render/SetText.h"
@@ -195,6 +196,9 @@ QRectF aspectFilled(QSizeF source, const QRectF &target)
 
 QRectF photoRect(const PhotoItem &item, const FrameSettings &settings, QSizeF size)
 {
+    if (settings.style == FrameStyle::film) {
+        return FilmLayout::item(item, settings, size).photoRect;
+    }
     if (settings.style == FrameStyle::cinema) {
         const double height = std::min(size.width() / cinemaRatio, size.height());
         return {0, (size.height() - height) / 2, size.width(), height};
@@ -206,6 +210,9 @@ QRectF photoRect(const PhotoItem &item, const FrameSettings &settings, QSizeF si
 
 PhotoPlacement photoPlacement(const PhotoItem &item, const FrameSettings &settings, QSizeF size)
 {
+    if (settings.style == FrameStyle::film) {
+        return FilmRenderer::photoPlacement(item, FilmLayout::item(item, settings, size));
+    }
     const QRectF rect = photoRect(item, settings, size);
     if (settings.style != FrameStyle::cinema) {
         return {rect, rect};
@@ -281,8 +288,12 @@ void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &setting
     painter.save();
     painter.setClipRect(QRectF({}, size), Qt::IntersectClip);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    drawBackdrop(painter, settings, size, images.background);
-    drawPlacedPhoto(painter, item, settings, size, images.photo);
+    if (settings.style == FrameStyle::film) {
+        FilmRenderer::draw(painter, item, settings, size, images.photo);
+    } else {
+        drawBackdrop(painter, settings, size, images.background);
+        drawPlacedPhoto(painter, item, settings, size, images.photo);
+    }
     if (settings.handwritingFile && !images.handwriting.isNull()) {
         painter.drawImage(handwritingRect(settings, images.handwriting.size(), size), images.handwriting);
     }

@@ -60,6 +60,7 @@ SetText::SetText(const QString &text, const QFont &font, Box box)
     }
     layout.endLayout();
     m_size = {width, height};
+    m_baseline = fitting.empty() ? 0 : fitting.front().ascent();
 
     for (const QTextLine &line : fitting) {
         const double indent = (width - line.naturalTextWidth()) / 2;

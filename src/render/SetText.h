@@ -29,6 +29,9 @@ public:
     /// The lines' common box: as wide as the widest line.
     QSizeF size() const { return m_size; }
 
+    /// The first line's baseline, from the box's top.
+    double baseline() const { return m_baseline; }
+
     /// The letters' outlines. Letters without outlines (colour pictures) are missing here.
     const QPainterPath &outlines() const { return m_outlines; }
 
@@ -37,6 +40,7 @@ public:
 
 private:
     QSizeF m_size;
+    double m_baseline = 0;
     QPainterPath m_outlines;
     std::vector<QGlyphRun> m_pictures;
 };

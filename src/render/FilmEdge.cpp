@@ -1,0 +1,206 @@
+#include "render/FilmEdge.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QPainter>
+#include <QTextBoundaryFinder>
+
+#include "film/FilmStockCatalog.h"
+#include "render/Fonts.h"
+#include "render/SetText.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr int longestLabel = 40;
+
+/// Texts are set once at this size of type and scaled from there.
+constexpr int referencePixels = 256;
+
+/// Room added after each letter, in millimetres at the nominal size.
+constexpr double kerningMm = 0.02;
+
+/// The baseline in a row one font size high whose middle is that of the capitals, 0.73 of the size high in
+/// the edge print's face.
+constexpr double baselineInRow = (1 + 0.73) / 2;
+
+/// The glow's opacity. Its blur radius of 0.035 is in output pixels at any scale, less than eight bits can
+/// show, so it is the letter's own shape.
+constexpr float glowAlpha = 0.16F;
+
+/// Air between the lower label and the arrow behind it.
+constexpr double airMm = 0.3;
+
+/// An arrow with its back at `tip - length` and this half height; 35 mm and 120 film share the mark.
+constexpr double arrowLengthMm = 0.48;
+constexpr double arrowHalfHeightMm = 0.312;
+
+QPolygonF arrow(double backX, double middleY)
+{
+    return {{{backX, middleY - arrowHalfHeightMm},
+             {backX + arrowLengthMm, middleY},
+             {backX, middleY + arrowHalfHeightMm}}};
+}
+
+bool hasMakersCounters(const FilmOptions &options, const QString &marking)
+{
+    const auto counted = [](const QString &name) {
+        return name.startsWith("KODAK"_L1, Qt::CaseInsensitive) ||
+               name.startsWith("EASTMAN"_L1, Qt::CaseInsensitive);
+    };
+    return counted(options.stock) || counted(marking);
+}
+
+/// Where a maker's ruler of `steps` to the roll stands at the frame, counted from `first`.
+QString counter(const FilmOptions &options, int first, int steps)
+{
+    const int number = printedFrameNumber(options.format, options.number);
+    return QString::number(first + (number - 1) * steps / framesPerRoll(options.format));
+}
+
+QString bottomLabel(const FilmOptions &options)
+{
+    QString typed = options.bottomLabel.value_or(QString()).trimmed();
+    if (!typed.isEmpty()) {
+        return typed;
+    }
+    const bool isNumber = options.format == FilmFormat::mm35;
+    return isNumber && !options.showsNumber ? QString() : FilmEdge::automaticBottomLabel(options);
+}
+
+FilmEdge smallFilmEdge(const FilmOptions &options, const QString &marking)
+{
+    const FilmDimensions film = filmDimensions(options.format);
+    const double length = film.pieceLengthMm();
+    const double width = film.filmWidthMm;
+    const QPointF bottomAt(length / 2 - 1.3, width - 1.4);
+    const double lowerArrow = length - 4.48;
+    double widestBottom = std::max(length / 2 - 3, 4.0);
+    FilmEdge edge;
+    edge.texts.push_back({marking, {6.1, 0.2}, 1.1, length - 8});
+    if (options.showsNumber) {
+        const QString number = QString::number(printedFrameNumber(options.format, options.number));
+        edge.texts.push_back({number, {1.3, 0.18}, 1.25, 3.0});
+        edge.texts.push_back({number, {3.0, width - 1.4}, 1.1, 3.0});
+        edge.arrows = {arrow(4.62, 0.7), arrow(lowerArrow, width - 0.78)};
+        widestBottom = std::min(widestBottom, lowerArrow - airMm - bottomAt.x());
+    }
+    edge.texts.push_back({bottomLabel(options), bottomAt, 1.1, widestBottom});
+    return edge;
+}
+
+FilmEdge rollFilmEdge(const FilmOptions &options, const QString &marking)
+{
+    const FilmDimensions film = filmDimensions(options.format);
+    const double length = film.pieceLengthMm();
+    const double width = film.filmWidthMm;
+    FilmEdge edge;
+    edge.texts.push_back({marking, {1.7, 0.72}, 0.98, 0.53 * length});
+    if (options.showsNumber) {
+        const bool makers = hasMakersCounters(options, marking);
+        const QString plain = QString::number(printedFrameNumber(options.format, options.number));
+        edge.texts.push_back({makers ? counter(options, 41, 16) : plain, {0.74 * length, 0.6}, 1.22, 4.0});
+        edge.texts.push_back(
+            {makers ? counter(options, 1, 12) : plain, {0.23 * length, width - 1.93}, 1.22, 4.0});
+        if (options.light) {
+            edge.arrows.push_back(arrow(0.7 * length - 0.65, width - 1.23));
+        }
+    }
+    edge.texts.push_back({bottomLabel(options), {length - 8.8, width - 1.86}, 0.93, 7.2});
+    return edge;
+}
+
+/// Wider than any label, so that it never breaks.
+constexpr SetText::Box oneLine{1e6, 0};
+
+/// A text in type, and how to bring it onto the film.
+struct SetEdgeText {
+    explicit SetEdgeText(const FilmEdgeText &edgeText)
+        : set(edgeText.text, font(edgeText.sizeMm), oneLine),
+          scale(std::min(edgeText.sizeMm / referencePixels, edgeText.widestMm / set.size().width())),
+          rowTop(edgeText.at.y() + (edgeText.sizeMm - scale * referencePixels) / 2)
+    {
+    }
+
+    static QFont font(double sizeMm)
+    {
+        QFont face = Fonts::face(u"mono"_s, QFont::DemiBold, referencePixels);
+        face.setLetterSpacing(QFont::AbsoluteSpacing, kerningMm / sizeMm * referencePixels);
+        return face;
+    }
+
+    SetText set;
+    /// Millimetres for one unit of the type.
+    double scale;
+    double rowTop;
+};
+
+} // namespace
+
+QString edgeLabel(const QString &text)
+{
+    // A character of many code units is cut as well: nobody reads a letter under a hundred accents.
+    QString label = text.left(longestLabel * 16);
+    for (QChar &character : label) {
+        if (character.isSpace() || character.category() == QChar::Other_Control) {
+            character = u' ';
+        }
+    }
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, label);
+    for (int i = 0; i < longestLabel && finder.toNextBoundary() >= 0; ++i) {
+    }
+    return finder.position() >= 0 ? label.left(finder.position()) : label;
+}
+
+QString FilmEdge::automaticBottomLabel(const FilmOptions &options)
+{
+    if (options.format != FilmFormat::mm35) {
+        return u"120"_s;
+    }
+    return QString::number(printedFrameNumber(options.format, options.number)) + u'A';
+}
+
+FilmEdge FilmEdge::print(const FilmOptions &options)
+{
+    const QString marking = FilmStockCatalog::printableLabel(options.stock, options.topLabel);
+    FilmEdge edge =
+        options.format == FilmFormat::mm35 ? smallFilmEdge(options, marking) : rollFilmEdge(options, marking);
+    for (FilmEdgeText &text : edge.texts) {
+        text.text = edgeLabel(text.text);
+    }
+    std::erase_if(edge.texts, [](const FilmEdgeText &text) { return text.text.trimmed().isEmpty(); });
+    return edge;
+}
+
+QRectF edgeTextRect(const FilmEdgeText &text)
+{
+    const SetEdgeText set(text);
+    return {text.at.x(), set.rowTop, set.set.size().width() * set.scale, set.scale * referencePixels};
+}
+
+void drawFilmEdge(QPainter &painter, const FilmEdge &edge, const QColor &print)
+{
+    QColor glow = print;
+    glow.setAlphaF(print.alphaF() * glowAlpha);
+    for (const FilmEdgeText &text : edge.texts) {
+        const SetEdgeText set(text);
+        painter.save();
+        painter.translate(text.at.x(), set.rowTop + baselineInRow * referencePixels * set.scale);
+        painter.scale(set.scale, set.scale);
+        painter.translate(0, -set.set.baseline());
+        painter.fillPath(set.set.outlines(), glow);
+        set.set.draw(painter, print);
+        painter.restore();
+    }
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(print);
+    for (const QPolygonF &triangle : edge.arrows) {
+        painter.drawPolygon(triangle);
+    }
+}
+
+} // namespace tarnovel
