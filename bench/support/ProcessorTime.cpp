@@ -1,0 +1,88 @@
+#include "support/ProcessorTime.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <vector>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <benchmark/benchmark.h>
+
+namespace tarnovel::bench {
+
+namespace {
+
+std::map<std::string, std::vector<double>> &samples()
+{
+    static std::map<std::string, std::vector<double>> kept;
+    return kept;
+}
+
+rusage usage()
+{
+    rusage result{};
+    getrusage(RUSAGE_SELF, &result);
+    return result;
+}
+
+} // namespace
+
+double processorMs()
+{
+    const rusage now = usage();
+    const auto milliseconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+    };
+    return milliseconds(now.ru_utime) + milliseconds(now.ru_stime);
+}
+
+double residentMb()
+{
+    long whole = 0;
+    long resident = 0;
+    std::ifstream("/proc/self/statm") >> whole >> resident;
+    return static_cast<double>(resident) * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
+}
+
+double peakResidentMb()
+{
+    return static_cast<double>(usage().ru_maxrss) / 1e3;
+}
+
+void add(const std::string &name, const std::function<void()> &work)
+{
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [name, work](benchmark::State &state) {
+                                     for (const auto _ : state) {
+                                         const double before = processorMs();
+                                         work();
+                                         const double spent = processorMs() - before;
+                                         samples()[name].push_back(spent);
+                                         state.SetIterationTime(spent / 1e3);
+                                     }
+                                 })
+        ->UseManualTime()
+        ->Iterations(1)
+        ->Repetitions(9)
+        ->ReportAggregatesOnly(true)
+        ->Unit(benchmark::kMillisecond);
+}
+
+double medianMs(const std::string &name)
+{
+    std::vector<double> &all = samples()[name];
+    std::sort(all.begin(), all.end());
+    return all.empty() ? std::nan("") : all[all.size() / 2];
+}
+
+void printRatio(const char *what, const std::string &name, const std::string &floor, double budget)
+{
+    std::printf("%-44s %7.1f ms / %7.1f ms = %5.2f (budget %.1f)\n", what, medianMs(name), medianMs(floor),
+                medianMs(name) / medianMs(floor), budget);
+}
+
+} // namespace tarnovel::bench

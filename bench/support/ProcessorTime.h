@@ -1,0 +1,24 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace tarnovel::bench {
+
+/// Milliseconds of processor time, user and system, that this process has spent.
+double processorMs();
+
+/// Resident memory now and at its highest, in megabytes.
+double residentMb();
+double peakResidentMb();
+
+/// Registers a benchmark that measures the processor time of `work`, nine times.
+void add(const std::string &name, const std::function<void()> &work);
+
+/// The median of a benchmark that has run; not a number for one that has not.
+double medianMs(const std::string &name);
+
+/// "what   12.3 ms /  45.6 ms =  0.27 (budget 1.2)"
+void printRatio(const char *what, const std::string &name, const std::string &floor, double budget);
+
+} // namespace tarnovel::bench
