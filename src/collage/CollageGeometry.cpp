@@ -1,0 +1,99 @@
+#include "collage/CollageGeometry.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include <QStringList>
+
+#include "language/AppLanguage.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+QString CollageDivider::id() const
+{
+    QStringList steps;
+    for (const int step : path) {
+        steps.append(QString::number(step));
+    }
+    return steps.join(u'-');
+}
+
+std::optional<CollagePath> CollageDivider::pathFromId(const QString &id)
+{
+    CollagePath path;
+    if (id.isEmpty()) {
+        return path;
+    }
+    for (const QString &step : id.split(u'-')) {
+        if (step != u"0"_s && step != u"1"_s) {
+            return std::nullopt;
+        }
+        path.append(step == u"1"_s);
+    }
+    return path;
+}
+
+namespace CollageGeometry {
+
+namespace {
+
+void layOut(const CollageNode &node, const QRectF &rect, double gap, const CollagePath &path,
+            CollageLayout &layout)
+{
+    if (!node.axis || node.children.size() != 2) {
+        layout.cells[node.slot] = rect;
+        return;
+    }
+    const bool horizontal = *node.axis == CollageAxis::horizontal;
+    const double available = std::max((horizontal ? rect.width() : rect.height()) - gap, 0.0);
+    const double first = available * node.ratio;
+    const double start = horizontal ? rect.x() : rect.y();
+    layout.dividers.append({path, *node.axis, rect, start + first + gap / 2});
+    const auto part = [&](double from, double length) {
+        return horizontal ? QRectF(from, rect.y(), length, rect.height())
+                          : QRectF(rect.x(), from, rect.width(), length);
+    };
+    layOut(node.children.at(0), part(start, first), gap, path + CollagePath{0}, layout);
+    layOut(node.children.at(1), part(start + first + gap, available - first), gap, path + CollagePath{1},
+           layout);
+}
+
+} // namespace
+
+CollageLayout layout(const CollageNode &node, const QRectF &rect, double gap)
+{
+    CollageLayout result;
+    layOut(node, rect, gap, {}, result);
+    return result;
+}
+
+Drag dragDivider(const CollageDivider &divider, QPointF point)
+{
+    constexpr double thinnest = 0.15;
+    constexpr double pull = 0.02;
+    const bool horizontal = divider.axis == CollageAxis::horizontal;
+    const double length = horizontal ? divider.parent.width() : divider.parent.height();
+    const double way = horizontal ? point.x() - divider.parent.x() : point.y() - divider.parent.y();
+    Drag drag;
+    drag.ratio = std::clamp(length < 1 ? way : way / length, thinnest, 1 - thinnest);
+    for (const double stop : {1.0 / 2, 1.0 / 3, 2.0 / 3}) {
+        if (std::abs(drag.ratio - stop) <= pull) {
+            drag.ratio = stop;
+            drag.snapped = true;
+        }
+    }
+    if (drag.snapped && drag.ratio == 0.5) {
+        drag.readout = localized({"居中 · 50 : 50", "Centered · 50 : 50", "Centré · 50 : 50"});
+    } else {
+        const int share = static_cast<int>(drag.ratio * 100);
+        drag.readout = u"%1 : %2"_s.arg(share).arg(100 - share);
+    }
+    return drag;
+}
+
+} // namespace CollageGeometry
+
+} // namespace tarnovel

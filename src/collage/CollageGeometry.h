@@ -1,0 +1,53 @@
+#pragma once
+
+#include <map>
+
+#include <QList>
+#include <QRectF>
+#include <QString>
+
+#include "collage/CollageNode.h"
+
+namespace tarnovel {
+
+/// The line between the two children of a split, which the user can drag.
+struct CollageDivider {
+    CollagePath path;
+    CollageAxis axis = CollageAxis::horizontal;
+    /// The split's whole rectangle, the gap included.
+    QRectF parent;
+    /// The middle of the gap: an x for a horizontal split, a y for a vertical one.
+    double position = 0;
+
+    /// The path's steps joined by "-"; empty for the root.
+    QString id() const;
+    static std::optional<CollagePath> pathFromId(const QString &id);
+};
+
+struct CollageLayout {
+    /// Rectangles by slot.
+    std::map<int, QRectF> cells;
+    /// A split's own divider, then those of its first child, then those of its second.
+    QList<CollageDivider> dividers;
+};
+
+/// One geometry for board, thumbnails and result.
+namespace CollageGeometry {
+
+/// The gap is taken out once a split; where it is wider than the rectangle, the children have no length.
+CollageLayout layout(const CollageNode &node, const QRectF &rect, double gap);
+
+/// What a divider dragged to a point does to its split.
+struct Drag {
+    /// 0.15…0.85, pulled to 1/2, 1/3 and 2/3 within 0.02.
+    double ratio = 0.5;
+    bool snapped = false;
+    /// For example "62 : 38", in the current language.
+    QString readout;
+};
+
+Drag dragDivider(const CollageDivider &divider, QPointF point);
+
+} // namespace CollageGeometry
+
+} // namespace tarnovel
