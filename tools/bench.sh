@@ -6,13 +6,14 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . tools/prepare.sh
 install_packages
 build bench
+log=$(mktemp)
+trap 'rm -f "$log" "$log.errors"' EXIT
 for program in build/bench/bench/bench_*; do
     if [ -x "$program" ] && [ -f "$program" ]; then
-        QT_QPA_PLATFORM=offscreen "$program" --benchmark_out=/dev/null "$@" >/tmp/bench.$$ 2>/tmp/bench-errors.$$ || {
-            cat /tmp/bench-errors.$$ >&2
+        QT_QPA_PLATFORM=offscreen "$program" --benchmark_out=/dev/null "$@" >"$log" 2>"$log.errors" || {
+            cat "$log.errors" >&2
             exit 1
         }
-        sed -n '/^Processor time/,$p' /tmp/bench.$$
-        rm -f /tmp/bench.$$ /tmp/bench-errors.$$
+        sed -n '/^Processor time/,$p' "$log"
     fi
 done

@@ -35,6 +35,7 @@ build() {
     local preset=$1 log=build/$1.log
     shift
     mkdir -p build
+    [ -e "build/$preset/tarnovel" ] || echo "Building; this takes some minutes the first time" >&2
     if [ ! -e "build/$preset/build.ninja" ]; then
         cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; return 1; }
     fi

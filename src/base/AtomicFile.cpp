@@ -1,9 +1,9 @@
 #include "base/AtomicFile.h"
 
 #include <cerrno>
-#include <csignal>
 #include <fcntl.h>
 #include <linux/fs.h>
+#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QUuid>
 
 #include "base/FileError.h"
@@ -21,29 +22,30 @@ namespace tarnovel {
 namespace {
 
 const QString temporaryPrefix = QStringLiteral(".tarnovel-");
+constexpr int temporaryDigits = 16;
 
 } // namespace
 
-/// A hidden file beside its goal. It is removed unless it was moved into place.
+/// A hidden file beside its goal. It is removed unless it was moved into place. As long as its writer lives,
+/// the writer holds a lock on it: that is how a left-over is told from a file in use, on shared folders too.
 class TemporaryFile {
 public:
     explicit TemporaryFile(const QString &folder)
-        : m_path(folder + u'/' + temporaryPrefix + QString::number(getpid()) + u'-' +
-                 QUuid::createUuid().toString(QUuid::Id128).left(12)),
+        : m_path(folder + u'/' + temporaryPrefix +
+                 QUuid::createUuid().toString(QUuid::Id128).left(temporaryDigits)),
           m_descriptor(open(encoded().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666))
     {
         if (m_descriptor < 0) {
             throw FileError(folder, errno);
         }
+        flock(m_descriptor, LOCK_EX | LOCK_NB);
     }
     ~TemporaryFile()
     {
-        if (m_descriptor >= 0) {
-            close(m_descriptor);
-        }
         if (!m_moved) {
             unlink(encoded().constData());
         }
+        close(m_descriptor);
     }
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
@@ -107,11 +109,6 @@ public:
         if (status.st_size != m_size) {
             throw FileError(m_path, EIO);
         }
-        const int descriptor = m_descriptor;
-        m_descriptor = -1;
-        if (close(descriptor) != 0) {
-            throw FileError(m_path, errno);
-        }
     }
 
     void replace(const QString &path)
@@ -133,9 +130,7 @@ public:
             return true;
         }
         if (errno == EINVAL || errno == ENOSYS) {
-            if (link(encoded().constData(), goal.constData()) == 0) {
-                return true;
-            }
+            return linkToFreeName(goal) || claimFreeName(goal);
         }
         if (errno == EEXIST) {
             return false;
@@ -144,6 +139,32 @@ public:
     }
 
 private:
+    bool linkToFreeName(const QByteArray &goal) const
+    {
+        return link(encoded().constData(), goal.constData()) == 0;
+    }
+
+    /// Without links, an empty file of ours holds the name until the whole one replaces it. False when it is
+    /// taken.
+    bool claimFreeName(const QByteArray &goal)
+    {
+        const int claim = open(goal.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (claim < 0) {
+            if (errno == EEXIST) {
+                return false;
+            }
+            throw FileError(QFile::decodeName(goal), errno);
+        }
+        close(claim);
+        try {
+            replace(QFile::decodeName(goal));
+        } catch (const FileError &) {
+            unlink(goal.constData());
+            throw;
+        }
+        return true;
+    }
+
     QString m_path;
     int m_descriptor;
     qint64 m_size = 0;
@@ -238,13 +259,20 @@ QStringList StagedFiles::publish(const std::function<QString(qsizetype, int)> &n
 
 void sweepTemporaryFiles(const QString &folder)
 {
+    static const QRegularExpression shape(u'^' + QRegularExpression::escape(temporaryPrefix) +
+                                          QStringLiteral("[0-9a-f]{%1}$").arg(temporaryDigits));
     const QStringList names = QDir(folder).entryList({temporaryPrefix + u'*'}, QDir::Files | QDir::Hidden);
     for (const QString &name : names) {
-        const int process = name.mid(temporaryPrefix.size()).section(u'-', 0, 0).toInt();
-        const bool alive = process > 0 && process != getpid() && (kill(process, 0) == 0 || errno == EPERM);
-        if (!alive) {
-            QFile::remove(folder + u'/' + name);
+        const QByteArray path = QFile::encodeName(folder + u'/' + name);
+        const int descriptor =
+            shape.match(name).hasMatch() ? open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW) : -1;
+        if (descriptor < 0) {
+            continue;
         }
+        if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
+            unlink(path.constData());
+        }
+        close(descriptor);
     }
 }
 

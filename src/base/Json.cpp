@@ -54,7 +54,9 @@ Json parseJson(const QByteArray &bytes)
     try {
         return Json::parse(bytes.begin(), bytes.end(), check);
     } catch (const Json::exception &error) {
-        throw JsonError({}, error.what());
+        // The library's own mark in brackets says nothing to a reader.
+        const std::string what = error.what();
+        throw JsonError({}, what.substr(what.find("] ") == std::string::npos ? 0 : what.find("] ") + 2));
     }
 }
 

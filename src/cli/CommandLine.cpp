@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <clocale>
 #include <cstdlib>
 #include <string>
 #include <string_view>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <QDir>
@@ -79,8 +81,7 @@ public:
         m_app.description(text({"给一组照片加上统一的边框，并导出成品。",
                                 "Frames a set of photos in one look and exports them.",
                                 "Encadre une série de photos dans un même style et l’exporte."}));
-        labels(m_app);
-        m_app.set_help_flag("-h,--help", text({"显示说明", "Show this help", "Afficher cette aide"}));
+        settle(m_app);
         m_app.set_version_flag("--version", std::string("tarnovel ") + TARNOVEL_VERSION,
                                text({"显示版本", "Show the version", "Afficher la version"}));
         m_app.require_subcommand(1);
@@ -99,28 +100,40 @@ public:
     const CLI::App *stocks() const { return m_stocks; }
 
 private:
-    static void labels(CLI::App &app)
+    /// Headings and words of the help; CLI11 has its own in English only.
+    void settle(CLI::App &app)
     {
         const auto &formatter = app.get_formatter();
-        formatter->label("Usage", text({"用法", "Usage", "Utilisation"}));
-        formatter->label("Options", text({"选项", "Options", "Options"}));
-        formatter->label("OPTIONS", text({"[选项]", "[OPTIONS]", "[OPTIONS]"}));
+        formatter->label("Usage", text({"用法", "Usage", "Utilisation "}));
+        formatter->label("OPTIONS", text({"选项", "OPTIONS", "OPTIONS"}));
         formatter->label("Positionals", text({"参数", "Arguments", "Arguments"}));
-        formatter->label("Subcommands", text({"命令", "Commands", "Commandes"}));
         formatter->label("SUBCOMMAND", text({"命令", "COMMAND", "COMMANDE"}));
-        formatter->label("REQUIRED", text({"（必填）", "(required)", "(obligatoire)"}));
-        formatter->label("TEXT", "");
         formatter->column_width(34);
+        app.option_defaults()->group(text({"选项", "Options", "Options"}));
+        app.set_help_flag("-h,--help", text({"显示说明", "Show this help", "Afficher cette aide"}));
+        addOption(app, "--language", m_arguments.language, "zh|en|fr",
+                  {"提示文字的语言", "Language of the messages", "Langue des messages"});
+    }
+
+    /// An option with one value; given twice, the last one counts.
+    static void addOption(CLI::App &app, const char *name, std::string &value, const char *valueName,
+                          const Text &what)
+    {
+        app.add_option(name, value, text(what))->type_name(valueName)->take_last();
+    }
+
+    /// An option with one value that may be given any number of times.
+    static void addRepeatable(CLI::App &app, const char *name, std::vector<std::string> &values,
+                              const char *valueName, const Text &what)
+    {
+        app.add_option(name, values, text(what))->type_name(valueName)->allow_extra_args(false);
     }
 
     CLI::App *addCommand(const char *name, const Text &description)
     {
         CLI::App *command = m_app.add_subcommand(name, text(description));
-        labels(*command);
-        command->set_help_flag("-h,--help", text({"显示说明", "Show this help", "Afficher cette aide"}));
-        command->add_option("--language", m_arguments.language,
-                            text({"提示文字的语言：zh、en 或 fr", "Language of the messages: zh, en or fr",
-                                  "Langue des messages : zh, en ou fr"}));
+        command->group(text({"命令", "Commands", "Commandes"}));
+        settle(*command);
         return command;
     }
 
@@ -140,7 +153,8 @@ private:
 
     void addPhotos(CLI::App *command)
     {
-        command->add_option("PHOTO", m_arguments.photos, text({"照片文件", "Photo files", "Fichiers photo"}));
+        command->add_option("PHOTO", m_arguments.photos, text({"照片文件", "Photo files", "Fichiers photo"}))
+            ->type_name("");
     }
 
     void addInspect()
@@ -161,10 +175,9 @@ private:
                            text({"导出上次编辑的照片，各用各的样式",
                                  "Export the photos of the stored session, each in its own style",
                                  "Exporter les photos de la session enregistrée, chacune avec son style"}));
-        m_export->add_option(
-            "-o,--output", m_arguments.folder,
-            text({"目标文件夹，没有时会建立（必填）", "Destination folder, made when missing (required)",
-                  "Dossier de destination, créé au besoin (obligatoire)"}));
+        addOption(*m_export, "-o,--output", m_arguments.folder, "DIR",
+                  {"目标文件夹，没有时会建立（必填）", "Destination folder, made when missing (required)",
+                   "Dossier de destination, créé au besoin (obligatoire)"});
         addStyleOptions();
         addOutputOptions();
         addJson(m_export);
@@ -174,44 +187,38 @@ private:
 
     void addStyleOptions()
     {
-        m_export->add_option("-t,--template", m_arguments.templateId,
-                             text({"内置模板，默认 plain", "Built-in template; plain by default",
-                                   "Modèle intégré, plain par défaut"}));
-        m_export->add_option("--style", m_arguments.style,
-                             text({"样式文件（JSON）", "A style as a JSON file", "Un style, fichier JSON"}));
-        m_export
-            ->add_option("--set", m_arguments.sets,
-                         text({"修改样式的一个字段，如 scale=0.7（可重复）",
-                               "Change one field, as in scale=0.7 (repeatable)",
-                               "Changer un champ, p. ex. scale=0.7 (répétable)"}))
-            ->allow_extra_args(false);
-        m_export
-            ->add_option("--text", m_arguments.texts,
-                         text({"写入并显示一个文字图层，如 title=早晨（可重复）",
-                               "Write and show a text layer, as in title=Morning (repeatable)",
-                               "Écrire et montrer un calque, p. ex. title=Matin (répétable)"}))
-            ->allow_extra_args(false);
-        m_export->add_option("--background", m_arguments.background,
-                             text({"背景图片", "Picture for the backdrop", "Image de fond"}));
-        m_export->add_option("--logo", m_arguments.logo,
-                             text({"徽标图片", "Picture for the logo", "Image du logo"}));
-        m_export->add_option("--signature", m_arguments.signature,
-                             text({"签名图片", "Picture of the signature", "Image de la signature"}));
+        addOption(*m_export, "-t,--template", m_arguments.templateId, "ID",
+                  {"内置模板，默认 plain", "Built-in template; plain by default",
+                   "Modèle intégré, plain par défaut"});
+        addOption(*m_export, "--style", m_arguments.style, "FILE",
+                  {"样式文件（JSON）", "A style as a JSON file", "Un style, fichier JSON"});
+        addRepeatable(*m_export, "--set", m_arguments.sets, "PATH=VALUE",
+                      {"修改样式的一个字段，如 scale=0.7（可重复）",
+                       "Change one field, as in scale=0.7 (repeatable)",
+                       "Changer un champ, p. ex. scale=0.7 (répétable)"});
+        addRepeatable(*m_export, "--text", m_arguments.texts, "ID=TEXT",
+                      {"写入并显示一个文字图层，如 title=早晨（可重复）",
+                       "Write and show a text layer, as in title=Morning (repeatable)",
+                       "Écrire et montrer un calque, p. ex. title=Matin (répétable)"});
+        addOption(*m_export, "--background", m_arguments.background, "FILE",
+                  {"背景图片", "Picture for the backdrop", "Image de fond"});
+        addOption(*m_export, "--logo", m_arguments.logo, "FILE",
+                  {"徽标图片", "Picture for the logo", "Image du logo"});
+        addOption(*m_export, "--signature", m_arguments.signature, "FILE",
+                  {"签名图片", "Picture of the signature", "Image de la signature"});
     }
 
     void addOutputOptions()
     {
-        m_export->add_option("--size", m_arguments.size,
-                             text({"1080（短边）、original 或长边像素，默认 4096",
-                                   "1080 (short edge), original or a long edge in pixels; 4096 by default",
-                                   "1080 (petit côté), original ou grand côté en pixels ; 4096 par défaut"}));
-        m_export->add_option("--format", m_arguments.format,
-                             text({"jpeg 或 png，默认 jpeg", "jpeg or png; jpeg by default",
-                                   "jpeg ou png ; jpeg par défaut"}));
-        m_export->add_option(
-            "--max-mb", m_arguments.maxMb,
-            text({"JPEG 大小上限，单位 MB（1,000,000 字节）", "JPEG size limit in MB of 1,000,000 bytes",
-                  "Taille maximale du JPEG en Mo (1 000 000 octets)"}));
+        addOption(*m_export, "--size", m_arguments.size, "SIZE",
+                  {"1080（短边）、original 或长边像素，默认 4096",
+                   "1080 (short edge), original or a long edge in pixels; 4096 by default",
+                   "1080 (petit côté), original ou grand côté en pixels ; 4096 par défaut"});
+        addOption(*m_export, "--format", m_arguments.format, "jpeg|png",
+                  {"默认 jpeg", "jpeg by default", "jpeg par défaut"});
+        addOption(*m_export, "--max-mb", m_arguments.maxMb, "N",
+                  {"JPEG 大小上限，单位 MB（1,000,000 字节）", "JPEG size limit in MB of 1,000,000 bytes",
+                   "Taille maximale du JPEG en Mo (1 000 000 octets)"});
     }
 
     Arguments &m_arguments;
@@ -236,7 +243,7 @@ ExportRequest exportRequest(const Grammar &grammar, const Arguments &arguments)
     }
     ExportRequest request;
     request.photos = fromArguments(arguments.photos);
-    request.folder = fromArgument(arguments.folder);
+    request.folder = QDir::cleanPath(fromArgument(arguments.folder));
     request.session = arguments.session;
     request.templateId = given(command, "--template", arguments.templateId);
     request.styleFile = given(command, "--style", arguments.style);
@@ -254,23 +261,27 @@ ExportRequest exportRequest(const Grammar &grammar, const Arguments &arguments)
 }
 
 /// What CLI11 found wrong, in the user's language; it names the culprit in its own English only.
-QString complaint(const CLI::ParseError &error)
+QString complaint(const CLI::ParseError &error, const CLI::App &app)
 {
-    const QString detail = QString::fromUtf8(error.what());
     if (dynamic_cast<const CLI::ExtrasError *>(&error)) {
-        return localized({"多余的参数：", "Unknown argument: ", "Argument inconnu : "}) +
-               detail.section(u": "_s, 1).trimmed();
+        const std::vector<std::string> extras = app.remaining(true);
+        return localized({"未知的参数：", "Unknown argument: ", "Argument inconnu : "}) +
+               (extras.empty() ? QString() : fromArgument(extras.front()));
     }
+    if (dynamic_cast<const CLI::RequiredError *>(&error)) {
+        return localized({"没有指定命令。", "No command is given.", "Aucune commande indiquée."});
+    }
+    const QString option = QString::fromUtf8(error.what()).section(u':', 0, 0);
     if (dynamic_cast<const CLI::ArgumentMismatch *>(&error)) {
-        return localized({"缺少值：", "A value is missing: ", "Il manque une valeur : "}) +
-               detail.section(u':', 0, 0);
+        return localized({"缺少值：", "A value is missing: ", "Il manque une valeur : "}) + option;
     }
-    return localized({"命令有误：", "Wrong usage: ", "Utilisation incorrecte : "}) + detail;
+    return localized({"用法有误：", "Wrong usage of ", "Mauvais usage de "}) + option;
 }
 
 int wrong(const QString &message)
 {
-    Console::complain(message + u' ' +
+    const bool ended = message.endsWith(u'.') || message.endsWith(u'。');
+    Console::complain(message + (ended ? QString() : localized({"。", ".", "."})) + u' ' +
                       localized({"参见 tarnovel --help", "See tarnovel --help", "Voir tarnovel --help"}));
     return wrongUsage;
 }
@@ -334,6 +345,17 @@ int dispatch(const Grammar &grammar, const Arguments &arguments, const Interrupt
     return runExport(exportRequest(grammar, arguments), interruption);
 }
 
+/// A program that is started with a closed standard stream would write its messages into the next file that
+/// it opens.
+void occupyStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            open("/dev/null", O_RDWR);
+        }
+    }
+}
+
 /// Without a session's runtime folder Qt makes one among the temporary files; a command leaves nothing there.
 /// A folder that is in use is not empty, and stays.
 void removeRuntimeFolder()
@@ -357,23 +379,19 @@ void prepareQt()
 
 } // namespace
 
-bool isCommandLine(int argc, char **argv)
-{
-    if (argc < 2) {
-        return false;
-    }
-    const std::string_view first = argv[1];
-    return std::ranges::find(commands, first) != commands.end() || first == "-h" || first == "--help" ||
-           first == "--version";
-}
-
 int runCommandLine(int argc, char **argv)
 {
+    occupyStandardStreams();
     const bool knownLanguage = chooseLanguage(argc, argv);
     prepareQt();
     if (!knownLanguage) {
         return wrong(localized({"--language 应为 zh、en 或 fr。", "--language takes zh, en or fr.",
                                 "--language prend zh, en ou fr."}));
+    }
+    if (argc > 1 && argv[1][0] != '-' &&
+        std::ranges::find(commands, std::string_view(argv[1])) == commands.end()) {
+        return wrong(localized({"没有这个命令：", "There is no command ", "Commande inconnue : "}) +
+                     fromArgument(argv[1]));
     }
     Arguments arguments;
     Grammar grammar(arguments);
@@ -385,7 +403,7 @@ int runCommandLine(int argc, char **argv)
     } catch (const CLI::Success &asked) {
         return grammar.app().exit(asked);
     } catch (const CLI::ParseError &error) {
-        return wrong(complaint(error));
+        return wrong(complaint(error, grammar.app()));
     }
     if (end != argv + argc) {
         arguments.photos.insert(arguments.photos.end(), end + 1, argv + argc);

@@ -2,9 +2,6 @@
 
 namespace tarnovel {
 
-/// Whether the arguments name a headless command, or ask for help or the version.
-bool isCommandLine(int argc, char **argv);
-
 /// Runs a headless command and returns the exit status: 0 all done, 1 something failed, 2 wrong usage, 128
 /// and the signal's number after an interruption. It needs no display and changes neither library nor
 /// preferences.

@@ -1,8 +1,11 @@
 #include "cli/Console.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "language/AppLanguage.h"
 
 using namespace Qt::StringLiterals;
 
@@ -11,6 +14,13 @@ namespace tarnovel {
 namespace Console {
 
 namespace {
+
+/// The marks that reverse the direction of what follows, with which a name could disguise a message.
+bool turnsTheLine(QChar character)
+{
+    const char16_t code = character.unicode();
+    return (code >= 0x202a && code <= 0x202e) || (code >= 0x2066 && code <= 0x2069);
+}
 
 void toStandardError(const QString &text)
 {
@@ -26,7 +36,15 @@ bool print(const QString &line)
     const QByteArray bytes = line.toUtf8() + '\n';
     const bool written = std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout) ==
                          static_cast<size_t>(bytes.size());
-    return std::fflush(stdout) == 0 && written;
+    if (std::fflush(stdout) == 0 && written) {
+        return true;
+    }
+    // A reader that has gone knows it; any other trouble has to be said.
+    if (errno != EPIPE) {
+        complain(localized({"无法写到标准输出。", "Cannot write to standard output.",
+                            "Impossible d’écrire sur la sortie standard."}));
+    }
+    return false;
 }
 
 QString escaped(const QString &text)
@@ -37,7 +55,7 @@ QString escaped(const QString &text)
             result += u"\\n"_s;
         } else if (character == u'\t') {
             result += u"\\t"_s;
-        } else if (character.category() == QChar::Other_Control ||
+        } else if (turnsTheLine(character) || character.category() == QChar::Other_Control ||
                    character.category() == QChar::Separator_Line ||
                    character.category() == QChar::Separator_Paragraph) {
             result += u"\\x%1"_s.arg(character.unicode(), 2, 16, QChar(u'0'));

@@ -1,10 +1,12 @@
 #include "cli/ExportCommand.h"
 
+#include <algorithm>
 #include <functional>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryDir>
 
 #include "base/AtomicFile.h"
 #include "base/Cancellation.h"
@@ -13,8 +15,6 @@
 #include "cli/Interruption.h"
 #include "cli/StyleEdit.h"
 #include "export/ExportNames.h"
-#include "imaging/ImageDecoder.h"
-#include "imaging/ImageError.h"
 #include "language/AppLanguage.h"
 #include "model/FrameSettingsJson.h"
 #include "model/LibraryPaths.h"
@@ -29,6 +29,13 @@ using namespace Qt::StringLiterals;
 namespace tarnovel {
 
 namespace {
+
+QString unreadablePicture()
+{
+    return localized({"无法读取这张图片，请尝试 JPEG、HEIC 或 PNG。",
+                      "Cannot read this picture. Try JPEG, HEIC or PNG.",
+                      "Impossible de lire cette image. Essayez JPEG, HEIC ou PNG."});
+}
 
 /// Something that stops the whole command before its first photo.
 struct Refusal {
@@ -49,16 +56,18 @@ ExportOptions optionsFrom(const ExportRequest &request)
     } else {
         bool whole = false;
         options.longEdge = request.size.toInt(&whole);
-        if (!whole || options.longEdge <= 0) {
+        const bool digits =
+            std::ranges::all_of(request.size, [](QChar each) { return each >= u'0' && each <= u'9'; });
+        if (!whole || !digits || options.longEdge <= 0) {
             throw UsageError{localized({"--size 应为 1080、original 或像素数：",
                                         "--size takes 1080, original or a number of pixels: ",
-                                        "--size prend 1080, original ou un nombre de pixels : "}) +
+                                        "--size prend 1080, original ou un nombre de pixels : "}) +
                              request.size};
         }
     }
     if (request.format != u"jpeg"_s && request.format != u"png"_s) {
         throw UsageError{localized({"--format 应为 jpeg 或 png：",
-                                    "--format takes jpeg or png: ", "--format prend jpeg ou png : "}) +
+                                    "--format takes jpeg or png: ", "--format prend jpeg ou png : "}) +
                          request.format};
     }
     options.png = request.format == u"png"_s;
@@ -67,7 +76,7 @@ ExportOptions optionsFrom(const ExportRequest &request)
         const double limit = request.maxMb->toDouble(&number);
         if (!number || !(limit > 0)) {
             throw UsageError{localized({"--max-mb 应为大于零的数：", "--max-mb takes a number above zero: ",
-                                        "--max-mb prend un nombre positif : "}) +
+                                        "--max-mb prend un nombre positif : "}) +
                              *request.maxMb};
         }
         options.maxMB = options.png ? 0 : limit;
@@ -104,18 +113,22 @@ FrameSettings styleFrom(const QString &path)
         resolveFiles(settings, QFileInfo(path).absoluteDir());
         return settings;
     } catch (const JsonError &error) {
-        throw Refusal{path, localized({"这不是有效的样式：", "Not a valid style: ", "Style non valide : "}) +
+        throw Refusal{path, localized({"这不是有效的样式：", "Not a valid style: ", "Style non valide : "}) +
                                 QString::fromStdString(error.what())};
     }
 }
 
-double aspectOf(const QString &path)
+/// Width ÷ height of a picture that can be read; a Refusal for any other.
+double aspectOf(const QString &path, ImagePipeline &pipeline, const Interruption &interruption)
 {
     try {
-        const QSizeF size = readImageHeader(path).uprightSize();
+        const QSizeF size =
+            pipeline.inspect({absolute(path)}, ImagePipeline::TestDecode::Yes, interruption.token())
+                .result()
+                .size();
         return size.width() / size.height();
-    } catch (const ImageError &) {
-        throw Refusal{path, errorDescription(PipelineError::unreadable)};
+    } catch (const PipelineFailure &) {
+        throw Refusal{path, unreadablePicture()};
     }
 }
 
@@ -127,17 +140,17 @@ struct Pictures {
     double logoAspect = 1;
     double signatureAspect = 1;
 
-    explicit Pictures(const ExportRequest &request)
+    Pictures(const ExportRequest &request, ImagePipeline &pipeline, const Interruption &interruption)
         : background(request.background), logo(request.logo), signature(request.signature)
     {
         if (background) {
-            aspectOf(*background);
+            aspectOf(*background, pipeline, interruption);
         }
         if (logo) {
-            logoAspect = aspectOf(*logo);
+            logoAspect = aspectOf(*logo, pipeline, interruption);
         }
         if (signature) {
-            signatureAspect = aspectOf(*signature);
+            signatureAspect = aspectOf(*signature, pipeline, interruption);
         }
     }
 
@@ -165,16 +178,14 @@ using Styler = std::function<PhotoItem(const PhotoItem &, int index)>;
 
 Styler stylerFrom(const ExportRequest &request, ImagePipeline &pipeline, const Interruption &interruption)
 {
-    const Pictures pictures(request);
-    const std::optional<FrameSettings> style =
-        request.styleFile ? std::optional(styleFrom(*request.styleFile)) : std::nullopt;
     const auto look = BuiltInTemplates::withId(request.templateId.value_or(u"plain"_s));
     if (!look) {
-        throw UsageError{localized({"没有这个模板：", "There is no template ", "Modèle inconnu : "}) +
+        throw UsageError{localized({"没有这个模板：", "There is no template ", "Modèle inconnu : "}) +
                          *request.templateId};
     }
-    const auto edit = [pictures, request](FrameSettings &settings) {
-        pictures.apply(settings);
+    const std::optional<FrameSettings> style =
+        request.styleFile ? std::optional(styleFrom(*request.styleFile)) : std::nullopt;
+    const auto edit = [request](FrameSettings &settings) {
         for (const QString &assignment : request.sets) {
             StyleEdit::set(settings, assignment);
         }
@@ -182,21 +193,22 @@ Styler stylerFrom(const ExportRequest &request, ImagePipeline &pipeline, const I
             StyleEdit::setText(settings, assignment);
         }
     };
+    // A try on an empty photo finds what is wrong with the options before any picture is opened.
+    FrameSettings trial = style ? *style : BuiltInTemplates::make(*look, FrameSettings(), {});
+    edit(trial);
+    const Pictures pictures(request, pipeline, interruption);
     // The numbers of film frames go on from the style's own, so they are given after every other change.
-    Styler styler = [style, look, edit, &pipeline, &interruption](const PhotoItem &item, int index) {
+    return [style, look, edit, pictures, &pipeline, &interruption](const PhotoItem &item, int index) {
         const bool wantsColors = !style && *look == BuiltInTemplate::tone;
         const QList<Ink> palette =
             wantsColors ? pipeline.primaryColors(item.file, interruption.token()).result() : QList<Ink>();
         PhotoItem result =
             styled(item, style ? *style : BuiltInTemplates::make(*look, item.settings, palette), 0);
+        pictures.apply(result.settings);
         edit(result.settings);
         numberFilmFrame(result.settings, index);
         return result;
     };
-    // A try on an empty photo finds what is wrong with the options before a real one is opened.
-    FrameSettings trial = style ? *style : BuiltInTemplates::make(*look, FrameSettings(), {});
-    edit(trial);
-    return styler;
 }
 
 Json rectangle(const QRectF &rect)
@@ -205,10 +217,10 @@ Json rectangle(const QRectF &rect)
 }
 
 /// One run of the command.
-class ExportRun {
+class CommandRun {
 public:
-    ExportRun(const ExportRequest &request, const ExportOptions &options, ImagePipeline &pipeline,
-              const Interruption &interruption, int total)
+    CommandRun(const ExportRequest &request, const ExportOptions &options, ImagePipeline &pipeline,
+               const Interruption &interruption, int total)
         : m_request(request),
           m_options(options),
           m_pipeline(pipeline),
@@ -220,7 +232,7 @@ public:
     /// `photo` is how the photo is called in messages; `item` makes it ready.
     void exportOne(const QString &photo, const std::function<PhotoItem()> &item)
     {
-        m_progress.show(m_done, photo);
+        m_progress.show(m_done, QFileInfo(photo).fileName());
         try {
             const PhotoItem ready = item();
             const ExportedFile made =
@@ -235,14 +247,16 @@ public:
             });
             report(photo, path, ready, made);
         } catch (const PipelineFailure &failure) {
-            reportFailure(photo, errorDescription(failure.error()));
+            const bool itself = failure.file().isEmpty();
+            reportFailure(photo, itself ? errorDescription(failure.error())
+                                        : failure.file() + u": "_s + unreadablePicture());
         } catch (const FileError &error) {
-            const bool elsewhere = !error.path().startsWith(m_request.folder);
-            const QString place = elsewhere ? QFileInfo(error.path()).path() : m_request.folder;
-            reportFailure(photo, place + u": "_s + errorDescription(error));
+            const QString temporary = QDir::tempPath();
+            const bool elsewhere = error.path().startsWith(temporary + u"/tarnovel-"_s);
+            reportFailure(photo,
+                          (elsewhere ? temporary : m_request.folder) + u": "_s + errorDescription(error));
         }
         ++m_done;
-        m_progress.show(m_done, photo);
     }
 
     int status() const { return m_failed || m_deaf ? 1 : 0; }
@@ -288,6 +302,23 @@ private:
     bool m_failed = false;
     bool m_deaf = false;
     ProgressBar m_progress;
+};
+
+/// A folder of this run alone, closed to other users, that goes with it.
+class TemporaryFolder {
+public:
+    TemporaryFolder() : m_folder(QDir::tempPath() + u"/tarnovel-XXXXXX"_s)
+    {
+        if (!m_folder.isValid()) {
+            throw Refusal{QDir::tempPath(),
+                          localized({"无法在这里建立临时文件夹。", "Cannot make a temporary folder here.",
+                                     "Impossible de créer un dossier temporaire ici."})};
+        }
+    }
+    QString path() const { return m_folder.path(); }
+
+private:
+    QTemporaryDir m_folder;
 };
 
 void makeFolder(const QString &folder)
@@ -338,8 +369,9 @@ int exportSession(const ExportRequest &request, const ExportOptions &options,
     checkSession(request);
     const Session session = storedSession();
     makeFolder(request.folder);
-    ImagePipeline pipeline(LibraryPaths::location(), QDir::tempPath());
-    ExportRun run(request, options, pipeline, interruption, static_cast<int>(session.photos.size()));
+    const TemporaryFolder temporary;
+    ImagePipeline pipeline(LibraryPaths::location(), temporary.path());
+    CommandRun run(request, options, pipeline, interruption, static_cast<int>(session.photos.size()));
     for (const PhotoItem &item : session.photos) {
         run.exportOne(item.name, [&item] { return item; });
         if (run.deaf()) {
@@ -354,10 +386,11 @@ int exportPhotos(const ExportRequest &request, const ExportOptions &options, con
     if (request.photos.isEmpty()) {
         throw UsageError{localized({"没有指定照片。", "No photo is named.", "Aucune photo indiquée."})};
     }
-    ImagePipeline pipeline(QDir::currentPath(), QDir::tempPath());
+    const TemporaryFolder temporary;
+    ImagePipeline pipeline(QDir::currentPath(), temporary.path());
     const Styler styler = stylerFrom(request, pipeline, interruption);
     makeFolder(request.folder);
-    ExportRun run(request, options, pipeline, interruption, static_cast<int>(request.photos.size()));
+    CommandRun run(request, options, pipeline, interruption, static_cast<int>(request.photos.size()));
     for (int index = 0; const QString &photo : request.photos) {
         run.exportOne(photo, [&, index] {
             const auto inspected =

@@ -1,8 +1,6 @@
 #include "cli/StyleEdit.h"
 
 #include <algorithm>
-#include <array>
-#include <string_view>
 
 #include <QStringList>
 
@@ -17,20 +15,21 @@ namespace tarnovel::StyleEdit {
 
 namespace {
 
-/// Keys that a record may lack.
-constexpr std::array<std::string_view, 14> optionalKeys = {
-    "backgroundFile", "film",         "templateID",       "handwritingFile", "handwritingAspect",
-    "handwritingX",   "handwritingY", "handwritingWidth", "imageFile",       "imageAspect",
-    "rotation",       "fontStyle",    "topLabel",         "bottomLabel"};
-
 UsageError unknownField(const QString &path)
 {
-    return {localized({"没有这个字段：", "There is no field ", "Champ inconnu : "}) + path};
+    return {localized({"没有这个字段：", "There is no field ", "Champ inconnu : "}) + path};
 }
 
 UsageError unknownLayer(const QString &id)
 {
-    return {localized({"没有这个图层：", "There is no layer ", "Calque inconnu : "}) + id};
+    return {localized({"没有这个图层：", "There is no layer ", "Calque inconnu : "}) + id};
+}
+
+/// Enough of an argument to recognise it.
+QString shortened(const QString &argument)
+{
+    constexpr qsizetype enough = 80;
+    return argument.size() <= enough ? argument : argument.left(enough) + u'…';
 }
 
 struct Assignment {
@@ -38,13 +37,11 @@ struct Assignment {
     QString value;
 };
 
-Assignment parted(const QString &assignment, const QString &option)
+Assignment parted(const QString &assignment, const Text &pattern)
 {
     const qsizetype equals = assignment.indexOf(u'=');
     if (equals <= 0) {
-        throw UsageError{
-            localized({"应写成 名称=值：", "Write NAME=VALUE after ", "Écrivez NOM=VALEUR après "}) + option +
-            u' ' + assignment};
+        throw UsageError{localized(pattern) + shortened(assignment)};
     }
     return {assignment.left(equals), assignment.mid(equals + 1)};
 }
@@ -96,6 +93,24 @@ Json &field(Json &record, const QString &path)
     return *place;
 }
 
+/// Whether every key of `given`, at any depth, is one that the record has at that place.
+bool knows(const Json &known, const Json &given)
+{
+    if (given.is_object()) {
+        return std::ranges::all_of(given.items(), [&known](const auto &member) {
+            return known.contains(member.key()) && knows(known[member.key()], member.value());
+        });
+    }
+    if (given.is_array()) {
+        for (size_t i = 0; i < given.size(); ++i) {
+            if (!knows(known[i], given[i])) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 Json valueFrom(const QString &text)
 {
     try {
@@ -109,7 +124,8 @@ Json valueFrom(const QString &text)
 
 void set(FrameSettings &settings, const QString &assignment)
 {
-    const auto [path, value] = parted(assignment, u"--set"_s);
+    const auto [path, value] = parted(
+        assignment, {"--set 应写成 字段=值：", "--set takes PATH=VALUE: ", "--set prend CHAMP=VALEUR : "});
     FrameSettings changed = settings;
     if (path.startsWith(u"film."_s) && !changed.film) {
         changed.film = FilmOptions();
@@ -117,24 +133,25 @@ void set(FrameSettings &settings, const QString &assignment)
     Json record = complete(changed);
     Json &place = field(record, path);
     place = valueFrom(value);
-    const QString key = path.section(u'.', -1);
-    const bool mayBeAbsent = std::ranges::find(optionalKeys, key.toStdString()) != optionalKeys.end();
-    if (place.is_null() && !mayBeAbsent) {
-        throw UsageError{
-            localized({"此字段不能为空：", "This field needs a value: ", "Ce champ exige une valeur : "}) +
-            path};
-    }
+    const Json given = place;
     try {
         settings = frameSettingsFromJson(JsonReader(record));
     } catch (const JsonError &error) {
-        throw UsageError{localized({"值的类型不对：", "Wrong kind of value: ", "Valeur du mauvais type : "}) +
-                         assignment + u" ("_s + QString::fromStdString(error.reason()) + u')'};
+        throw UsageError{localized({"值的类型不对：", "Wrong kind of value: ", "Valeur du mauvais type : "}) +
+                         shortened(assignment) + u" ("_s + QString::fromStdString(error.reason()) + u')'};
+    }
+    Json known = complete(settings);
+    if (!knows(field(known, path), given)) {
+        throw UsageError{localized({"值里有未知的字段：",
+                                    "Unknown field in the value: ", "Champ inconnu dans la valeur : "}) +
+                         shortened(assignment)};
     }
 }
 
 void setText(FrameSettings &settings, const QString &assignment)
 {
-    const auto [id, text] = parted(assignment, u"--text"_s);
+    const auto [id, text] = parted(
+        assignment, {"--text 应写成 图层=文字：", "--text takes ID=TEXT: ", "--text prend CALQUE=TEXTE : "});
     TextLayer *layer = settings.layer(id);
     if (!layer) {
         throw unknownLayer(id);

@@ -91,6 +91,11 @@ auto ImagePipeline::enqueue(std::stop_token stop, Work work)
             throw PipelineFailure(PipelineError::unreadable);
         } catch (const std::bad_alloc &) {
             throw PipelineFailure(PipelineError::tooLarge);
+        } catch (const QException &) {
+            throw;
+        } catch (const std::exception &) {
+            // Nothing may leave the thread but what the service promises: the next photo is still to be done.
+            throw PipelineFailure(PipelineError::unreadable);
         }
     });
 }
@@ -149,6 +154,16 @@ QString ImagePipeline::resolved(const QString &file) const
 QImage ImagePipeline::decoded(const QString &file, int maxPixel, const std::stop_token &stop) const
 {
     return decodeImage(resolved(file), maxPixel, stop);
+}
+
+/// A picture that goes with a photo: a failure names it, or the photo would be blamed.
+QImage ImagePipeline::companion(const QString &file, int maxPixel, const std::stop_token &stop) const
+{
+    try {
+        return decoded(file, maxPixel, stop);
+    } catch (const ImageError &) {
+        throw PipelineFailure(PipelineError::unreadable, file);
+    }
 }
 
 PhotoItem ImagePipeline::inspected(const ImportedFile &imported, TestDecode testDecode,
@@ -217,20 +232,24 @@ CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
     if (settings.background == Backdrop::blur) {
         images.background = gaussianBlurred(decoded(item.file, blurSourcePixels, stop), blurSigma);
     } else if (settings.background == Backdrop::image && settings.backgroundFile) {
-        images.background = decoded(*settings.backgroundFile, backdropPixels, stop);
+        images.background = companion(*settings.backgroundFile, backdropPixels, stop);
     }
     throwIfCancelled(stop);
     // Logo and signature are decoded at the size they are drawn at: the painter scales down badly.
     const TextLayer *logo = settings.layer(u"watermark"_s);
     if (logo && logo->visible && logo->imageFile) {
         const int drawn = longSide(CompositionRenderer::textRect(*logo, canvas).size());
-        images.watermark = decoded(*logo->imageFile, std::max(1, std::min({edge, logoPixels, drawn})), stop);
+        images.watermark =
+            companion(*logo->imageFile, std::max(1, std::min({edge, logoPixels, drawn})), stop);
     }
     if (settings.handwritingFile) {
-        const QSize own = readImageHeader(resolved(*settings.handwritingFile)).uprightSize();
-        const int drawn = longSide(CompositionRenderer::handwritingRect(settings, own, canvas).size());
+        // Its own aspect decides on its size where the settings have none, so it may be scaled once more when
+        // drawn.
+        const double widest = settings.handwritingWidth.value_or(0.42) * canvas.width();
+        const double aspect = std::max(settings.handwritingAspect.value_or(1), 0.1);
+        const int drawn = longSide({widest, settings.handwritingAspect ? widest / aspect : widest});
         images.handwriting =
-            decoded(*settings.handwritingFile, std::max(1, std::min({edge, signaturePixels, drawn})), stop);
+            companion(*settings.handwritingFile, std::max(1, std::min({edge, signaturePixels, drawn})), stop);
     }
     return images;
 }

@@ -67,6 +67,7 @@ private:
 
     QString resolved(const QString &file) const;
     QImage decoded(const QString &file, int maxPixel, const std::stop_token &stop) const;
+    QImage companion(const QString &file, int maxPixel, const std::stop_token &stop) const;
     PhotoItem inspected(const ImportedFile &imported, TestDecode testDecode,
                         const std::stop_token &stop) const;
     QList<Ink> colors(const QString &file, const std::stop_token &stop);

@@ -19,14 +19,17 @@ QString errorDescription(const FileError &error);
 /// A PipelineError on its way through a QFuture.
 class PipelineFailure : public QException {
 public:
-    explicit PipelineFailure(PipelineError error) : m_error(error) {}
+    /// `file` is the picture that the failure is about, where that is not the photo itself.
+    explicit PipelineFailure(PipelineError error, const QString &file = {}) : m_error(error), m_file(file) {}
     void raise() const override { throw *this; }
     PipelineFailure *clone() const override { return new PipelineFailure(*this); }
     const char *what() const noexcept override { return "pipeline failure"; }
     PipelineError error() const { return m_error; }
+    const QString &file() const { return m_file; }
 
 private:
     PipelineError m_error;
+    QString m_file;
 };
 
 } // namespace tarnovel

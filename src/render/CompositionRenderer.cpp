@@ -64,12 +64,18 @@ double typeScale(const TextLayer &layer, QSizeF size)
     return FrameGeometry::held(layer.size, 0, largestType) * size.width() / referencePixels;
 }
 
+/// `box` is in units of the reference type.
+SetText setTextIn(const TextLayer &layer, QSizeF box)
+{
+    return {layer.text,
+            CompositionRenderer::font(layer, referencePixels / layer.size),
+            {box.width(), box.height()}};
+}
+
 SetText setText(const TextLayer &layer, QSizeF size)
 {
-    const double scale = typeScale(layer, size);
-    const QFont reference = Fonts::face(
-        layer.fontStyle, layer.id == u"brand"_s ? QFont::DemiBold : QFont::Normal, referencePixels);
-    return {layer.text, reference, {widestText * size.width() / scale, highestText * size.height() / scale}};
+    return setTextIn(layer,
+                     QSizeF(widestText * size.width(), highestText * size.height()) / typeScale(layer, size));
 }
 
 /// The layer's rectangle for an element of this size.
@@ -126,12 +132,15 @@ void drawText(QPainter &painter, const TextLayer &layer, const FrameSettings &se
     if (!(scale > 0)) {
         return;
     }
-    const SetText text = setText(layer, size);
-    const QRectF rect = placed(layer, text.size() * scale, size);
+    // A picture layer without its picture shows its text in the picture's place.
+    const SetText text =
+        isPicture(layer) ? setTextIn(layer, pictureSize(layer, size) / scale) : setText(layer, size);
+    const QRectF rect =
+        placed(layer, isPicture(layer) ? pictureSize(layer, size) : text.size() * scale, size);
     painter.save();
     painter.translate(rect.center());
     painter.rotate(degrees(layer));
-    painter.translate(-rect.width() / 2, -rect.height() / 2);
+    painter.translate(-text.size().width() * scale / 2, -rect.height() / 2);
     painter.scale(scale, scale);
     if (settings.style == FrameStyle::cinema) {
         // A subtitle's shadow: straight below, 0.0012 of the width, with a blur of 0.004 whose deviation is

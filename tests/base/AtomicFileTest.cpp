@@ -1,5 +1,7 @@
 #include <algorithm>
 
+#include <sys/file.h>
+
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -85,16 +87,24 @@ TEST(StagedFiles, AppearTogetherOrNotAtAll)
     EXPECT_EQ(entries(goal), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
 }
 
-TEST(SweepTemporaryFiles, SparesWritersThatLive)
+TEST(SweepTemporaryFiles, TakesOnlyWhatNobodyWrites)
 {
     const QTemporaryDir folder;
-    for (const char *name : {".tarnovel-999999999-aaaa", ".tarnovel-1-bbbb", ".tarnovel-", "note.txt"}) {
-        QFile file(folder.filePath(QString::fromLatin1(name)));
+    const QString left = QStringLiteral(".tarnovel-0123456789abcdef");
+    const QString held = QStringLiteral(".tarnovel-fedcba9876543210");
+    const QStringList foreign = {QStringLiteral(".tarnovel-"), QStringLiteral(".tarnovel-notes"),
+                                 QStringLiteral(".tarnovel-0123456789abcdef.txt"),
+                                 QStringLiteral("note.txt")};
+    for (const QString &name : QStringList{left, held} + foreign) {
+        QFile file(folder.filePath(name));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     }
+    QFile writer(folder.filePath(held));
+    ASSERT_TRUE(writer.open(QIODevice::WriteOnly));
+    ASSERT_EQ(flock(writer.handle(), LOCK_EX), 0);
     sweepTemporaryFiles(folder.path());
-    EXPECT_EQ(entries(folder.path()),
-              (QStringList{QStringLiteral(".tarnovel-1-bbbb"), QStringLiteral("note.txt")}));
+    EXPECT_FALSE(entries(folder.path()).contains(left));
+    EXPECT_EQ(entries(folder.path()).size(), 1 + foreign.size());
 }
 
 } // namespace

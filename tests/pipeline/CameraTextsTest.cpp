@@ -12,18 +12,18 @@ TEST(CameraTexts, WriteTheExposureInOrder)
     CaptureMetadata metadata;
     metadata.make = u"  FUJIFILM \n"_s;
     metadata.model = u"X\u0007-T5\u001b"_s;
-    metadata.focalLengthMm = 35.4;
+    metadata.focalLengthMm = 34.5; // a tie goes to the even side, as everywhere in C
     metadata.fNumber = 2.8;
     metadata.exposureSeconds = 0.004;
     metadata.iso = 400;
     const CameraTexts texts = CameraTexts::from(metadata);
     EXPECT_EQ(texts.brand, u"FUJIFILM"_s);
     EXPECT_EQ(texts.model, u"X-T5"_s);
-    EXPECT_EQ(texts.exif, u"35 mm · f/2.8 · 1/250 s · ISO 400"_s);
+    EXPECT_EQ(texts.exif, u"34 mm · f/2.8 · 1/250 s · ISO 400"_s);
     EXPECT_EQ(CameraTexts::from({}).exif, QString());
     metadata.fNumber = {};
     metadata.exposureSeconds = 0;
-    EXPECT_EQ(CameraTexts::from(metadata).exif, u"35 mm · ISO 400"_s);
+    EXPECT_EQ(CameraTexts::from(metadata).exif, u"34 mm · ISO 400"_s);
 }
 
 TEST(CameraTexts, WriteExposureTimesAsCamerasDo)
@@ -49,6 +49,12 @@ TEST(CameraTexts, ShowTheCamerasOwnDate)
         return CameraTexts::from(metadata).date;
     };
     EXPECT_EQ(date(u"2024:05:01 23:30:00"_s), u"2024.05.01"_s);
+    // An hour that clocks in Paris skip is still a date.
+    qputenv("TZ", "Europe/Paris");
+    tzset();
+    EXPECT_EQ(date(u"2024:03:31 02:30:00"_s), u"2024.03.31"_s);
+    qputenv("TZ", "UTC");
+    tzset();
     for (const QString &wrong : {u"2024:13:01 10:00:00"_s, u"2024-05-01 10:00:00"_s, u"2024:05:01"_s,
                                  u"0000:00:00 00:00:00"_s, u""_s}) {
         EXPECT_EQ(date(wrong), QString()) << wrong.toStdString();
