@@ -92,6 +92,9 @@ QImage decode(const ImageFile &file, const Opened &opened, const QRectF &region,
         image = decodeJpegPlanes(file, stored, storedTarget, stop);
         image = convertedToSrgb(std::move(image), opened.profile);
     } else {
+        if (file.format() == PictureFormat::Png) {
+            checkPngData(file, stop);
+        }
         VipsPixels pixels = decodeWithVips(file, stored, storedTarget, stop);
         image = convertedToSrgb(std::move(pixels.image), pixels.profile);
     }

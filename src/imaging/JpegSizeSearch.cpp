@@ -84,6 +84,8 @@ public:
                 encodingFits(path.lowestFailing);
             } else if (!m_sizes.contains(path.highestFitting)) {
                 encodingFits(path.highestFitting);
+            } else if (knownToFail(hundredths(lowestQuality))) {
+                return nothing();
             } else {
                 return growsSteadily(path) ? result(path.best) : plainly();
             }
@@ -95,7 +97,7 @@ private:
     JpegSearchResult plainly()
     {
         if (!sizeFits(hundredths(lowestQuality))) {
-            return {std::nullopt, 0, m_encodings};
+            return nothing();
         }
         return result(bisect([&](int quality) { return sizeFits(quality); }).best);
     }
@@ -137,6 +139,8 @@ private:
         m_fitting[quality] = std::move(bytes);
         return true;
     }
+
+    JpegSearchResult nothing() const { return {std::nullopt, 0, m_encodings}; }
 
     JpegSearchResult result(double quality)
     {

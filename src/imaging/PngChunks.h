@@ -1,5 +1,7 @@
 #pragma once
 
+#include <stop_token>
+
 #include <QByteArray>
 
 #include "imaging/ImageFile.h"
@@ -17,5 +19,9 @@ struct PngChunks {
 
 /// Reads chunk headers, and the content of the EXIF chunk alone.
 PngChunks readPngChunks(const ImageFile &file);
+
+/// Reads the whole file, a piece at a time. Throws an ImageError (Damaged) unless there is picture data, an
+/// end chunk, and a right checksum in every chunk that the picture needs; and OperationCancelled.
+void checkPngData(const ImageFile &file, const std::stop_token &stop);
 
 } // namespace tarnovel

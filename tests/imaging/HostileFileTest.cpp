@@ -54,6 +54,17 @@ QByteArray withJpegSize(QByteArray file, int width, int height)
     return {};
 }
 
+/// Where the chunks of a PNG file begin.
+QList<qsizetype> chunkStarts(const QByteArray &png)
+{
+    QList<qsizetype> starts;
+    for (qsizetype at = 8; at + 12 <= png.size();
+         at += 12 + qsizetype(qFromBigEndian<quint32>(png.constData() + at))) {
+        starts << at;
+    }
+    return starts;
+}
+
 class HostileFile : public testing::Test {
 protected:
     HostileFile() : m_started(std::chrono::steady_clock::now()) {}
@@ -136,6 +147,7 @@ TEST_F(HostileFile, FlippedBytesNeitherCrashNorHang)
     save(image, path(u"a.webp"_s));
     save(image, path(u"a.tif"_s));
     save(image, path(u"a.heic"_s), u"[compression=hevc]"_s);
+    const qsizetype pngData = contents(path(u"a.png"_s)).indexOf("IDAT") - 4;
     quint32 seed = 7;
     for (const QByteArray &bytes :
          {withExif(jpeg(image), orientationBlock(6)), contents(path(u"a.png"_s)), contents(path(u"a.webp"_s)),
@@ -148,9 +160,47 @@ TEST_F(HostileFile, FlippedBytesNeitherCrashNorHang)
                     round % 2 == 0 ? std::min<qsizetype>(changed.size(), 400) : changed.size();
                 changed[static_cast<qsizetype>(seed >> 8) % span] = static_cast<char>(seed >> 3);
             }
-            causeOf(file(changed));
+            const std::optional<Cause> cause = causeOf(file(changed));
+            if (bytes.startsWith("\x89PNG") && changed.mid(pngData) != bytes.mid(pngData)) {
+                EXPECT_NE(cause, std::nullopt) << "from changed data, in round " << round;
+            }
             readCaptureMetadata(path(u"file.jpg"_s));
         }
+    }
+}
+
+TEST_F(HostileFile, APngWithChangedOrMissingDataIsDamaged)
+{
+    for (const QString &options : {u""_s, u"[interlace]"_s, u"[palette]"_s}) {
+        save(texture(QSize(200, 150)), path(u"a.png"_s), options);
+        const QByteArray png = withChunk(contents(path(u"a.png"_s)), "tEXt", QByteArray("Comment\0hi", 10));
+        const QList<qsizetype> starts = chunkStarts(png);
+        const qsizetype data = png.indexOf("IDAT") - 4;
+        ASSERT_EQ(causeOf(file(png)), std::nullopt);
+        QList<qsizetype> flips;
+        for (const qsizetype start : starts) {
+            for (qsizetype at = start; start >= data && at < start + 8; ++at) {
+                flips << at;
+            }
+        }
+        for (qsizetype at = data; at < png.size(); at += 1 + png.size() / 150) {
+            flips << at;
+        }
+        for (const qsizetype at : flips) {
+            for (const int bit : {1, 0x20}) {
+                QByteArray changed = png;
+                changed[at] = static_cast<char>(changed[at] ^ bit);
+                EXPECT_EQ(causeOf(file(changed)), Cause::Damaged) << at << " of " << png.size();
+            }
+        }
+        const qsizetype end = starts.last();
+        EXPECT_EQ(causeOf(file(png.left(end))), Cause::Damaged) << "no end";
+        EXPECT_EQ(causeOf(file(png.left(end + 11))), Cause::Damaged) << "half an end";
+        EXPECT_EQ(causeOf(file(png.left(data) + png.mid(end))), Cause::Damaged) << "no data";
+        EXPECT_EQ(causeOf(file(png + "more")), std::nullopt) << "what follows is not the picture";
+        QByteArray comment = png;
+        comment[comment.indexOf("Comment")] = 'c';
+        EXPECT_EQ(causeOf(file(comment)), std::nullopt) << "the picture needs no comment";
     }
 }
 

@@ -31,6 +31,29 @@ int subsampling(const QByteArray &file)
     return found;
 }
 
+/// Every pixel by chance: even the lowest quality leaves far more bytes than flat pictures have.
+QImage noise(QSize size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    quint32 seed = 11;
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            seed = seed * 1664525 + 1013904223;
+            image.setPixel(x, y, 0xff000000 | (seed >> 8));
+        }
+    }
+    return image;
+}
+
+QMap<int, qint64> sizesOf(JpegEncoder &encoder)
+{
+    QMap<int, qint64> sizes;
+    for (int quality = 5; quality <= 95; ++quality) {
+        sizes[quality] = encoder.encode(quality / 100.0).size();
+    }
+    return sizes;
+}
+
 /// The bisection as it is described, encoding at every step.
 JpegSearchResult plainSearch(const QMap<int, qint64> &sizes, qint64 limit)
 {
@@ -84,11 +107,8 @@ TEST(SearchJpegQuality, GivesWhatThePlainBisectionGivesForEveryLimit)
 {
     for (const QImage &image :
          {texture(QSize(600, 450)), quarters(QSize(97, 61)), quarters(QSize(700, 500))}) {
-        QMap<int, qint64> sizes;
         JpegEncoder encoder(image);
-        for (int quality = 5; quality <= 95; ++quality) {
-            sizes[quality] = encoder.encode(quality / 100.0).size();
-        }
+        const QMap<int, qint64> sizes = sizesOf(encoder);
         QList<qint64> limits;
         for (const qint64 size : sizes) {
             limits << size - 1 << size << size + 1;
@@ -106,6 +126,23 @@ TEST(SearchJpegQuality, GivesWhatThePlainBisectionGivesForEveryLimit)
             most = std::max(most, found.encodings);
         }
         EXPECT_LE(most, 12);
+    }
+}
+
+TEST(SearchJpegQuality, FindsNothingJustBelowTheLowestQuality)
+{
+    const QImage image = noise(QSize(640, 400));
+    JpegEncoder encoder(image);
+    const QMap<int, qint64> sizes = sizesOf(encoder);
+    const qint64 least = sizes[5];
+    ASSERT_GT(double(least), 0.06 * image.width() * image.height()) << "decided without a search";
+    for (const qint64 limit : {least * 9 / 10, least - 1, least, least + 1, sizes[6] - 1, sizes[6]}) {
+        const JpegSearchResult wanted = plainSearch(sizes, limit);
+        const JpegSearchResult found = searchJpegQuality(image, limit);
+        EXPECT_EQ(found.bytes.has_value(), limit >= least) << limit;
+        EXPECT_EQ(found.bytes.has_value(), wanted.bytes.has_value()) << limit;
+        EXPECT_EQ(found.quality, wanted.quality) << limit;
+        EXPECT_TRUE(!found.bytes || *found.bytes == encoder.encode(wanted.quality)) << limit;
     }
 }
 
