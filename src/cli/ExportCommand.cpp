@@ -6,13 +6,13 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 #include "base/AtomicFile.h"
 #include "base/Cancellation.h"
 #include "base/Json.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
+#include "cli/OutputOptions.h"
 #include "cli/StyleEdit.h"
 #include "export/ExportNames.h"
 #include "language/AppLanguage.h"
@@ -29,19 +29,6 @@ using namespace Qt::StringLiterals;
 namespace tarnovel {
 
 namespace {
-
-QString unreadablePicture()
-{
-    return localized({"无法读取这张图片，请尝试 JPEG、HEIC 或 PNG。",
-                      "Cannot read this picture. Try JPEG, HEIC or PNG.",
-                      "Impossible de lire cette image. Essayez JPEG, HEIC ou PNG."});
-}
-
-/// Something that stops the whole command before its first photo.
-struct Refusal {
-    QString what;
-    QString message;
-};
 
 QString absolute(const QString &path)
 {
@@ -65,22 +52,7 @@ ExportOptions optionsFrom(const ExportRequest &request)
                              request.size};
         }
     }
-    if (request.format != u"jpeg"_s && request.format != u"png"_s) {
-        throw UsageError{localized({"--format 应为 jpeg 或 png：",
-                                    "--format takes jpeg or png: ", "--format prend jpeg ou png : "}) +
-                         request.format};
-    }
-    options.png = request.format == u"png"_s;
-    if (request.maxMb) {
-        bool number = false;
-        const double limit = request.maxMb->toDouble(&number);
-        if (!number || !(limit > 0)) {
-            throw UsageError{localized({"--max-mb 应为大于零的数：", "--max-mb takes a number above zero: ",
-                                        "--max-mb prend un nombre positif : "}) +
-                             *request.maxMb};
-        }
-        options.maxMB = options.png ? 0 : limit;
-    }
+    setFormat(options, request.format, request.maxMb);
     return options;
 }
 
@@ -303,37 +275,6 @@ private:
     bool m_deaf = false;
     ProgressBar m_progress;
 };
-
-/// A folder of this run alone, closed to other users, that goes with it.
-class TemporaryFolder {
-public:
-    TemporaryFolder() : m_folder(QDir::tempPath() + u"/tarnovel-XXXXXX"_s)
-    {
-        if (!m_folder.isValid()) {
-            throw Refusal{QDir::tempPath(),
-                          localized({"无法在这里建立临时文件夹。", "Cannot make a temporary folder here.",
-                                     "Impossible de créer un dossier temporaire ici."})};
-        }
-    }
-    QString path() const { return m_folder.path(); }
-
-private:
-    QTemporaryDir m_folder;
-};
-
-void makeFolder(const QString &folder)
-{
-    if (QFileInfo(folder).isDir() || QDir().mkpath(folder)) {
-        sweepTemporaryFiles(folder);
-        return;
-    }
-    const bool taken = QFileInfo(folder).exists();
-    throw Refusal{folder, taken ? localized({"这里有一个同名文件，无法建立文件夹。",
-                                             "A file stands where the folder should be.",
-                                             "Un fichier occupe la place du dossier."})
-                                : localized({"无法建立这个文件夹。", "Cannot make this folder.",
-                                             "Impossible de créer ce dossier."})};
-}
 
 Session storedSession()
 {

@@ -21,8 +21,7 @@ struct LoadedSession {
 
 enum class LibraryAccess {
     /// The one program that edits: what a killed one left half-written is swept away, and a damaged document
-    /// is moved
-    /// aside under another name, so that the next save does not overwrite it.
+    /// is moved aside under another name, so that the next save does not overwrite it.
     Own,
     /// Nothing in the folder is changed.
     ReadOnly,

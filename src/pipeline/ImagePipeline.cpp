@@ -139,6 +139,22 @@ QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const Ex
     });
 }
 
+QFuture<PhotoImage> ImagePipeline::readPlaced(const QString &file, const PhotoPlacement &placement,
+                                              QSize canvas, std::stop_token stop)
+{
+    return enqueue(std::move(stop), [this, file, placement, canvas](const std::stop_token &token) {
+        return placed(file, placement, canvas, token);
+    });
+}
+
+QFuture<ExportedFile> ImagePipeline::exportImage(const QImage &image, const ExportOptions &options,
+                                                 std::stop_token stop)
+{
+    return enqueue(std::move(stop), [this, image, options](const std::stop_token &token) {
+        return written(image, options, token);
+    });
+}
+
 QFuture<QImage> ImagePipeline::render(const PhotoItem &item, QSize canvas, std::stop_token stop)
 {
     return enqueue(std::move(stop), [this, item, canvas](const std::stop_token &token) {
@@ -201,10 +217,9 @@ QList<Ink> ImagePipeline::colors(const QString &file, const std::stop_token &sto
     return colors;
 }
 
-/// The part of the photo that the canvas shows, with its pixels on the canvas's.
-PhotoImage ImagePipeline::photoFor(const PhotoItem &item, QSize canvas, const std::stop_token &stop) const
+PhotoImage ImagePipeline::placed(const QString &file, const PhotoPlacement &placement, QSize canvas,
+                                 const std::stop_token &stop) const
 {
-    const PhotoPlacement placement = CompositionRenderer::photoPlacement(item, item.settings, canvas);
     const QRectF &whole = placement.whole;
     const QRect pixels = (placement.shown & whole & QRectF({}, QSizeF(canvas))).toAlignedRect();
     if (whole.isEmpty() || pixels.isEmpty()) {
@@ -213,7 +228,7 @@ PhotoImage ImagePipeline::photoFor(const PhotoItem &item, QSize canvas, const st
     PhotoImage photo;
     photo.extent = {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
                     pixels.width() / whole.width(), pixels.height() / whole.height()};
-    const QString path = resolved(item.file);
+    const QString path = resolved(file);
     const QSizeF source = readImageHeader(path).uprightSize();
     const QRectF region(photo.extent.x() * source.width(), photo.extent.y() * source.height(),
                         photo.extent.width() * source.width(), photo.extent.height() * source.height());
@@ -227,7 +242,8 @@ CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
     const FrameSettings &settings = item.settings;
     const int edge = longSide(canvas);
     CompositionImages images;
-    images.photo = photoFor(item, canvas, stop);
+    images.photo =
+        placed(item.file, CompositionRenderer::photoPlacement(item, settings, canvas), canvas, stop);
     throwIfCancelled(stop);
     if (settings.background == Backdrop::blur) {
         images.background = gaussianBlurred(decoded(item.file, blurSourcePixels, stop), blurSigma);
@@ -273,8 +289,13 @@ const QImage &ImagePipeline::rendered(const PhotoItem &item, QSize canvas, const
 ExportedFile ImagePipeline::exported(const PhotoItem &item, const ExportOptions &options,
                                      const std::stop_token &stop)
 {
-    const QSize canvas = outputCanvas(item, options);
-    const QByteArray bytes = encoded(rendered(item, canvas, stop), options, stop);
+    return written(rendered(item, outputCanvas(item, options), stop), options, stop);
+}
+
+ExportedFile ImagePipeline::written(const QImage &image, const ExportOptions &options,
+                                    const std::stop_token &stop) const
+{
+    const QByteArray bytes = encoded(image, options, stop);
     throwIfCancelled(stop);
     const QString folder = m_temporaryFolder + u"/Exports"_s;
     if (!QDir().mkpath(folder)) {
@@ -283,7 +304,7 @@ ExportedFile ImagePipeline::exported(const PhotoItem &item, const ExportOptions 
     const QString path = folder + u"/Kesmar-"_s + uuidText(QUuid::createUuid()).left(8) +
                          (options.png ? u".png"_s : u".jpg"_s);
     replaceFile(path, bytes, Durability::Unsynced);
-    return {path, canvas, bytes.size()};
+    return {path, image.size(), bytes.size()};
 }
 
 } // namespace tarnovel

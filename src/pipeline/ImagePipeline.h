@@ -58,6 +58,14 @@ public:
     QFuture<ExportedFile> exportPhoto(const PhotoItem &item, const ExportOptions &options,
                                       std::stop_token stop = {});
 
+    /// The part of a photo that a canvas of this size shows, decoded straight to the canvas's pixels.
+    QFuture<PhotoImage> readPlaced(const QString &file, const PhotoPlacement &placement, QSize canvas,
+                                   std::stop_token stop = {});
+
+    /// Encodes a finished picture into a new file in the temporary folder.
+    QFuture<ExportedFile> exportImage(const QImage &image, const ExportOptions &options,
+                                      std::stop_token stop = {});
+
     /// Renders a photo on a canvas of this size.
     QFuture<QImage> render(const PhotoItem &item, QSize canvas, std::stop_token stop = {});
 
@@ -72,10 +80,14 @@ private:
                         const std::stop_token &stop) const;
     QList<Ink> colors(const QString &file, const std::stop_token &stop);
     CompositionImages imagesFor(const PhotoItem &item, QSize canvas, const std::stop_token &stop) const;
-    PhotoImage photoFor(const PhotoItem &item, QSize canvas, const std::stop_token &stop) const;
+    /// The part of the photo that the canvas shows, with its pixels on the canvas's.
+    PhotoImage placed(const QString &file, const PhotoPlacement &placement, QSize canvas,
+                      const std::stop_token &stop) const;
     /// The canvas is valid until the next call.
     const QImage &rendered(const PhotoItem &item, QSize canvas, const std::stop_token &stop);
     ExportedFile exported(const PhotoItem &item, const ExportOptions &options, const std::stop_token &stop);
+    ExportedFile written(const QImage &image, const ExportOptions &options,
+                         const std::stop_token &stop) const;
 
     const QString m_libraryFolder;
     const QString m_temporaryFolder;

@@ -1,0 +1,38 @@
+#include "collage/CollageOutput.h"
+
+#include <QPainter>
+
+#include "pipeline/ImagePipeline.h"
+#include "pipeline/PipelineError.h"
+
+namespace tarnovel::CollageOutput {
+
+QImage render(ImagePipeline &pipeline, const CollageDesign &design, const QList<PhotoItem> &photos,
+              const std::stop_token &stop)
+{
+    const CollagePlan plan = CollagePlan::of(design, longEdge);
+    std::map<int, QSizeF> sizes;
+    std::map<int, PhotoImage> images;
+    for (const auto &[slot, rect] : plan.layout.cells) {
+        if (slot >= photos.size() || slot >= design.cells.size()) {
+            continue;
+        }
+        const PhotoItem &photo = photos.at(slot);
+        sizes[slot] = photo.size();
+        try {
+            images[slot] =
+                pipeline
+                    .readPlaced(photo.file, cellPlacement(design.cells.at(slot), photo.size(), rect),
+                                plan.size, stop)
+                    .result();
+        } catch (const PipelineFailure &failure) {
+            throw PipelineFailure(failure.error(), photo.file);
+        }
+    }
+    QImage canvas(plan.size, QImage::Format_RGB32);
+    QPainter painter(&canvas);
+    CollageRenderer::draw(painter, design, plan, sizes, images);
+    return canvas;
+}
+
+} // namespace tarnovel::CollageOutput
