@@ -172,23 +172,6 @@ void drawLayer(QPainter &painter, const TextLayer &layer, const FrameSettings &s
     }
 }
 
-/// The rectangle in whole device pixels that `image` covers exactly when drawn into `target`, or an empty
-/// one.
-QRect alignedTarget(const QPainter &painter, const QRectF &target, const QImage &image)
-{
-    constexpr double tolerance = 1e-3;
-    const QTransform &transform = painter.deviceTransform();
-    if (transform.type() > QTransform::TxScale) {
-        return {};
-    }
-    const QRectF device = transform.mapRect(target);
-    const QRect whole(QPoint(qRound(device.left()), qRound(device.top())), image.size());
-    const auto near = [](double a, double b) { return std::abs(a - b) < tolerance; };
-    const bool aligned = near(device.left(), whole.left()) && near(device.top(), whole.top()) &&
-                         near(device.width(), whole.width()) && near(device.height(), whole.height());
-    return aligned ? whole : QRect();
-}
-
 } // namespace
 
 QColor opaque(const Ink &ink)
@@ -263,6 +246,23 @@ QRectF handwritingRect(const FrameSettings &settings, QSizeF imageSize, QSizeF s
                    {width, height});
 }
 
+QRect alignedPixels(const QTransform &transform, const PhotoImage &photo, const QRectF &whole)
+{
+    constexpr double tolerance = 1e-3;
+    if (photo.image.isNull() || transform.type() > QTransform::TxScale) {
+        return {};
+    }
+    const QRectF &extent = photo.extent;
+    const QRectF device = transform.mapRect(
+        QRectF(whole.x() + extent.x() * whole.width(), whole.y() + extent.y() * whole.height(),
+               extent.width() * whole.width(), extent.height() * whole.height()));
+    const QRect pixels(QPoint(qRound(device.left()), qRound(device.top())), photo.image.size());
+    const auto near = [](double a, double b) { return std::abs(a - b) < tolerance; };
+    const bool aligned = near(device.left(), pixels.left()) && near(device.top(), pixels.top()) &&
+                         near(device.width(), pixels.width()) && near(device.height(), pixels.height());
+    return aligned ? pixels : QRect();
+}
+
 void drawPhoto(QPainter &painter, const PhotoImage &photo, const PhotoPlacement &placement)
 {
     if (photo.image.isNull() || placement.whole.isEmpty()) {
@@ -274,13 +274,17 @@ void drawPhoto(QPainter &painter, const PhotoImage &photo, const PhotoPlacement 
                         extent.width() * whole.width(), extent.height() * whole.height());
     const QRectF shown = placement.shown & placement.whole & target;
     painter.save();
-    const QRect aligned = alignedTarget(painter, target, photo.image);
+    const QRect aligned = alignedPixels(painter.deviceTransform(), photo, whole);
     if (!aligned.isEmpty()) {
         // A fill whose texture lies on the device's pixels copies them, and blends the fractional edge.
         const QRectF device = painter.deviceTransform().mapRect(shown);
         painter.setTransform(painter.deviceTransform().inverted() * painter.transform());
-        painter.setBrushOrigin(aligned.topLeft());
-        painter.fillRect(device, QBrush(photo.image));
+        if (const QRect pixels = device.toRect(); QRectF(pixels) == device) {
+            painter.drawImage(pixels, photo.image, pixels.translated(-aligned.topLeft()));
+        } else {
+            painter.setBrushOrigin(aligned.topLeft());
+            painter.fillRect(device, QBrush(photo.image));
+        }
     } else {
         const QSizeF pixels(photo.image.width() / target.width(), photo.image.height() / target.height());
         const QRectF source((shown.x() - target.x()) * pixels.width(),

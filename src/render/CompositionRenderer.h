@@ -56,6 +56,10 @@ QRectF textRect(const TextLayer &layer, QSizeF size);
 /// Where the signature goes. `imageSize` gives the aspect when the settings have none.
 QRectF handwritingRect(const FrameSettings &settings, QSizeF imageSize, QSizeF size);
 
+/// The whole device pixels that the photo's image covers one to one when the whole photo lies at `whole`, or
+/// an empty rectangle when it has to be scaled.
+QRect alignedPixels(const QTransform &transform, const PhotoImage &photo, const QRectF &whole);
+
 /// Draws `photo` so that the whole photo would fill `placement.whole`, cut to `placement.shown`. An image
 /// whose pixels lie on the device's is copied; any other is scaled smoothly.
 void drawPhoto(QPainter &painter, const PhotoImage &photo, const PhotoPlacement &placement);

@@ -7,6 +7,7 @@
 #include <QTextBoundaryFinder>
 
 #include "film/FilmStockCatalog.h"
+#include "render/DevicePatch.h"
 #include "render/Fonts.h"
 #include "render/SetText.h"
 
@@ -30,7 +31,7 @@ constexpr double baselineInRow = (1 + 0.73) / 2;
 
 /// The glow's opacity. Its blur radius of 0.035 is in output pixels at any scale, less than eight bits can
 /// show, so it is the letter's own shape.
-constexpr float glowAlpha = 0.16F;
+constexpr double glowAlpha = 0.16;
 
 /// Air between the lower label and the arrow behind it.
 constexpr double airMm = 0.3;
@@ -184,16 +185,15 @@ QRectF edgeTextRect(const FilmEdgeText &text)
 
 void drawFilmEdge(QPainter &painter, const FilmEdge &edge, const QColor &print)
 {
-    QColor glow = print;
-    glow.setAlphaF(print.alphaF() * glowAlpha);
     for (const FilmEdgeText &text : edge.texts) {
         const SetEdgeText set(text);
         painter.save();
         painter.translate(text.at.x(), set.rowTop + baselineInRow * referencePixels * set.scale);
         painter.scale(set.scale, set.scale);
         painter.translate(0, -set.set.baseline());
-        painter.fillPath(set.set.outlines(), glow);
-        set.set.draw(painter, print);
+        glowingPatch(painter, painter.deviceTransform().map(set.set.outlines()), print, glowAlpha)
+            .draw(painter);
+        set.set.drawPictures(painter);
         painter.restore();
     }
     painter.setPen(Qt::NoPen);

@@ -1,20 +1,17 @@
 #include "render/FilmRenderer.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 
 #include <QPainter>
 
+#include "render/DevicePatch.h"
 #include "render/FilmEdge.h"
+#include "render/FilmGate.h"
 
 namespace tarnovel::FilmRenderer {
 
 namespace {
-
-/// How far the gate's edge strays to either side, in millimetres.
-constexpr double wobbleMm = 0.018;
-constexpr int pointsPerSide = 48;
 
 constexpr int grainSpecks = 160;
 constexpr QSizeF speckMm(0.018, 0.06);
@@ -44,32 +41,49 @@ QColor printColor(const FilmOptions &options)
 
 void drawGrain(QPainter &painter, const FilmLayout &layout, bool light)
 {
-    QPainterPath rebate;
-    rebate.setFillRule(Qt::OddEvenFill);
-    rebate.addRect(0, 0, layout.pieceLengthMm, layout.filmWidthMm);
-    rebate.addRect(layout.gateMm);
     const QColor color = grey(light ? 0.F : 1.F, 0.035F);
-    painter.save();
-    painter.setClipPath(rebate, Qt::IntersectClip);
+    const QRectF piece(0, 0, layout.pieceLengthMm, layout.filmWidthMm);
+    const std::array<QRectF, 4> rebate = bandsAround(layout.gateMm, piece);
     for (int i = 0; i < grainSpecks; ++i) {
         const QPointF at(layout.pieceLengthMm * (137 * i % 997) / 997,
                          layout.filmWidthMm * (349 * i % 991) / 991);
-        painter.fillRect(QRectF(at, speckMm), color);
+        for (const QRectF &band : rebate) {
+            if (const QRectF speck = QRectF(at, speckMm) & band; !speck.isEmpty()) {
+                boxPatch(painter, painter.deviceTransform().mapRect(speck), color).draw(painter);
+            }
+        }
     }
-    painter.restore();
 }
 
 void drawPerforations(QPainter &painter, const FilmLayout &layout)
 {
-    painter.setBrush(grey(0.99F));
-    painter.setPen(QPen(grey(0.72F, 0.25F), holeRimMm));
+    const QTransform &transform = painter.deviceTransform();
+    const double pixelsPerMm = std::sqrt(std::abs(transform.determinant()));
     const double firstCentre = (layout.pieceLengthMm - (holesPerRow - 1) * pitchMm) / 2;
     for (const double top : {holeInsetMm, layout.filmWidthMm - holeInsetMm - holeMm.height()}) {
         for (int i = 0; i < holesPerRow; ++i) {
             const QPointF corner(firstCentre + i * pitchMm - holeMm.width() / 2, top);
-            painter.drawRoundedRect(QRectF(corner, holeMm), holeRadiusMm, holeRadiusMm);
+            drawRimmedRect(painter, {transform.mapRect(QRectF(corner, holeMm)), holeRadiusMm * pixelsPerMm,
+                                     grey(0.99F), grey(0.72F, 0.25F), holeRimMm * pixelsPerMm});
         }
     }
+}
+
+/// The base, but for what the photo will hide: at 4096 px that saves filling ten megapixels twice. The piece
+/// has the colour of what surrounds it, so one fill makes both.
+void drawBase(QPainter &painter, const QRectF &canvas, const QRect &hidden, const QColor &base)
+{
+    if (hidden.isEmpty()) {
+        painter.fillRect(canvas, base);
+        return;
+    }
+    const QRectF device = painter.deviceTransform().mapRect(canvas);
+    painter.save();
+    painter.setTransform(painter.deviceTransform().inverted() * painter.transform());
+    for (const QRectF &band : bandsAround(QRectF(hidden), device)) {
+        painter.fillRect(band, base);
+    }
+    painter.restore();
 }
 
 void drawFilm(QPainter &painter, const FilmLayout &layout, const FilmOptions &options)
@@ -89,88 +103,16 @@ void drawFilm(QPainter &painter, const FilmLayout &layout, const FilmOptions &op
     painter.restore();
 }
 
-/// The largest rectangle of whole device pixels inside `rect`, in the painter's coordinates.
-QRectF wholePixelsInside(const QPainter &painter, const QRectF &rect)
-{
-    const QTransform &transform = painter.deviceTransform();
-    const QRectF device = transform.mapRect(rect);
-    const QRectF inside(QPointF(std::ceil(device.left()), std::ceil(device.top())),
-                        QPointF(std::floor(device.right()), std::floor(device.bottom())));
-    return inside.isValid() ? transform.inverted().mapRect(inside) : QRectF();
-}
-
-/// The four bands between two rectangles, one in the other.
-std::array<QRectF, 4> bands(const QRectF &outer, const QRectF &inner)
-{
-    return {QRectF(outer.topLeft(), QPointF(outer.right(), inner.top())),
-            QRectF(QPointF(outer.left(), inner.bottom()), outer.bottomRight()),
-            QRectF(QPointF(outer.left(), inner.top()), inner.bottomLeft()),
-            QRectF(inner.topRight(), QPointF(outer.right(), inner.bottom()))};
-}
-
-void drawBands(QPainter &painter, const PhotoImage &photo, const QRectF &whole,
-               const std::array<QRectF, 4> &shown)
-{
-    for (const QRectF &band : shown) {
-        if (!band.isEmpty()) {
-            CompositionRenderer::drawPhoto(painter, photo, {whole, band});
-        }
-    }
-}
-
-void drawPhotoInGate(QPainter &painter, const PhotoItem &item, const PhotoImage &photo,
-                     const FilmLayout &layout)
-{
-    const double wobble = wobbleMm * layout.scale;
-    const QRectF reach = layout.photoRect.adjusted(-wobble, -wobble, wobble, wobble);
-    const QRectF whole = photoPlacement(item, layout).whole;
-    QRectF inside;
-    if (painter.deviceTransform().type() <= QTransform::TxScale) {
-        inside = wholePixelsInside(painter, layout.photoRect.adjusted(wobble, wobble, -wobble, -wobble));
-    }
-    // Where the outline cannot come, the photo is drawn without it: clipping by a path is far slower.
-    if (!inside.isEmpty()) {
-        CompositionRenderer::drawPhoto(painter, photo, {whole, inside});
-    } else {
-        inside = QRectF(reach.center(), QSizeF(0, 0));
-    }
-    painter.save();
-    painter.setClipPath(gate(layout.photoRect, layout.scale), Qt::IntersectClip);
-    // Where the photo just fills the gate it has nothing behind an edge that strays outwards: its rim is
-    // stretched to there.
-    const QRectF stretched = CompositionRenderer::aspectFilled(whole.size(), reach);
-    drawBands(painter, photo, stretched,
-              bands(reach, reach & whole.adjusted(wobble, wobble, -wobble, -wobble)));
-    drawBands(painter, photo, whole, bands(reach, inside));
-    painter.restore();
-}
-
 } // namespace
 
 PhotoPlacement photoPlacement(const PhotoItem &item, const FilmLayout &layout)
 {
-    const QSizeF source(std::max(item.width, 1.0), std::max(item.height, 1.0));
-    const double wobble = wobbleMm * layout.scale;
-    return {CompositionRenderer::aspectFilled(source, layout.photoRect),
-            layout.photoRect.adjusted(-wobble, -wobble, wobble, wobble)};
+    return filmGatePlacement(item, layout);
 }
 
 QPainterPath gate(const QRectF &rect, double unit)
 {
-    const std::array corners{rect.topLeft(), rect.topRight(), rect.bottomRight(), rect.bottomLeft()};
-    QPainterPath path;
-    for (int side = 0; side < 4; ++side) {
-        const QPointF from = corners.at(static_cast<std::size_t>(side));
-        const QPointF to = corners.at(static_cast<std::size_t>((side + 1) % 4));
-        for (int j = 0; j < pointsPerSide; ++j) {
-            const double push = std::sin(7 * side + 13 * j) * wobbleMm * unit;
-            const QPointF across = side % 2 == 0 ? QPointF(0, push) : QPointF(push, 0);
-            const QPointF point = from + (to - from) * j / pointsPerSide + across;
-            side + j == 0 ? path.moveTo(point) : path.lineTo(point);
-        }
-    }
-    path.closeSubpath();
-    return path;
+    return filmGateOutline(rect, unit);
 }
 
 void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &settings, QSizeF size,
@@ -180,11 +122,13 @@ void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &setting
     const FilmLayout layout = FilmLayout::item(item, settings, size);
     painter.save();
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    // The piece has the colour of what surrounds it, so one fill makes both.
-    painter.fillRect(QRectF({}, size), baseColor(options));
     if (layout.scale > 0 && std::isfinite(layout.scale)) {
+        const FilmGate opening(painter, item, layout, photo);
+        drawBase(painter, QRectF({}, size), opening.hidden(), baseColor(options));
         drawFilm(painter, layout, options);
-        drawPhotoInGate(painter, item, photo, layout);
+        opening.draw(painter);
+    } else {
+        painter.fillRect(QRectF({}, size), baseColor(options));
     }
     painter.restore();
 }

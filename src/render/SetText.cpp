@@ -87,6 +87,11 @@ SetText::SetText(const QString &text, const QFont &font, Box box)
 void SetText::draw(QPainter &painter, const QColor &ink) const
 {
     painter.fillPath(m_outlines, ink);
+    drawPictures(painter);
+}
+
+void SetText::drawPictures(QPainter &painter) const
+{
     for (const QGlyphRun &run : m_pictures) {
         painter.drawGlyphRun({}, run);
     }

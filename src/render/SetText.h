@@ -35,6 +35,9 @@ public:
     /// The letters' outlines. Letters without outlines (colour pictures) are missing here.
     const QPainterPath &outlines() const { return m_outlines; }
 
+    /// The letters that have no outlines, at the painter's origin.
+    void drawPictures(QPainter &painter) const;
+
     /// Draws at the painter's origin, in the painter's scale.
     void draw(QPainter &painter, const QColor &ink) const;
 

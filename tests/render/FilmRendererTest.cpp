@@ -183,6 +183,44 @@ TEST(FilmRenderer, CopiesAPhotoWhosePixelsLieOnTheCanvas)
     EXPECT_EQ(canvas.copy(inside), photo.image.copy(inside.translated(-pixels.topLeft())));
 }
 
+TEST(FilmRenderer, DrawsTheSameThroughAScaledOrTurnedPainter)
+{
+    // Only an upright painter takes the way that copies the inside of the gate.
+    const QImage photo = photoImage({300, 200});
+    for (const FilmFormat format : {FilmFormat::mm35, FilmFormat::medium66}) {
+        const PhotoItem item = filmItem(photo.size(), format);
+        const QSize size = (orientedSize(format, item.size()) * 16).toSize();
+        const QImage straight = drawn(item, size, {.photo = {photo}});
+        QImage turned(size.transposed(), QImage::Format_RGB32);
+        QPainter painter(&turned);
+        painter.translate(size.height(), 0);
+        painter.rotate(90);
+        CompositionRenderer::draw(painter, item, item.settings, size, {.photo = {photo}});
+        painter.end();
+        EXPECT_GT(psnr(turned.transformed(QTransform().rotate(-90)), straight), 40);
+
+        QImage scaled(size, QImage::Format_RGB32);
+        scaled.setDevicePixelRatio(2);
+        QPainter half(&scaled);
+        CompositionRenderer::draw(half, item, item.settings, QSizeF(size) / 2, {.photo = {photo}});
+        half.end();
+        EXPECT_GT(psnr(scaled, straight), 50);
+    }
+}
+
+TEST(FilmRenderer, ShowsTheBaseThroughATransparentPhoto)
+{
+    QImage glass(60, 40, QImage::Format_ARGB32_Premultiplied);
+    glass.fill(QColor(255, 255, 255, 128));
+    const PhotoItem item = filmItem(glass.size());
+    const QImage image = piece(item, glass, 10);
+    const QRectF gate = FilmLayout::item(item, item.settings, image.size()).photoRect;
+    for (const QPointF &at :
+         {gate.center(), gate.topLeft() + QPointF(3, 3), gate.bottomRight() - QPointF(3, 3)}) {
+        EXPECT_NEAR(qGray(image.pixel(at.toPoint())), 131, 2); // half white over the base's 6
+    }
+}
+
 TEST(FilmRenderer, AnEdgeThatStraysOutwardsShowsPhotoAndNotFilm)
 {
     // 300 pixels a millimetre: the outline strays by 5.4 pixels. A 3:2 photo just fills the 35 mm gate.
