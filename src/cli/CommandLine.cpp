@@ -9,14 +9,15 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
 #include <QStandardPaths>
 
+#include "cli/CollageCommand.h"
 #include "cli/Console.h"
 #include "cli/ExportCommand.h"
+#include "cli/Grammar.h"
 #include "cli/Interruption.h"
 #include "cli/ListCommands.h"
 #include "language/AppLanguage.h"
@@ -29,14 +30,10 @@ namespace tarnovel {
 
 namespace {
 
-constexpr std::array<std::string_view, 4> commands = {"export", "inspect", "templates", "stocks"};
+constexpr std::array<std::string_view, 6> commands = {"export",  "collage",   "layouts",
+                                                      "inspect", "templates", "stocks"};
 
 constexpr int wrongUsage = 2;
-
-std::string text(const Text &variants)
-{
-    return localized(variants).toStdString();
-}
 
 QString fromArgument(const std::string &argument)
 {
@@ -51,183 +48,6 @@ QStringList fromArguments(const std::vector<std::string> &arguments)
     }
     return result;
 }
-
-/// What the arguments ask for; CLI11 fills it.
-struct Arguments {
-    std::vector<std::string> photos;
-    std::string folder;
-    std::string templateId;
-    std::string style;
-    std::vector<std::string> sets;
-    std::vector<std::string> texts;
-    std::string background;
-    std::string logo;
-    std::string signature;
-    std::string size = "4096";
-    std::string format = "jpeg";
-    std::string maxMb;
-    std::string language;
-    bool session = false;
-    bool json = false;
-    bool quiet = false;
-};
-
-/// The grammar of the command line, described in the current language.
-class Grammar {
-public:
-    explicit Grammar(Arguments &arguments) : m_arguments(arguments)
-    {
-        m_app.name("tarnovel");
-        m_app.description(text({"给一组照片加上统一的边框，并导出成品。",
-                                "Frames a set of photos in one look and exports them.",
-                                "Encadre une série de photos dans un même style et l’exporte."}));
-        settle(m_app);
-        m_app.set_version_flag("--version", std::string("tarnovel ") + TARNOVEL_VERSION,
-                               text({"显示版本", "Show the version", "Afficher la version"}));
-        m_app.require_subcommand(1);
-        addExport();
-        addInspect();
-        m_templates =
-            addList("templates", {"列出内置模板", "List the built-in templates", "Lister les modèles"});
-        m_stocks = addList("stocks", {"列出胶卷", "List the film stocks", "Lister les pellicules"});
-    }
-
-    CLI::App &app() { return m_app; }
-    bool wants(const CLI::App *command) const { return command->parsed(); }
-    const CLI::App *exporting() const { return m_export; }
-    const CLI::App *inspecting() const { return m_inspect; }
-    const CLI::App *templates() const { return m_templates; }
-    const CLI::App *stocks() const { return m_stocks; }
-
-private:
-    /// Headings and words of the help; CLI11 has its own in English only.
-    void settle(CLI::App &app)
-    {
-        const auto &formatter = app.get_formatter();
-        formatter->label("Usage", text({"用法", "Usage", "Utilisation "}));
-        formatter->label("OPTIONS", text({"选项", "OPTIONS", "OPTIONS"}));
-        formatter->label("Positionals", text({"参数", "Arguments", "Arguments"}));
-        formatter->label("SUBCOMMAND", text({"命令", "COMMAND", "COMMANDE"}));
-        formatter->column_width(34);
-        app.option_defaults()->group(text({"选项", "Options", "Options"}));
-        app.set_help_flag("-h,--help", text({"显示说明", "Show this help", "Afficher cette aide"}));
-        addOption(app, "--language", m_arguments.language, "zh|en|fr",
-                  {"提示文字的语言", "Language of the messages", "Langue des messages"});
-    }
-
-    /// An option with one value; given twice, the last one counts.
-    static void addOption(CLI::App &app, const char *name, std::string &value, const char *valueName,
-                          const Text &what)
-    {
-        app.add_option(name, value, text(what))->type_name(valueName)->take_last();
-    }
-
-    /// An option with one value that may be given any number of times.
-    static void addRepeatable(CLI::App &app, const char *name, std::vector<std::string> &values,
-                              const char *valueName, const Text &what)
-    {
-        app.add_option(name, values, text(what))->type_name(valueName)->allow_extra_args(false);
-    }
-
-    CLI::App *addCommand(const char *name, const Text &description)
-    {
-        CLI::App *command = m_app.add_subcommand(name, text(description));
-        command->group(text({"命令", "Commands", "Commandes"}));
-        settle(*command);
-        return command;
-    }
-
-    CLI::App *addList(const char *name, const Text &description)
-    {
-        CLI::App *command = addCommand(name, description);
-        addJson(command);
-        return command;
-    }
-
-    void addJson(CLI::App *command)
-    {
-        command->add_flag(
-            "--json", m_arguments.json,
-            text({"每行输出一个 JSON 对象", "Print one JSON object a line", "Un objet JSON par ligne"}));
-    }
-
-    void addPhotos(CLI::App *command)
-    {
-        command->add_option("PHOTO", m_arguments.photos, text({"照片文件", "Photo files", "Fichiers photo"}))
-            ->type_name("");
-    }
-
-    void addInspect()
-    {
-        m_inspect = addCommand("inspect", {"读出照片的尺寸、相机信息与主色",
-                                           "Show size, camera texts and palette of photos",
-                                           "Afficher taille, infos et couleurs des photos"});
-        addPhotos(m_inspect);
-        addJson(m_inspect);
-    }
-
-    void addExport()
-    {
-        m_export = addCommand("export", {"加边框并导出到文件夹", "Frame photos into a folder",
-                                         "Encadrer des photos dans un dossier"});
-        addPhotos(m_export);
-        m_export->add_flag("--session", m_arguments.session,
-                           text({"导出上次编辑的照片，各用各的样式",
-                                 "Export the photos of the stored session, each in its own style",
-                                 "Exporter les photos de la session enregistrée, chacune avec son style"}));
-        addOption(*m_export, "-o,--output", m_arguments.folder, "DIR",
-                  {"目标文件夹，没有时会建立（必填）", "Destination folder, made when missing (required)",
-                   "Dossier de destination, créé au besoin (obligatoire)"});
-        addStyleOptions();
-        addOutputOptions();
-        addJson(m_export);
-        m_export->add_flag("-q,--quiet", m_arguments.quiet,
-                           text({"不显示进度", "No progress on standard error", "Pas de progression"}));
-    }
-
-    void addStyleOptions()
-    {
-        addOption(*m_export, "-t,--template", m_arguments.templateId, "ID",
-                  {"内置模板，默认 plain", "Built-in template; plain by default",
-                   "Modèle intégré, plain par défaut"});
-        addOption(*m_export, "--style", m_arguments.style, "FILE",
-                  {"样式文件（JSON）", "A style as a JSON file", "Un style, fichier JSON"});
-        addRepeatable(*m_export, "--set", m_arguments.sets, "PATH=VALUE",
-                      {"修改样式的一个字段，如 scale=0.7（可重复）",
-                       "Change one field, as in scale=0.7 (repeatable)",
-                       "Changer un champ, p. ex. scale=0.7 (répétable)"});
-        addRepeatable(*m_export, "--text", m_arguments.texts, "ID=TEXT",
-                      {"写入并显示一个文字图层，如 title=早晨（可重复）",
-                       "Write and show a text layer, as in title=Morning (repeatable)",
-                       "Écrire et montrer un calque, p. ex. title=Matin (répétable)"});
-        addOption(*m_export, "--background", m_arguments.background, "FILE",
-                  {"背景图片", "Picture for the backdrop", "Image de fond"});
-        addOption(*m_export, "--logo", m_arguments.logo, "FILE",
-                  {"徽标图片", "Picture for the logo", "Image du logo"});
-        addOption(*m_export, "--signature", m_arguments.signature, "FILE",
-                  {"签名图片", "Picture of the signature", "Image de la signature"});
-    }
-
-    void addOutputOptions()
-    {
-        addOption(*m_export, "--size", m_arguments.size, "SIZE",
-                  {"1080（短边）、original 或长边像素，默认 4096",
-                   "1080 (short edge), original or a long edge in pixels; 4096 by default",
-                   "1080 (petit côté), original ou grand côté en pixels ; 4096 par défaut"});
-        addOption(*m_export, "--format", m_arguments.format, "jpeg|png",
-                  {"默认 jpeg", "jpeg by default", "jpeg par défaut"});
-        addOption(*m_export, "--max-mb", m_arguments.maxMb, "N",
-                  {"JPEG 大小上限，单位 MB（1,000,000 字节）", "JPEG size limit in MB of 1,000,000 bytes",
-                   "Taille maximale du JPEG en Mo (1 000 000 octets)"});
-    }
-
-    Arguments &m_arguments;
-    CLI::App m_app;
-    CLI::App *m_export = nullptr;
-    CLI::App *m_inspect = nullptr;
-    CLI::App *m_templates = nullptr;
-    CLI::App *m_stocks = nullptr;
-};
 
 std::optional<QString> given(const CLI::App *command, const char *option, const std::string &value)
 {
@@ -257,6 +77,32 @@ ExportRequest exportRequest(const Grammar &grammar, const Arguments &arguments)
     request.maxMb = given(command, "--max-mb", arguments.maxMb);
     request.json = arguments.json;
     request.quiet = arguments.quiet;
+    return request;
+}
+
+CollageRequest collageRequest(const Grammar &grammar, const Arguments &arguments)
+{
+    const CLI::App *command = grammar.collage();
+    CollageRequest request;
+    request.photos = fromArguments(arguments.photos);
+    request.file = fromArgument(arguments.folder);
+    request.layout = given(command, "--layout", arguments.layout);
+    request.aspect = given(command, "--aspect", arguments.aspect);
+    request.gap = given(command, "--gap", arguments.gap);
+    request.margin = given(command, "--margin", arguments.margin);
+    request.radius = given(command, "--radius", arguments.radius);
+    request.background = given(command, "--background", arguments.background);
+    request.frames = fromArguments(arguments.frames);
+    request.pans = fromArguments(arguments.pans);
+    request.zooms = fromArguments(arguments.zooms);
+    request.ratios = fromArguments(arguments.ratios);
+    request.stock = given(command, "--stock", arguments.stock);
+    request.edgeText = given(command, "--edge-text", arguments.edgeText);
+    request.startNumber = given(command, "--start-number", arguments.startNumber);
+    request.noNumbers = arguments.noNumbers;
+    request.format = fromArgument(arguments.format);
+    request.maxMb = given(command, "--max-mb", arguments.maxMb);
+    request.json = arguments.json;
     return request;
 }
 
@@ -335,6 +181,12 @@ int dispatch(const Grammar &grammar, const Arguments &arguments, const Interrupt
     }
     if (grammar.wants(grammar.stocks())) {
         return runStocks(arguments.json);
+    }
+    if (grammar.wants(grammar.layouts())) {
+        return runLayouts(fromArgument(arguments.count), arguments.json);
+    }
+    if (grammar.wants(grammar.collage())) {
+        return runCollage(collageRequest(grammar, arguments), interruption);
     }
     if (grammar.wants(grammar.inspecting())) {
         if (arguments.photos.empty()) {

@@ -6,8 +6,9 @@
 #include <QPainter>
 
 #include "render/DevicePatch.h"
-#include "render/FilmEdge.h"
+#include "render/FilmEdgePrint.h"
 #include "render/FilmGate.h"
+#include "render/FilmMarks.h"
 
 namespace tarnovel::FilmRenderer {
 
@@ -16,32 +17,13 @@ namespace {
 constexpr int grainSpecks = 160;
 constexpr QSizeF speckMm(0.018, 0.06);
 
-/// Kodak Standard (KS) perforations of 35 mm film, ISO 1007: size, corner radius and pitch, eight to a frame.
-constexpr QSizeF holeMm(1.981, 2.794);
-constexpr double holeRadiusMm = 0.51;
-constexpr double pitchMm = 4.75;
+/// Perforations of one frame of 35 mm film.
 constexpr int holesPerRow = 8;
-constexpr double holeInsetMm = 1.85;
-constexpr double holeRimMm = 0.035;
-
-QColor grey(float value, float alpha = 1)
-{
-    return QColor::fromRgbF(value, value, value, alpha);
-}
-
-QColor baseColor(const FilmOptions &options)
-{
-    return options.light ? grey(0.92F) : QColor::fromRgbF(0.026F, 0.024F, 0.022F);
-}
-
-QColor printColor(const FilmOptions &options)
-{
-    return options.light ? grey(0.16F) : QColor::fromRgbF(0.77F, 0.65F, 0.38F, 0.92F);
-}
 
 void drawGrain(QPainter &painter, const FilmLayout &layout, bool light)
 {
-    const QColor color = grey(light ? 0.F : 1.F, 0.035F);
+    QColor color = light ? Qt::black : Qt::white;
+    color.setAlphaF(0.035F);
     const QRectF piece(0, 0, layout.pieceLengthMm, layout.filmWidthMm);
     const std::array<QRectF, 4> rebate = bandsAround(layout.gateMm, piece);
     for (int i = 0; i < grainSpecks; ++i) {
@@ -57,14 +39,12 @@ void drawGrain(QPainter &painter, const FilmLayout &layout, bool light)
 
 void drawPerforations(QPainter &painter, const FilmLayout &layout)
 {
-    const QTransform &transform = painter.deviceTransform();
-    const double pixelsPerMm = std::sqrt(std::abs(transform.determinant()));
-    const double firstCentre = (layout.pieceLengthMm - (holesPerRow - 1) * pitchMm) / 2;
-    for (const double top : {holeInsetMm, layout.filmWidthMm - holeInsetMm - holeMm.height()}) {
+    const double firstCentre = (layout.pieceLengthMm - (holesPerRow - 1) * FilmMarks::pitchMm) / 2;
+    const double lower = layout.filmWidthMm - FilmMarks::holeInsetMm - FilmMarks::holeMm.height();
+    for (const double top : {FilmMarks::holeInsetMm, lower}) {
         for (int i = 0; i < holesPerRow; ++i) {
-            const QPointF corner(firstCentre + i * pitchMm - holeMm.width() / 2, top);
-            drawRimmedRect(painter, {transform.mapRect(QRectF(corner, holeMm)), holeRadiusMm * pixelsPerMm,
-                                     grey(0.99F), grey(0.72F, 0.25F), holeRimMm * pixelsPerMm});
+            FilmMarks::drawHole(painter,
+                                {firstCentre + i * FilmMarks::pitchMm - FilmMarks::holeMm.width() / 2, top});
         }
     }
 }
@@ -99,7 +79,7 @@ void drawFilm(QPainter &painter, const FilmLayout &layout, const FilmOptions &op
     if (options.perforations && options.format == FilmFormat::mm35) {
         drawPerforations(painter, layout);
     }
-    drawFilmEdge(painter, FilmEdge::print(options), printColor(options));
+    drawFilmEdge(painter, FilmEdgePrint::print(options), FilmMarks::printColor(options.light));
     painter.restore();
 }
 
@@ -124,11 +104,11 @@ void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &setting
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     if (layout.scale > 0 && std::isfinite(layout.scale)) {
         const FilmGate opening(painter, item, layout, photo);
-        drawBase(painter, QRectF({}, size), opening.hidden(), baseColor(options));
+        drawBase(painter, QRectF({}, size), opening.hidden(), FilmMarks::baseColor(options.light));
         drawFilm(painter, layout, options);
         opening.draw(painter);
     } else {
-        painter.fillRect(QRectF({}, size), baseColor(options));
+        painter.fillRect(QRectF({}, size), FilmMarks::baseColor(options.light));
     }
     painter.restore();
 }

@@ -14,8 +14,8 @@ namespace tarnovel {
 /// in its gate. Nothing in it is random, so two drawings of one frame are the same pixels.
 namespace FilmRenderer {
 
-/// Draws the whole canvas. What FilmEdge decides about numbers and counters holds here. The painter may be
-/// moved, scaled and turned by quarters.
+/// Draws the whole canvas. What FilmEdgePrint decides about numbers and counters holds here. The painter may
+/// be moved, scaled and turned by quarters.
 void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &settings, QSizeF size,
           const PhotoImage &photo);
 

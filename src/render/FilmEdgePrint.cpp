@@ -1,4 +1,4 @@
-#include "render/FilmEdge.h"
+#include "render/FilmEdgePrint.h"
 
 #include <algorithm>
 #include <utility>
@@ -8,6 +8,7 @@
 
 #include "film/FilmStockCatalog.h"
 #include "render/DevicePatch.h"
+#include "render/FilmMarks.h"
 #include "render/Fonts.h"
 #include "render/SetText.h"
 
@@ -36,17 +37,6 @@ constexpr double glowAlpha = 0.16;
 /// Air between the lower label and the arrow behind it.
 constexpr double airMm = 0.3;
 
-/// An arrow with its back at `tip - length` and this half height; 35 mm and 120 film share the mark.
-constexpr double arrowLengthMm = 0.48;
-constexpr double arrowHalfHeightMm = 0.312;
-
-QPolygonF arrow(double backX, double middleY)
-{
-    return {{{backX, middleY - arrowHalfHeightMm},
-             {backX + arrowLengthMm, middleY},
-             {backX, middleY + arrowHalfHeightMm}}};
-}
-
 bool hasMakersCounters(const FilmOptions &options, const QString &marking)
 {
     const auto counted = [](const QString &name) {
@@ -70,10 +60,10 @@ QString bottomLabel(const FilmOptions &options)
         return typed;
     }
     const bool isNumber = options.format == FilmFormat::mm35;
-    return isNumber && !options.showsNumber ? QString() : FilmEdge::automaticBottomLabel(options);
+    return isNumber && !options.showsNumber ? QString() : FilmEdgePrint::automaticBottomLabel(options);
 }
 
-FilmEdge smallFilmEdge(const FilmOptions &options, const QString &marking)
+FilmEdgePrint smallFilmEdge(const FilmOptions &options, const QString &marking)
 {
     const FilmDimensions film = filmDimensions(options.format);
     const double length = film.pieceLengthMm();
@@ -81,25 +71,25 @@ FilmEdge smallFilmEdge(const FilmOptions &options, const QString &marking)
     const QPointF bottomAt(length / 2 - 1.3, width - 1.4);
     const double lowerArrow = length - 4.48;
     double widestBottom = std::max(length / 2 - 3, 4.0);
-    FilmEdge edge;
+    FilmEdgePrint edge;
     edge.texts.push_back({marking, {6.1, 0.2}, 1.1, length - 8});
     if (options.showsNumber) {
         const QString number = QString::number(printedFrameNumber(options.format, options.number));
         edge.texts.push_back({number, {1.3, 0.18}, 1.25, 3.0});
         edge.texts.push_back({number, {3.0, width - 1.4}, 1.1, 3.0});
-        edge.arrows = {arrow(4.62, 0.7), arrow(lowerArrow, width - 0.78)};
+        edge.arrows = {FilmMarks::arrow(4.62, 0.7), FilmMarks::arrow(lowerArrow, width - 0.78)};
         widestBottom = std::min(widestBottom, lowerArrow - airMm - bottomAt.x());
     }
     edge.texts.push_back({bottomLabel(options), bottomAt, 1.1, widestBottom});
     return edge;
 }
 
-FilmEdge rollFilmEdge(const FilmOptions &options, const QString &marking)
+FilmEdgePrint rollFilmEdge(const FilmOptions &options, const QString &marking)
 {
     const FilmDimensions film = filmDimensions(options.format);
     const double length = film.pieceLengthMm();
     const double width = film.filmWidthMm;
-    FilmEdge edge;
+    FilmEdgePrint edge;
     edge.texts.push_back({marking, {1.7, 0.72}, 0.98, 0.53 * length});
     if (options.showsNumber) {
         const bool makers = hasMakersCounters(options, marking);
@@ -108,7 +98,7 @@ FilmEdge rollFilmEdge(const FilmOptions &options, const QString &marking)
         edge.texts.push_back(
             {makers ? counter(options, 1, 12) : plain, {0.23 * length, width - 1.93}, 1.22, 4.0});
         if (options.light) {
-            edge.arrows.push_back(arrow(0.7 * length - 0.65, width - 1.23));
+            edge.arrows.push_back(FilmMarks::arrow(0.7 * length - 0.65, width - 1.23));
         }
     }
     edge.texts.push_back({bottomLabel(options), {length - 8.8, width - 1.86}, 0.93, 7.2});
@@ -157,7 +147,7 @@ QString edgeLabel(const QString &text)
     return finder.position() >= 0 ? label.left(finder.position()) : label;
 }
 
-QString FilmEdge::automaticBottomLabel(const FilmOptions &options)
+QString FilmEdgePrint::automaticBottomLabel(const FilmOptions &options)
 {
     if (options.format != FilmFormat::mm35) {
         return u"120"_s;
@@ -165,10 +155,10 @@ QString FilmEdge::automaticBottomLabel(const FilmOptions &options)
     return QString::number(printedFrameNumber(options.format, options.number)) + u'A';
 }
 
-FilmEdge FilmEdge::print(const FilmOptions &options)
+FilmEdgePrint FilmEdgePrint::print(const FilmOptions &options)
 {
     const QString marking = FilmStockCatalog::printableLabel(options.stock, options.topLabel);
-    FilmEdge edge =
+    FilmEdgePrint edge =
         options.format == FilmFormat::mm35 ? smallFilmEdge(options, marking) : rollFilmEdge(options, marking);
     for (FilmEdgeText &text : edge.texts) {
         text.text = edgeLabel(text.text);
@@ -183,7 +173,7 @@ QRectF edgeTextRect(const FilmEdgeText &text)
     return {text.at.x(), set.rowTop, set.set.size().width() * set.scale, set.scale * referencePixels};
 }
 
-void drawFilmEdge(QPainter &painter, const FilmEdge &edge, const QColor &print)
+void drawFilmEdge(QPainter &painter, const FilmEdgePrint &edge, const QColor &print)
 {
     for (const FilmEdgeText &text : edge.texts) {
         const SetEdgeText set(text);

@@ -35,12 +35,12 @@ struct FilmEdgeText {
 ///   the twelve on the opposite edge. Every other maker's 120 film shows the plain frame number in both
 ///   places.
 /// - 35 mm film points an arrow at each half frame; 120 film only has one on a light base, on the lower edge.
-struct FilmEdge {
+struct FilmEdgePrint {
     std::vector<FilmEdgeText> texts;
     /// Solid triangles.
     std::vector<QPolygonF> arrows;
 
-    static FilmEdge print(const FilmOptions &options);
+    static FilmEdgePrint print(const FilmOptions &options);
 
     /// The text of the lower edge when the user typed none: "1A" on 35 mm, "120" on roll film.
     static QString automaticBottomLabel(const FilmOptions &options);
@@ -53,6 +53,6 @@ QString edgeLabel(const QString &text);
 QRectF edgeTextRect(const FilmEdgeText &text);
 
 /// Draws texts and arrows in a painter whose unit is the millimetre of film.
-void drawFilmEdge(QPainter &painter, const FilmEdge &edge, const QColor &print);
+void drawFilmEdge(QPainter &painter, const FilmEdgePrint &edge, const QColor &print);
 
 } // namespace tarnovel

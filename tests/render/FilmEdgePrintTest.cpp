@@ -1,4 +1,4 @@
-#include "render/FilmEdge.h"
+#include "render/FilmEdgePrint.h"
 
 #include <algorithm>
 
@@ -26,25 +26,25 @@ FilmOptions options(FilmFormat format, const QString &stock = u"Ilford HP5 Plus 
 QStringList texts(const FilmOptions &made)
 {
     QStringList list;
-    for (const FilmEdgeText &text : FilmEdge::print(made).texts) {
+    for (const FilmEdgeText &text : FilmEdgePrint::print(made).texts) {
         list.append(text.text);
     }
     return list;
 }
 
-TEST(FilmEdge, NumbersTheFramesOfThirtyFiveMillimetres)
+TEST(FilmEdgePrint, NumbersTheFramesOfThirtyFiveMillimetres)
 {
     EXPECT_EQ(texts(options(FilmFormat::mm35)), (QStringList{u"ILFORD HP5 PLUS"_s, u"1"_s, u"1"_s, u"1A"_s}));
     EXPECT_EQ(texts(options(FilmFormat::mm35, u"x"_s, 0)), (QStringList{u"x"_s, u"1"_s, u"1"_s, u"1A"_s}));
     EXPECT_EQ(texts(options(FilmFormat::mm35, u"x"_s, 40)),
               (QStringList{u"x"_s, u"36"_s, u"36"_s, u"36A"_s}));
-    EXPECT_EQ(FilmEdge::print(options(FilmFormat::mm35)).arrows.size(), 2U);
+    EXPECT_EQ(FilmEdgePrint::print(options(FilmFormat::mm35)).arrows.size(), 2U);
     // The stock is known, but nobody has yet seen what its edge says.
     EXPECT_EQ(texts(options(FilmFormat::mm35, u"Kodak Ektapan 400"_s)),
               (QStringList{u"1"_s, u"1"_s, u"1A"_s}));
 }
 
-TEST(FilmEdge, CountsRollFilmAsItsMakerDoes)
+TEST(FilmEdgePrint, CountsRollFilmAsItsMakerDoes)
 {
     struct Row {
         FilmFormat format;
@@ -74,16 +74,16 @@ TEST(FilmEdge, CountsRollFilmAsItsMakerDoes)
     }
 }
 
-TEST(FilmEdge, WithoutNumbersKeepsTheMarkingAndWhatTheUserTyped)
+TEST(FilmEdgePrint, WithoutNumbersKeepsTheMarkingAndWhatTheUserTyped)
 {
     for (const FilmFormat format : filmFormats) {
         for (const bool light : {false, true}) {
             FilmOptions made = options(format, u"Kodak Gold 200"_s, 3);
             made.light = light;
             const std::size_t arrows = format == FilmFormat::mm35 ? 2 : light ? 1 : 0;
-            EXPECT_EQ(FilmEdge::print(made).arrows.size(), arrows);
+            EXPECT_EQ(FilmEdgePrint::print(made).arrows.size(), arrows);
             made.showsNumber = false;
-            EXPECT_TRUE(FilmEdge::print(made).arrows.empty());
+            EXPECT_TRUE(FilmEdgePrint::print(made).arrows.empty());
             const QStringList unnumbered = format == FilmFormat::mm35 ? QStringList{u"KODAK 200"_s}
                                                                       : QStringList{u"KODAK 200"_s, u"120"_s};
             EXPECT_EQ(texts(made), unnumbered);
@@ -95,7 +95,7 @@ TEST(FilmEdge, WithoutNumbersKeepsTheMarkingAndWhatTheUserTyped)
     }
 }
 
-TEST(FilmEdge, CutsALabelAfterFortyCharactersAsAReaderCountsThem)
+TEST(FilmEdgePrint, CutsALabelAfterFortyCharactersAsAReaderCountsThem)
 {
     EXPECT_EQ(edgeLabel(u"KODAK"_s), u"KODAK"_s);
     EXPECT_EQ(edgeLabel(QString(41, u'x')), QString(40, u'x'));
@@ -107,7 +107,7 @@ TEST(FilmEdge, CutsALabelAfterFortyCharactersAsAReaderCountsThem)
 }
 
 /// The edge print in black on white, 20 pixels a millimetre, with a margin around the piece.
-QImage printed(const FilmEdge &edge, const FilmDimensions &film, int marginMm)
+QImage printed(const FilmEdgePrint &edge, const FilmDimensions &film, int marginMm)
 {
     constexpr int pixelsPerMm = 20;
     const QSizeF size(film.pieceLengthMm() + 2 * marginMm, film.filmWidthMm + 2 * marginMm);
@@ -141,7 +141,7 @@ QRectF inkRect(const QImage &image, const QRectF &partMm, int marginMm)
             QSizeF(ink.size()) / pixelsPerMm};
 }
 
-TEST(FilmEdge, EveryLetterStaysBetweenTheFilmsEdgeAndTheHolesOrTheGate)
+TEST(FilmEdgePrint, EveryLetterStaysBetweenTheFilmsEdgeAndTheHolesOrTheGate)
 {
     constexpr int marginMm = 10;
     const QStringList labels{
@@ -156,7 +156,7 @@ TEST(FilmEdge, EveryLetterStaysBetweenTheFilmsEdgeAndTheHolesOrTheGate)
             FilmOptions made = options(format, label, 36);
             made.light = true;
             made.bottomLabel = label;
-            const FilmEdge edge = FilmEdge::print(made);
+            const FilmEdgePrint edge = FilmEdgePrint::print(made);
             ASSERT_EQ(edge.texts.size(), 4U);
             const QImage image = printed(edge, film, marginMm);
             const QRectF everything(-marginMm, -marginMm, film.pieceLengthMm() + 2 * marginMm,
@@ -183,7 +183,7 @@ TEST(FilmEdge, EveryLetterStaysBetweenTheFilmsEdgeAndTheHolesOrTheGate)
     }
 }
 
-TEST(FilmEdge, RowsAreEven)
+TEST(FilmEdgePrint, RowsAreEven)
 {
     constexpr int marginMm = 1;
     for (const FilmFormat format : filmFormats) {
@@ -191,7 +191,7 @@ TEST(FilmEdge, RowsAreEven)
         FilmOptions made = options(format, u"HHHH"_s, 1);
         made.light = true;
         made.bottomLabel = u"HHHH"_s;
-        const FilmEdge edge = FilmEdge::print(made);
+        const FilmEdgePrint edge = FilmEdgePrint::print(made);
         const QImage image = printed(edge, film, marginMm);
         double lowest[2] = {1e9, 1e9};
         double highest[2] = {-1e9, -1e9};
@@ -211,10 +211,10 @@ TEST(FilmEdge, RowsAreEven)
     }
 }
 
-TEST(FilmEdge, ALongLabelShrinksAsAWholeAndStaysInItsRow)
+TEST(FilmEdgePrint, ALongLabelShrinksAsAWholeAndStaysInItsRow)
 {
     FilmOptions made = options(FilmFormat::mm35, QString(40, u'胶'));
-    const FilmEdgeText marking = FilmEdge::print(made).texts.front();
+    const FilmEdgeText marking = FilmEdgePrint::print(made).texts.front();
     const QRectF rect = edgeTextRect(marking);
     EXPECT_NEAR(rect.width(), 38.4 - 8, 1e-9);
     EXPECT_NEAR(rect.center().y(), 0.2 + 1.1 / 2, 1e-9);
@@ -222,7 +222,7 @@ TEST(FilmEdge, ALongLabelShrinksAsAWholeAndStaysInItsRow)
     EXPECT_NEAR(rect.height(), 1.1 * 30.4 / 44.8, 0.01);
     made.stock = u"SHORT"_s;
     // The edge print's face advances 0.6 of its size: 5 × (0.6 × 1.1 + 0.02) = 3.4 mm.
-    EXPECT_NEAR(edgeTextRect(FilmEdge::print(made).texts.front()).width(), 3.4, 0.01);
+    EXPECT_NEAR(edgeTextRect(FilmEdgePrint::print(made).texts.front()).width(), 3.4, 0.01);
 }
 
 TEST(FilmFormatTitle, TellsTheFormatsApartInEveryLanguage)
