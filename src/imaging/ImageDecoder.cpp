@@ -81,6 +81,16 @@ QImage upright(const QImage &stored, int orientation)
     }
 }
 
+/// Refuses damage that the decoding itself would not notice.
+void checkData(const ImageFile &file, const std::stop_token &stop)
+{
+    if (file.format() == PictureFormat::Jpeg) {
+        checkJpegData(file, stop);
+    } else if (file.format() == PictureFormat::Png) {
+        checkPngData(file, stop);
+    }
+}
+
 QImage decode(const ImageFile &file, const Opened &opened, const QRectF &region, QSize size,
               const std::stop_token &stop)
 {
@@ -92,9 +102,7 @@ QImage decode(const ImageFile &file, const Opened &opened, const QRectF &region,
         image = decodeJpegPlanes(file, stored, storedTarget, stop);
         image = convertedToSrgb(std::move(image), opened.profile);
     } else {
-        if (file.format() == PictureFormat::Png) {
-            checkPngData(file, stop);
-        }
+        checkData(file, stop);
         VipsPixels pixels = decodeWithVips(file, stored, storedTarget, stop);
         image = convertedToSrgb(std::move(pixels.image), pixels.profile);
     }

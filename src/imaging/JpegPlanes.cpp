@@ -262,4 +262,26 @@ QImage decodeJpegPlanes(const ImageFile &file, const QRectF &region, QSize size,
     return target;
 }
 
+void checkJpegData(const ImageFile &file, const std::stop_token &stop)
+{
+    JpegReader reader(file, stop);
+    jpeg_decompress_struct &info = reader.info();
+    checkCost(info);
+    info.scale_num = 1;
+    info.scale_denom = 8;
+    info.do_fancy_upsampling = FALSE;
+    reader.run([&info] {
+        info.out_color_space = info.jpeg_color_space;
+        jpeg_start_decompress(&info);
+    });
+    std::vector<JSAMPLE> samples(size_t(info.output_width) * static_cast<size_t>(info.output_components));
+    reader.run([&info, &samples] {
+        JSAMPROW row = samples.data();
+        while (info.output_scanline < info.output_height) {
+            jpeg_read_scanlines(&info, &row, 1);
+        }
+        jpeg_finish_decompress(&info);
+    });
+}
+
 } // namespace tarnovel

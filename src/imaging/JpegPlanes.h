@@ -23,4 +23,8 @@ JpegLayout inspectJpeg(const ImageFile &file);
 /// four times for targets above 2,000 pixels. Throws an ImageError and OperationCancelled.
 QImage decodeJpegPlanes(const ImageFile &file, const QRectF &region, QSize size, const std::stop_token &stop);
 
+/// Decodes the whole file at an eighth of its size, for its errors and warnings alone: for layouts whose
+/// pixels come from a decoder that takes no notice of warnings. Throws an ImageError and OperationCancelled.
+void checkJpegData(const ImageFile &file, const std::stop_token &stop);
+
 } // namespace tarnovel

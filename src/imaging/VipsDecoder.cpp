@@ -50,15 +50,15 @@ VipsImagePtr load(const ImageFile &file, const std::stop_token &stop = {})
     }
     VipsImage *made = nullptr;
     int failed = 0;
+    // The loaders of JPEG and PNG files go on after some faults whatever they are told here: the data of
+    // those has been checked before.
     const auto call = [&](auto loader) {
         failed = loader(source.get(), &made, "access", VIPS_ACCESS_SEQUENTIAL, "fail_on", VIPS_FAIL_ON_ERROR,
                         static_cast<void *>(nullptr));
     };
     switch (file.format()) {
     case PictureFormat::Jpeg:
-        // Here any warning is about the data: JpegReader has judged the header already.
-        failed = vips_jpegload_source(source.get(), &made, "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
-                                      VIPS_FAIL_ON_WARNING, static_cast<void *>(nullptr));
+        call(vips_jpegload_source);
         break;
     case PictureFormat::Png:
         call(vips_pngload_source);

@@ -1,5 +1,6 @@
 #include <chrono>
 #include <optional>
+#include <vector>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -10,6 +11,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtEndian>
+
+#include <turbojpeg.h>
 
 #include "imaging/CaptureMetadata.h"
 #include "imaging/Fixtures.h"
@@ -52,6 +55,28 @@ QByteArray withJpegSize(QByteArray file, int width, int height)
         at += 2 + qFromBigEndian<quint16>(file.constData() + at + 2);
     }
     return {};
+}
+
+/// Whether another decoder of JPEG files complains; bytes too many before the end are no matter.
+bool isSuspect(const QByteArray &file)
+{
+    tjhandle handle = tjInitDecompress();
+    const auto *bytes = reinterpret_cast<const unsigned char *>(file.constData());
+    const auto size = static_cast<unsigned long>(file.size());
+    int width = 0;
+    int height = 0;
+    int sampling = 0;
+    int space = 0;
+    bool failed = tjDecompressHeader3(handle, bytes, size, &width, &height, &sampling, &space) != 0;
+    if (!failed) {
+        const bool inks = space == TJCS_CMYK || space == TJCS_YCCK;
+        std::vector<unsigned char> pixels(static_cast<size_t>(width) * static_cast<size_t>(height) * 4);
+        failed = tjDecompress2(handle, bytes, size, pixels.data(), width, 0, height,
+                               inks ? TJPF_CMYK : TJPF_RGBX, TJFLAG_STOPONWARNING) != 0 &&
+                 !QByteArray(tjGetErrorStr2(handle)).endsWith("before marker 0xd9");
+    }
+    tjDestroy(handle);
+    return failed;
 }
 
 /// Where the chunks of a PNG file begin.
@@ -202,6 +227,44 @@ TEST_F(HostileFile, APngWithChangedOrMissingDataIsDamaged)
         comment[comment.indexOf("Comment")] = 'c';
         EXPECT_EQ(causeOf(file(comment)), std::nullopt) << "the picture needs no comment";
     }
+}
+
+TEST_F(HostileFile, AJpegOfAnyLayoutIsDamagedWhereItsDecoderWarns)
+{
+    const QImage image = texture(QSize(200, 150));
+    QByteArrayList files;
+    SaveOptions inks;
+    inks.cmyk = true;
+    for (const QString &options : {u"[Q=90]"_s, u"[Q=90,interlace]"_s}) {
+        save(image, path(u"inks.jpg"_s), options, inks);
+        files << contents(path(u"inks.jpg"_s));
+    }
+    JpegOptions rgb;
+    rgb.storedAsRgb = true;
+    files << jpeg(image, rgb);
+    for (const QByteArray &bytes : files) {
+        ASSERT_EQ(causeOf(file(bytes)), std::nullopt);
+        const qsizetype scan = bytes.indexOf(QByteArray("\xff\xda\0", 3)) + 20; // a profile has no such bytes
+        int damaged = 0;
+        for (qsizetype at = scan; at < bytes.size() - 2; at += 1 + (bytes.size() - scan) / 40) {
+            // A changed byte often shows in the picture alone; one that begins a marker ends the data.
+            for (const char byte : {static_cast<char>(bytes[at] ^ 0x55), '\xff'}) {
+                QByteArray changed = bytes;
+                changed[at] = byte;
+                const bool suspect = isSuspect(changed);
+                EXPECT_EQ(causeOf(file(changed)), suspect ? std::optional(Cause::Damaged) : std::nullopt)
+                    << at;
+                damaged += suspect ? 1 : 0;
+            }
+        }
+        EXPECT_GT(damaged, 10) << "hardly a flip that matters";
+    }
+    // A colour resolution that the other decoder does not know either.
+    JpegOptions thirds;
+    thirds.horizontal = 3;
+    const QByteArray odd = jpeg(image, thirds);
+    ASSERT_EQ(causeOf(file(odd)), std::nullopt);
+    EXPECT_EQ(causeOf(file(odd.left(odd.size() / 2) + "\xff\xd9")), Cause::Damaged);
 }
 
 TEST_F(HostileFile, SizesAreJudgedBeforePixels)
