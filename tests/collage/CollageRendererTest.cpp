@@ -1,0 +1,172 @@
+#include <cmath>
+
+#include <QImage>
+#include <QPainter>
+#include <gtest/gtest.h>
+
+#include "collage/CollageRenderer.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+namespace {
+
+CollagePreset preset(int count, const QString &id)
+{
+    const QList<CollagePreset> all = CollagePreset::all(count);
+    return *std::ranges::find(all, id, &CollagePreset::id);
+}
+
+CollageDesign design(int count, const QString &id)
+{
+    return CollageDesign::of(preset(count, id), QList<QUuid>(count));
+}
+
+/// Left half red, right half blue.
+PhotoImage twoHalves()
+{
+    QImage image(200, 100, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QPainter(&image).fillRect(100, 0, 100, 100, Qt::blue);
+    return {image};
+}
+
+QImage drawn(const CollageDesign &made, int longEdge, const std::map<int, PhotoImage> &images)
+{
+    const CollagePlan plan = CollagePlan::of(made, longEdge);
+    std::map<int, QSizeF> sizes;
+    for (const auto &[slot, image] : images) {
+        sizes[slot] = image.image.size();
+    }
+    QImage canvas(plan.size, QImage::Format_RGB32);
+    canvas.fill(Qt::magenta);
+    QPainter painter(&canvas);
+    CollageRenderer::draw(painter, made, plan, sizes, images);
+    return canvas;
+}
+
+TEST(CellFrames, LeaveTheirWindow)
+{
+    const QRectF cell(0, 0, 1000, 1000);
+    EXPECT_EQ(cellPhotoRect(CellFrame::none, cell), cell);
+    EXPECT_EQ(cellPhotoRect(CellFrame::instant, cell), QRectF(60, 60, 880, 740));
+    EXPECT_EQ(cellPhotoRect(CellFrame::white, {0, 0, 500, 1000}), QRectF(30, 30, 440, 940));
+    EXPECT_EQ(cellPhotoRect(CellFrame::film, cell), QRectF(50, 50, 900, 900));
+    EXPECT_EQ(cellPhotoRect(CellFrame::instant, {0, 0, 1000, 10}).height(), 7.4);
+    for (const CellFrame frame : cellFrames) {
+        EXPECT_EQ(cellFrameFromName(cellFrameName(frame)), frame);
+    }
+}
+
+TEST(CellPlacement, FollowsTheFinger)
+{
+    const QRectF rect(100, 100, 100, 100);
+    CollageCell cell;
+    // 200 × 100 fills 100 × 100 at its own size; an overflow of 100 goes left and right.
+    EXPECT_EQ(cellPlacement(cell, {200, 100}, rect).whole, QRectF(50, 100, 200, 100));
+    cell.offset = {1, 1};
+    EXPECT_EQ(cellPlacement(cell, {200, 100}, rect).whole.left(), 100);
+    cell.zoom = 2;
+    EXPECT_EQ(cellPlacement(cell, {200, 100}, rect).whole, QRectF(100, 100, 400, 200));
+    cell.offset = {-1, -1};
+    EXPECT_EQ(cellPlacement(cell, {200, 100}, rect).whole.right(), 200);
+}
+
+TEST(CollagePlan, HasTheFinishedSizes)
+{
+    EXPECT_EQ(CollagePlan::of(design(4, u"filmstrip"_s), 2400).size, QSize(2400, 552));
+    CollageDesign gallery = design(3, u"gallery"_s);
+    gallery.aspect = CollageAspect::square;
+    EXPECT_EQ(CollagePlan::of(gallery, 2400).size, QSize(2400, 2400));
+    EXPECT_DOUBLE_EQ(CollagePlan::of(gallery, 2400).inner.left(), 2400 * (0.03 + 0.1));
+    EXPECT_DOUBLE_EQ(CollagePlan::of(gallery, 2400).gapPx, 2400 * (0.02 + 0.06));
+    gallery.aspect = CollageAspect::story;
+    EXPECT_EQ(CollagePlan::of(gallery, 2400).size, QSize(1350, 2400));
+    EXPECT_EQ(CollagePlan::of(design(9, u"column"_s), 2400).size, QSize(480, 2400)); // held to 1 : 5
+    const CollagePlan strip = CollagePlan::of(design(2, u"filmstrip"_s), 2400);
+    EXPECT_NEAR(strip.inner.y() / strip.size.height(), 5.5 / 35, 1e-12);
+    EXPECT_NEAR(strip.inner.height() / strip.size.height(), 24.0 / 35, 1e-12);
+}
+
+TEST(CollageRenderer, ShowsThePannedPartInItsFrame)
+{
+    CollageDesign made = design(2, u"h2"_s);
+    made.margin = made.gap = 0;
+    made.cells[0].offset = {1, 0};
+    made.cells[1].offset = {-1, 0};
+    made.cells[1].frame = CellFrame::film;
+    const QImage canvas = drawn(made, 400, {{0, twoHalves()}, {1, twoHalves()}});
+    EXPECT_EQ(canvas.pixelColor(5, 200), QColor(Qt::red));
+    EXPECT_EQ(canvas.pixelColor(195, 200), QColor(Qt::red));
+    EXPECT_NEAR(canvas.pixelColor(205, 200).red(), 31, 1); // the paper of a film frame
+    EXPECT_EQ(canvas.pixelColor(300, 200), QColor(Qt::blue));
+    made.background = Qt::green;
+    made.radius = 0.2;
+    const QImage round = drawn(made, 400, {{0, twoHalves()}});
+    EXPECT_EQ(round.pixelColor(1, 1), QColor(Qt::green));
+    EXPECT_NEAR(round.pixelColor(300, 200).red(), 31, 1); // without a photo the paper stays
+}
+
+TEST(CollageRenderer, BoardAgreesWithTheResult)
+{
+    for (const auto &[count, id] : {std::pair(3, u"big-left"_s), {4, u"filmstrip"_s}}) {
+        CollageDesign made = design(count, id);
+        made.cells[0].frame = CellFrame::inner;
+        made.cells[1].frame = CellFrame::instant;
+        made.radius = 0.03;
+        std::map<int, PhotoImage> images;
+        for (int slot = 0; slot < count; ++slot) {
+            images[slot] = twoHalves();
+        }
+        const QImage board = drawn(made, 600, images);
+        const QImage result = drawn(made, 2400, images);
+        double sum = 0;
+        for (int y = 0; y < board.height(); ++y) {
+            for (int x = 0; x < board.width(); ++x) {
+                int green = 0;
+                for (int i = 0; i < 16; ++i) {
+                    green += qGreen(result.pixel(std::min(4 * x + i % 4, result.width() - 1),
+                                                 std::min(4 * y + i / 4, result.height() - 1)));
+                }
+                const double difference = qGreen(board.pixel(x, y)) - green / 16.0;
+                sum += difference * difference;
+            }
+        }
+        const double psnr =
+            10 * std::log10(255.0 * 255 * board.width() * board.height() / std::max(sum, 1.0));
+        EXPECT_GT(psnr, 26) << id.toStdString();
+    }
+}
+
+TEST(FilmStripDecor, PerforatesAtTheRealPitch)
+{
+    const QImage canvas = drawn(design(4, u"filmstrip"_s), 2400, {});
+    const double unit = canvas.height() / 35.0;
+    const auto holes = [&](double yMm) {
+        int count = 0;
+        bool inside = false;
+        for (int x = 0; x < canvas.width(); ++x) {
+            const bool white = canvas.pixelColor(x, static_cast<int>(yMm * unit)).lightness() > 200;
+            count += white && !inside;
+            inside = white;
+        }
+        return count;
+    };
+    // From 1.4 mm on, as long as a hole of 1.981 mm ends before 2400 ÷ (552 ÷ 35) = 152.17 mm: 32 of them.
+    EXPECT_EQ(holes(3.2), 32);
+    EXPECT_EQ(holes(31.7), 32);
+    EXPECT_EQ(holes(17), 0);
+    // Amber print above the perforations, at the left-most frame.
+    bool amber = false;
+    for (int x = 0; x < 400; ++x) {
+        const QColor pixel = canvas.pixelColor(x, static_cast<int>(0.85 * unit));
+        amber = amber || (pixel.red() > 120 && pixel.blue() < pixel.red() - 40);
+    }
+    EXPECT_TRUE(amber);
+    CollageDesign quiet = design(4, u"filmstrip"_s);
+    quiet.filmEdge.showsNumbers = false;
+    EXPECT_NE(drawn(quiet, 2400, {}), canvas);
+}
+
+} // namespace
+} // namespace tarnovel
