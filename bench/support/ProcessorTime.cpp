@@ -81,7 +81,7 @@ double medianMs(const std::string &name)
 
 void printRatio(const char *what, const std::string &name, const std::string &floor, double budget)
 {
-    std::printf("%-44s %7.1f ms / %7.1f ms = %5.2f (budget %.1f)\n", what, medianMs(name), medianMs(floor),
+    std::printf("%-44s %7.1f ms / %7.1f ms = %5.2f (budget %.2f)\n", what, medianMs(name), medianMs(floor),
                 medianMs(name) / medianMs(floor), budget);
 }
 

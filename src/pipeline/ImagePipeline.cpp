@@ -245,7 +245,10 @@ CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
     images.photo =
         placed(item.file, CompositionRenderer::photoPlacement(item, settings, canvas), canvas, stop);
     throwIfCancelled(stop);
-    if (settings.background == Backdrop::blur) {
+    // A film frame fills the whole canvas with its base: nothing would be seen of a backdrop.
+    if (settings.style == FrameStyle::film) {
+        images.background = {};
+    } else if (settings.background == Backdrop::blur) {
         images.background = gaussianBlurred(decoded(item.file, blurSourcePixels, stop), blurSigma);
     } else if (settings.background == Backdrop::image && settings.backgroundFile) {
         images.background = companion(*settings.backgroundFile, backdropPixels, stop);

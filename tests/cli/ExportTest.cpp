@@ -254,6 +254,34 @@ TEST(Export, RefusesWrongUsageBeforeItWritesAnything)
     EXPECT_FALSE(QFileInfo::exists(program.path(u"out"_s)));
 }
 
+TEST(Export, NamesThePictureThatIsAtFault)
+{
+    const Program program;
+    program.photo(u"a.jpg"_s);
+    QFile whole(program.path(u"a.jpg"_s));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    program.file(u"half.jpg"_s, whole.read(whole.size() / 2));
+    const Outcome option =
+        program.run({u"export"_s, u"-o"_s, u"out"_s, u"--signature"_s, u"half.jpg"_s, u"a.jpg"_s});
+    EXPECT_EQ(option.errors, "tarnovel: half.jpg: Cannot read this picture. Try JPEG, HEIC or PNG.\n");
+    const Outcome field = program.run({u"export"_s, u"-o"_s, u"out"_s, u"--set"_s, u"background=image"_s,
+                                       u"--set"_s, u"backgroundFile=none.png"_s, u"a.jpg"_s});
+    EXPECT_EQ(field.status, 1);
+    EXPECT_EQ(field.errors, "tarnovel: a.jpg: none.png: Cannot read this picture. Try JPEG, HEIC or PNG.\n");
+}
+
+TEST(Export, TakesTheLastOfAnOptionGivenTwiceAndSparesForeignFiles)
+{
+    const Program program;
+    program.photo(u"a.jpg"_s);
+    ASSERT_TRUE(QDir().mkdir(program.path(u"out"_s)));
+    program.file(u"out/.tarnovel-notes"_s, "precious");
+    const Outcome outcome = program.run({u"export"_s, u"--json"_s, u"--size"_s, u"1080"_s, u"--size"_s,
+                                         u"720"_s, u"-o"_s, u"out"_s, u"a.jpg"_s});
+    EXPECT_EQ(outcome.lines().value(0)["height"], 720);
+    EXPECT_EQ(program.entries(u"out"_s), (QStringList{u".tarnovel-notes"_s, u"a-framed.jpg"_s}));
+}
+
 TEST(Export, SpeaksTheUsersLanguage)
 {
     Program program;
