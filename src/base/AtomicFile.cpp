@@ -24,6 +24,9 @@ namespace {
 const QString temporaryPrefix = QStringLiteral(".tarnovel-");
 constexpr int temporaryDigits = 16;
 
+/// Names tried for one file; nobody has that many of one name, and a name that never becomes free is a fault.
+constexpr int mostAttempts = 100'000;
+
 } // namespace
 
 /// A hidden file beside its goal. It is removed unless it was moved into place. As long as its writer lives,
@@ -218,7 +221,8 @@ void StagedFiles::stage(const QString &source)
         TemporaryFile(m_folder).finish(Durability::Unsynced);
         return;
     }
-    const int input = open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC);
+    // Not blocking: a pipe without a writer would keep the caller for ever.
+    const int input = open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (input < 0) {
         throw FileError(source, errno);
     }
@@ -226,6 +230,10 @@ void StagedFiles::stage(const QString &source)
         int descriptor;
         ~Closer() { close(descriptor); }
     } closer{input};
+    struct stat status = {};
+    if (fstat(input, &status) != 0 || !S_ISREG(status.st_mode)) {
+        throw FileError(source, EINVAL);
+    }
     auto temporary = std::make_unique<TemporaryFile>(m_folder);
     if (!temporary->clone(input)) {
         temporary->copy(input, source);
@@ -240,6 +248,9 @@ QStringList StagedFiles::publish(const std::function<QString(qsizetype, int)> &n
     try {
         for (qsizetype index = 0; index < static_cast<qsizetype>(m_files.size()); ++index) {
             for (int attempt = 0;; ++attempt) {
+                if (attempt == mostAttempts) {
+                    throw FileError(m_folder, EEXIST);
+                }
                 const QString path = m_folder + u'/' + nameFor(index, attempt);
                 if (m_files[static_cast<size_t>(index)]->moveToFreeName(path)) {
                     published.append(path);

@@ -19,8 +19,8 @@ enum class Durability {
     Unsynced,
 };
 
-/// Replaces the file by `bytes`, whole or not at all. On a failure the old file is untouched and a FileError
-/// is thrown.
+/// Replaces the file by `bytes`, whole or not at all. A FileError is thrown when the disk refuses: the old
+/// file is then untouched, unless only the folder's sync failed after the new one had taken its place.
 void replaceFile(const QString &path, const QByteArray &bytes, Durability durability = Durability::Synced);
 
 /// Copies `source` into `folder` under the first of nameFor(0), nameFor(1), … that no entry has, and returns

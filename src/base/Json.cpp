@@ -27,6 +27,24 @@ std::string pointerToken(const std::string &key)
     return token;
 }
 
+/// JSON cannot say that a number is not one: it would come back as null, and the document could not be read
+/// again.
+void requireFinite(const Json &value, const std::string &path)
+{
+    if (value.is_number_float() && !std::isfinite(value.get<double>())) {
+        throw JsonError(path, "not a finite number");
+    }
+    if (value.is_object()) {
+        for (const auto &member : value.items()) {
+            requireFinite(member.value(), path + '/' + pointerToken(member.key()));
+        }
+    } else if (value.is_array()) {
+        for (size_t i = 0; i < value.size(); ++i) {
+            requireFinite(value[i], path + '/' + std::to_string(i));
+        }
+    }
+}
+
 } // namespace
 
 Json parseJson(const QByteArray &bytes)
@@ -62,6 +80,7 @@ Json parseJson(const QByteArray &bytes)
 
 QByteArray writeJson(const Json &value)
 {
+    requireFinite(value, {});
     return QByteArray::fromStdString(value.dump());
 }
 

@@ -29,7 +29,7 @@ CollageNode CollageNode::chain(CollageAxis axis, int from, int count)
 
 CollageNode CollageNode::gridRows(int from, int columns, int rows)
 {
-    const CollageNode row = chain(CollageAxis::horizontal, from * columns, columns);
+    CollageNode row = chain(CollageAxis::horizontal, from * columns, columns);
     if (from >= rows - 1) {
         return row;
     }

@@ -101,7 +101,7 @@ QList<int> CollagePreset::balancedRows(int count)
 CollageNode CollagePreset::rowsNode(const QList<int> &rows, int from)
 {
     Q_ASSERT(!rows.isEmpty());
-    const CollageNode row = CollageNode::chain(horizontal, from, rows.first());
+    CollageNode row = CollageNode::chain(horizontal, from, rows.first());
     if (rows.size() == 1) {
         return row;
     }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include <QTransform>
+#include <QUuid>
 
 #include "editor/EditorModel.h"
 #include "render/CompositionRenderer.h"
@@ -18,9 +19,22 @@ constexpr double snapDistance = 0.012;
 constexpr double nearestToEdge = 0.02;
 constexpr double smallestTarget = 28;
 
+/// What a gesture moves: a photo, or a layer of one.
+QString target(const QUuid &photo, const QString &layerId = {})
+{
+    return photo.toString() + layerId;
+}
+
 double heldText(double value)
 {
     return std::clamp(value, nearestToEdge, 1 - nearestToEdge);
+}
+
+/// A translation in canvas units that means something.
+bool isFinite(QPointF translation, QSizeF canvas)
+{
+    return canvas.width() > 0 && canvas.height() > 0 && std::isfinite(translation.x()) &&
+           std::isfinite(translation.y());
 }
 
 } // namespace
@@ -28,10 +42,11 @@ double heldText(double value)
 void CanvasGestures::dragPhoto(QPointF translation, QSizeF canvas)
 {
     const PhotoItem *item = m_model.current();
-    if (!item || canvas.isEmpty()) {
+    if (!item || !isFinite(translation, canvas)) {
         return;
     }
-    if (!m_dragStart) {
+    if (!m_dragStart || m_target != target(item->id)) {
+        m_target = target(item->id);
         m_model.checkpoint();
         m_dragStart = QPointF(item->settings.x, item->settings.y);
         m_guidesVisible = true;
@@ -55,7 +70,8 @@ void CanvasGestures::pinchPhoto(double magnification)
     if (!item || !std::isfinite(magnification)) {
         return;
     }
-    if (!m_pinchStart) {
+    if (!m_pinchStart || m_target != target(item->id)) {
+        m_target = target(item->id);
         m_model.checkpoint();
         m_pinchStart = item->settings.scale;
     }
@@ -82,10 +98,11 @@ void CanvasGestures::dragText(const QString &layerId, QPointF translation, QSize
 {
     const PhotoItem *item = m_model.current();
     const TextLayer *layer = item ? item->settings.layer(layerId) : nullptr;
-    if (!layer || canvas.isEmpty()) {
+    if (!layer || !isFinite(translation, canvas)) {
         return;
     }
-    if (!m_textStart) {
+    if (!m_textStart || m_target != target(item->id, layerId)) {
+        m_target = target(item->id, layerId);
         m_model.checkpoint();
         m_textStart = QPointF(layer->x, layer->y);
         m_guidesVisible = true;
@@ -108,9 +125,10 @@ void CanvasGestures::endTextDrag()
 void CanvasGestures::nudge(const std::optional<QString> &layerId, QPointF fractions)
 {
     const PhotoItem *item = m_model.current();
-    if (!item) {
+    if (!item || !isFinite(fractions, {1, 1})) {
         return;
     }
+    m_model.checkpoint();
     if (!layerId) {
         FrameSettings settings = item->settings;
         settings.x += fractions.x();

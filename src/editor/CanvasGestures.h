@@ -37,7 +37,8 @@ public:
     void dragText(const QString &layerId, QPointF translation, QSizeF canvas);
     void endTextDrag();
 
-    /// A step with the arrow keys, in fractions of the canvas: the photo, or the layer that is named.
+    /// A step with the arrow keys, undone by itself, in fractions of the canvas: the photo, or the layer that
+    /// is named.
     void nudge(const std::optional<QString> &layerId, QPointF fractions);
 
     /// The top-most visible text layer under `position`; texts are at least 28 units in each direction to the
@@ -54,6 +55,8 @@ private:
     void moveText(const QString &layerId, QPointF position);
 
     EditorModel &m_model;
+    /// The photo, or the layer of it, that the gesture at hand began with: another one begins a new step.
+    QString m_target;
     std::optional<QPointF> m_dragStart;
     std::optional<QPointF> m_textStart;
     std::optional<double> m_pinchStart;

@@ -46,7 +46,11 @@ const PhotoItem *EditorModel::current() const
 
 PhotoItem *EditorModel::currentItem()
 {
-    return const_cast<PhotoItem *>(current());
+    // A search of its own: writing through the constant one would reach the copies that a save or an export
+    // holds.
+    const auto found = std::ranges::find_if(
+        m_session.photos, [this](const PhotoItem &item) { return item.id == m_session.selected; });
+    return found == m_session.photos.end() ? nullptr : &*found;
 }
 
 void EditorModel::select(const QUuid &id)
@@ -138,9 +142,6 @@ void EditorModel::applyToAll()
     const FrameSettings style = current() ? current()->settings : FrameSettings();
     for (qsizetype i = 0; i < m_session.photos.size(); ++i) {
         m_session.photos[i] = styled(photos().at(i), style, static_cast<int>(i));
-    }
-    if (const PhotoItem *item = current()) {
-        m_session.lastStyle = item->settings;
     }
     loadPreview();
     tell(SettingsChanged);

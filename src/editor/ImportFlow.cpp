@@ -45,6 +45,10 @@ ImportFlow::~ImportFlow()
 {
     m_stop.request_stop();
     m_copier.waitForDone();
+    if (m_running) {
+        remove(m_copied);
+        removeFrom(0);
+    }
 }
 
 void ImportFlow::start(const ImportRequest &request)
@@ -90,6 +94,7 @@ void ImportFlow::step()
         QString file;
         try {
             file = ImportedFile::receive(path, library).file;
+            m_copied = file; // read elsewhere only when this thread rests
         } catch (const std::exception &) {
             file.clear(); // counted as unreadable
         }
@@ -118,6 +123,7 @@ void ImportFlow::copied(const QString &file)
 
 void ImportFlow::inspected(const QString &file, const std::optional<PhotoItem> &item)
 {
+    m_copied.clear();
     if (item) {
         m_items.append(*item);
         // The library's name for the copy says nothing; the photo keeps the one it came with.
@@ -132,25 +138,35 @@ void ImportFlow::inspected(const QString &file, const std::optional<PhotoItem> &
 void ImportFlow::finish()
 {
     if (m_summary.cancelled) {
-        for (const PhotoItem &item : std::as_const(m_items)) {
-            remove(item.file);
-        }
+        removeFrom(0);
     } else if (m_request.mode == ImportMode::Background) {
         finishBackground();
     } else if (!m_items.isEmpty()) {
         m_summary.added =
             m_model.importPhotos(m_items, m_request.style, m_request.autoApply, m_stop.get_token());
+        // The session may have grown meanwhile.
+        m_summary.truncated = m_summary.truncated || m_summary.added < m_items.size();
+        removeFrom(m_summary.added);
     }
-    m_running = false;
+    m_items.clear();
+    // Whoever hears of the end may ask for the next import at once: it waits in the queue until all have
+    // heard.
+    const ImportSummary summary = m_summary;
     m_model.setImport(false, {});
-    if (!m_summary.cancelled) {
-        if (const QString message = m_summary.message(m_request.source); !message.isEmpty()) {
-            m_model.setMessage(message);
-        }
+    if (const QString message = summary.message(m_request.source); !summary.cancelled && !message.isEmpty()) {
+        m_model.setMessage(message);
     }
-    Q_EMIT finished(m_summary);
-    if (!m_running && !m_queue.isEmpty()) {
+    Q_EMIT finished(summary);
+    m_running = false;
+    if (!m_queue.isEmpty()) {
         next();
+    }
+}
+
+void ImportFlow::removeFrom(qsizetype index)
+{
+    for (qsizetype i = index; i < m_items.size(); ++i) {
+        remove(m_items.at(i).file);
     }
 }
 

@@ -70,6 +70,8 @@ private:
     void finish();
     void finishBackground();
     void remove(const QString &file) const;
+    /// Deletes the copies of the prepared photos from this one on.
+    void removeFrom(qsizetype index);
 
     EditorModel &m_model;
     ImagePipeline &m_pipeline;
@@ -77,6 +79,8 @@ private:
     ImportRequest m_request;
     qsizetype m_index = 0;
     QList<PhotoItem> m_items;
+    /// The copy that is being inspected.
+    QString m_copied;
     ImportSummary m_summary;
     bool m_running = false;
     std::stop_source m_stop;

@@ -11,7 +11,7 @@ constexpr std::chrono::milliseconds quiet(350);
 } // namespace
 
 SaveScheduler::SaveScheduler(SessionWriter &writer, Clock &clock, std::function<void(bool)> finished)
-    : m_writer(writer), m_clock(clock), m_finished(std::move(finished))
+    : m_writer(writer), m_clock(clock), m_finished(std::move(finished)), m_revision(writer.latestRevision())
 {
     m_thread.setMaxThreadCount(1);
 }

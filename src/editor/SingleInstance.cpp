@@ -1,15 +1,19 @@
 #include "editor/SingleInstance.h"
 
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <QCryptographicHash>
 #include <QDataStream>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QLockFile>
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
@@ -21,13 +25,28 @@ namespace {
 constexpr int patienceMs = 3000;
 constexpr qint64 largestMessage = 4'000'000;
 
-/// A name of the user's own for the library: two users, or two libraries, never meet.
-QString socketName(const QString &libraryFolder)
+/// Where the owner of a library listens: in the user's own runtime folder where there is one, else under a
+/// name of the user's in the temporary folder. Two users, or two libraries, never meet.
+QString socketPath(const QString &libraryFolder)
 {
-    const QString key = QFileInfo(libraryFolder).absoluteFilePath();
+    const QFileInfo library(libraryFolder);
+    const QString key =
+        library.canonicalFilePath().isEmpty() ? library.absoluteFilePath() : library.canonicalFilePath();
     const QByteArray hash =
         QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha256).toHex().left(16);
-    return u"tarnovel-%1-%2"_s.arg(getuid()).arg(QString::fromLatin1(hash));
+    const QString name = u"tarnovel-%1-%2"_s.arg(getuid()).arg(QString::fromLatin1(hash));
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return QFileInfo(runtime).isDir() ? runtime + u'/' + name : QDir::tempPath() + u'/' + name;
+}
+
+/// Whether the other end of a connection belongs to this user.
+bool isOwnUser(const QLocalSocket &socket)
+{
+    ucred peer = {};
+    socklen_t size = sizeof(peer);
+    return getsockopt(static_cast<int>(socket.socketDescriptor()), SOL_SOCKET, SO_PEERCRED, &peer, &size) ==
+               0 &&
+           peer.uid == getuid();
 }
 
 QStringList absolutePaths(const QStringList &photos)
@@ -42,26 +61,31 @@ QStringList absolutePaths(const QStringList &photos)
 } // namespace
 
 SingleInstance::SingleInstance(const QString &libraryFolder)
-    : m_socketName(socketName(libraryFolder)),
-      m_lock(std::make_unique<QLockFile>(libraryFolder + u"/.editor.lock"_s))
+    : m_socketPath(socketPath(libraryFolder)), m_lockPath(libraryFolder + u"/.editor.lock"_s)
 {
-    // A lock is stale when its process is gone, never by age.
-    m_lock->setStaleLockTime(0);
 }
 
-SingleInstance::~SingleInstance() = default;
+SingleInstance::~SingleInstance()
+{
+    if (m_lock >= 0) {
+        close(m_lock);
+    }
+}
 
 bool SingleInstance::acquire(const QStringList &photos)
 {
+    // The kernel lets go of the lock when its process ends, however it ends; what the file holds means
+    // nothing.
+    m_lock = open(QFile::encodeName(m_lockPath).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (m_lock < 0 && (errno == EACCES || errno == EROFS || errno == EPERM)) {
+        return true; // a library that cannot be written has no owner to disturb
+    }
     QElapsedTimer timer;
     timer.start();
     // The owner may be about to listen, or about to end.
     while (timer.elapsed() < patienceMs) {
-        if (m_lock->tryLock(0)) {
+        if (m_lock >= 0 && flock(m_lock, LOCK_EX | LOCK_NB) == 0) {
             return listen();
-        }
-        if (m_lock->error() != QLockFile::LockFailedError) {
-            return true; // a library that cannot be written has no owner to disturb
         }
         if (handOver(photos)) {
             m_handedOver = true;
@@ -77,8 +101,8 @@ bool SingleInstance::listen()
     m_server = std::make_unique<QLocalServer>();
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
     // What a killed owner left is in the way; the lock says that nobody uses it.
-    QLocalServer::removeServer(m_socketName);
-    m_server->listen(m_socketName);
+    QLocalServer::removeServer(m_socketPath);
+    m_server->listen(m_socketPath);
     connect(m_server.get(), &QLocalServer::newConnection, this, &SingleInstance::receive);
     return true;
 }
@@ -86,8 +110,8 @@ bool SingleInstance::listen()
 bool SingleInstance::handOver(const QStringList &photos) const
 {
     QLocalSocket socket;
-    socket.connectToServer(m_socketName);
-    if (!socket.waitForConnected(200)) {
+    socket.connectToServer(m_socketPath);
+    if (!socket.waitForConnected(200) || !isOwnUser(socket)) {
         return false;
     }
     QByteArray message;

@@ -7,7 +7,6 @@
 #include <QStringList>
 
 class QLocalServer;
-class QLockFile;
 
 namespace tarnovel {
 
@@ -35,8 +34,9 @@ private:
     bool handOver(const QStringList &photos) const;
     void receive();
 
-    QString m_socketName;
-    std::unique_ptr<QLockFile> m_lock;
+    QString m_socketPath;
+    QString m_lockPath;
+    int m_lock = -1;
     std::unique_ptr<QLocalServer> m_server;
     bool m_handedOver = false;
 };

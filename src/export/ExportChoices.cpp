@@ -92,9 +92,11 @@ QString startButton(qsizetype count)
     if (count < 2) {
         return localized({"导出到文件夹…", "Export to folder…", "Exporter vers un dossier…"});
     }
+    // French leaves the count to the list beside the button.
     const QString number = QString::number(count);
-    return localized({"导出 ", "Export ", "Exporter "}) + number +
-           localized({" 张到文件夹…", " photos to folder…", " photos vers un dossier…"});
+    return localized({"", "Export ", ""}) +
+           localized({(number + u" 张到文件夹…"_s).toUtf8().constData(),
+                      (number + u" photos to folder…"_s).toUtf8().constData(), "Exporter vers un dossier…"});
 }
 
 QString progress(int done, int total)

@@ -29,7 +29,8 @@ void ExportFileLifetime::sweep(const QString &temporaryFolder, qint64 nowMs)
 {
     constexpr qint64 oneDayMs = 86'400'000;
     const QDir folder(temporaryFolder + u"/Exports"_s);
-    for (const QFileInfo &entry : folder.entryInfoList({u"Kesmar-*"_s}, QDir::Files | QDir::NoSymLinks)) {
+    for (const QFileInfo &entry :
+         folder.entryInfoList({u"Kesmar-*"_s}, QDir::Files | QDir::NoSymLinks | QDir::CaseSensitive)) {
         const QDateTime modified = entry.lastModified();
         if (modified.isValid() && modified.toMSecsSinceEpoch() < nowMs - oneDayMs) {
             QFile::remove(entry.filePath());

@@ -36,6 +36,12 @@ QString fileName(const QString &photoName, const QString &extension, int attempt
     for (const QChar separator : {u'/', u':', u'\\'}) {
         name.replace(separator, u'_');
     }
+    // A NUL would end the path; the other control characters only confuse.
+    for (QChar &character : name) {
+        if (character.category() == QChar::Other_Control) {
+            character = u'_';
+        }
+    }
     name = cut(name, mostBytes - tail.toUtf8().size());
     return (name.isEmpty() ? u"Photo"_s : name) + tail;
 }

@@ -36,10 +36,10 @@ void ExportRun::start(const QList<PhotoItem> &photos, const ExportOptions &optio
 
 void ExportRun::next()
 {
-    if (m_stop.stop_requested()) {
-        end(m_steps.cancelled);
-    } else if (m_index == m_photos.size()) {
+    if (m_index == m_photos.size()) {
         end(m_steps.completed);
+    } else if (m_stop.stop_requested()) {
+        end(m_steps.cancelled);
     } else {
         whenFinished<ExportedFile>(
             m_pipeline.exportPhoto(m_photos.at(m_index), m_options, m_stop.get_token()), this,

@@ -49,10 +49,12 @@ void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &op
                  .cancelled = [this] { fail(ExportTexts::cancelled(m_written.size())); },
                  .failed =
                      [this](const QString &description) {
-                         if (!m_written.isEmpty()) {
+                         m_error = ExportTexts::failed(description);
+                         if (m_written.isEmpty()) {
+                             Q_EMIT changed();
+                         } else {
                              finish();
                          }
-                         fail(ExportTexts::failed(description));
                      }});
     Q_EMIT changed();
 }

@@ -12,7 +12,7 @@
 
 namespace tarnovel {
 
-/// One finished export; it never changes.
+/// One finished export; thumbnails arrive after it.
 struct ExportResult {
     QUuid id;
     QString folder;

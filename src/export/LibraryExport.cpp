@@ -58,6 +58,8 @@ void LibraryExport::start(const QList<PhotoItem> &photos, const ExportOptions &o
     m_total = static_cast<int>(photos.size());
     m_error.clear();
     m_denied = false;
+    m_cancelled = false;
+    ++m_runNumber;
     m_saved.clear();
     m_thumbnails.clear();
     m_quote.reset();
@@ -69,8 +71,25 @@ void LibraryExport::start(const QList<PhotoItem> &photos, const ExportOptions &o
     });
 }
 
+void LibraryExport::cancel()
+{
+    m_cancelled = true;
+    m_run.cancel();
+}
+
+void LibraryExport::failCancelled()
+{
+    fail(localized({"已取消导出，没有照片加入相册。",
+                    "Export cancelled. No photos were added to your library.",
+                    "Export annulé. Aucune photo n’a été ajoutée à votre photothèque."}));
+}
+
 void LibraryExport::begin(PhotoLibraryAccess access)
 {
+    if (m_cancelled) {
+        failCancelled();
+        return;
+    }
     if (access != PhotoLibraryAccess::Authorised) {
         m_denied = access == PhotoLibraryAccess::Denied;
         fail(m_denied ? deniedText() : restrictedText());
@@ -90,18 +109,16 @@ void LibraryExport::begin(PhotoLibraryAccess access)
                          Q_EMIT changed();
                      },
                  .completed = [this] { save(); },
-                 .cancelled =
-                     [this] {
-                         fail(
-                             localized({"已取消导出，没有照片加入相册。",
-                                        "Export cancelled. No photos were added to your library.",
-                                        "Export annulé. Aucune photo n’a été ajoutée à votre photothèque."}));
-                     },
+                 .cancelled = [this] { failCancelled(); },
                  .failed = failed});
 }
 
 void LibraryExport::save()
 {
+    if (m_cancelled) {
+        failCancelled();
+        return;
+    }
     m_phase = Phase::Saving;
     Q_EMIT changed();
     QList<PhotoLibrary::Addition> additions;
@@ -138,7 +155,10 @@ void LibraryExport::finishSaving()
     m_quote = PhotographyQuotes::random();
     for (const QString &file : m_saved.first(std::min(mostThumbnails, m_saved.size()))) {
         whenFinished<QImage>(m_pipeline.read(file, thumbnailPixels), this,
-                             [this](const QFuture<QImage> &finished) {
+                             [this, run = m_runNumber](const QFuture<QImage> &finished) {
+                                 if (run != m_runNumber) {
+                                     return;
+                                 }
                                  try {
                                      m_thumbnails.append(finished.result());
                                      Q_EMIT changed();

@@ -32,7 +32,7 @@ public:
 
     /// Nothing happens without photos or while a run is under way.
     void start(const QList<PhotoItem> &photos, const ExportOptions &options);
-    void cancel() { m_run.cancel(); }
+    void cancel();
 
     Phase phase() const { return m_phase; }
     int progress() const { return m_progress; }
@@ -64,6 +64,7 @@ private:
     void save();
     void finishSaving();
     void fail(const QString &error);
+    void failCancelled();
 
     ImagePipeline &m_pipeline;
     PhotoLibrary &m_library;
@@ -75,6 +76,10 @@ private:
     int m_total = 0;
     QString m_error;
     bool m_denied = false;
+    /// Cancelled while the library was still being asked.
+    bool m_cancelled = false;
+    /// Counts the runs, so that thumbnails of an older one are told.
+    int m_runNumber = 0;
     QStringList m_saved;
     QList<QImage> m_thumbnails;
     std::optional<PhotographyQuote> m_quote;

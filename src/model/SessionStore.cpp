@@ -65,13 +65,19 @@ LoadedSession loadSession(const QString &libraryFolder, LibraryAccess access)
     }
     LoadedSession loaded;
     QFile file(libraryFolder + u'/' + LibraryPaths::sessionFileName());
-    if (!QFileInfo(file.fileName()).isFile() || !file.open(QIODevice::ReadOnly)) {
+    if (!QFileInfo(file.fileName()).isFile()) {
+        return loaded;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        // It may be readable again some day: the next save must not take its place.
+        loaded.setAside = access == LibraryAccess::Own ? setAside(file.fileName()) : QString();
         return loaded;
     }
     const QByteArray document = file.readAll();
     const bool whole = file.error() == QFile::NoError;
     file.close();
     if (!whole) {
+        loaded.setAside = access == LibraryAccess::Own ? setAside(file.fileName()) : QString();
         return loaded;
     }
     try {

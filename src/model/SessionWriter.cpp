@@ -4,6 +4,7 @@
 
 #include "base/AtomicFile.h"
 #include "base/FileError.h"
+#include "base/Json.h"
 #include "model/LibraryPaths.h"
 
 namespace tarnovel {
@@ -14,6 +15,12 @@ SessionWriter &SessionWriter::shared()
 {
     static SessionWriter writer(LibraryPaths::root());
     return writer;
+}
+
+qint64 SessionWriter::latestRevision()
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_latestRevision;
 }
 
 bool SessionWriter::save(const Session &session, qint64 revision)
@@ -27,6 +34,8 @@ bool SessionWriter::save(const Session &session, qint64 revision)
         replaceFile(m_folder + u'/' + LibraryPaths::sessionFileName(), writeSession(session));
     } catch (const FileError &) {
         return false;
+    } catch (const JsonError &) {
+        return false; // a number that is not one: better the old document than one that cannot be read
     }
     return true;
 }

@@ -21,6 +21,9 @@ public:
     /// untouched, when a later revision has been taken before or when the disk refuses.
     bool save(const Session &session, qint64 revision);
 
+    /// The latest revision that has been taken; whoever begins to save goes on from there.
+    qint64 latestRevision();
+
 private:
     const QString m_folder;
     std::mutex m_mutex;

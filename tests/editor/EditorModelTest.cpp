@@ -97,6 +97,18 @@ TEST_F(Styling, ApplyToAllKeepsCameraTextsAndNumbersByPlace)
     EXPECT_EQ(filmNumbers(model), (QList<int>{5, 6, 7, 8}));
 }
 
+TEST_F(Styling, LeavesCopiesOfTheSessionAlone)
+{
+    EditorModel model(m_services, EditorModel::Load::Empty);
+    model.append(photos(2));
+    const QList<PhotoItem> held = model.photos();
+    FrameSettings settings = model.current()->settings;
+    settings.scale = 0.123;
+    model.update(settings);
+    EXPECT_EQ(held.first().settings.scale, 0.88);
+    EXPECT_EQ(model.photos().first().settings.scale, 0.123);
+}
+
 TEST_F(Styling, MovesAPhotoToThePlaceOfAnother)
 {
     EditorModel model(m_services, EditorModel::Load::Empty);

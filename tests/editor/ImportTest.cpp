@@ -1,8 +1,10 @@
+#include <sys/stat.h>
 #include <thread>
 
 #include "editor/EditorWorld.h"
 #include "editor/ImportFlow.h"
 #include "editor/SingleInstance.h"
+#include "language/AppLanguage.h"
 
 using namespace Qt::StringLiterals;
 
@@ -105,6 +107,41 @@ TEST_F(Importing, LeavesNothingBehindWhenCancelled)
     EXPECT_EQ(m_model.photos().size(), 0);
     EXPECT_EQ(libraryFiles(), 0);
     EXPECT_EQ(m_model.message(), QString());
+}
+
+TEST_F(Importing, RefusesAPipeAndCleansUpWhenItIsDestroyed)
+{
+    const QString pipe = m_folder.filePath(u"pipe.jpg"_s);
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    EXPECT_EQ(run({.paths = {pipe}}).unreadable, 1);
+    QStringList paths;
+    for (int i = 0; i < 10; ++i) {
+        paths.append(outside(u"%1.jpg"_s.arg(i)));
+    }
+    {
+        ImportFlow flow(m_model, m_pipeline);
+        flow.start({.paths = paths});
+        ASSERT_TRUE(waitFor([this] { return m_model.importProgress().startsWith(u'4'); }));
+    }
+    EXPECT_EQ(libraryFiles(), 0);
+}
+
+TEST_F(Importing, TellsItsEndInThreeLanguages)
+{
+    const struct Reset {
+        ~Reset() { setLanguageSources({}); }
+    } reset;
+    const ImportSummary full = {.added = 5, .truncated = true};
+    const ImportSummary unreadable = {.unreadable = 2};
+    setLanguageSources({[] { return u"french"_s; }, {}});
+    EXPECT_EQ(full.message(ImportSource::Files),
+              u"50 photos maximum par session. Les 5 premières ont été ajoutées."_s);
+    EXPECT_EQ(unreadable.message(ImportSource::Files), u"2 fichiers illisibles."_s);
+    EXPECT_EQ(unreadable.message(ImportSource::PhotoPicker),
+              u"2 photos n’ont pas pu être lues. Les autres ont été importées."_s);
+    setLanguageSources({[] { return u"chinese"_s; }, {}});
+    EXPECT_EQ(full.message(ImportSource::Files), u"一次最多编辑 50 张，已添加前 5 张。"_s);
+    EXPECT_EQ(unreadable.message(ImportSource::Files), u"2 个文件无法读取。"_s);
 }
 
 TEST_F(Importing, TakesRequestsInTurn)

@@ -1,7 +1,8 @@
+#include <cmath>
+
 #include "editor/CanvasGestures.h"
 #include "editor/EditorRules.h"
 #include "editor/EditorWorld.h"
-#include "language/AppLanguage.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -41,6 +42,18 @@ TEST_F(Canvas, DragsThePhotoAsOneStepAndSnapsIt)
     m_model.undo();
     EXPECT_EQ(settings().x, 0);
     EXPECT_EQ(settings().y, 0);
+}
+
+TEST_F(Canvas, NeverCarriesAGestureToAnotherPhoto)
+{
+    m_model.append({photo(u"other.jpg"_s)});
+    m_gestures.dragPhoto({100, 0}, {1000, 1000});
+    m_model.select(m_model.photos().last().id);
+    m_gestures.dragPhoto({200, 0}, {1000, 1000});
+    EXPECT_DOUBLE_EQ(settings().x, 0.2);
+    EXPECT_EQ(m_model.history().undoStack().size(), 2);
+    m_model.undo();
+    EXPECT_EQ(settings().x, 0);
 }
 
 TEST_F(Canvas, TicksOnceForEachNewSnap)
@@ -85,8 +98,10 @@ TEST_F(Canvas, DragsATextLayerWithinTheCanvas)
     m_gestures.nudge(u"title"_s, {0.01, 2});
     EXPECT_DOUBLE_EQ(title().x, 0.51);
     EXPECT_EQ(title().y, 0.98);
+    EXPECT_EQ(m_model.history().undoStack().size(), 2);
     m_gestures.dragText(u"absent"_s, {1, 1}, {1000, 1000});
-    EXPECT_EQ(m_model.history().undoStack().size(), 1);
+    m_gestures.dragPhoto({std::nan(""), 0}, {1000, 1000});
+    EXPECT_EQ(m_model.history().undoStack().size(), 2);
 }
 
 TEST_F(Canvas, FindsTheTopMostLayerUnderTheFinger)

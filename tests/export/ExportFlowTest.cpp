@@ -8,6 +8,7 @@
 #include "export/ExportReviewPolicy.h"
 #include "export/FolderExport.h"
 #include "export/LibraryExport.h"
+#include "language/AppLanguage.h"
 
 using namespace Qt::StringLiterals;
 
@@ -58,6 +59,25 @@ TEST_F(Choosing, RemembersThePanelAndCountsTheRun)
     EXPECT_EQ(ExportTexts::startButton(3), u"Export 3 photos to folder…"_s);
     EXPECT_EQ(ExportTexts::progress(2, 5), u"Processing photos 2 / 5"_s);
     EXPECT_EQ(ExportTexts::exported(1), u"1 photo exported"_s);
+}
+
+TEST_F(Choosing, SpeaksThreeLanguages)
+{
+    const struct Reset {
+        ~Reset() { setLanguageSources({}); }
+    } reset;
+    const auto speak = [](const QString &name) { setLanguageSources({[name] { return name; }, {}}); };
+    speak(u"french"_s);
+    EXPECT_EQ(ExportTexts::startButton(3), u"Exporter vers un dossier…"_s);
+    EXPECT_EQ(ExportTexts::cancelled(2), u"Annulé. 2 photos exportées restent dans le dossier."_s);
+    EXPECT_EQ(ExportTexts::failed(u"X"_s), u"Échec de l’export : X"_s);
+    EXPECT_EQ(ExportTexts::progress(1, 2), u"Traitement des photos 1 / 2"_s);
+    EXPECT_EQ(ExportTexts::exported(2), u"2 photos exportées"_s);
+    speak(u"chinese"_s);
+    EXPECT_EQ(ExportTexts::startButton(3), u"3 张到文件夹…"_s);
+    EXPECT_EQ(ExportTexts::startButton(1), u"导出到文件夹…"_s);
+    EXPECT_EQ(ExportTexts::cancelled(2), u"已取消。已导出的 2 张保留在文件夹中。"_s);
+    EXPECT_EQ(ExportTexts::progress(1, 2), u"正在处理照片 1 / 2"_s);
 }
 
 TEST_F(IntoAFolder, WritesEveryPhotoInOrderAndSumsUp)
@@ -181,6 +201,10 @@ TEST_F(IntoTheLibrary, AddsNothingWhenAnythingFails)
     library.refuses = true;
     EXPECT_EQ(error(photos(2)), u"Could not save to Photos: No space is left on the disk."_s);
     library.refuses = false;
+    run.start(photos(2), m_small);
+    run.cancel(); // while the library is still being asked
+    ASSERT_TRUE(waitFor([&] { return run.phase() == LibraryExport::Phase::Idle; }));
+    EXPECT_EQ(run.error(), u"Export cancelled. No photos were added to your library."_s);
     QList<PhotoItem> items = photos(3);
     items[2].file = u"gone.jpg"_s;
     EXPECT_TRUE(

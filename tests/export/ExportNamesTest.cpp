@@ -16,6 +16,7 @@ TEST(ExportNames, FollowThePhotosName)
     EXPECT_EQ(name(u"IMG_0042"_s, 1), "IMG_0042-framed-2.jpg");
     EXPECT_EQ(name(u"IMG_0042"_s, 9), "IMG_0042-framed-10.jpg");
     EXPECT_EQ(name(u"a/b:c\\d"_s), "a_b_c_d-framed.jpg");
+    EXPECT_EQ(name(QString(QChar(0)) + u"a\nb"_s), "_a_b-framed.jpg");
     EXPECT_EQ(name(QString()), "Photo-framed.jpg");
     EXPECT_EQ(name(QString(200, u'x')), std::string(120, 'x') + "-framed.jpg");
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <thread>
 
 #include <QDir>
@@ -109,6 +110,13 @@ TEST_F(SessionWriting, KeepsTheOldDocumentWhenTheDiskRefuses)
     EXPECT_FALSE(writer.save({}, 1));
     EXPECT_TRUE(QFileInfo::exists(path(u"session.json/inside"_s)));
     EXPECT_FALSE(SessionWriter(path(u"absent"_s)).save({}, 1));
+    ASSERT_TRUE(QDir(path(u"session.json"_s)).removeRecursively());
+    Session broken;
+    ASSERT_TRUE(writer.save(broken, 2));
+    broken.photos = {photo(u"a.jpg"_s)};
+    broken.photos.first().settings.x = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(writer.save(broken, 3));
+    EXPECT_EQ(readSession(read(u"session.json"_s)), Session{});
 }
 
 TEST_F(SessionWriting, LeavesOneWholeDocumentBehindManyThreads)
