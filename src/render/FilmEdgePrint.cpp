@@ -37,6 +37,9 @@ constexpr double glowAlpha = 0.16;
 /// Air between the lower label and the arrow behind it.
 constexpr double airMm = 0.3;
 
+/// Air between tall ink and what it must not touch: the film's edge, the holes' rims and the gate's outline.
+constexpr double stripAirMm = 0.05;
+
 bool hasMakersCounters(const FilmOptions &options, const QString &marking)
 {
     const auto counted = [](const QString &name) {
@@ -112,7 +115,8 @@ constexpr SetText::Box oneLine{1e6, 0};
 struct SetEdgeText {
     explicit SetEdgeText(const FilmEdgeText &edgeText)
         : set(edgeText.text, font(edgeText.sizeMm), oneLine),
-          scale(std::min(edgeText.sizeMm / referencePixels, edgeText.widestMm / set.size().width())),
+          scale(std::min({edgeText.sizeMm / referencePixels, edgeText.widestMm / set.size().width(),
+                          tallestScale(edgeText, set)})),
           rowTop(edgeText.at.y() + (edgeText.sizeMm - scale * referencePixels) / 2)
     {
     }
@@ -122,6 +126,20 @@ struct SetEdgeText {
         QFont face = Fonts::face(u"mono"_s, QFont::DemiBold, referencePixels);
         face.setLetterSpacing(QFont::AbsoluteSpacing, kerningMm / sizeMm * referencePixels);
         return face;
+    }
+
+    /// The largest scale at which the ink stays in the text's strip. The row's middle is what stays in place.
+    static double tallestScale(const FilmEdgeText &edgeText, const SetText &set)
+    {
+        const QRectF ink = set.outlines().boundingRect();
+        if (ink.isEmpty()) {
+            return edgeText.sizeMm / referencePixels;
+        }
+        const double middleOfType = set.baseline() - (baselineInRow - 0.5) * referencePixels;
+        const double middle = edgeText.at.y() + edgeText.sizeMm / 2;
+        const double above = std::max(middleOfType - ink.top(), 1.0);
+        const double below = std::max(ink.bottom() - middleOfType, 1.0);
+        return std::min((middle - edgeText.stripTop) / above, (edgeText.stripBottom - middle) / below);
     }
 
     SetText set;
@@ -160,8 +178,13 @@ FilmEdgePrint FilmEdgePrint::print(const FilmOptions &options)
     const QString marking = FilmStockCatalog::printableLabel(options.stock, options.topLabel);
     FilmEdgePrint edge =
         options.format == FilmFormat::mm35 ? smallFilmEdge(options, marking) : rollFilmEdge(options, marking);
+    const FilmDimensions film = filmDimensions(options.format);
+    const double rebate = options.format == FilmFormat::mm35 ? FilmMarks::holeInsetMm : film.insetMm();
     for (FilmEdgeText &text : edge.texts) {
         text.text = edgeLabel(text.text);
+        const double top = text.at.y() < film.filmWidthMm / 2 ? 0 : film.filmWidthMm - rebate;
+        text.stripTop = top + stripAirMm;
+        text.stripBottom = top + rebate - stripAirMm;
     }
     std::erase_if(edge.texts, [](const FilmEdgeText &text) { return text.text.trimmed().isEmpty(); });
     return edge;

@@ -23,6 +23,9 @@ struct FilmEdgeText {
     double sizeMm = 1;
     /// A wider text is shrunk as a whole until it is this wide, and stays in the middle of its row.
     double widestMm = 1;
+    /// Taller ink shrinks the text in the same way until it stays between these two, across the film.
+    double stripTop = -1e6;
+    double stripBottom = 1e6;
 };
 
 /// What is printed along the edges of one frame.

@@ -144,9 +144,11 @@ QRectF inkRect(const QImage &image, const QRectF &partMm, int marginMm)
 TEST(FilmEdgePrint, EveryLetterStaysBetweenTheFilmsEdgeAndTheHolesOrTheGate)
 {
     constexpr int marginMm = 10;
-    const QStringList labels{
-        u"KODAK PORTRA 400"_s, u"ORWO / WOLFEN"_s, QString(40, u'W'),   QString(40, u'j'), u"1"_s,
-        u"自定义胶卷名称"_s,   QString(40, u'胶'), u"فيلم أبيض وأسود"_s};
+    const QStringList labels{u"KODAK PORTRA 400"_s, u"ORWO / WOLFEN"_s, QString(40, u'W'), QString(40, u'j'),
+                             u"1"_s, u"自定义胶卷名称"_s, QString(40, u'胶'), u"فيلم أبيض وأسود"_s,
+                             // Accents piled up above and below the letters.
+                             u"A\u0301\u0302\u0303\u0308\u0301\u0302"_s,
+                             u"g\u0323\u0331\u0323\u0331\u0323\u0331"_s};
     for (const FilmFormat format : filmFormats) {
         const FilmDimensions film = filmDimensions(format);
         // On 35 mm film the holes start 1.85 mm from the edge, on roll film the gate 2.75 mm.
@@ -223,6 +225,19 @@ TEST(FilmEdgePrint, ALongLabelShrinksAsAWholeAndStaysInItsRow)
     made.stock = u"SHORT"_s;
     // The edge print's face advances 0.6 of its size: 5 × (0.6 × 1.1 + 0.02) = 3.4 mm.
     EXPECT_NEAR(edgeTextRect(FilmEdgePrint::print(made).texts.front()).width(), 3.4, 0.01);
+}
+
+TEST(FilmEdgePrint, LettersOfUsualHeightKeepTheirSize)
+{
+    for (const FilmFormat format : filmFormats) {
+        for (const QString &label : {u"ÅÉÇ gjpqy|"_s, u"胶卷"_s, u"فيلم"_s, u"Việt Ậ"_s, u"ฟิล์ม"_s}) {
+            FilmOptions made = options(format, label, 36);
+            made.bottomLabel = label;
+            for (const FilmEdgeText &text : FilmEdgePrint::print(made).texts) {
+                EXPECT_NEAR(edgeTextRect(text).height(), text.sizeMm, 1e-9) << label.toStdString();
+            }
+        }
+    }
 }
 
 TEST(FilmFormatTitle, TellsTheFormatsApartInEveryLanguage)
