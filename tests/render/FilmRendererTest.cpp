@@ -82,6 +82,45 @@ TEST(FilmRenderer, PunchesEightHolesARowAtTheStandardPitch)
     }
 }
 
+TEST(FilmRenderer, TurnsTheEdgePrintWithTheFilm)
+{
+    constexpr double scale = 30;
+    struct Row {
+        FilmFormat format;
+        QSize lying;
+        double markingMm; // its distance from the start of the piece
+    };
+    for (const Row &row : {Row{FilmFormat::mm35, {30, 20}, 6.1}, Row{FilmFormat::medium645, {20, 30}, 1.7}}) {
+        SCOPED_TRACE(filmFormatName(row.format).toStdString());
+        PhotoItem item = filmItem(row.lying, row.format);
+        item.settings.film->topLabel = u"HALF"_s;
+        const QImage lying = piece(item, {}, scale);
+        PhotoItem turnedItem = filmItem(row.lying.transposed(), row.format);
+        turnedItem.settings.film = item.settings.film;
+        const QImage turned = piece(turnedItem, {}, scale);
+        ASSERT_EQ(turned.size(), lying.size().transposed());
+        EXPECT_GT(psnr(turned.transformed(QTransform().rotate(-90)), lying), 45);
+
+        // Down the right edge: past the frame number that 35 mm film has before the marking.
+        const int before = row.format == FilmFormat::mm35 ? qRound(5.5 * scale) : 0;
+        const int left = turned.width() - qRound(1.8 * scale);
+        int first = before;
+        const auto hasInk = [&](int y) {
+            for (int x = left; x < turned.width(); ++x) {
+                if (qGray(turned.pixel(x, y)) > 100) {
+                    return true;
+                }
+            }
+            return false;
+        };
+        while (first < turned.height() - 1 && !hasInk(first)) {
+            ++first;
+        }
+        // An H starts 0.09 of its size after its advance does.
+        EXPECT_NEAR(first / scale, row.markingMm + 0.09, 0.08);
+    }
+}
+
 TEST(FilmRenderer, HasNoHolesOnRollFilmOrWhenTheyAreOff)
 {
     for (const FilmFormat format : filmFormats) {
