@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include <QPaintDevice>
 #include <QPainter>
 #include <gtest/gtest.h>
 
@@ -245,6 +246,58 @@ TEST(FilmRenderer, DrawsTheSameThroughAScaledOrTurnedPainter)
         half.end();
         EXPECT_GT(psnr(scaled, straight), 50);
     }
+}
+
+/// Paints elsewhere as a widget does: its size is in units of two pixels, and it lies off its window's
+/// corner.
+class PartOfWindow : public QPaintDevice {
+public:
+    PartOfWindow(QImage &window, const QRect &part) : m_window(window), m_part(part) {}
+
+    QPaintEngine *paintEngine() const override { return nullptr; }
+
+protected:
+    int metric(PaintDeviceMetric metric) const override
+    {
+        switch (metric) {
+        case PdmWidth:
+            return m_part.width();
+        case PdmHeight:
+            return m_part.height();
+        case PdmDevicePixelRatio:
+            return 2;
+        case PdmDevicePixelRatioScaled:
+            return static_cast<int>(2 * devicePixelRatioFScale());
+        default:
+            return 96; // dots per inch
+        }
+    }
+
+    QPaintDevice *redirected(QPoint *offset) const override
+    {
+        *offset = -m_part.topLeft();
+        return &m_window;
+    }
+
+private:
+    QImage &m_window;
+    QRect m_part;
+};
+
+TEST(FilmRenderer, DrawsTheSameInAPartOfAWindowOfDoublePixels)
+{
+    const QImage photo = photoImage({300, 200});
+    const PhotoItem item = filmItem(photo.size());
+    const QSize size(384, 350);
+    const QImage straight = drawn(item, size * 2, {.photo = {photo}});
+    QImage window(1000, 1000, QImage::Format_RGB32);
+    window.fill(Qt::magenta);
+    window.setDevicePixelRatio(2);
+    PartOfWindow part(window, QRect(QPoint(100, 140), size));
+    QPainter painter(&part);
+    CompositionRenderer::draw(painter, item, item.settings, size, {.photo = {photo}});
+    painter.end();
+    EXPECT_GT(psnr(window.copy(QRect(QPoint(200, 280), size * 2)), straight), 50);
 }
 
 TEST(FilmRenderer, ShowsTheBaseThroughATransparentPhoto)
