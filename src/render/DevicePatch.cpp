@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include <QPaintEngine>
 #include <QPainter>
 
 namespace tarnovel {
@@ -149,7 +150,9 @@ std::array<QRectF, 4> bandsAround(const QRectF &inner, const QRectF &outer)
 
 QRect reachablePixels(const QPainter &painter, const QRectF &device)
 {
-    QRectF seen = device & QRectF(0, 0, painter.device()->width(), painter.device()->height());
+    // The picture in the end painted on: a widget's own size is not in pixels, nor from its window's corner.
+    const QPaintDevice *target = painter.paintEngine()->paintDevice();
+    QRectF seen = device & QRectF(0, 0, target->width(), target->height());
     if (painter.hasClipping()) {
         seen &= painter.deviceTransform().mapRect(painter.clipBoundingRect());
     }

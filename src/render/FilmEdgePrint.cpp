@@ -20,6 +20,12 @@ namespace {
 
 constexpr int longestLabel = 40;
 
+/// Nobody reads a letter under more accents than this.
+constexpr int mostMarks = 6;
+
+/// More than any character as a reader counts them is made of.
+constexpr int mostCodePoints = 32;
+
 /// Texts are set once at this size of type and scaled from there.
 constexpr int referencePixels = 256;
 
@@ -40,6 +46,13 @@ constexpr double airMm = 0.3;
 /// Air between tall ink and what it must not touch: the film's edge, the holes' rims and the gate's outline.
 constexpr double stripAirMm = 0.05;
 
+/// Whether an invisible character sets the direction of what follows, or is a stray byte order mark.
+bool turnsText(char32_t character)
+{
+    return (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069) ||
+           character == 0xFEFF;
+}
+
 bool hasMakersCounters(const FilmOptions &options, const QString &marking)
 {
     const auto counted = [](const QString &name) {
@@ -58,8 +71,8 @@ QString counter(const FilmOptions &options, int first, int steps)
 
 QString bottomLabel(const FilmOptions &options)
 {
-    QString typed = options.bottomLabel.value_or(QString()).trimmed();
-    if (!typed.isEmpty()) {
+    const QString typed = options.bottomLabel.value_or(QString()).trimmed();
+    if (!edgeLabel(typed).trimmed().isEmpty()) {
         return typed;
     }
     const bool isNumber = options.format == FilmFormat::mm35;
@@ -152,11 +165,23 @@ struct SetEdgeText {
 
 QString edgeLabel(const QString &text)
 {
-    // A character of many code units is cut as well: nobody reads a letter under a hundred accents.
-    QString label = text.left(longestLabel * 16);
-    for (QChar &character : label) {
-        if (character.isSpace() || character.category() == QChar::Other_Control) {
-            character = u' ';
+    QString label;
+    int marks = 0;
+    int length = 0;
+    for (const char32_t character : QStringView(text).toUcs4()) {
+        if (turnsText(character)) {
+            continue;
+        }
+        const bool isMark = QChar::category(character) == QChar::Mark_NonSpacing ||
+                            QChar::category(character) == QChar::Mark_Enclosing;
+        marks = isMark ? marks + 1 : 0;
+        if (marks > mostMarks) {
+            continue;
+        }
+        const bool isBlank = QChar::isSpace(character) || QChar::category(character) == QChar::Other_Control;
+        label += QChar::fromUcs4(isBlank ? U' ' : character);
+        if (++length == longestLabel * mostCodePoints) {
+            break;
         }
     }
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, label);

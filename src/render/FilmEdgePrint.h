@@ -49,7 +49,8 @@ struct FilmEdgePrint {
     static QString automaticBottomLabel(const FilmOptions &options);
 };
 
-/// The first 40 characters as a reader counts them; line breaks and tabs become blanks.
+/// The first 40 characters as a reader counts them. Line breaks and tabs become blanks; what would turn the
+/// text around and accents beyond reading are left out.
 QString edgeLabel(const QString &text);
 
 /// The rectangle that a text's advance takes on the film, in millimetres.

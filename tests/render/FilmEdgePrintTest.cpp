@@ -106,6 +106,19 @@ TEST(FilmEdgePrint, CutsALabelAfterFortyCharactersAsAReaderCountsThem)
     }
 }
 
+TEST(FilmEdgePrint, LeavesOutOfALabelWhatTurnsItAround)
+{
+    EXPECT_EQ(edgeLabel(u"\uFEFFA\u202A\u202B\u202C\u202D\u202EB\u2066\u2067\u2068\u2069C"_s), u"ABC"_s);
+    EXPECT_EQ(edgeLabel(QString(5000, QChar(0x202E)) + u"KODAK"_s), u"KODAK"_s);
+    EXPECT_EQ(edgeLabel(u"می\u200cخواهم"_s), u"می\u200cخواهم"_s);
+    // A heap of accents counts as one character and takes no room from those behind it.
+    const QString heap = u"a"_s + QString(1000, QChar(0x0301));
+    EXPECT_EQ(edgeLabel(heap + u"b"_s), u"a"_s + QString(6, QChar(0x0301)) + u"b"_s);
+    FilmOptions made = options(FilmFormat::mm35);
+    made.bottomLabel = u"\u202E"_s;
+    EXPECT_EQ(texts(made).back(), u"1A"_s);
+}
+
 /// The edge print in black on white, 20 pixels a millimetre, with a margin around the piece.
 QImage printed(const FilmEdgePrint &edge, const FilmDimensions &film, int marginMm)
 {

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include <QPaintDevice>
 #include <QPainter>
 #include <gtest/gtest.h>
 
@@ -79,6 +80,45 @@ TEST(FilmRenderer, PunchesEightHolesARowAtTheStandardPitch)
             EXPECT_NEAR(column[0].second, 2.794 * scale, 3);
             EXPECT_NEAR(column[1].first + column[1].second, (35 - 1.85) * scale, 2);
         }
+    }
+}
+
+TEST(FilmRenderer, TurnsTheEdgePrintWithTheFilm)
+{
+    constexpr double scale = 30;
+    struct Row {
+        FilmFormat format;
+        QSize lying;
+        double markingMm; // its distance from the start of the piece
+    };
+    for (const Row &row : {Row{FilmFormat::mm35, {30, 20}, 6.1}, Row{FilmFormat::medium645, {20, 30}, 1.7}}) {
+        SCOPED_TRACE(filmFormatName(row.format).toStdString());
+        PhotoItem item = filmItem(row.lying, row.format);
+        item.settings.film->topLabel = u"HALF"_s;
+        const QImage lying = piece(item, {}, scale);
+        PhotoItem turnedItem = filmItem(row.lying.transposed(), row.format);
+        turnedItem.settings.film = item.settings.film;
+        const QImage turned = piece(turnedItem, {}, scale);
+        ASSERT_EQ(turned.size(), lying.size().transposed());
+        EXPECT_GT(psnr(turned.transformed(QTransform().rotate(-90)), lying), 45);
+
+        // Down the right edge: past the frame number that 35 mm film has before the marking.
+        const int before = row.format == FilmFormat::mm35 ? qRound(5.5 * scale) : 0;
+        const int left = turned.width() - qRound(1.8 * scale);
+        int first = before;
+        const auto hasInk = [&](int y) {
+            for (int x = left; x < turned.width(); ++x) {
+                if (qGray(turned.pixel(x, y)) > 100) {
+                    return true;
+                }
+            }
+            return false;
+        };
+        while (first < turned.height() - 1 && !hasInk(first)) {
+            ++first;
+        }
+        // An H starts 0.09 of its size after its advance does.
+        EXPECT_NEAR(first / scale, row.markingMm + 0.09, 0.08);
     }
 }
 
@@ -206,6 +246,58 @@ TEST(FilmRenderer, DrawsTheSameThroughAScaledOrTurnedPainter)
         half.end();
         EXPECT_GT(psnr(scaled, straight), 50);
     }
+}
+
+/// Paints elsewhere as a widget does: its size is in units of two pixels, and it lies off its window's
+/// corner.
+class PartOfWindow : public QPaintDevice {
+public:
+    PartOfWindow(QImage &window, const QRect &part) : m_window(window), m_part(part) {}
+
+    QPaintEngine *paintEngine() const override { return nullptr; }
+
+protected:
+    int metric(PaintDeviceMetric metric) const override
+    {
+        switch (metric) {
+        case PdmWidth:
+            return m_part.width();
+        case PdmHeight:
+            return m_part.height();
+        case PdmDevicePixelRatio:
+            return 2;
+        case PdmDevicePixelRatioScaled:
+            return static_cast<int>(2 * devicePixelRatioFScale());
+        default:
+            return 96; // dots per inch
+        }
+    }
+
+    QPaintDevice *redirected(QPoint *offset) const override
+    {
+        *offset = -m_part.topLeft();
+        return &m_window;
+    }
+
+private:
+    QImage &m_window;
+    QRect m_part;
+};
+
+TEST(FilmRenderer, DrawsTheSameInAPartOfAWindowOfDoublePixels)
+{
+    const QImage photo = photoImage({300, 200});
+    const PhotoItem item = filmItem(photo.size());
+    const QSize size(384, 350);
+    const QImage straight = drawn(item, size * 2, {.photo = {photo}});
+    QImage window(1000, 1000, QImage::Format_RGB32);
+    window.fill(Qt::magenta);
+    window.setDevicePixelRatio(2);
+    PartOfWindow part(window, QRect(QPoint(100, 140), size));
+    QPainter painter(&part);
+    CompositionRenderer::draw(painter, item, item.settings, size, {.photo = {photo}});
+    painter.end();
+    EXPECT_GT(psnr(window.copy(QRect(QPoint(200, 280), size * 2)), straight), 50);
 }
 
 TEST(FilmRenderer, ShowsTheBaseThroughATransparentPhoto)
