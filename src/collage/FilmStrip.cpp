@@ -30,18 +30,32 @@ void drawPerforations(QPainter &painter, double lengthMm)
     }
 }
 
+/// A text that stays between the strip's edge and the perforations beside it.
+FilmEdgeText edgeText(const QString &text, QPointF at, double sizeMm, double widestMm)
+{
+    const bool upper = at.y() < filmWidthMm / 2;
+    FilmEdgeText made;
+    made.text = text;
+    made.at = at;
+    made.sizeMm = sizeMm;
+    made.widestMm = widestMm;
+    made.stripTop = upper ? 0 : filmWidthMm - FilmMarks::holeInsetMm;
+    made.stripBottom = upper ? FilmMarks::holeInsetMm : filmWidthMm;
+    return made;
+}
+
 FilmEdgePrint framePrint(const FilmEdge &edge, double x, int frameNumber)
 {
     const QString number = QString::number(frameNumber);
+    const QString marking = edgeLabel(FilmStockCatalog::printableLabel(edge.stock, edge.topText));
     FilmEdgePrint print;
     print.arrows.push_back(FilmMarks::arrow(x + 4.12, 0.82));
-    print.texts.push_back(
-        {edgeLabel(FilmStockCatalog::printableLabel(edge.stock, edge.topText)), {x + 5.6, 0.2}, 1.1, 29});
+    print.texts.push_back(edgeText(marking, {x + 5.6, 0.2}, 1.1, 29));
     if (edge.showsNumbers) {
-        print.texts.push_back({number, {x + 0.3, 0.18}, 1.25, 3.2});
-        print.texts.push_back({number, {x + 2.2, 33.6}, 1.1, 3.2});
+        print.texts.push_back(edgeText(number, {x + 0.3, 0.18}, 1.25, 3.2));
+        print.texts.push_back(edgeText(number, {x + 2.2, 33.6}, 1.1, 3.2));
         print.arrows.push_back(FilmMarks::arrow(x + 19.4, 34.22));
-        print.texts.push_back({number + u'A', {x + 20.2, 33.6}, 1.1, 5});
+        print.texts.push_back(edgeText(number + u'A', {x + 20.2, 33.6}, 1.1, 5));
     }
     return print;
 }
