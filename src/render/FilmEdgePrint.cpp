@@ -71,7 +71,7 @@ QString counter(const FilmOptions &options, int first, int steps)
 
 QString bottomLabel(const FilmOptions &options)
 {
-    const QString typed = options.bottomLabel.value_or(QString()).trimmed();
+    QString typed = options.bottomLabel.value_or(QString()).trimmed();
     if (!edgeLabel(typed).trimmed().isEmpty()) {
         return typed;
     }
