@@ -1,12 +1,14 @@
-# One folder of src/ is one static library. A layer names its floor, the layers it may include,
+# One folder of src/, with the folders in it, is one static library. A layer names its floor, the layers it may include,
 # the Qt modules it links, and the outside headers it may include (as regular expressions).
 # Arrows run downwards only: a layer that uses one of its own floor or above stops the configuration.
 set_property(GLOBAL PROPERTY TARNOVEL_LAYER_ROWS "")
 
 function(tarnovel_layer name)
   cmake_parse_arguments(LAYER "" "FLOOR" "USES;QT;LINKS;OUTSIDE" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
-  file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*/*.cpp)
+  file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h
+    ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*/*.h)
 
   add_library(tarnovel_${name} STATIC ${sources})
   set_target_properties(tarnovel_${name} PROPERTIES TARNOVEL_FLOOR ${LAYER_FLOOR} LINKER_LANGUAGE CXX)

@@ -48,7 +48,7 @@ def main():
     layers = {row[0]: [list(filter(None, field.split(","))) for field in row[1:]] for row in rows}
     faults, checked = [], 0
     for folder in sorted(path for path in (root / "src").iterdir() if path.is_dir()):
-        for file in sorted([*folder.glob("*.h"), *folder.glob("*.cpp")]):
+        for file in sorted([*folder.rglob("*.h"), *folder.rglob("*.cpp")]):
             if folder.name not in layers:
                 faults.append(f"{file}: folder without a tarnovel_layer line")
                 continue

@@ -21,6 +21,7 @@
 #include "pipeline/CameraTexts.h"
 #include "pipeline/PhotoPalette.h"
 #include "pipeline/PipelineError.h"
+#include "pipeline/PlacedPhoto.h"
 
 using namespace Qt::StringLiterals;
 
@@ -220,20 +221,15 @@ QList<Ink> ImagePipeline::colors(const QString &file, const std::stop_token &sto
 PhotoImage ImagePipeline::placed(const QString &file, const PhotoPlacement &placement, QSize canvas,
                                  const std::stop_token &stop) const
 {
-    const QRectF &whole = placement.whole;
-    const QRect pixels = (placement.shown & whole & QRectF({}, QSizeF(canvas))).toAlignedRect();
-    if (whole.isEmpty() || pixels.isEmpty()) {
+    const PlacedRegion region = placedRegion(placement, canvas);
+    if (region.pixels.isEmpty()) {
         return {};
     }
-    PhotoImage photo;
-    photo.extent = {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
-                    pixels.width() / whole.width(), pixels.height() / whole.height()};
     const QString path = resolved(file);
     const QSizeF source = readImageHeader(path).uprightSize();
-    const QRectF region(photo.extent.x() * source.width(), photo.extent.y() * source.height(),
-                        photo.extent.width() * source.width(), photo.extent.height() * source.height());
-    photo.image = decodeImageRegion(path, region, pixels.size(), stop);
-    return photo;
+    const QRectF part(region.extent.x() * source.width(), region.extent.y() * source.height(),
+                      region.extent.width() * source.width(), region.extent.height() * source.height());
+    return {decodeImageRegion(path, part, region.pixels.size(), stop), region.extent};
 }
 
 CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,

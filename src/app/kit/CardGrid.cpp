@@ -1,0 +1,123 @@
+#include "app/kit/CardGrid.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QEvent>
+#include <QFontMetrics>
+#include <QPainter>
+
+#include "app/kit/Theme.h"
+
+namespace tarnovel {
+
+namespace {
+
+constexpr int columnGap = 18;
+constexpr int captionGap = 4;
+constexpr int rowGap = 8;
+constexpr int padding = 8;
+
+} // namespace
+
+void paintFramed(QPainter &painter, const QImage &image, const QRectF &tile, bool shadow)
+{
+    const double ratio = painter.device()->devicePixelRatioF();
+    const QSizeF size = QSizeF(image.size()) / ratio;
+    QPointF at(tile.center() - QPointF(size.width() / 2, size.height() / 2));
+    at = QPointF(qRound(at.x() * ratio) / ratio, qRound(at.y() * ratio) / ratio);
+    const QRectF rect(at, size);
+    if (shadow) {
+        QColor shade = Qt::black;
+        shade.setAlphaF(theme().dark ? 0.30F : 0.10F);
+        painter.fillRect(rect.translated(0, 1).adjusted(-0.5, 0, 0.5, 1), shade);
+    }
+    painter.drawImage(rect, image);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    Paint::outline(painter, rect.adjusted(-1 / ratio, -1 / ratio, 1 / ratio, 1 / ratio), 0, theme().rim,
+                   1 / ratio);
+}
+
+CardGrid::CardGrid(Source source, QSize tile, int columns, QWidget *parent)
+    : Items(Arrows::Move, parent), m_source(std::move(source)), m_tile(tile), m_columns(columns)
+{
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void CardGrid::reload()
+{
+    updateGeometry();
+    update();
+}
+
+int CardGrid::captionHeight(int row) const
+{
+    const QFontMetrics metrics(typeFont(Type::CaptionStrong));
+    int height = lineHeight(Type::Caption);
+    for (int i = row * m_columns; i < std::min((row + 1) * m_columns, count()); ++i) {
+        const QRect box = metrics.boundingRect(QRect(0, 0, m_tile.width() + 12, 100),
+                                               Qt::TextWordWrap | Qt::AlignHCenter, itemName(i));
+        height = std::max(height, std::min(box.height(), 2 * lineHeight(Type::Caption)) + 2);
+    }
+    return height;
+}
+
+int CardGrid::top(int row) const
+{
+    int y = 4;
+    for (int i = 0; i < row; ++i) {
+        y += m_tile.height() + captionGap + captionHeight(i) + rowGap;
+    }
+    return y;
+}
+
+QRect CardGrid::itemRect(int index) const
+{
+    const int row = index / m_columns;
+    return {index % m_columns * (m_tile.width() + (m_columns > 1 ? (264 - 3 * 80) / 2 : columnGap)), top(row),
+            m_tile.width(), m_tile.height() + captionGap + captionHeight(row)};
+}
+
+QSize CardGrid::sizeHint() const
+{
+    const int rows = (count() + m_columns - 1) / m_columns;
+    return {264, rows == 0 ? 0 : top(rows) - rowGap + 4};
+}
+
+void CardGrid::paintItem(QPainter &painter, int index, const State &state)
+{
+    const Theme &look = theme();
+    const QRect whole = itemRect(index);
+    const QRectF tile(whole.topLeft(), m_tile);
+    Paint::rounded(painter, tile, 8, look.surfaceMuted);
+    if (state.hovered) {
+        Paint::rounded(painter, tile, 8, state.pressed ? look.pressed() : look.hover());
+    }
+    const double ratio = devicePixelRatioF();
+    const QSize room = ((QSizeF(m_tile) - QSizeF(2 * padding, 2 * padding)) * ratio).toSize();
+    const QImage image = m_source.image(index, room);
+    if (!image.isNull()) {
+        paintFramed(painter, image, tile, true);
+    }
+    if (state.chosen || state.focused) {
+        Paint::outline(painter, tile.adjusted(-4, -4, 4, 4), 11, look.accent, 2);
+    }
+    if (state.focused && state.chosen) {
+        Paint::outline(painter, tile.adjusted(-1, -1, 1, 1), 8, look.accent, 1);
+    }
+    painter.setFont(typeFont(state.chosen ? Type::CaptionStrong : Type::Caption));
+    painter.setPen(state.chosen ? look.ink : look.inkSecondary);
+    painter.drawText(QRectF(tile.left() - 6, tile.bottom() + captionGap, tile.width() + 12,
+                            whole.bottom() - tile.bottom() + 2),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, itemName(index));
+}
+
+bool CardGrid::event(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange) {
+        reload();
+    }
+    return Items::event(event);
+}
+
+} // namespace tarnovel

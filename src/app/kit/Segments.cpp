@@ -1,0 +1,90 @@
+#include "app/kit/Segments.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QFontMetrics>
+#include <QPainter>
+
+#include "app/kit/Theme.h"
+
+namespace tarnovel {
+
+namespace {
+
+constexpr int rowHeight = 32;
+constexpr int tallHeight = 44;
+constexpr int inset = 2;
+
+} // namespace
+
+Segments::Segments(std::vector<Phrase> names, QWidget *parent)
+    : Items(Arrows::Choose, parent), m_names(std::move(names))
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void Segments::setNames(std::vector<Phrase> names)
+{
+    m_names = std::move(names);
+    updateGeometry();
+    update();
+}
+
+QRect Segments::itemRect(int index) const
+{
+    const int room = width() - 2 * inset;
+    const int left = inset + room * index / count();
+    const int right = inset + room * (index + 1) / count();
+    return {left, inset, right - left, height() - 2 * inset};
+}
+
+bool Segments::tall() const
+{
+    const QFontMetrics metrics(typeFont(Type::BodyStrong));
+    const int room = std::max(width(), 240) / std::max(count(), 1) - 8;
+    return std::any_of(m_names.begin(), m_names.end(),
+                       [&](const Phrase &name) { return metrics.horizontalAdvance(name()) > room; });
+}
+
+QSize Segments::sizeHint() const
+{
+    return {264, tall() ? tallHeight : rowHeight};
+}
+
+void Segments::paintGround(QPainter &painter)
+{
+    Paint::rounded(painter, rect(), 8, theme().surfaceMuted);
+    if (hasFocus() && cursor() >= 0) {
+        return;
+    }
+}
+
+void Segments::paintItem(QPainter &painter, int index, const State &state)
+{
+    const Theme &look = theme();
+    const QRectF box = itemRect(index);
+    if (state.chosen) {
+        if (state.enabled && !look.dark) {
+            QColor shade = look.ink;
+            shade.setAlphaF(0.12F);
+            Paint::rounded(painter, box.translated(0, 1), 6, shade);
+        }
+        Paint::rounded(painter, box, 6, look.thumb);
+    } else if (state.hovered) {
+        Paint::rounded(painter, box, 6, state.pressed ? look.pressed() : look.hover());
+    }
+    if (state.focused) {
+        Paint::outline(painter, box, 6, look.accent, 2);
+    }
+    painter.setFont(typeFont(state.chosen ? Type::BodyStrong : Type::BodyMedium));
+    painter.setPen(!state.enabled ? look.disabled : state.chosen ? look.ink : look.inkSecondary);
+    QFont font = painter.font();
+    if (QFontMetrics(font).horizontalAdvance(itemName(index)) > box.width() - 8) {
+        font.setPixelSize(12);
+        painter.setFont(font);
+    }
+    painter.drawText(box.adjusted(2, 0, -2, 0), Qt::AlignCenter | Qt::TextWordWrap, itemName(index));
+}
+
+} // namespace tarnovel

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <vector>
+
+#include "app/kit/Items.h"
+#include "app/kit/Phrase.h"
+
+namespace tarnovel {
+
+/// A row of two to five choices of which one holds.
+class Segments : public Items {
+    Q_OBJECT
+
+public:
+    explicit Segments(std::vector<Phrase> names, QWidget *parent = nullptr);
+
+    void setNames(std::vector<Phrase> names);
+
+    int count() const override { return static_cast<int>(m_names.size()); }
+    QRect itemRect(int index) const override;
+    QString itemName(int index) const override { return m_names.at(static_cast<size_t>(index))(); }
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return {40 * count(), sizeHint().height()}; }
+
+protected:
+    void paintGround(QPainter &painter) override;
+    void paintItem(QPainter &painter, int index, const State &state) override;
+
+private:
+    /// Two lines where a name is wider than its segment.
+    bool tall() const;
+    std::vector<Phrase> m_names;
+};
+
+} // namespace tarnovel

@@ -1,0 +1,123 @@
+#include "app/kit/Swatches.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QConicalGradient>
+#include <QPainter>
+
+#include "app/kit/Theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr int dot = 28;
+constexpr int tileHeight = 48;
+constexpr int tileGap = 12;
+/// Room for the ring of a chosen colour.
+constexpr int margin = 4;
+
+} // namespace
+
+Swatches::Swatches(Shape shape, QWidget *parent) : Items(Arrows::Move, parent), m_shape(shape)
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    connect(this, &Items::chosen, this, [this](int index) {
+        if (isWheel(index)) {
+            Q_EMIT wheelChosen();
+        } else {
+            Q_EMIT colorChosen(m_entries.at(index).color);
+        }
+    });
+}
+
+void Swatches::setEntries(QList<Entry> entries)
+{
+    m_entries = std::move(entries);
+    update();
+}
+
+void Swatches::setWheel(bool wheel)
+{
+    m_wheel = wheel;
+    update();
+}
+
+void Swatches::setColor(const QColor &color)
+{
+    m_color = color;
+    update();
+}
+
+QRect Swatches::itemRect(int index) const
+{
+    if (m_shape == Shape::Tiles) {
+        const int tile = (width() - 2 * tileGap) / 3;
+        return {index * (tile + tileGap), margin, tile, tileHeight};
+    }
+    const int room = width() - dot;
+    const int step = count() > 1 ? std::min(room / (count() - 1), dot + 14) : 0;
+    return {index * step, margin, dot, dot};
+}
+
+QSize Swatches::sizeHint() const
+{
+    return {264, (m_shape == Shape::Tiles ? tileHeight : dot) + 2 * margin};
+}
+
+QString Swatches::itemName(int index) const
+{
+    if (isWheel(index)) {
+        return localized({"其他颜色", "Other color", "Autre couleur"});
+    }
+    const Entry &entry = m_entries.at(index);
+    const QString hex = entry.color.name().toUpper();
+    return entry.name ? entry.name() + u' ' + hex : hex;
+}
+
+bool Swatches::itemChosen(int index) const
+{
+    if (!m_color.isValid()) {
+        return false;
+    }
+    if (!isWheel(index)) {
+        return m_entries.at(index).color.rgb() == m_color.rgb();
+    }
+    return std::none_of(m_entries.begin(), m_entries.end(),
+                        [this](const Entry &entry) { return entry.color.rgb() == m_color.rgb(); });
+}
+
+void Swatches::paintItem(QPainter &painter, int index, const State &state)
+{
+    const QRectF box = itemRect(index);
+    const double radius = m_shape == Shape::Tiles ? 8 : dot / 2.0;
+    if (isWheel(index)) {
+        QConicalGradient wheel(box.center(), 0);
+        for (int i = 0; i <= 6; ++i) {
+            wheel.setColorAt(i / 6.0,
+                             QColor::fromHsvF(i == 6 ? 0 : static_cast<float>(i) / 6.F, 0.55F, 0.9F));
+        }
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(wheel);
+        painter.drawEllipse(box);
+    } else {
+        Paint::rounded(painter, box, radius, m_entries.at(index).color);
+        QColor edge = theme().ink;
+        edge.setAlphaF(0.18F);
+        Paint::outline(painter, box, radius, edge);
+    }
+    if (state.hovered && !state.chosen) {
+        Paint::outline(painter, box.adjusted(-2, -2, 2, 2), radius + 2, theme().hairline, 2);
+    }
+    if (state.chosen || state.focused) {
+        Paint::outline(painter, box.adjusted(-2, -2, 2, 2), radius + 2, theme().surface, 2);
+        Paint::outline(painter, box.adjusted(-4, -4, 4, 4), radius + 4, theme().accent,
+                       state.focused && !state.chosen ? 1 : 2);
+    }
+}
+
+} // namespace tarnovel

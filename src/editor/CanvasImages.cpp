@@ -1,0 +1,174 @@
+#include "editor/CanvasImages.h"
+
+#include <cmath>
+#include <utility>
+
+#include "pipeline/PlacedPhoto.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+/// A photo that is cut by its frame is resampled whole, so that it can be dragged, unless it is far larger
+/// than the canvas.
+constexpr double largestWholeShare = 3;
+
+PhotoPlacement wholePlacement(const PhotoItem &item, QSize canvas)
+{
+    PhotoPlacement placement = CompositionRenderer::photoPlacement(item, item.settings, canvas);
+    const QRectF &whole = placement.whole;
+    if (whole.width() * whole.height() <= largestWholeShare * canvas.width() * canvas.height()) {
+        placement.shown = whole;
+    }
+    return placement;
+}
+
+/// Like placedRegion(), but reaching past the canvas.
+PlacedRegion wholeRegion(const PhotoPlacement &placement)
+{
+    const QRect pixels = (placement.shown & placement.whole).toAlignedRect();
+    const QRectF &whole = placement.whole;
+    if (pixels.isEmpty() || whole.isEmpty()) {
+        return {};
+    }
+    return {pixels,
+            {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
+             pixels.width() / whole.width(), pixels.height() / whole.height()}};
+}
+
+bool sameSize(const QRectF &a, const QRectF &b)
+{
+    return std::abs(a.width() - b.width()) < 1e-6 && std::abs(a.height() - b.height()) < 1e-6;
+}
+
+/// The pixels that the logo is drawn with on the canvas; empty where it is not drawn.
+QSize logoSize(const PhotoItem &item, QSize canvas, const QImage &picture)
+{
+    const TextLayer *logo = item.settings.layer(u"watermark"_s);
+    if (!logo || !logo->visible || picture.isNull()) {
+        return {};
+    }
+    return CompositionRenderer::textRect(*logo, canvas).size().toSize().expandedTo({1, 1});
+}
+
+QSize signatureSize(const PhotoItem &item, QSize canvas, const QImage &picture)
+{
+    if (!item.settings.handwritingFile || picture.isNull()) {
+        return {};
+    }
+    return CompositionRenderer::handwritingRect(item.settings, picture.size(), canvas)
+        .size()
+        .toSize()
+        .expandedTo({1, 1});
+}
+
+} // namespace
+
+CanvasImages::CanvasImages()
+{
+    m_thread.setMaxThreadCount(1);
+}
+
+CanvasImages::~CanvasImages()
+{
+    m_thread.clear();
+    m_thread.waitForDone();
+}
+
+PhotoImage CanvasImages::photoAtHand(const Wanted &wanted, bool &exact) const
+{
+    const PhotoPlacement placement = wholePlacement(wanted.item, wanted.canvas);
+    if (m_ready.photo.image.isNull() || m_ready.photoKey != wanted.previews.photo.cacheKey() ||
+        !sameSize(placement.whole, m_ready.placement.whole)) {
+        exact = wanted.previews.photo.isNull();
+        return {wanted.previews.photo};
+    }
+    // A photo that has moved keeps its pixels: they go to the nearest place of the grid until it rests.
+    const QPointF way = placement.whole.topLeft() - m_ready.placement.whole.topLeft();
+    const QPoint grid(qRound(way.x()), qRound(way.y()));
+    const QRect pixels = m_ready.pixels.translated(grid);
+    const QRectF &whole = placement.whole;
+    exact = QPointF(way - grid).manhattanLength() < 1e-6;
+    return {m_ready.photo.image,
+            {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
+             pixels.width() / whole.width(), pixels.height() / whole.height()}};
+}
+
+CompositionImages CanvasImages::images(const PhotoItem &item, QSize canvas, const Previews &previews)
+{
+    const Wanted wanted{item, canvas, previews};
+    bool exact = true;
+    CompositionImages images;
+    images.photo = photoAtHand(wanted, exact);
+    const auto atHand = [&exact](const QImage &preview, const Scaled &ready, QSize size) {
+        if (preview.isNull() || size.isEmpty()) {
+            return preview;
+        }
+        const bool known = ready.key == preview.cacheKey() && ready.image.size() == size;
+        exact = exact && known;
+        return known ? ready.image : preview;
+    };
+    images.background = atHand(previews.background, m_ready.background, canvas);
+    images.watermark =
+        atHand(previews.watermark, m_ready.watermark, logoSize(item, canvas, previews.watermark));
+    images.handwriting =
+        atHand(previews.handwriting, m_ready.handwriting, signatureSize(item, canvas, previews.handwriting));
+    if (!exact) {
+        m_wanted = wanted;
+        if (!m_running) {
+            begin();
+        }
+    }
+    return images;
+}
+
+CanvasImages::Ready CanvasImages::make(const Wanted &wanted, Ready old)
+{
+    const QSize canvas = wanted.canvas;
+    Ready ready = std::move(old);
+    const PhotoPlacement placement = wholePlacement(wanted.item, canvas);
+    if (!wanted.previews.photo.isNull()) {
+        const PlacedRegion region = wholeRegion(placement);
+        // Asked of a canvas that begins where the photo does: the resampler is not to cut it.
+        const QPointF shift = QPointF(region.pixels.topLeft());
+        const PhotoPlacement moved{placement.whole.translated(-shift), placement.shown.translated(-shift)};
+        ready.photo = placedPhoto(wanted.previews.photo, moved, region.pixels.size());
+        ready.photo.extent = region.extent;
+        ready.pixels = region.pixels;
+        ready.placement = placement;
+        ready.photoKey = wanted.previews.photo.cacheKey();
+    }
+    const Previews &previews = wanted.previews;
+    const auto scale = [](const QImage &preview, Scaled &place, QSize size, auto resample) {
+        if (!size.isEmpty() && (place.key != preview.cacheKey() || place.image.size() != size)) {
+            place = {preview.cacheKey(), resample(preview, size)};
+        }
+    };
+    scale(previews.background, ready.background, previews.background.isNull() ? QSize() : canvas,
+          coveringPicture);
+    scale(previews.watermark, ready.watermark, logoSize(wanted.item, canvas, previews.watermark),
+          scaledPicture);
+    scale(previews.handwriting, ready.handwriting, signatureSize(wanted.item, canvas, previews.handwriting),
+          scaledPicture);
+    return ready;
+}
+
+void CanvasImages::begin()
+{
+    m_running = true;
+    m_thread.start([this, wanted = *std::exchange(m_wanted, {}), old = m_ready] {
+        Ready made = make(wanted, old);
+        QMetaObject::invokeMethod(this, [this, made = std::move(made)]() mutable {
+            m_running = false;
+            m_ready = std::move(made);
+            Q_EMIT changed();
+            if (m_wanted) {
+                begin();
+            }
+        });
+    });
+}
+
+} // namespace tarnovel

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <optional>
+
+#include <QObject>
+#include <QThreadPool>
+
+#include "editor/PreviewLoader.h"
+#include "render/CompositionRenderer.h"
+
+namespace tarnovel {
+
+/// The pictures of the live canvas at the canvas's own pixels. They are resampled on a thread; until they are
+/// there, and while something is being dragged or resized, the nearest at hand stand in.
+class CanvasImages : public QObject {
+    Q_OBJECT
+
+public:
+    CanvasImages();
+    ~CanvasImages() override;
+
+    /// What a canvas of `canvas` device pixels is drawn with now. `changed` follows when better ones are
+    /// there.
+    CompositionImages images(const PhotoItem &item, QSize canvas, const Previews &previews);
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    struct Wanted {
+        PhotoItem item;
+        QSize canvas;
+        Previews previews;
+    };
+    struct Scaled {
+        qint64 key = 0;
+        QImage image;
+    };
+    /// Pictures made for one canvas, and what they were made from.
+    struct Ready {
+        qint64 photoKey = 0;
+        PhotoPlacement placement;
+        QRect pixels;
+        PhotoImage photo;
+        Scaled background;
+        Scaled watermark;
+        Scaled handwriting;
+    };
+    static Ready make(const Wanted &wanted, Ready old);
+    PhotoImage photoAtHand(const Wanted &wanted, bool &exact) const;
+    void begin();
+
+    Ready m_ready;
+    std::optional<Wanted> m_wanted;
+    bool m_running = false;
+    QThreadPool m_thread;
+};
+
+} // namespace tarnovel

@@ -1,0 +1,220 @@
+#include "editor/Thumbnails.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QPainter>
+
+#include "base/Cancellation.h"
+#include "pipeline/PipelineError.h"
+#include "pipeline/PlacedPhoto.h"
+#include "pipeline/WhenFinished.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+/// Decoded photos that are kept, in bytes.
+constexpr int keptBytes = 96'000'000;
+/// The sizes at which photos are kept; a larger thumbnail takes the next.
+constexpr std::array<int, 3> sourcePixels = {400, 800, 1600};
+/// What the blurred backdrop is made from, as on the canvas.
+constexpr int blurSourcePixels = 500;
+constexpr int companionPixels = 400;
+
+int sourceSize(QSize canvas)
+{
+    const int edge = std::max(canvas.width(), canvas.height());
+    const auto *found =
+        std::find_if(sourcePixels.begin(), sourcePixels.end(), [edge](int pixels) { return pixels >= edge; });
+    return found == sourcePixels.end() ? sourcePixels.back() : *found;
+}
+
+} // namespace
+
+Thumbnails::Thumbnails(ImagePipeline &pipeline) : m_pipeline(pipeline), m_sources(keptBytes)
+{
+    m_thread.setMaxThreadCount(1);
+}
+
+Thumbnails::~Thumbnails()
+{
+    m_stop.request_stop();
+    m_thread.waitForDone();
+}
+
+QSize Thumbnails::canvasIn(QSize box, const PhotoItem &item)
+{
+    const double ratio = std::clamp(item.settings.ratio(item.size()), 0.05, 20.0);
+    const QSizeF fitted = QSizeF(ratio, 1).scaled(box, Qt::KeepAspectRatio);
+    return fitted.toSize().expandedTo({1, 1});
+}
+
+QImage Thumbnails::image(const QString &key, const PhotoItem &item, QSize box)
+{
+    const QSize canvas = canvasIn(box, item);
+    const Key place(key, std::max(box.width(), box.height()));
+    Entry &entry = m_entries[place];
+    const bool fresh = entry.canvas == canvas && entry.item.file == item.file &&
+                       entry.item.size() == item.size() && entry.item.settings == item.settings &&
+                       (!entry.image.isNull() || entry.failed);
+    if (fresh) {
+        return entry.image;
+    }
+    if (entry.item.file != item.file) {
+        entry.image = {};
+    }
+    entry.item = item;
+    entry.canvas = canvas;
+    entry.failed = false;
+    const auto queued = std::find(m_queue.begin(), m_queue.end(), place);
+    if (queued != m_queue.end()) {
+        m_queue.erase(queued);
+    }
+    m_queue.push_back(place);
+    next();
+    return entry.image;
+}
+
+void Thumbnails::next()
+{
+    if (m_job || m_queue.empty()) {
+        return;
+    }
+    const Key key = m_queue.back();
+    m_queue.pop_back();
+    const Entry &entry = m_entries[key];
+    m_job = std::make_unique<Job>(Job{key, entry.item, entry.canvas, {}, {}});
+    load(0, std::make_shared<const std::vector<Source>>(sourcesOf(entry.item, entry.canvas)));
+}
+
+std::vector<Thumbnails::Source> Thumbnails::sourcesOf(const PhotoItem &item, QSize canvas) const
+{
+    const auto source = [](const QString &file, int pixels) {
+        return Source{file + u' ' + QString::number(pixels), file, pixels};
+    };
+    const FrameSettings &settings = item.settings;
+    const bool film = settings.style == FrameStyle::film;
+    const TextLayer *logo = settings.layer(u"watermark"_s);
+    std::vector<Source> sources(4);
+    sources[0] = source(item.file, sourceSize(canvas));
+    if (!film && settings.background == Backdrop::blur) {
+        sources[1] = source(item.file, blurSourcePixels);
+        sources[1].key += u" blurred"_s;
+        sources[1].blurred = true;
+    } else if (!film && settings.background == Backdrop::image && settings.backgroundFile) {
+        sources[1] = source(*settings.backgroundFile, sourceSize(canvas));
+    }
+    if (logo && logo->visible && logo->imageFile) {
+        sources[2] = source(*logo->imageFile, companionPixels);
+    }
+    if (settings.handwritingFile) {
+        sources[3] = source(*settings.handwritingFile, companionPixels);
+    }
+    return sources;
+}
+
+void Thumbnails::load(size_t index, const std::shared_ptr<const std::vector<Source>> &sources)
+{
+    if (index == sources->size()) {
+        draw();
+        return;
+    }
+    const Source &source = sources->at(index);
+    if (source.file.isEmpty()) {
+        load(index + 1, sources);
+        return;
+    }
+    if (const QImage *known = m_sources.object(source.key)) {
+        loaded(index, sources, *known);
+        return;
+    }
+    const auto arrived = [this, index, sources](const QFuture<QImage> &finished) {
+        const Source &wanted = sources->at(index);
+        QImage image;
+        try {
+            image = finished.result();
+            m_sources.insert(wanted.key, new QImage(image.copy()), static_cast<int>(image.sizeInBytes()));
+            m_unreadable.erase(wanted.file);
+        } catch (const OperationCancelled &) {
+            return;
+        } catch (const QException &) {
+            if (index == 0) {
+                m_unreadable.insert(wanted.file);
+            }
+        }
+        loaded(index, sources, image);
+    };
+    const QFuture<QImage> read = m_pipeline.read(source.file, source.pixels, m_stop.get_token());
+    if (!source.blurred) {
+        whenFinished<QImage>(read, this, arrived);
+        return;
+    }
+    whenFinished<QImage>(read, this, [this, arrived](const QFuture<QImage> &finished) {
+        try {
+            whenFinished<QImage>(m_pipeline.blurred(finished.result(), m_stop.get_token()), this, arrived);
+        } catch (const QException &) {
+            arrived(finished);
+        }
+    });
+}
+
+void Thumbnails::loaded(size_t index, const std::shared_ptr<const std::vector<Source>> &sources,
+                        const QImage &image)
+{
+    switch (index) {
+    case 0:
+        m_job->photo = image;
+        break;
+    case 1:
+        m_job->images.background = image;
+        break;
+    case 2:
+        m_job->images.watermark = image;
+        break;
+    default:
+        m_job->images.handwriting = image;
+        break;
+    }
+    if (index == 0 && image.isNull()) {
+        finish({});
+        return;
+    }
+    load(index + 1, sources);
+}
+
+void Thumbnails::draw()
+{
+    m_thread.start([this, job = *m_job]() mutable {
+        const FrameSettings &settings = job.item.settings;
+        job.images.photo = placedPhoto(
+            job.photo, CompositionRenderer::photoPlacement(job.item, settings, job.canvas), job.canvas);
+        job.images.background = coveringPicture(job.images.background, job.canvas);
+        QImage image(job.canvas, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        {
+            QPainter painter(&image);
+            CompositionRenderer::draw(painter, job.item, settings, job.canvas, job.images);
+        }
+        QMetaObject::invokeMethod(this, [this, image] { finish(image); });
+    });
+}
+
+void Thumbnails::finish(const QImage &image)
+{
+    const std::unique_ptr<Job> job = std::exchange(m_job, nullptr);
+    Entry &entry = m_entries[job->key];
+    // A newer wish for the same picture is still in the queue; until then this one is better than none.
+    if (!image.isNull()) {
+        entry.image = image;
+    }
+    if (entry.item == job->item && entry.canvas == job->canvas) {
+        entry.failed = image.isNull();
+    }
+    Q_EMIT ready(job->key.first);
+    next();
+}
+
+} // namespace tarnovel

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include <QCache>
+#include <QHash>
+#include <QObject>
+#include <QThreadPool>
+
+#include "pipeline/ImagePipeline.h"
+#include "render/CompositionRenderer.h"
+
+namespace tarnovel {
+
+/// Small pictures of framed photos, drawn in the background: those asked for last, which are those that can
+/// be seen, come first, and one whose settings have not changed is not drawn again. Photos are kept decoded
+/// at a small size, so that a change of style costs no decoding.
+class Thumbnails : public QObject {
+    Q_OBJECT
+
+public:
+    explicit Thumbnails(ImagePipeline &pipeline);
+    ~Thumbnails() override;
+
+    /// The picture called `key` of a photo with its settings, fitted into `box` device pixels. Until it has
+    /// been drawn this is an older one, or null; `ready` tells when it is there. The same key may be asked
+    /// for in several sizes.
+    QImage image(const QString &key, const PhotoItem &item, QSize box);
+    /// The photo's file has been tried and cannot be read.
+    bool unreadable(const QString &file) const { return m_unreadable.contains(file); }
+    /// Drops what has been asked for and not begun.
+    void dropQueue() { m_queue.clear(); }
+    bool idle() const { return !m_job && m_queue.empty(); }
+
+    /// The canvas that fits into a box.
+    static QSize canvasIn(QSize box, const PhotoItem &item);
+
+Q_SIGNALS:
+    void ready(const QString &key);
+
+private:
+    using Key = std::pair<QString, int>;
+    struct Entry {
+        PhotoItem item;
+        QSize canvas;
+        QImage image;
+        bool failed = false;
+    };
+    struct Job {
+        Key key;
+        PhotoItem item;
+        QSize canvas;
+        QImage photo;
+        CompositionImages images;
+    };
+    struct Source {
+        QString key;
+        QString file;
+        int pixels = 0;
+        bool blurred = false;
+    };
+
+    void next();
+    void load(size_t index, const std::shared_ptr<const std::vector<Source>> &sources);
+    void loaded(size_t index, const std::shared_ptr<const std::vector<Source>> &sources, const QImage &image);
+    void draw();
+    void finish(const QImage &image);
+    std::vector<Source> sourcesOf(const PhotoItem &item, QSize canvas) const;
+
+    ImagePipeline &m_pipeline;
+    std::map<Key, Entry> m_entries;
+    std::vector<Key> m_queue;
+    std::unique_ptr<Job> m_job;
+    QCache<QString, QImage> m_sources;
+    std::set<QString> m_unreadable;
+    std::stop_source m_stop;
+    QThreadPool m_thread;
+};
+
+} // namespace tarnovel
