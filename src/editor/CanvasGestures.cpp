@@ -7,6 +7,7 @@
 #include <QUuid>
 
 #include "editor/EditorModel.h"
+#include "editor/EditorRules.h"
 #include "render/CompositionRenderer.h"
 #include "render/FrameGeometry.h"
 
@@ -120,6 +121,44 @@ void CanvasGestures::endTextDrag()
 {
     m_textStart.reset();
     m_guidesVisible = false;
+}
+
+void CanvasGestures::scaleText(const QString &layerId, double magnification)
+{
+    const PhotoItem *item = m_model.current();
+    const TextLayer *layer = item ? item->settings.layer(layerId) : nullptr;
+    if (!layer || !std::isfinite(magnification)) {
+        return;
+    }
+    if (!m_textSizeStart || m_target != target(item->id, layerId)) {
+        m_target = target(item->id, layerId);
+        m_model.checkpoint();
+        m_textSizeStart = layer->size;
+    }
+    FrameSettings settings = item->settings;
+    settings.layer(layerId)->size =
+        std::clamp(*m_textSizeStart * magnification, LayerLimits::smallest, LayerLimits::largest);
+    m_model.update(settings);
+}
+
+void CanvasGestures::rotateText(const QString &layerId, double degrees)
+{
+    const PhotoItem *item = m_model.current();
+    if (!item || !item->settings.layer(layerId) || !std::isfinite(degrees)) {
+        return;
+    }
+    if (!m_rotating || m_target != target(item->id, layerId)) {
+        m_target = target(item->id, layerId);
+        m_model.checkpoint();
+        m_rotating = true;
+    }
+    constexpr double rightAngle = 90;
+    const double nearest = std::round(degrees / rightAngle) * rightAngle;
+    const double held =
+        std::abs(degrees - nearest) < LayerLimits::rotationSnap ? nearest : std::round(degrees);
+    FrameSettings settings = item->settings;
+    settings.layer(layerId)->rotation = std::remainder(held, 360);
+    m_model.update(settings);
 }
 
 void CanvasGestures::nudge(const std::optional<QString> &layerId, QPointF fractions)

@@ -37,6 +37,13 @@ public:
     void dragText(const QString &layerId, QPointF translation, QSizeF canvas);
     void endTextDrag();
 
+    /// Resizes a layer by its handles; sizes are held to LayerLimits.
+    void scaleText(const QString &layerId, double magnification);
+    void endTextScale() { m_textSizeStart.reset(); }
+    /// Turns a layer to `degrees`, clockwise; near a right angle it holds to it.
+    void rotateText(const QString &layerId, double degrees);
+    void endTextRotation() { m_rotating = false; }
+
     /// A step with the arrow keys, undone by itself, in fractions of the canvas: the photo, or the layer that
     /// is named.
     void nudge(const std::optional<QString> &layerId, QPointF fractions);
@@ -60,6 +67,8 @@ private:
     std::optional<QPointF> m_dragStart;
     std::optional<QPointF> m_textStart;
     std::optional<double> m_pinchStart;
+    std::optional<double> m_textSizeStart;
+    bool m_rotating = false;
     CentreSnap m_snap;
     int m_snapFeedback = 0;
     bool m_guidesVisible = false;

@@ -32,6 +32,17 @@ private:
     std::chrono::milliseconds m_time{};
 };
 
+/// What the screens let a layer be; records may hold more.
+namespace LayerLimits {
+
+/// Heights as fractions of the canvas's width.
+constexpr double smallest = 0.005;
+constexpr double largest = 0.2;
+/// Degrees within which a turned layer holds to a right angle.
+constexpr double rotationSnap = 3;
+
+} // namespace LayerLimits
+
 /// The capture date as the user types it.
 namespace CaptureDateEntry {
 

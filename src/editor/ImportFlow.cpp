@@ -139,8 +139,8 @@ void ImportFlow::finish()
 {
     if (m_summary.cancelled) {
         removeFrom(0);
-    } else if (m_request.mode == ImportMode::Background) {
-        finishBackground();
+    } else if (m_request.mode != ImportMode::Photos) {
+        finishPicture();
     } else if (!m_items.isEmpty()) {
         m_summary.added =
             m_model.importPhotos(m_items, m_request.style, m_request.autoApply, m_stop.get_token());
@@ -170,7 +170,7 @@ void ImportFlow::removeFrom(qsizetype index)
     }
 }
 
-void ImportFlow::finishBackground()
+void ImportFlow::finishPicture()
 {
     if (m_items.isEmpty()) {
         return;
@@ -182,8 +182,17 @@ void ImportFlow::finishBackground()
     }
     m_model.checkpoint();
     FrameSettings settings = current->settings;
-    settings.background = Backdrop::image;
-    settings.backgroundFile = m_items.first().file;
+    const PhotoItem &picture = m_items.first();
+    if (m_request.mode == ImportMode::Background) {
+        settings.background = Backdrop::image;
+        settings.backgroundFile = picture.file;
+    } else {
+        settings.normalize();
+        TextLayer *logo = settings.layer(u"watermark"_s);
+        logo->imageFile = picture.file;
+        logo->imageAspect = picture.height > 0 ? picture.width / picture.height : 1;
+        logo->visible = true;
+    }
     m_model.update(settings);
     m_model.loadPreview();
 }

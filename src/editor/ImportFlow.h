@@ -17,6 +17,8 @@ enum class ImportMode {
     Photos,
     /// The first that can be read becomes the selected photo's backdrop.
     Background,
+    /// The first that can be read becomes the selected photo's logo.
+    Logo,
 };
 
 /// Where the files came from; it decides how unreadable ones are spoken of.
@@ -68,7 +70,8 @@ private:
     void copied(const QString &file);
     void inspected(const QString &file, const std::optional<PhotoItem> &item);
     void finish();
-    void finishBackground();
+    /// Gives the selected photo the picture that was brought in for it.
+    void finishPicture();
     void remove(const QString &file) const;
     /// Deletes the copies of the prepared photos from this one on.
     void removeFrom(qsizetype index);

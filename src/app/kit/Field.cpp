@@ -145,6 +145,9 @@ void NumberField::setRange(const Range &range)
 
 QString NumberField::textOf(double value) const
 {
+    if (m_range.decimals < 0) {
+        return QString::number(std::round(value * 100) / 100, 'g', 6) + m_range.unit;
+    }
     const double unit = std::pow(10, m_range.decimals);
     const double rounded = std::round(value * unit) / unit;
     QString text = QString::number(std::abs(rounded), 'f', rounded == 0 ? 0 : m_range.decimals);

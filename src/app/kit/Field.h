@@ -52,6 +52,7 @@ public:
         double low = 0;
         double high = 100;
         double step = 1;
+        /// Negative: as many as the value needs, two at most.
         int decimals = 0;
         /// After the number, with its space: " %", "°".
         QString unit = {};

@@ -1,0 +1,112 @@
+#include "app/canvas/CanvasMarks.h"
+
+#include <array>
+
+#include <QFontMetrics>
+#include <QPainter>
+
+#include "app/kit/Icons.h"
+#include "app/kit/Theme.h"
+#include "language/AppLanguage.h"
+
+namespace tarnovel::CanvasMarks {
+
+namespace {
+
+constexpr double padding = 8;
+constexpr double handle = 10;
+constexpr double grabRadius = 11;
+constexpr double knob = 24;
+constexpr double knobGap = 8;
+constexpr double guideReach = 24;
+constexpr float restingGuide = 0.35F;
+
+QRectF padded(const QRectF &box)
+{
+    return box.adjusted(-padding, -padding, padding, padding);
+}
+
+std::array<QPointF, 4> corners(const QRectF &box)
+{
+    const QRectF outer = padded(box);
+    return {outer.topLeft(), outer.topRight(), outer.bottomLeft(), outer.bottomRight()};
+}
+
+QPointF knobCentre(const QRectF &box)
+{
+    return {padded(box).right() + knobGap + knob / 2, box.center().y()};
+}
+
+/// Marks lie on the picture, which does not follow the theme.
+const Theme &marks()
+{
+    return Theme::light();
+}
+
+void paintPill(QPainter &painter, QPointF bottomCentre)
+{
+    const QString text = localized({"居中", "Centered", "Centré"});
+    const QFont font = typeFont(Type::CaptionStrong);
+    const double width = QFontMetrics(font).horizontalAdvance(text) + 18;
+    const QRectF pill(bottomCentre.x() - width / 2, bottomCentre.y() - 24, width, 24);
+    Paint::rounded(painter, pill, 12, theme().accent);
+    painter.setPen(theme().onAccent);
+    painter.setFont(font);
+    painter.drawText(pill, Qt::AlignCenter, text);
+}
+
+} // namespace
+
+void paintGuides(QPainter &painter, const QRectF &frame, CentreSnap snap)
+{
+    const auto color = [](bool held) {
+        QColor line = theme().accent;
+        line.setAlphaF(held ? 1 : restingGuide);
+        return line;
+    };
+    const QPointF centre(qRound(frame.center().x()), qRound(frame.center().y()));
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.fillRect(QRectF(centre.x(), frame.top() - guideReach, 1, frame.height() + 2 * guideReach),
+                     color(snap.x));
+    painter.fillRect(QRectF(frame.left() - guideReach, centre.y(), frame.width() + 2 * guideReach, 1),
+                     color(snap.y));
+    if (snap.x) {
+        paintPill(painter, {centre.x() + 0.5, frame.top() - guideReach + 12});
+    } else if (snap.y) {
+        paintPill(painter, {frame.left() - guideReach + 20, centre.y() + 12});
+    }
+}
+
+void paintSelection(QPainter &painter, const QRectF &box, bool keyboard)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QColor accent = marks().accent;
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(accent, keyboard ? 2.5 : 1.5));
+    painter.drawRect(padded(box));
+    painter.setPen(QPen(accent, 1.5));
+    painter.setBrush(Qt::white);
+    for (const QPointF &corner : corners(box)) {
+        painter.drawEllipse(corner, handle / 2, handle / 2);
+    }
+    painter.drawEllipse(knobCentre(box), knob / 2, knob / 2);
+    constexpr int icon = 14;
+    painter.drawPixmap(QRectF(knobCentre(box) - QPointF(icon / 2.0, icon / 2.0), QSizeF(icon, icon)),
+                       Icons::pixmap("rotate", icon, accent, 2 * painter.device()->devicePixelRatioF()),
+                       QRectF(QPointF(), QSizeF(icon, icon) * 2 * painter.device()->devicePixelRatioF()));
+}
+
+Handle handleAt(QPointF position, const QRectF &box)
+{
+    if (QLineF(position, knobCentre(box)).length() <= knob / 2 + 2) {
+        return Handle::Knob;
+    }
+    for (const QPointF &corner : corners(box)) {
+        if (QLineF(position, corner).length() <= grabRadius) {
+            return Handle::Corner;
+        }
+    }
+    return Handle::None;
+}
+
+} // namespace tarnovel::CanvasMarks

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QRectF>
+
+#include "editor/CanvasGestures.h"
+
+class QPainter;
+
+/// What is drawn over the picture for the hand; none of it is exported.
+namespace tarnovel::CanvasMarks {
+
+enum class Handle { None, Corner, Knob };
+
+/// Lines through the centre of the frame; an axis that holds says so.
+void paintGuides(QPainter &painter, const QRectF &frame, CentreSnap snap);
+
+/// The box around a chosen layer with its handles; the painter is turned with the layer.
+void paintSelection(QPainter &painter, const QRectF &box, bool keyboard);
+
+/// The handle at a position that is turned back like the layer.
+Handle handleAt(QPointF position, const QRectF &box);
+
+} // namespace tarnovel::CanvasMarks

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include <QImage>
+#include <QWidget>
+
+#include "app/EditorContext.h"
+#include "editor/CanvasImages.h"
+
+class QNativeGestureEvent;
+class QPinchGesture;
+
+namespace tarnovel {
+
+/// The selected photo in its frame, live: it is dragged, pinched and written on here.
+class CanvasView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CanvasView(const EditorContext &context, QWidget *parent = nullptr);
+
+    /// Where the frame is, in the widget's coordinates; empty without a photo.
+    QRectF frameRect() const;
+    /// The box of the selected layer before it is turned.
+    std::optional<QRectF> layerBox() const;
+
+Q_SIGNALS:
+    /// A double click, or Enter, on a text.
+    void editTextAsked(const QString &layerId);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    bool event(QEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    enum class Grip { None, Photo, Text, Corner, Knob };
+
+    void modelChanged(EditorModel::Changes changes);
+    void showState();
+    void redraw();
+    void drawFrame();
+    void paintSelection(QPainter &painter, const QRectF &frame) const;
+    void paintGuides(QPainter &painter, const QRectF &frame) const;
+    void paintLoading(QPainter &painter, const QRectF &frame);
+    Grip gripAt(QPointF position) const;
+    QPointF inLayer(QPointF position, const QRectF &box) const;
+    QTransform layerTransform(const QRectF &box) const;
+    void showCursor(QPointF position);
+    void endGesture();
+    void pinch(double factor);
+    bool nativeGesture(QNativeGestureEvent *event);
+    void takeColor(QPointF position);
+    QStringList visibleLayers() const;
+    QSize frameDevicePixels() const;
+
+    EditorContext m_context;
+    CanvasGestures m_gestures;
+    CanvasImages m_images;
+    /// The frame as last drawn, in device pixels.
+    QImage m_frame;
+    bool m_stale = true;
+    Grip m_grip = Grip::None;
+    QString m_gripLayer;
+    QPointF m_pressed;
+    double m_grabDistance = 0;
+    double m_grabAngle = 0;
+    bool m_moved = false;
+    double m_magnification = 1;
+    QBasicTimer m_pinchEnd;
+    int m_feedback = 0;
+
+protected:
+    void timerEvent(QTimerEvent *event) override;
+};
+
+} // namespace tarnovel

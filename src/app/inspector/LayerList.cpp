@@ -1,0 +1,114 @@
+#include "app/inspector/LayerList.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+#include "app/inspector/Section.h"
+#include "app/kit/Icons.h"
+#include "app/kit/Theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr int rowHeight = 36;
+constexpr int titleWidth = 68;
+constexpr int eyeWidth = 32;
+constexpr int padding = 8;
+
+QString shown(const TextLayer &layer)
+{
+    return layer.text.trimmed().isEmpty() ? localized({"未填写", "Empty", "Vide"}) : layer.text.simplified();
+}
+
+} // namespace
+
+LayerList::LayerList() : Items(Arrows::Choose)
+{
+    setAccessibleName(localized({"文字图层", "Text layers", "Calques de texte"}));
+}
+
+void LayerList::setLayers(const QList<TextLayer> &layers)
+{
+    const bool resized = layers.size() != m_layers.size();
+    m_layers = layers;
+    if (resized) {
+        setFixedHeight(sizeHint().height());
+    }
+    update();
+}
+
+QRect LayerList::itemRect(int index) const
+{
+    return {0, index * rowHeight, width(), rowHeight};
+}
+
+QRect LayerList::eyeRect(int index) const
+{
+    return {width() - eyeWidth - 2, index * rowHeight, eyeWidth, rowHeight};
+}
+
+QString LayerList::itemName(int index) const
+{
+    const TextLayer &layer = m_layers.at(index);
+    return layerTitle(layer) + u", "_s + shown(layer) + u", "_s +
+           (layer.visible ? localized({"显示", "shown", "affiché"})
+                          : localized({"隐藏", "hidden", "masqué"}));
+}
+
+QSize LayerList::sizeHint() const
+{
+    return {264, count() * rowHeight};
+}
+
+void LayerList::paintItem(QPainter &painter, int index, const State &state)
+{
+    const Theme &look = theme();
+    const TextLayer &layer = m_layers.at(index);
+    const QRect row = itemRect(index);
+    if (state.chosen) {
+        Paint::rounded(painter, row, 8, look.selection);
+    } else if (state.hovered) {
+        Paint::rounded(painter, row, 8, look.hover());
+    }
+    if (state.focused) {
+        Paint::outline(painter, row, 8, look.accent, 2);
+    }
+    painter.setFont(typeFont(Type::Label));
+    painter.setPen(state.chosen ? look.ink : look.inkSecondary);
+    const QRect title = row.adjusted(padding, 0, 0, 0);
+    painter.drawText(QRect(title.topLeft(), QSize(titleWidth, rowHeight)), Qt::AlignLeft | Qt::AlignVCenter,
+                     painter.fontMetrics().elidedText(layerTitle(layer), Qt::ElideRight, titleWidth - 4));
+    painter.setFont(typeFont(state.chosen ? Type::BodyStrong : Type::Body));
+    painter.setPen(layer.visible && !layer.text.isEmpty() ? look.ink : look.inkSecondary);
+    const QRect room = row.adjusted(padding + titleWidth, 0, -eyeWidth - 4, 0);
+    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
+                     painter.fontMetrics().elidedText(shown(layer), Qt::ElideRight, room.width()));
+    const QRect eye = eyeRect(index);
+    Icons::draw(painter, layer.visible ? "eye" : "eyeoff", eye.center() - QPointF(7.5, 7.5), 16,
+                layer.visible ? look.ink : look.inkSecondary);
+}
+
+void LayerList::mousePressEvent(QMouseEvent *event)
+{
+    const int index = itemAt(event->position().toPoint());
+    if (index >= 0 && event->button() == Qt::LeftButton &&
+        eyeRect(index).contains(event->position().toPoint())) {
+        Q_EMIT visibilityAsked(index);
+        return;
+    }
+    Items::mousePressEvent(event);
+}
+
+void LayerList::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Space && cursor() >= 0) {
+        Q_EMIT visibilityAsked(cursor());
+        return;
+    }
+    Items::keyPressEvent(event);
+}
+
+} // namespace tarnovel

@@ -1,0 +1,102 @@
+#include "app/inspector/LogoSection.h"
+
+#include <QBoxLayout>
+
+#include "app/inspector/LayerControls.h"
+#include "app/inspector/PictureWell.h"
+#include "app/kit/Button.h"
+#include "app/kit/Switch.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+QString logoId()
+{
+    return u"watermark"_s;
+}
+
+} // namespace
+
+LogoSection::LogoSection(const EditorContext &context) : Section(context)
+{
+    m_well = new PictureWell;
+    column()->addWidget(m_well);
+    m_hint = makeHint("info", said({"PNG 透明背景效果最好。", "A PNG with a transparent ground looks best.",
+                                    "Un PNG à fond transparent convient le mieux."}));
+    column()->addWidget(m_hint);
+    column()->addSpacing(12);
+    auto *row = new QHBoxLayout;
+    row->setSpacing(8);
+    m_choose = new Button(Button::Kind::Secondary, {}, "image");
+    m_choose->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_remove = new Button(Button::Kind::Secondary, said({"移除徽标", "Remove logo", "Retirer le logo"}),
+                          "trash", Button::Face::IconOnly);
+    row->addWidget(m_choose, 1);
+    row->addWidget(m_remove);
+    column()->addLayout(row);
+    m_controls = new QWidget;
+    auto *controls = new QVBoxLayout(m_controls);
+    controls->setContentsMargins(0, 12, 0, 0);
+    controls->setSpacing(4);
+    controls->addWidget(makeRule());
+    m_visible = new Switch(said({"显示徽标", "Show logo", "Afficher le logo"}));
+    controls->addWidget(m_visible);
+    m_shape = new LayerShape(context);
+    controls->addWidget(m_shape);
+    controls->addWidget(makeRule());
+    m_place = new LayerPlace(context);
+    controls->addWidget(m_place);
+    column()->addWidget(m_controls);
+    connect(m_choose, &QPushButton::clicked, &context.state, &EditorState::logoAsked);
+    connect(m_remove, &QPushButton::clicked, this, [this] {
+        edits().step([](FrameSettings &settings) {
+            TextLayer *logo = settings.layer(logoId());
+            logo->imageFile.reset();
+            logo->imageAspect.reset();
+            logo->visible = false;
+        });
+        model().loadPreview();
+    });
+    connect(m_visible, &Switch::toggledByUser, this, [this](bool on) {
+        edits().step([on](FrameSettings &settings) { settings.layer(logoId())->visible = on; });
+        model().loadPreview();
+    });
+}
+
+void LogoSection::display(const PhotoItem &photo)
+{
+    const TextLayer *logo = photo.settings.layer(logoId());
+    const bool present = logo && logo->imageFile;
+    m_well->setVisible(present);
+    m_hint->setVisible(!present);
+    m_remove->setVisible(present);
+    m_controls->setVisible(present);
+    m_choose->setPhrase(present ? said({"更换图片…", "Replace image…", "Remplacer l’image…"})
+                                : said({"选择图片…", "Choose image…", "Choisir une image…"}));
+    if (present) {
+        m_well->setPicture(model().previews().watermark);
+        m_visible->show(logo->visible);
+        m_shape->display(*logo);
+        m_place->display(photo, *logo);
+    }
+}
+
+void LogoSection::reset()
+{
+    edits().step([](FrameSettings &settings) {
+        TextLayer *logo = settings.layer(logoId());
+        for (const TextLayer &fresh : defaultLayers()) {
+            if (logo && fresh.id == logoId()) {
+                logo->x = fresh.x;
+                logo->y = fresh.y;
+                logo->size = fresh.size;
+                logo->rotation = fresh.rotation;
+            }
+        }
+    });
+}
+
+} // namespace tarnovel

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/inspector/Section.h"
+
+namespace tarnovel {
+
+class Slider;
+class Switch;
+
+/// Where the photo lies on the canvas, and how large.
+class PlacementSection : public Section {
+    Q_OBJECT
+
+public:
+    explicit PlacementSection(const EditorContext &context);
+    void reset() override;
+
+protected:
+    void display(const PhotoItem &photo) override;
+
+private:
+    Slider *m_size;
+    Slider *m_x;
+    Slider *m_y;
+    Switch *m_lockX;
+    Switch *m_lockY;
+};
+
+} // namespace tarnovel

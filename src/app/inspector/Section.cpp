@@ -1,0 +1,149 @@
+#include "app/inspector/Section.h"
+
+#include <utility>
+
+#include <QBoxLayout>
+#include <QEvent>
+#include <QPainter>
+
+#include "app/kit/Icons.h"
+#include "app/kit/Label.h"
+#include "app/kit/Theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+class Rule : public QWidget {
+public:
+    using QWidget::QWidget;
+    QSize sizeHint() const override { return {20, 25}; }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        Paint::hairline(painter, QPointF(0, 10), QPointF(width(), 10));
+    }
+};
+
+class IconBox : public QWidget {
+public:
+    explicit IconBox(const char *icon) : m_icon(icon) { setFixedSize(16, 20); }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        Icons::draw(painter, m_icon, {0, 2}, 16, theme().inkSecondary);
+    }
+
+private:
+    const char *m_icon;
+};
+
+} // namespace
+
+QWidget *makeRule()
+{
+    auto *rule = new Rule;
+    rule->setFixedHeight(rule->sizeHint().height());
+    return rule;
+}
+
+QWidget *makeHint(const char *icon, Phrase phrase)
+{
+    auto *hint = new QWidget;
+    auto *row = new QHBoxLayout(hint);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(8);
+    row->addWidget(new IconBox(icon), 0, Qt::AlignTop);
+    auto *label = new Label(Type::Body, std::move(phrase), Label::Tone::Secondary);
+    QFont font = typeFont(Type::Label);
+    font.setWeight(QFont::Normal);
+    label->setFont(font);
+    row->addWidget(label, 1);
+    return hint;
+}
+
+Ink inkOf(const QColor &color)
+{
+    return {color.red() / 255.0, color.green() / 255.0, color.blue() / 255.0};
+}
+
+QString layerTitle(const TextLayer &layer)
+{
+    static constexpr std::array names = std::to_array<std::pair<const char *, Text>>({
+        {"brand", {"品牌", "Brand", "Marque"}},
+        {"model", {"机型", "Model", "Modèle"}},
+        {"exif", {"参数", "Exposure", "Exposition"}},
+        {"watermark", {"水印", "Watermark", "Filigrane"}},
+        {"title", {"标题", "Title", "Titre"}},
+        {"caption", {"说明", "Caption", "Légende"}},
+        {"date", {"日期", "Date", "Date"}},
+    });
+    for (const auto &[id, name] : names) {
+        if (layer.id == QLatin1StringView(id)) {
+            return localized(name);
+        }
+    }
+    return localized({"文字", "Text", "Texte"});
+}
+
+Section::Section(const EditorContext &context, QWidget *parent)
+    : QWidget(parent), m_context(context), m_column(new QVBoxLayout(this))
+{
+    m_column->setContentsMargins(20, 0, 20, 16);
+    m_column->setSpacing(0);
+    m_column->setAlignment(Qt::AlignTop);
+    connect(&context.model, &EditorModel::changed, this, [this] {
+        if (isVisible()) {
+            refresh();
+        }
+    });
+}
+
+void Section::refresh()
+{
+    if (const PhotoItem *photo = model().current()) {
+        display(*photo);
+    }
+}
+
+void Section::showEvent(QShowEvent *event)
+{
+    refresh();
+    QWidget::showEvent(event);
+}
+
+void Section::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange && isVisible()) {
+        refresh();
+    }
+    QWidget::changeEvent(event);
+}
+
+void Section::addRule()
+{
+    m_column->addWidget(makeRule());
+}
+
+void Section::addHeading(Phrase phrase)
+{
+    auto *label = new Label(Type::Label, std::move(phrase));
+    QFont font = label->font();
+    font.setWeight(QFont::DemiBold);
+    label->setFont(font);
+    m_column->addWidget(label);
+    m_column->addSpacing(8);
+}
+
+void Section::addHint(const char *icon, Phrase phrase)
+{
+    m_column->addWidget(makeHint(icon, std::move(phrase)));
+}
+
+} // namespace tarnovel

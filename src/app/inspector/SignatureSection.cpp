@@ -1,0 +1,110 @@
+#include "app/inspector/SignatureSection.h"
+
+#include <QBoxLayout>
+
+#include "app/inspector/PictureWell.h"
+#include "app/kit/Button.h"
+#include "app/kit/Slider.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr double usualWidth = 0.42;
+constexpr double usualX = 0.5;
+constexpr double usualY = 0.9;
+
+Slider::Range position(double usual)
+{
+    return {.low = 0,
+            .high = 100,
+            .step = 1,
+            .decimals = 0,
+            .unit = {},
+            .usual = usual * 100,
+            .origin = SliderTrack::Origin::Centre};
+}
+
+} // namespace
+
+SignatureSection::SignatureSection(const EditorContext &context) : Section(context)
+{
+    m_well = new PictureWell;
+    column()->addWidget(m_well);
+    column()->addSpacing(12);
+    auto *row = new QHBoxLayout;
+    row->setSpacing(8);
+    m_write = new Button(Button::Kind::Secondary, {}, "signature");
+    m_write->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    m_remove =
+        new Button(Button::Kind::Secondary, said({"移除签名", "Remove signature", "Retirer la signature"}),
+                   "trash", Button::Face::IconOnly);
+    row->addWidget(m_write, 1);
+    row->addWidget(m_remove);
+    column()->addLayout(row);
+    m_controls = new QWidget;
+    auto *controls = new QVBoxLayout(m_controls);
+    controls->setContentsMargins(0, 12, 0, 0);
+    controls->setSpacing(8);
+    controls->addWidget(makeRule());
+    m_size = new Slider(
+        said({"大小", "Size", "Taille"}),
+        {.low = 2, .high = 100, .step = 1, .decimals = 0, .unit = u" %"_s, .usual = usualWidth * 100});
+    m_x = new Slider(said({"水平位置", "Horizontal position", "Position horizontale"}), position(usualX));
+    m_y = new Slider(said({"垂直位置", "Vertical position", "Position verticale"}), position(usualY));
+    for (Slider *slider : {m_size, m_x, m_y}) {
+        controls->addWidget(slider);
+        connect(slider, &Slider::released, this, [this] { edits().endSlide(); });
+    }
+    column()->addWidget(m_controls);
+    connect(m_write, &QPushButton::clicked, &context.state, &EditorState::signatureAsked);
+    connect(m_remove, &QPushButton::clicked, this, [this] {
+        edits().step([](FrameSettings &settings) {
+            settings.handwritingFile.reset();
+            settings.handwritingAspect.reset();
+            settings.handwritingX.reset();
+            settings.handwritingY.reset();
+            settings.handwritingWidth.reset();
+        });
+        model().loadPreview();
+    });
+    const auto slides = [this](Slider *slider, const QString &key,
+                               std::optional<double> FrameSettings::*field) {
+        connect(slider, &Slider::changed, this, [this, key, field](double value) {
+            edits().slide(key, [field, value](FrameSettings &settings) { settings.*field = value / 100; });
+        });
+    };
+    slides(m_size, u"signatureWidth"_s, &FrameSettings::handwritingWidth);
+    slides(m_x, u"signatureX"_s, &FrameSettings::handwritingX);
+    slides(m_y, u"signatureY"_s, &FrameSettings::handwritingY);
+}
+
+void SignatureSection::display(const PhotoItem &photo)
+{
+    const FrameSettings &settings = photo.settings;
+    const bool present = settings.handwritingFile.has_value();
+    m_well->setVisible(present);
+    m_remove->setVisible(present);
+    m_controls->setVisible(present);
+    m_write->setPhrase(present ? said({"重新书写…", "Write again…", "Réécrire…"})
+                               : said({"书写…", "Write…", "Écrire…"}));
+    if (present) {
+        m_well->setPicture(model().previews().handwriting);
+        m_size->setValue(settings.handwritingWidth.value_or(usualWidth) * 100);
+        m_x->setValue(settings.handwritingX.value_or(usualX) * 100);
+        m_y->setValue(settings.handwritingY.value_or(usualY) * 100);
+    }
+}
+
+void SignatureSection::reset()
+{
+    edits().step([](FrameSettings &settings) {
+        settings.handwritingX.reset();
+        settings.handwritingY.reset();
+        settings.handwritingWidth.reset();
+    });
+}
+
+} // namespace tarnovel

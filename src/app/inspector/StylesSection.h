@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/inspector/Section.h"
+
+namespace tarnovel {
+
+class CardGrid;
+class Label;
+class Switch;
+
+/// The styles that the user has saved.
+class StylesSection : public Section {
+    Q_OBJECT
+
+public:
+    explicit StylesSection(const EditorContext &context);
+    bool canReset() const override { return false; }
+
+protected:
+    void display(const PhotoItem &photo) override;
+
+private:
+    QImage card(int index, QSize roomPx) const;
+    void askDelete(int index);
+
+    CardGrid *m_grid;
+    QWidget *m_empty;
+    QWidget *m_deleteHint;
+    Switch *m_autoApply;
+};
+
+} // namespace tarnovel

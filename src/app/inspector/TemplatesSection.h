@@ -1,0 +1,25 @@
+#pragma once
+
+#include "app/inspector/Section.h"
+
+namespace tarnovel {
+
+class CardGrid;
+
+/// The built-in looks, each drawn with the selected photo.
+class TemplatesSection : public Section {
+    Q_OBJECT
+
+public:
+    explicit TemplatesSection(const EditorContext &context);
+    bool canReset() const override { return false; }
+
+protected:
+    void display(const PhotoItem &photo) override;
+
+private:
+    QImage card(int index, QSize roomPx) const;
+    CardGrid *m_grid;
+};
+
+} // namespace tarnovel

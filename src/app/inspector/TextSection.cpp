@@ -1,0 +1,259 @@
+#include "app/inspector/TextSection.h"
+
+#include <algorithm>
+#include <array>
+
+#include <QBoxLayout>
+#include <QUuid>
+
+#include "app/inspector/ColorDots.h"
+#include "app/inspector/LayerControls.h"
+#include "app/inspector/LayerList.h"
+#include "app/kit/Button.h"
+#include "app/kit/Field.h"
+#include "app/kit/Label.h"
+#include "app/kit/Segments.h"
+#include "app/kit/Theme.h"
+#include "render/CompositionRenderer.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr std::array faces = {"", "serif", "rounded", "mono", "handwritten"};
+
+/// Titles come first in the list, though the camera's texts are drawn first.
+QList<TextLayer> listed(const FrameSettings &settings)
+{
+    static const QStringList order = {u"title"_s, u"caption"_s, u"date"_s,     u"brand"_s,
+                                      u"model"_s, u"exif"_s,    u"watermark"_s};
+    QList<TextLayer> layers;
+    for (const QString &id : order) {
+        const TextLayer *layer = settings.layer(id);
+        // A logo with a picture has its own section.
+        if (layer && !layer->imageFile) {
+            layers.append(*layer);
+        }
+    }
+    for (const TextLayer &layer : settings.layers) {
+        if (!order.contains(layer.id)) {
+            layers.append(layer);
+        }
+    }
+    return layers;
+}
+
+bool isOwn(const QString &id)
+{
+    const QList<TextLayer> &known = defaultLayers();
+    return std::none_of(known.begin(), known.end(), [&id](const TextLayer &layer) { return layer.id == id; });
+}
+
+} // namespace
+
+int fontIndex(const TextLayer &layer)
+{
+    for (size_t i = 1; i < faces.size(); ++i) {
+        if (layer.fontStyle == QLatin1StringView(faces.at(i))) {
+            return static_cast<int>(i);
+        }
+    }
+    return 0;
+}
+
+std::optional<QString> fontAt(int index)
+{
+    return index == 0 ? std::nullopt
+                      : std::optional(QString::fromLatin1(faces.at(static_cast<size_t>(index))));
+}
+
+Segments *makeFontSegments()
+{
+    auto *segments = new Segments({said({"系统", "Sans", "Sans"}), said({"衬线", "Serif", "Serif"}),
+                                   said({"圆体", "Round", "Rond"}), said({"等宽", "Mono", "Mono"}),
+                                   said({"手写", "Hand", "Main"})});
+    segments->setAccessibleName(localized({"字体", "Font", "Police"}));
+    return segments;
+}
+
+TextSection::TextSection(const EditorContext &context) : Section(context)
+{
+    m_list = new LayerList;
+    column()->addWidget(m_list);
+    auto *add = new Button(Button::Kind::Link, said({"添加文字", "Add text", "Ajouter un texte"}), "plus");
+    column()->addSpacing(4);
+    column()->addWidget(add);
+    addRule();
+    m_editor = new QWidget;
+    column()->addWidget(m_editor);
+    addEditor();
+    connect(add, &QPushButton::clicked, this, &TextSection::addLayer);
+    connect(&context.state, &EditorState::layerChanged, this, [this] {
+        if (isVisible()) {
+            refresh();
+        }
+    });
+    connect(m_list, &Items::chosen, this, [this](int index) {
+        this->context().state.selectLayer(m_list->layers().at(index).id);
+        refresh();
+    });
+    connect(m_list, &LayerList::visibilityAsked, this, [this](int index) {
+        const QString id = m_list->layers().at(index).id;
+        edits().step(
+            [&id](FrameSettings &settings) { settings.layer(id)->visible = !settings.layer(id)->visible; });
+    });
+    connect(m_list, &Items::menuRequested, this, [this](int index) {
+        if (isOwn(m_list->layers().at(index).id)) {
+            this->context().state.selectLayer(m_list->layers().at(index).id);
+            removeLayer();
+        }
+    });
+}
+
+void TextSection::addEditor()
+{
+    auto *box = new QVBoxLayout(m_editor);
+    box->setContentsMargins(0, 0, 0, 0);
+    box->setSpacing(8);
+    box->addWidget(new Label(Type::Label, said({"内容", "Text", "Contenu"})));
+    m_text = new Field(said({"内容", "Text", "Contenu"}));
+    box->addWidget(m_text);
+    box->addSpacing(4);
+    box->addWidget(new Label(Type::Label, said({"字体", "Font", "Police"})));
+    m_font = makeFontSegments();
+    box->addWidget(m_font);
+    box->addWidget(makeRule());
+    m_shape = new LayerShape(context());
+    box->addWidget(m_shape);
+    auto *ink = new QHBoxLayout;
+    ink->setSpacing(16);
+    ink->addWidget(new Label(Type::Label, said({"颜色", "Color", "Couleur"})));
+    m_ink = new ColorDots(context().state, {});
+    m_ink->setAccessibleName(localized({"文字颜色", "Text color", "Couleur du texte"}));
+    ink->addWidget(m_ink, 1);
+    box->addLayout(ink);
+    box->addWidget(makeRule());
+    m_place = new LayerPlace(context());
+    box->addWidget(m_place);
+    m_remove = new Button(Button::Kind::DangerGhost, said({"删除文字", "Remove text", "Supprimer le texte"}),
+                          "trash");
+    box->addWidget(m_remove);
+
+    connect(m_text, &QLineEdit::textEdited, this, [this](const QString &text) {
+        edits().slide(u"text "_s + m_id, [this, text](FrameSettings &settings) {
+            TextLayer *layer = settings.layer(m_id);
+            // Whoever types into a hidden text wants to see it.
+            layer->visible = layer->visible || layer->text != text;
+            layer->text = text;
+        });
+    });
+    connect(m_text, &QLineEdit::editingFinished, this, [this] {
+        m_text->setModified(false);
+        edits().endSlide();
+    });
+    connect(m_font, &Items::chosen, this, [this](int index) {
+        edits().step(
+            [this, index](FrameSettings &settings) { settings.layer(m_id)->fontStyle = fontAt(index); });
+    });
+    connect(m_ink, &ColorDots::chosenColor, this, [this](const QColor &color) {
+        edits().step([this, &color](FrameSettings &settings) { settings.layer(m_id)->ink = inkOf(color); });
+    });
+    connect(m_ink, &ColorDots::dragged, this, [this](const QColor &color) {
+        edits().slide(u"ink "_s + m_id,
+                      [this, &color](FrameSettings &settings) { settings.layer(m_id)->ink = inkOf(color); });
+    });
+    connect(m_remove, &QPushButton::clicked, this, &TextSection::removeLayer);
+}
+
+QString TextSection::shownLayer(const PhotoItem &photo) const
+{
+    const std::optional<QString> &selected = context().state.selectedLayer();
+    if (selected && photo.settings.layer(*selected) && !photo.settings.layer(*selected)->imageFile) {
+        return *selected;
+    }
+    return photo.settings.layer(m_id) && !photo.settings.layer(m_id)->imageFile ? m_id : u"title"_s;
+}
+
+void TextSection::display(const PhotoItem &photo)
+{
+    const QList<TextLayer> layers = listed(photo.settings);
+    m_list->setLayers(layers);
+    m_id = shownLayer(photo);
+    const auto place = std::ranges::find(layers, m_id, &TextLayer::id);
+    m_list->setCurrent(static_cast<int>(place - layers.begin()));
+    const TextLayer *layer = photo.settings.layer(m_id);
+    m_editor->setVisible(layer);
+    if (!layer) {
+        return;
+    }
+    m_text->display(layer->text);
+    m_font->setCurrent(fontIndex(*layer));
+    m_shape->display(*layer);
+    m_place->display(photo, *layer);
+    QList<Swatches::Entry> inks = {{packedColor(0x0D0D0D), said({"黑", "Black", "Noir"})},
+                                   {packedColor(0x6E6D68), said({"灰", "Grey", "Gris"})},
+                                   {packedColor(0xFFFFFF), said({"白", "White", "Blanc"})}};
+    for (const Ink &ink :
+         model().previews().palette.first(std::min<qsizetype>(2, model().previews().palette.size()))) {
+        inks.append(
+            {CompositionRenderer::opaque(ink), said({"照片主色", "Photo color", "Couleur de la photo"})});
+    }
+    m_ink->setEntries(inks);
+    m_ink->setColor(CompositionRenderer::opaque(layer->ink));
+    m_remove->setVisible(isOwn(m_id));
+}
+
+void TextSection::editText()
+{
+    refresh();
+    m_text->setFocus(Qt::OtherFocusReason);
+    m_text->selectAll();
+}
+
+void TextSection::addLayer()
+{
+    TextLayer layer;
+    layer.id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    layer.text = localized({"文字", "Text", "Texte"});
+    layer.visible = true;
+    layer.size = 0.034;
+    edits().step([&layer](FrameSettings &settings) { settings.layers.append(layer); });
+    context().state.selectLayer(layer.id);
+    editText();
+}
+
+void TextSection::removeLayer()
+{
+    const std::optional<QString> &selected = context().state.selectedLayer();
+    const QString id = selected ? *selected : m_id;
+    if (!isOwn(id)) {
+        return;
+    }
+    context().state.selectLayer({});
+    edits().step([&id](FrameSettings &settings) {
+        settings.layers.removeIf([&id](const TextLayer &layer) { return layer.id == id; });
+    });
+}
+
+void TextSection::reset()
+{
+    edits().step([this](FrameSettings &settings) {
+        TextLayer *layer = settings.layer(m_id);
+        TextLayer fresh;
+        for (const TextLayer &known : defaultLayers()) {
+            if (known.id == m_id) {
+                fresh = known;
+            }
+        }
+        if (layer) {
+            fresh.id = layer->id;
+            fresh.text = layer->text;
+            fresh.visible = layer->visible;
+            *layer = fresh;
+        }
+    });
+}
+
+} // namespace tarnovel
