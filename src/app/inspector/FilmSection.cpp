@@ -75,10 +75,12 @@ FilmSection::FilmSection(const EditorContext &context) : Section(context)
     addEdges(film);
     column()->addWidget(m_film);
     connect(m_format, &Items::chosen, this, [this](int index) {
-        change([index](FilmOptions &film) { film.format = filmFormats.at(static_cast<size_t>(index)); });
+        change(
+            [index](FilmOptions &options) { options.format = filmFormats.at(static_cast<size_t>(index)); });
     });
-    connect(m_stocks, &StockPicker::chosen, this,
-            [this](const QString &stock) { change([stock](FilmOptions &film) { film.stock = stock; }); });
+    connect(m_stocks, &StockPicker::chosen, this, [this](const QString &stock) {
+        change([stock](FilmOptions &options) { options.stock = stock; });
+    });
 }
 
 void FilmSection::addEdges(QVBoxLayout *box)

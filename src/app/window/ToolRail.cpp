@@ -1,0 +1,79 @@
+#include "app/window/ToolRail.h"
+
+#include <QPainter>
+
+#include "app/kit/Icons.h"
+#include "app/kit/Theme.h"
+
+namespace tarnovel {
+
+namespace {
+
+constexpr QSize item(72, 56);
+constexpr int topMargin = 4;
+constexpr int groupGap = 13;
+
+const ToolRow &rowAt(int index)
+{
+    return toolRows.at(static_cast<size_t>(index));
+}
+
+} // namespace
+
+ToolRail::ToolRail(EditorState &state) : Items(Arrows::Choose), m_state(state)
+{
+    setFixedWidth(sizeHint().width());
+    setAccessibleName(localized({"工具", "Tools", "Outils"}));
+    setCurrent(static_cast<int>(state.tool()));
+    connect(this, &Items::chosen, this, [this](int index) { m_state.setTool(rowAt(index).tool); });
+    connect(&state, &EditorState::toolChanged, this,
+            [this] { setCurrent(static_cast<int>(m_state.tool())); });
+}
+
+QRect ToolRail::itemRect(int index) const
+{
+    int y = topMargin + index * item.height();
+    for (int i = 0; i <= index; ++i) {
+        y += rowAt(i).beginsGroup ? groupGap : 0;
+    }
+    return {(width() - item.width()) / 2, y, item.width(), item.height()};
+}
+
+QString ToolRail::itemName(int index) const
+{
+    return localized(rowAt(index).title);
+}
+
+void ToolRail::paintGround(QPainter &painter)
+{
+    painter.fillRect(rect(), theme().surface);
+    Paint::hairline(painter, QPointF(0, 0), QPointF(0, height()));
+    for (int i = 0; i < count(); ++i) {
+        if (rowAt(i).beginsGroup) {
+            const double y = itemRect(i).top() - groupGap / 2.0;
+            Paint::hairline(painter, QPointF(16, y), QPointF(width() - 16, y));
+        }
+    }
+}
+
+void ToolRail::paintItem(QPainter &painter, int index, const State &state)
+{
+    const Theme &look = theme();
+    const QRectF box = itemRect(index);
+    if (state.chosen) {
+        Paint::rounded(painter, box, 8, look.selection);
+    } else if (state.hovered) {
+        Paint::rounded(painter, box, 8, state.pressed ? look.pressed() : look.hover());
+    }
+    if (state.focused) {
+        Paint::outline(painter, box.adjusted(1, 1, -1, -1), 7, look.accent, 2);
+    }
+    const QColor color = state.chosen ? look.accent : state.hovered ? look.ink : look.inkSecondary;
+    Icons::draw(painter, rowAt(index).icon, {box.center().x() - 10, box.top() + 8}, 20, color);
+    painter.setFont(typeFont(state.chosen ? Type::CaptionStrong : Type::Caption));
+    painter.setPen(color);
+    painter.drawText(QRectF(box.left() - 4, box.top() + 32, box.width() + 8, 18), Qt::AlignCenter,
+                     itemName(index));
+}
+
+} // namespace tarnovel
