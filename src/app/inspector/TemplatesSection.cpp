@@ -3,7 +3,7 @@
 #include <QBoxLayout>
 
 #include "app/kit/CardGrid.h"
-#include "render/BuiltInTemplates.h"
+#include "render/BuiltInTemplate.h"
 
 using namespace Qt::StringLiterals;
 

@@ -37,30 +37,28 @@ TopBar::TopBar(const Actions &actions)
     row->setSpacing(4);
     m_left = new QWidget;
     QHBoxLayout *left = rowIn(m_left, 4);
-    left->addWidget(addButton(actions.add, false));
-    left->addWidget(addButton(actions.collage, false));
+    left->addWidget(addButton(actions.add, "plus", false));
+    left->addWidget(addButton(actions.collage, "collage", false));
     row->addWidget(m_left);
     row->addStretch();
     m_history = new QWidget;
     QHBoxLayout *history = rowIn(m_history, 4);
-    history->addWidget(addButton(actions.undo, true));
-    history->addWidget(addButton(actions.redo, true));
+    history->addWidget(addButton(actions.undo, "undo", true));
+    history->addWidget(addButton(actions.redo, "redo", true));
     history->addSpacing(17);
     row->addWidget(m_history);
-    row->addWidget(addButton(actions.guide, true));
-    row->addWidget(addButton(actions.settings, true));
+    row->addWidget(addButton(actions.guide, "help", true));
+    row->addWidget(addButton(actions.settings, "settings", true));
     row->addSpacing(12);
-    m_export = addButton(actions.exporting, false, true);
+    m_export = addButton(actions.exporting, "export", false, true);
     row->addWidget(m_export);
 }
 
-Button *TopBar::addButton(QAction *action, bool iconOnly, bool primary)
+Button *TopBar::addButton(QAction *action, const char *icon, bool iconOnly, bool primary)
 {
     auto *button = new Button(
-        primary ? Button::Kind::Primary : Button::Kind::Ghost, [action] { return action->text(); }, nullptr,
+        primary ? Button::Kind::Primary : Button::Kind::Ghost, [action] { return action->text(); }, icon,
         iconOnly ? Button::Face::IconOnly : Button::Face::Text);
-    // The names of icons are literals of the table of actions, which outlive the bar.
-    button->setIconName(static_cast<const char *>(action->property("iconName").value<void *>()));
     if (iconOnly && !action->shortcut().isEmpty()) {
         button->setKeyHint(action->shortcut().toString(QKeySequence::NativeText));
     }

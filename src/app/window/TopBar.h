@@ -1,7 +1,5 @@
 #pragma once
 
-#include <map>
-
 #include <QWidget>
 
 class QAction;
@@ -37,7 +35,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Button *addButton(QAction *action, bool iconOnly, bool primary = false);
+    Button *addButton(QAction *action, const char *icon, bool iconOnly, bool primary = false);
 
     QWidget *m_left;
     QWidget *m_history;

@@ -1,0 +1,311 @@
+#include "app/window/HomeScreen.h"
+
+#include <algorithm>
+#include <array>
+
+#include <QBoxLayout>
+#include <QDateTime>
+#include <QEvent>
+#include <QFileInfo>
+#include <QLocale>
+#include <QPainter>
+
+#include "app/Wording.h"
+#include "app/inspector/Section.h"
+#include "app/kit/Button.h"
+#include "app/kit/CardGrid.h"
+#include "app/kit/Label.h"
+#include "app/kit/Shadow.h"
+#include "app/kit/Switch.h"
+#include "app/kit/Theme.h"
+#include "model/LibraryPaths.h"
+#include "pipeline/PlacedPhoto.h"
+#include "render/BuiltInTemplate.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr QSize dropCard(944, 416);
+constexpr int continueHeight = 96;
+constexpr int topDistance = 104;
+constexpr int cardGap = 24;
+constexpr int sideMargin = 24;
+constexpr int shownPhotos = 6;
+
+class Card : public QWidget {
+public:
+    explicit Card(bool dashed) : m_dashed(dashed) {}
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        Paint::rounded(painter, rect(), 16, theme().surface);
+        if (!m_dashed) {
+            Paint::outline(painter, rect(), 16, theme().hairline);
+            return;
+        }
+        QPen pen(theme().controlLine, 1);
+        pen.setDashPattern({3, 3});
+        painter.setPen(pen);
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 16, 16);
+    }
+
+private:
+    bool m_dashed;
+};
+
+struct Sample {
+    const char *file;
+    BuiltInTemplate look;
+    const char *title;
+    const char *caption;
+    QSize box;
+    /// Centre in the picture's room of 380 × 300, and rotation in degrees.
+    QPointF centre;
+    double degrees;
+};
+
+constexpr std::array<Sample, 3> samples = {
+    {{"ridges", BuiltInTemplate::plain, "", "", {170, 220}, {78, 150}, -6},
+     {"leaves", BuiltInTemplate::tone, "", "", {170, 220}, {300, 140}, 6},
+     {"stairs", BuiltInTemplate::gallery, "White wall", "Oia, 2024", {187, 249}, {188, 150}, 0}}};
+
+QImage framed(const Sample &sample, double ratio)
+{
+    const QImage photo(u":/tarnovel/"_s + QString::fromLatin1(sample.file) + u".jpg"_s);
+    PhotoItem item;
+    item.width = photo.width();
+    item.height = photo.height();
+    item.settings.layer(u"title"_s)->text = QString::fromLatin1(sample.title);
+    item.settings.layer(u"caption"_s)->text = QString::fromLatin1(sample.caption);
+    item.settings = BuiltInTemplates::make(sample.look, item.settings, {{0.49, 0.64, 0.33}});
+    const QSize canvas = (QSizeF(sample.box) * ratio).toSize();
+    QImage image(canvas, QImage::Format_RGB32);
+    QPainter painter(&image);
+    const PhotoPlacement placement = CompositionRenderer::photoPlacement(item, item.settings, canvas);
+    CompositionRenderer::draw(painter, item, item.settings, canvas,
+                              {.photo = placedPhoto(photo, placement, canvas)});
+    painter.end();
+    image.setDevicePixelRatio(ratio);
+    return image;
+}
+
+/// "yesterday, 18:40", in the current language.
+QString spokenTime(const QDateTime &time)
+{
+    const qint64 days = time.date().daysTo(QDate::currentDate());
+    const QString clock = time.toString(u"HH:mm"_s);
+    if (days == 0) {
+        return localized({"今天 ", "today, ", "aujourd’hui, "}) + clock;
+    }
+    if (days == 1) {
+        return localized({"昨天 ", "yesterday, ", "hier, "}) + clock;
+    }
+    return time.toString(u"yyyy.MM.dd"_s) + u' ' + clock;
+}
+
+} // namespace
+
+SampleFrames::SampleFrames(QWidget *parent) : QWidget(parent)
+{
+    setFixedSize(380, 300);
+}
+
+void SampleFrames::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+}
+
+void SampleFrames::paintEvent(QPaintEvent *)
+{
+    if (m_ratio != devicePixelRatioF()) {
+        m_ratio = devicePixelRatioF();
+        m_frames.clear();
+        for (const Sample &sample : samples) {
+            m_frames.append(framed(sample, m_ratio));
+        }
+    }
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    for (size_t i = 0; i < samples.size(); ++i) {
+        const Sample &sample = samples.at(i);
+        painter.save();
+        painter.translate(sample.centre);
+        painter.rotate(sample.degrees);
+        const QRectF box(QPointF(-sample.box.width() / 2.0, -sample.box.height() / 2.0), QSizeF(sample.box));
+        drawShadow(painter, box, 0, Elevation::Frame);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.drawImage(box, m_frames.at(static_cast<qsizetype>(i)));
+        Paint::outline(painter, box, 0, theme().rim);
+        painter.restore();
+    }
+}
+
+SessionRow::SessionRow(const EditorContext &context) : m_context(context)
+{
+    setFixedSize(344, 60);
+    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
+        if (key.startsWith(u"photo "_s)) {
+            update();
+        }
+    });
+}
+
+void SessionRow::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    double x = width();
+    const QList<PhotoItem> &photos = m_context.model.photos();
+    const QSize room = (QSizeF(80, 56) * devicePixelRatioF()).toSize();
+    for (qsizetype i = std::min<qsizetype>(photos.size(), shownPhotos) - 1; i >= 0; --i) {
+        const PhotoItem &photo = photos.at(i);
+        const QSizeF tile = QSizeF(Thumbnails::canvasIn(room, photo)) / devicePixelRatioF();
+        if (x - tile.width() < 0) {
+            break;
+        }
+        const QRectF box(x - tile.width(), (height() - 56) / 2.0, tile.width(), 56);
+        Paint::rounded(painter, box, 4, theme().surfaceMuted);
+        const QImage image = m_context.thumbnails.image(u"photo "_s + photo.id.toString(), photo, room);
+        if (!image.isNull()) {
+            paintFramed(painter, image, box, false);
+        }
+        x = box.left() - 8;
+    }
+}
+
+HomeScreen::HomeScreen(const EditorContext &context)
+    : m_context(context),
+      m_drop(makeDropCard()),
+      m_continue(makeContinueCard()),
+      m_privacy(makeHint(
+          "lock", said({"照片均在本机处理。导出文件不含 GPS 信息，也没有应用水印。",
+                        "Images are processed locally. Exports contain no GPS metadata or app watermark.",
+                        "Images traitées localement. Les exports ne contiennent ni données GPS ni "
+                        "filigrane."})))
+{
+    for (QWidget *part : {m_drop, m_continue, m_privacy}) {
+        part->setParent(this);
+    }
+    refresh();
+}
+
+QWidget *HomeScreen::makeDropCard()
+{
+    auto *card = new Card(true);
+    auto *row = new QHBoxLayout(card);
+    row->setContentsMargins(40, 24, 40, 24);
+    row->setSpacing(24);
+    row->addWidget(new SampleFrames);
+    auto *column = new QVBoxLayout;
+    column->setSpacing(0);
+    column->addStretch();
+    column->addWidget(new Label(
+        Type::Display, said({"把照片拖到这里", "Drop photos to frame them", "Déposez vos photos ici"})));
+    column->addSpacing(12);
+    auto *what = new Label(Type::Body,
+                           said({"一次最多 50 张，一套统一的边框。\nJPEG、HEIC、PNG 等格式。",
+                                 "Up to 50 photos, one consistent frame.\nJPEG, HEIC, PNG and more.",
+                                 "Jusqu’à 50 photos, un cadre cohérent.\nJPEG, HEIC, PNG et d’autres."}),
+                           Label::Tone::Secondary);
+    QFont font = typeFont(Type::Body);
+    font.setPixelSize(14);
+    what->setFont(font);
+    column->addWidget(what);
+    column->addSpacing(24);
+    m_add = new Button(Button::Kind::Primary, said({"添加照片", "Add photos", "Ajouter des photos"}), "plus");
+    m_add->setHeight(40);
+    m_add->setKeyHint(Wording::local(u"⌘O"_s));
+    connect(m_add, &QPushButton::clicked, &m_context.state, &EditorState::addPhotosAsked);
+    column->addWidget(m_add, 0, Qt::AlignLeft);
+    column->addSpacing(16);
+    m_autoApply = new Switch(said({"新照片使用上次的风格", "Apply last style to new photos",
+                                   "Appliquer le dernier style aux nouvelles photos"}),
+                             Switch::Side::TextRight);
+    connect(m_autoApply, &Switch::toggledByUser, &m_context.model, &EditorModel::setAutoApplyLastStyle);
+    column->addWidget(m_autoApply);
+    column->addStretch();
+    row->addLayout(column, 1);
+    return card;
+}
+
+QWidget *HomeScreen::makeContinueCard()
+{
+    auto *card = new Card(false);
+    auto *row = new QHBoxLayout(card);
+    row->setContentsMargins(24, 0, 16, 0);
+    row->setSpacing(16);
+    auto *column = new QVBoxLayout;
+    column->setSpacing(2);
+    column->addStretch();
+    column->addWidget(new Label(
+        Type::Heading, said({"继续上次编辑", "Continue last edit", "Reprendre la dernière édition"})));
+    m_summary = new Label(Type::Body, {}, Label::Tone::Secondary);
+    column->addWidget(m_summary);
+    column->addStretch();
+    row->addLayout(column, 1);
+    row->addWidget(new SessionRow(m_context));
+    auto *go = new Button(Button::Kind::Secondary, said({"继续", "Continue", "Reprendre"}));
+    connect(go, &QPushButton::clicked, this, &HomeScreen::continueAsked);
+    row->addWidget(go);
+    return card;
+}
+
+QWidget *HomeScreen::addButton() const
+{
+    return m_add;
+}
+
+void HomeScreen::refresh()
+{
+    const qsizetype count = m_context.model.photos().size();
+    m_continue->setVisible(count > 0);
+    m_autoApply->show(m_context.model.autoApplyLastStyle());
+    const QFileInfo document(m_context.model.libraryFolder() + u'/' + LibraryPaths::sessionFileName());
+    m_summary->setPhrase([count, time = document.lastModified()] {
+        const QString photos = count == 1
+                                   ? localized({"1 张照片", "1 photo", "1 photo"})
+                                   : QString::number(count) + localized({" 张照片", " photos", " photos"});
+        return time.isValid() ? photos + u" · "_s + spokenTime(time) : photos;
+    });
+    place();
+}
+
+void HomeScreen::place()
+{
+    const int wide = std::min(dropCard.width(), width() - 2 * sideMargin);
+    const bool two = !m_continue->isHidden();
+    const int needed = dropCard.height() + (two ? cardGap + continueHeight : 0);
+    const int room = height() - 56;
+    const int top = std::max(std::min(topDistance, (room - needed) / 2), 16);
+    const int left = (width() - wide) / 2;
+    m_drop->setGeometry(left, top, wide, dropCard.height());
+    m_continue->setGeometry(left, top + dropCard.height() + cardGap, wide, continueHeight);
+    const QSize privacy = m_privacy->sizeHint();
+    const int privacyWidth = std::min(620, width() - 2 * sideMargin);
+    m_privacy->setGeometry((width() - privacyWidth) / 2 + 40, height() - 40, privacyWidth, privacy.height());
+}
+
+void HomeScreen::resizeEvent(QResizeEvent *event)
+{
+    place();
+    QWidget::resizeEvent(event);
+}
+
+void HomeScreen::showEvent(QShowEvent *event)
+{
+    refresh();
+    QWidget::showEvent(event);
+}
+
+void HomeScreen::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), theme().canvas);
+}
+
+} // namespace tarnovel

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QImage>
+#include <QList>
+
+#include "app/EditorContext.h"
+
+namespace tarnovel {
+
+class Button;
+class Label;
+class Switch;
+
+/// Three framed photos that show what the program does.
+class SampleFrames : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit SampleFrames(QWidget *parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    QList<QImage> m_frames;
+    double m_ratio = 0;
+};
+
+/// The first photos of the stored session, small.
+class SessionRow : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit SessionRow(const EditorContext &context);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    EditorContext m_context;
+};
+
+/// What the window shows before there is something to edit: where photos are dropped, and the last session.
+class HomeScreen : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit HomeScreen(const EditorContext &context);
+
+    /// Offers the stored session again.
+    void refresh();
+    QWidget *addButton() const;
+
+Q_SIGNALS:
+    void continueAsked();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    QWidget *makeDropCard();
+    QWidget *makeContinueCard();
+    void place();
+
+    EditorContext m_context;
+    QWidget *m_drop;
+    QWidget *m_continue;
+    QWidget *m_privacy;
+    Button *m_add;
+    Switch *m_autoApply;
+    Label *m_summary;
+};
+
+} // namespace tarnovel
