@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QStringList>
+
+/// Handing finished files to the rest of the desktop.
+namespace tarnovel::Sharing {
+
+/// Puts the files on the clipboard, to be pasted into a folder or a message.
+void copyFiles(const QStringList &files);
+
+/// Opens the file manager on the folder, with the files marked where it can do that.
+void showInFolder(const QString &folder, const QStringList &files);
+
+/// Whether the desktop has a portal that writes e-mails.
+bool canSendMail();
+/// Opens a new message with the files attached.
+void sendMail(const QStringList &files);
+
+} // namespace tarnovel::Sharing

@@ -1,0 +1,389 @@
+#include "app/export/ExportPanel.h"
+
+#include <utility>
+
+#include <QBoxLayout>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QEvent>
+#include <QPainter>
+#include <QStandardPaths>
+#include <QUrl>
+
+#include "app/Wording.h"
+#include "app/export/SizeChoice.h"
+#include "app/inspector/Section.h"
+#include "app/kit/Button.h"
+#include "app/kit/Label.h"
+#include "app/kit/ProgressBar.h"
+#include "app/kit/ScrollArea.h"
+#include "app/kit/Segments.h"
+#include "app/kit/Theme.h"
+#include "export/ExportNames.h"
+#include "export/ExportReviewPolicy.h"
+#include "pipeline/ExportOptions.h"
+#include "pipeline/PipelineError.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr int panelWidth = 384;
+constexpr int inset = 24;
+constexpr int headerHeight = 56;
+
+QString sizeText(const PhotoItem &photo, const ExportOptions &options, bool &tooLarge)
+{
+    try {
+        const QSize canvas = outputCanvas(photo, options);
+        return u"%1 × %2"_s.arg(canvas.width()).arg(canvas.height());
+    } catch (const PipelineFailure &) {
+        tooLarge = true;
+        return localized({"过大", "Too large", "Trop grand"});
+    }
+}
+
+} // namespace
+
+ExportPanel::ExportPanel(const EditorContext &context, const FileChooser &chooser, PhotoLibrary &library)
+    : m_context(context),
+      m_chooser(chooser),
+      m_folder(context.pipeline),
+      m_library(context.pipeline, library),
+      m_choices(ExportChoices::stored(context.preferences))
+{
+    setFixedWidth(panelWidth);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(1, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(makeHeader());
+    m_options = new QWidget;
+    auto *options = new QVBoxLayout(m_options);
+    options->setContentsMargins(inset, 0, inset, 16);
+    options->setSpacing(0);
+    addOptions(options);
+    auto *area = new ScrollArea;
+    area->setWidget(m_options);
+    column->addWidget(area, 1);
+    column->addWidget(makeFooter());
+    connect(&m_folder, &FolderExport::changed, this, &ExportPanel::folderChanged);
+    connect(&m_library, &LibraryExport::changed, this, &ExportPanel::libraryChanged);
+    connect(&m_library, &LibraryExport::succeeded, this, [this] {
+        // Where there is a store to rate in, this is the moment to ask; here there is none.
+        ExportReviewPolicy::recordSuccess(m_context.preferences, QStringLiteral(TARNOVEL_VERSION),
+                                          QCoreApplication::arguments(),
+                                          QProcessEnvironment::systemEnvironment());
+        Q_EMIT exportedToLibrary();
+    });
+    connect(&context.model, &EditorModel::changed, this, [this] {
+        if (isVisible()) {
+            refresh();
+        }
+    });
+    refresh();
+}
+
+QWidget *ExportPanel::makeHeader()
+{
+    auto *header = new QWidget;
+    header->setFixedHeight(headerHeight);
+    auto *row = new QHBoxLayout(header);
+    row->setContentsMargins(inset, 0, 16, 0);
+    row->addWidget(new Label(Type::Heading, said({"导出", "Export", "Exporter"})), 1);
+    auto *close =
+        new Button(Button::Kind::Ghost, said({"关闭", "Close", "Fermer"}), "close", Button::Face::IconOnly);
+    connect(close, &QPushButton::clicked, this, &ExportPanel::closeAsked);
+    row->addWidget(close);
+    return header;
+}
+
+void ExportPanel::addOptions(QVBoxLayout *column)
+{
+    const auto group = [column](Phrase title, QWidget *control, Label *note = nullptr) {
+        auto *row = new QHBoxLayout;
+        row->addWidget(new Label(Type::Label, std::move(title)), 1);
+        if (note) {
+            note->setWordWrap(false);
+            row->addWidget(note);
+        }
+        column->addLayout(row);
+        column->addSpacing(8);
+        column->addWidget(control);
+        column->addSpacing(24);
+    };
+    m_destination =
+        new Segments({said({"文件夹", "Folder", "Dossier"}), said({"图片", "Pictures", "Images"})});
+    m_destination->setAccessibleName(localized({"位置", "Destination", "Destination"}));
+    group(said({"位置", "Destination", "Destination"}), m_destination);
+    m_which = new Segments({[this] {
+                                return localized({"全部 ", "All ", "Les "}) +
+                                       QString::number(m_context.model.photos().size()) +
+                                       localized({" 张", " photos", " photos"});
+                            },
+                            said({"仅这一张", "This photo", "Cette photo"})});
+    m_which->setAccessibleName(localized({"照片", "Photos", "Photos"}));
+    group(said({"照片", "Photos", "Photos"}), m_which);
+    m_size = new SizeChoice;
+    m_size->setAccessibleName(ExportTexts::sizeGroup());
+    group([] { return ExportTexts::sizeGroup(); }, m_size);
+    m_format = new Segments({[] { return u"JPEG"_s; }, [] { return u"PNG"_s; }});
+    m_format->setAccessibleName(ExportTexts::formatGroup());
+    group([] { return ExportTexts::formatGroup(); }, m_format);
+    std::vector<Phrase> limits;
+    for (qsizetype i = 0; i < ExportTexts::limits().size(); ++i) {
+        limits.emplace_back([i] { return ExportTexts::limits().at(i).label; });
+    }
+    m_limit = new Segments(std::move(limits));
+    m_limit->setAccessibleName(ExportTexts::limitGroup());
+    m_limitNote =
+        new Label(Type::Label, said({"仅 JPEG", "JPEG only", "JPEG seulement"}), Label::Tone::Secondary);
+    group([] { return ExportTexts::limitGroup(); }, m_limit, m_limitNote);
+    column->addWidget(makeRule());
+    auto *file = makeHint("image", [this] {
+        const PhotoItem *photo = m_context.model.current();
+        return photo ? ExportNames::fileName(photo->name, m_choices.png ? u"png"_s : u"jpg"_s, 1) : QString();
+    });
+    m_fileName = file->findChild<Label *>();
+    column->addWidget(file);
+    column->addSpacing(4);
+    column->addWidget(makeHint("lock", [] { return ExportTexts::privacy(); }));
+    column->addStretch();
+
+    connect(m_destination, &Items::chosen, this, [this](int index) {
+        // The photo library's choices have no memory.
+        m_choices = index == 1 ? ExportChoices::forSheet() : ExportChoices::stored(m_context.preferences);
+        refresh();
+    });
+    connect(m_which, &Items::chosen, this,
+            [this](int index) { choose([index](ExportChoices &choices) { choices.all = index == 0; }); });
+    connect(m_size, &Items::chosen, this, [this](int index) {
+        choose([index](ExportChoices &choices) {
+            choices.resolution = static_cast<int>(ExportTexts::sizes().at(index).value);
+        });
+    });
+    connect(m_format, &Items::chosen, this,
+            [this](int index) { choose([index](ExportChoices &choices) { choices.png = index == 1; }); });
+    connect(m_limit, &Items::chosen, this, [this](int index) {
+        choose([index](ExportChoices &choices) { choices.maxMB = ExportTexts::limits().at(index).value; });
+    });
+}
+
+QWidget *ExportPanel::makeFooter()
+{
+    auto *footer = new QWidget;
+    auto *column = new QVBoxLayout(footer);
+    column->setContentsMargins(inset, 16, inset, 16);
+    column->setSpacing(12);
+    m_error = new Label(Type::Body, {}, Label::Tone::Danger);
+    column->addWidget(m_error);
+    m_openSettings = new Button(Button::Kind::Secondary, [] { return LibraryExport::openSettingsText(); });
+    column->addWidget(m_openSettings, 0, Qt::AlignLeft);
+    m_progressBox = new QWidget;
+    auto *box = new QVBoxLayout(m_progressBox);
+    box->setContentsMargins(0, 0, 0, 0);
+    box->setSpacing(12);
+    auto *names = new QHBoxLayout;
+    m_status = new Label(Type::BodyStrong, {});
+    m_photo = new Label(Type::Label, {}, Label::Tone::Secondary);
+    m_photo->setWordWrap(false);
+    names->addWidget(m_status, 1);
+    names->addWidget(m_photo);
+    box->addLayout(names);
+    m_bar = new ProgressBar;
+    box->addWidget(m_bar);
+    auto *below = new QHBoxLayout;
+    m_note = new Label(Type::Label, {}, Label::Tone::Secondary);
+    below->addWidget(m_note, 1);
+    m_cancel = new Button(Button::Kind::Secondary, [] { return ExportTexts::cancelButton(); });
+    below->addWidget(m_cancel);
+    box->addLayout(below);
+    column->addWidget(m_progressBox);
+    m_start = new Button(Button::Kind::Primary, [this] {
+        return toLibrary() ? localized({"保存到“图片”", "Save to Pictures", "Enregistrer dans Images"})
+                           : ExportTexts::startButton(m_choices.photos(m_context.model).size());
+    });
+    m_start->setHeight(40);
+    m_start->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    column->addWidget(m_start);
+    connect(m_start, &QPushButton::clicked, this, &ExportPanel::start);
+    connect(m_cancel, &QPushButton::clicked, this, &ExportPanel::cancel);
+    connect(m_openSettings, &QPushButton::clicked, this, [] {
+        QDesktopServices::openUrl(
+            QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)));
+    });
+    return footer;
+}
+
+bool ExportPanel::toLibrary() const
+{
+    return m_destination->current() == 1;
+}
+
+bool ExportPanel::working() const
+{
+    return m_folder.working() || m_library.phase() == LibraryExport::Phase::Rendering ||
+           m_library.phase() == LibraryExport::Phase::Saving;
+}
+
+QString ExportPanel::progress() const
+{
+    if (!working()) {
+        return {};
+    }
+    const bool folder = m_folder.working();
+    return u"%1 / %2"_s.arg(folder ? m_folder.progress() : m_library.progress())
+        .arg(folder ? m_folder.total() : m_library.total());
+}
+
+void ExportPanel::open()
+{
+    if (!working()) {
+        m_choices = ExportChoices::stored(m_context.preferences);
+        m_destination->setCurrent(0);
+    }
+    refresh();
+    m_start->setFocus();
+}
+
+void ExportPanel::choose(const std::function<void(ExportChoices &)> &change)
+{
+    change(m_choices);
+    if (!toLibrary()) {
+        m_choices.store(m_context.preferences);
+    }
+    refresh();
+}
+
+void ExportPanel::refresh()
+{
+    m_destination->setCurrent(std::max(m_destination->current(), 0));
+    m_which->setCurrent(m_choices.all ? 0 : 1);
+    m_which->update();
+    m_format->setCurrent(m_choices.png ? 1 : 0);
+    QList<SizeChoice::Row> rows;
+    const PhotoItem *photo = m_context.model.current();
+    const QList<ExportTexts::Choice> sizes = ExportTexts::sizes();
+    for (qsizetype i = 0; i < sizes.size(); ++i) {
+        ExportChoices choice = m_choices;
+        choice.resolution = static_cast<int>(sizes.at(i).value);
+        bool tooLarge = false;
+        const QString pixels = photo ? sizeText(*photo, choice.options(), tooLarge) : QString();
+        rows.append({sizes.at(i).label, pixels, tooLarge});
+        if (choice.resolution == m_choices.resolution) {
+            m_size->setCurrent(static_cast<int>(i));
+        }
+    }
+    m_size->setRows(rows);
+    const QList<ExportTexts::Choice> limits = ExportTexts::limits();
+    for (qsizetype i = 0; i < limits.size(); ++i) {
+        if (limits.at(i).value == m_choices.maxMB) {
+            m_limit->setCurrent(static_cast<int>(i));
+        }
+    }
+    m_fileName->refresh();
+    m_start->refresh();
+    showRun();
+}
+
+void ExportPanel::showRun()
+{
+    const bool busy = working();
+    for (QWidget *option : {static_cast<QWidget *>(m_destination), static_cast<QWidget *>(m_which),
+                            static_cast<QWidget *>(m_size), static_cast<QWidget *>(m_format)}) {
+        option->setEnabled(!busy);
+    }
+    m_limit->setEnabled(!busy && !m_choices.png);
+    m_progressBox->setVisible(busy);
+    m_start->setVisible(!busy);
+    m_start->setEnabled(!busy && m_context.model.current());
+    const bool folder = m_folder.working();
+    const bool saving = m_library.phase() == LibraryExport::Phase::Saving;
+    const int done = folder ? m_folder.progress() : m_library.progress();
+    const int total = folder ? m_folder.total() : m_library.total();
+    m_status->setPhrase([saving, done, total] {
+        return saving ? Wording::local(LibraryExport::savingText()) : ExportTexts::progress(done, total);
+    });
+    m_bar->setRange(0, std::max(total, 1));
+    m_bar->setValue(done);
+    m_bar->setAccessibleName(m_status->text());
+    m_note->setPhrase([saving] {
+        return saving ? LibraryExport::savingHint()
+                      : localized({"可以继续编辑。", "You can keep editing meanwhile.",
+                                   "Vous pouvez continuer à éditer."});
+    });
+    m_cancel->setVisible(!saving);
+    const QString error = Wording::local(toLibrary() ? m_library.error() : m_folder.error());
+    m_error->setPhrase([error] { return error; });
+    m_error->setVisible(!busy && !error.isEmpty());
+    m_openSettings->setVisible(!busy && toLibrary() && m_library.denied());
+    Q_EMIT progressed();
+}
+
+void ExportPanel::start()
+{
+    const QList<PhotoItem> photos = m_choices.photos(m_context.model);
+    if (photos.isEmpty() || working()) {
+        return;
+    }
+    if (toLibrary()) {
+        m_library.start(photos, m_choices.options());
+        return;
+    }
+    m_chooser.folder(window(), [this](const QString &folder) {
+        if (!working()) {
+            m_folder.start(m_choices.photos(m_context.model), m_choices.options(), folder);
+        }
+    });
+}
+
+void ExportPanel::cancel()
+{
+    m_cancel->setEnabled(false);
+    if (m_folder.working()) {
+        m_folder.cancel();
+    } else {
+        m_library.cancel();
+    }
+}
+
+void ExportPanel::folderChanged()
+{
+    m_cancel->setEnabled(true);
+    showRun();
+    const std::optional<ExportResult> &result = m_folder.result();
+    if (result && result->id != m_lastResult) {
+        m_lastResult = result->id;
+        Q_EMIT exportedToFolder();
+    }
+    if (!m_folder.working() && !m_folder.error().isEmpty() && !isVisible()) {
+        m_context.state.say(Wording::local(m_folder.error()), Toast::Kind::Error);
+    }
+}
+
+void ExportPanel::libraryChanged()
+{
+    m_cancel->setEnabled(true);
+    showRun();
+}
+
+void ExportPanel::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange) {
+        m_size->setAccessibleName(ExportTexts::sizeGroup());
+        refresh();
+    }
+    QWidget::changeEvent(event);
+}
+
+void ExportPanel::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), theme().surface);
+    Paint::hairline(painter, QPointF(0, 0), QPointF(0, height()));
+    const int y = m_start->parentWidget()->geometry().top();
+    Paint::hairline(painter, QPointF(0, y), QPointF(width(), y));
+}
+
+} // namespace tarnovel

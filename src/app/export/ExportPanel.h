@@ -1,0 +1,85 @@
+#pragma once
+
+#include "app/EditorContext.h"
+#include "app/FileChooser.h"
+#include "export/ExportChoices.h"
+#include "export/FolderExport.h"
+#include "export/LibraryExport.h"
+
+class QVBoxLayout;
+
+namespace tarnovel {
+
+class Button;
+class Label;
+class ProgressBar;
+class Segments;
+class SizeChoice;
+
+/// Where the user says how and where to the photos go, and sees how far they are.
+class ExportPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    ExportPanel(const EditorContext &context, const FileChooser &chooser, PhotoLibrary &library);
+
+    /// As it is whenever it opens: the whole set, into a folder.
+    void open();
+    bool working() const;
+    /// "5 / 12" while a run is under way.
+    QString progress() const;
+    const FolderExport &folderExport() const { return m_folder; }
+    const LibraryExport &libraryExport() const { return m_library; }
+    void dismissResult() { m_folder.dismissResult(); }
+    QSize sizeHint() const override { return {384, 600}; }
+
+Q_SIGNALS:
+    void closeAsked();
+    void progressed();
+    /// Files have been written; the summary is in folderExport().
+    void exportedToFolder();
+    void exportedToLibrary();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    QWidget *makeHeader();
+    void addOptions(QVBoxLayout *column);
+    QWidget *makeFooter();
+    void refresh();
+    void showRun();
+    void choose(const std::function<void(ExportChoices &)> &change);
+    void start();
+    void cancel();
+    void folderChanged();
+    void libraryChanged();
+    bool toLibrary() const;
+
+    EditorContext m_context;
+    FileChooser m_chooser;
+    FolderExport m_folder;
+    LibraryExport m_library;
+    ExportChoices m_choices;
+    QUuid m_lastResult;
+    QWidget *m_options;
+    Segments *m_destination;
+    Segments *m_which;
+    SizeChoice *m_size;
+    Segments *m_format;
+    Segments *m_limit;
+    Label *m_limitNote;
+    Label *m_fileName;
+    Label *m_status;
+    Label *m_photo;
+    ProgressBar *m_bar;
+    Label *m_note;
+    Button *m_cancel;
+    Button *m_start;
+    Button *m_openSettings;
+    QWidget *m_progressBox;
+    Label *m_error;
+};
+
+} // namespace tarnovel

@@ -1,0 +1,167 @@
+#include "app/export/SuccessSheet.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QBoxLayout>
+#include <QDir>
+#include <QPainter>
+
+#include "app/Sharing.h"
+#include "app/Wording.h"
+#include "app/inspector/Section.h"
+#include "app/kit/Button.h"
+#include "app/kit/Icons.h"
+#include "app/kit/Label.h"
+#include "app/kit/Overlay.h"
+#include "app/kit/Shadow.h"
+#include "app/kit/Theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr int sheetWidth = 720;
+constexpr int thumbnailHeight = 152;
+constexpr int thumbnailGap = 24;
+constexpr int margin = 56;
+
+class Check : public QWidget {
+public:
+    Check() { setFixedSize(40, 40); }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        Paint::rounded(painter, rect(), 20, theme().selection);
+        Icons::draw(painter, "check", {12, 12}, 16, theme().accent);
+    }
+};
+
+class Thumbs : public QWidget {
+public:
+    explicit Thumbs(const QList<QImage> &images) : m_images(images) { setFixedHeight(thumbnailHeight + 56); }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        double total = (static_cast<double>(m_images.size()) - 1) * thumbnailGap;
+        QList<QSizeF> sizes;
+        for (const QImage &image : m_images) {
+            sizes.append(QSizeF(image.size()).scaled(QSizeF(192, thumbnailHeight), Qt::KeepAspectRatio));
+            total += sizes.last().width();
+        }
+        const double scale = std::min(1.0, width() / total);
+        double x = (width() - total * scale) / 2;
+        for (qsizetype i = 0; i < m_images.size(); ++i) {
+            const QSizeF size = sizes.at(i) * scale;
+            const QRectF box(x, 8 + (thumbnailHeight - size.height()) / 2, size.width(), size.height());
+            drawShadow(painter, box, 0, Elevation::Frame);
+            const QSize pixels = (size * devicePixelRatioF()).toSize();
+            painter.drawImage(box,
+                              m_images.at(i).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+            Paint::outline(painter, box, 0, theme().rim);
+            x += size.width() + thumbnailGap * scale;
+        }
+    }
+
+private:
+    QList<QImage> m_images;
+};
+
+/// A path as the user writes it.
+QString shortPath(const QString &folder)
+{
+    const QString home = QDir::homePath();
+    return folder.startsWith(home + u'/') ? u"~"_s + folder.mid(home.size()) : folder;
+}
+
+Label *centred(Label *label)
+{
+    label->setAlignment(Qt::AlignHCenter);
+    return label;
+}
+
+QHBoxLayout *buttons(Overlay *sheet, const Success &success, std::function<void(const QString &)> said)
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(12);
+    row->addStretch();
+    auto *folder = new Button(
+        Button::Kind::Secondary,
+        [] {
+            return Wording::local(localized({"在访达中显示", "Show in Finder", "Afficher dans le Finder"}));
+        },
+        "folder");
+    QObject::connect(folder, &QPushButton::clicked, sheet,
+                     [path = success.folder, files = success.files] { Sharing::showInFolder(path, files); });
+    auto *copy = new Button(Button::Kind::Secondary,
+                            tarnovel::said({"复制文件", "Copy files", "Copier les fichiers"}), "manage");
+    QObject::connect(copy, &QPushButton::clicked, sheet, [files = success.files, said = std::move(said)] {
+        Sharing::copyFiles(files);
+        said(localized({"文件已复制，可粘贴到任何地方。", "Files copied. Paste them anywhere.",
+                        "Fichiers copiés. Collez-les où vous voulez."}));
+    });
+    auto *done = new Button(Button::Kind::Primary, tarnovel::said({"完成", "Done", "Terminé"}));
+    QObject::connect(done, &QPushButton::clicked, sheet, &Overlay::close);
+    QList<Button *> list = {folder, copy};
+    if (Sharing::canSendMail()) {
+        auto *mail = new Button(Button::Kind::Secondary, tarnovel::said({"邮件…", "E-mail…", "E-mail…"}));
+        QObject::connect(mail, &QPushButton::clicked, sheet,
+                         [files = success.files] { Sharing::sendMail(files); });
+        list.append(mail);
+    }
+    list.append(done);
+    for (Button *button : list) {
+        button->setHeight(40);
+        row->addWidget(button);
+    }
+    row->addStretch();
+    done->setFocus();
+    return row;
+}
+
+} // namespace
+
+Overlay *showSuccess(QWidget *window, const Success &success, std::function<void(const QString &)> said)
+{
+    auto *sheet = new Overlay(Overlay::Kind::Sheet, window, success.heading);
+    QVBoxLayout *column = sheet->column();
+    column->setContentsMargins(margin, 40, margin, 40);
+    column->addWidget(new Check, 0, Qt::AlignHCenter);
+    column->addSpacing(12);
+    column->addWidget(centred(new Label(Type::Display, success.heading)));
+    column->addSpacing(4);
+    auto *path = new Label(
+        Type::Body, [text = shortPath(success.folder)] { return text; }, Label::Tone::Secondary);
+    column->addWidget(centred(path));
+    column->addSpacing(28);
+    if (!success.thumbnails.isEmpty()) {
+        column->addWidget(new Thumbs(success.thumbnails));
+    }
+    if (success.quote) {
+        const PhotographyQuote quote = *success.quote;
+        column->addWidget(centred(new Label(Type::Quote, [quote] {
+            return localized({"“", "“", "« "}) + quote.text(currentLanguage()) + localized({"”", "”", " »"});
+        })));
+        column->addSpacing(4);
+        column->addWidget(centred(new Label(
+            Type::Label, [quote] { return quote.author(currentLanguage()); }, Label::Tone::Secondary)));
+    }
+    column->addSpacing(32);
+    column->addLayout(buttons(sheet, success, std::move(said)));
+    sheet->setCardSize({sheetWidth, 0});
+    sheet->open();
+    for (Button *button : sheet->findChildren<Button *>()) {
+        if (button->accessibleName() == localized({"完成", "Done", "Terminé"})) {
+            button->setFocus();
+        }
+    }
+    return sheet;
+}
+
+} // namespace tarnovel

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include <QImage>
+#include <QStringList>
+
+#include "app/kit/Phrase.h"
+#include "language/PhotographyQuotes.h"
+
+class QWidget;
+
+namespace tarnovel {
+
+class Overlay;
+
+/// What the user sees after an export.
+struct Success {
+    Phrase heading;
+    QString folder;
+    QStringList files;
+    QList<QImage> thumbnails;
+    std::optional<PhotographyQuote> quote;
+};
+
+/// Opens the summary over the window, with what can be done with the files next.
+Overlay *showSuccess(QWidget *window, const Success &success, std::function<void(const QString &)> said);
+
+} // namespace tarnovel
