@@ -44,6 +44,31 @@ int longSide(QSizeF size)
     return static_cast<int>(std::ceil(std::min(std::max(size.width(), size.height()), longerThanAny)));
 }
 
+/// The part of a placed photo that lies on a canvas, in whole pixels of that.
+struct ShownPart {
+    QSize pixels;
+    /// Fractions of the whole photo.
+    QRectF extent;
+
+    QRectF region(QSizeF photo) const
+    {
+        return {extent.x() * photo.width(), extent.y() * photo.height(), extent.width() * photo.width(),
+                extent.height() * photo.height()};
+    }
+};
+
+ShownPart shownPart(const PhotoPlacement &placement, QSize canvas)
+{
+    const QRectF &whole = placement.whole;
+    const QRect pixels = (placement.shown & whole & QRectF({}, QSizeF(canvas))).toAlignedRect();
+    if (whole.isEmpty() || pixels.isEmpty()) {
+        return {};
+    }
+    return {pixels.size(),
+            {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
+             pixels.width() / whole.width(), pixels.height() / whole.height()}};
+}
+
 QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std::stop_token &stop)
 {
     QByteArray bytes;
@@ -147,6 +172,17 @@ QFuture<PhotoImage> ImagePipeline::readPlaced(const QString &file, const PhotoPl
     });
 }
 
+QFuture<PhotoImage> ImagePipeline::resamplePlaced(const QImage &photo, const PhotoPlacement &placement,
+                                                  QSize canvas, std::stop_token stop)
+{
+    return enqueue(std::move(stop), [photo, placement, canvas](const std::stop_token &) {
+        const ShownPart part = shownPart(placement, canvas);
+        return part.pixels.isEmpty()
+                   ? PhotoImage()
+                   : PhotoImage{resampled(photo, part.region(photo.size()), part.pixels), part.extent};
+    });
+}
+
 QFuture<ExportedFile> ImagePipeline::exportImage(const QImage &image, const ExportOptions &options,
                                                  std::stop_token stop)
 {
@@ -220,20 +256,13 @@ QList<Ink> ImagePipeline::colors(const QString &file, const std::stop_token &sto
 PhotoImage ImagePipeline::placed(const QString &file, const PhotoPlacement &placement, QSize canvas,
                                  const std::stop_token &stop) const
 {
-    const QRectF &whole = placement.whole;
-    const QRect pixels = (placement.shown & whole & QRectF({}, QSizeF(canvas))).toAlignedRect();
-    if (whole.isEmpty() || pixels.isEmpty()) {
+    const ShownPart part = shownPart(placement, canvas);
+    if (part.pixels.isEmpty()) {
         return {};
     }
-    PhotoImage photo;
-    photo.extent = {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
-                    pixels.width() / whole.width(), pixels.height() / whole.height()};
     const QString path = resolved(file);
-    const QSizeF source = readImageHeader(path).uprightSize();
-    const QRectF region(photo.extent.x() * source.width(), photo.extent.y() * source.height(),
-                        photo.extent.width() * source.width(), photo.extent.height() * source.height());
-    photo.image = decodeImageRegion(path, region, pixels.size(), stop);
-    return photo;
+    const QRectF region = part.region(readImageHeader(path).uprightSize());
+    return {decodeImageRegion(path, region, part.pixels, stop), part.extent};
 }
 
 CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
