@@ -111,6 +111,7 @@ public:
     /// The selected cell's frame. Without a selection the message asks for one.
     void setFrame(CellFrame frame);
     void copyFrame(CopyScope scope);
+    /// The selection goes with its photo.
     void swapCells(int slot, int other);
     /// Another photo in the cell's place; one that the collage has already changes places with it.
     void replacePhoto(int slot, const QUuid &photo);
@@ -172,6 +173,8 @@ private:
     CollageView view(const CollageDesign &design, const CollagePlan &plan) const;
     void adopt(const CollageDesign &design);
     bool hasSlot(int slot) const { return slot >= 0 && slot < m_design.cells.size(); }
+    /// Asks for a selection when there is none.
+    bool needsSelection();
     void changeCell(const std::function<void(CollageCell &)> &edit, const QString &key = {});
     void changePage(double CollageDesign::*length, double value, double largest, const QString &key);
     void move(QList<CollageDesign> &from, QList<CollageDesign> &to);

@@ -39,10 +39,17 @@ void CollageStudio::choosePreset(const QString &id)
     }
 }
 
-void CollageStudio::changeCell(const std::function<void(CollageCell &)> &edit, const QString &key)
+bool CollageStudio::needsSelection()
 {
     if (!selectedCell()) {
         setMessage(localized({"请先点选一个格子", "Tap a cell first", "Touchez d’abord une case"}));
+    }
+    return !selectedCell();
+}
+
+void CollageStudio::changeCell(const std::function<void(CollageCell &)> &edit, const QString &key)
+{
+    if (needsSelection()) {
         return;
     }
     CollageDesign design = m_design;
@@ -57,20 +64,25 @@ void CollageStudio::setFrame(CellFrame frame)
 
 void CollageStudio::copyFrame(CopyScope scope)
 {
-    CollageDesign design = m_design;
-    if (selectedCell()) {
-        CollageEdits::copyFrame(design, *m_selected, scope, layout());
+    if (needsSelection()) {
+        return;
     }
-    changeCell([](CollageCell &) {});
+    CollageDesign design = m_design;
+    CollageEdits::copyFrame(design, *m_selected, scope, layout());
     change(design);
 }
 
 void CollageStudio::swapCells(int slot, int other)
 {
-    if (hasSlot(slot) && hasSlot(other)) {
-        CollageDesign design = m_design;
-        design.cells.swapItemsAt(slot, other);
-        change(design);
+    if (!editable() || !hasSlot(slot) || !hasSlot(other) || slot == other) {
+        return;
+    }
+    CollageDesign design = m_design;
+    design.cells.swapItemsAt(slot, other);
+    change(design);
+    if (m_selected == slot || m_selected == other) {
+        m_selected = m_selected == slot ? other : slot;
+        tell(SelectionChanged);
     }
 }
 

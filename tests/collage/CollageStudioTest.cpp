@@ -167,6 +167,7 @@ TEST_F(Board, SwapsAndReplacesPhotos)
     EXPECT_EQ(m_studio.design().cells.at(0).zoom, 4);
     m_studio.swapCells(0, 2);
     EXPECT_EQ(photoOf(2), id(3));
+    EXPECT_EQ(m_studio.selected(), 2);
     EXPECT_EQ(m_studio.design().cells.at(2).zoom, 4);
     EXPECT_EQ(m_studio.order(id(4)), 1);
     m_studio.replacePhoto(2, id(4)); // is in the collage: changes places
