@@ -13,25 +13,23 @@ namespace {
 /// No level is smaller than this.
 constexpr int smallestPixels = 300;
 
-enum class Level {
-    /// The largest that is not larger than the drawing: QPainter enlarges twice as fast as it reduces.
-    Fast,
-    /// The smallest that is not smaller than the drawing.
-    Fine,
-};
+} // namespace
 
-const QImage &chosen(const std::vector<QImage> &levels, double width, Level level)
+/// For a drawing of the whole photo in this width: a level is enlarged when the drawing has to be fast, as
+/// QPainter does that twice as fast as reducing, and reduced when it has to be fine.
+std::optional<PhotoImage> CollageBoardImages::chosen(const Photo &photo, double width, Choice choice)
 {
-    // From large to small.
+    const std::vector<QImage> &levels = photo.levels; // from large to small
+    if (levels.empty()) {
+        return photo.standIn.isNull() ? std::nullopt : std::make_optional(PhotoImage{photo.standIn});
+    }
     const auto smaller =
         std::ranges::find_if(levels, [width](const QImage &image) { return image.width() <= width; });
-    if (level == Level::Fast) {
-        return smaller == levels.end() ? levels.back() : *smaller;
+    if (choice == Choice::Fast) {
+        return PhotoImage{smaller == levels.end() ? levels.back() : *smaller};
     }
-    return smaller == levels.begin() ? levels.front() : *std::prev(smaller);
+    return PhotoImage{smaller == levels.begin() ? levels.front() : *std::prev(smaller)};
 }
-
-} // namespace
 
 CollageBoardImages::CollageBoardImages(ImagePipeline &pipeline, Clock &clock)
     : m_pipeline(pipeline), m_clock(clock)
@@ -40,11 +38,11 @@ CollageBoardImages::CollageBoardImages(ImagePipeline &pipeline, Clock &clock)
 
 CollageBoardImages::~CollageBoardImages()
 {
-    show({});
+    show({}, {});
     m_stop.request_stop();
 }
 
-void CollageBoardImages::show(const QList<PhotoItem> &photos)
+void CollageBoardImages::show(const QList<PhotoItem> &photos, const QHash<QUuid, QImage> &standIns)
 {
     const auto wanted = [&photos](const QUuid &id) {
         return std::ranges::find(photos, id, &PhotoItem::id) != photos.end();
@@ -60,7 +58,7 @@ void CollageBoardImages::show(const QList<PhotoItem> &photos)
     });
     for (const PhotoItem &item : photos) {
         if (!m_photos.contains(item.id)) {
-            m_photos.insert(item.id, {item, {}});
+            m_photos.insert(item.id, {item, {}, standIns.value(item.id)});
             load(item);
         }
     }
@@ -78,7 +76,9 @@ void CollageBoardImages::load(const PhotoItem &item)
 
 void CollageBoardImages::giveUp(const QUuid &id)
 {
-    if (m_unreadable.insert(id).second) {
+    const auto photo = m_photos.find(id);
+    if (photo != m_photos.end() && m_unreadable.insert(id).second) {
+        photo->standIn = {};
         Q_EMIT failed(id);
         Q_EMIT changed();
     }
@@ -88,6 +88,7 @@ void CollageBoardImages::addLevel(const QUuid &id, const QImage &image)
 {
     Photo &photo = m_photos[id];
     photo.levels.push_back(image);
+    photo.standIn = {};
     if (photo.levels.size() == 1) {
         // Cells that were asked for while the photo was still on its way.
         m_rest = m_clock.after(std::chrono::milliseconds(0), [this] { makeExact(); });
@@ -140,11 +141,10 @@ std::map<int, PhotoImage> CollageBoardImages::images(const CollageDesign &design
     const Views wanted = views(design, plan);
     std::map<int, PhotoImage> result;
     for (const auto &[slot, view] : wanted) {
-        const std::vector<QImage> &levels = m_photos[view.photo].levels;
         if (isExact(slot, view)) {
             result[slot] = m_exact[slot].image;
-        } else if (!levels.empty()) {
-            result[slot] = {chosen(levels, view.whole.width(), Level::Fast)};
+        } else if (const auto image = chosen(m_photos[view.photo], view.whole.width(), Choice::Fast)) {
+            result[slot] = *image;
         }
     }
     std::erase_if(m_exact, [&wanted](const auto &entry) { return !wanted.contains(entry.first); });
@@ -163,9 +163,8 @@ std::map<int, PhotoImage> CollageBoardImages::smallImages(const CollageDesign &d
 {
     std::map<int, PhotoImage> result;
     for (const auto &[slot, view] : views(design, plan)) {
-        const std::vector<QImage> &levels = m_photos.constFind(view.photo)->levels;
-        if (!levels.empty()) {
-            result[slot] = {chosen(levels, view.whole.width(), Level::Fine)};
+        if (const auto image = chosen(*m_photos.constFind(view.photo), view.whole.width(), Choice::Fine)) {
+            result[slot] = *image;
         }
     }
     return result;

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <stop_token>
 #include <vector>
@@ -31,8 +32,9 @@ public:
     CollageBoardImages(ImagePipeline &pipeline, Clock &clock);
     ~CollageBoardImages() override;
 
-    /// Loads what is new of these photos and forgets all others.
-    void show(const QList<PhotoItem> &photos);
+    /// Loads what is new of these photos and forgets all others. A photo is drawn from its stand-in, if it
+    /// has one, until its own pictures arrive.
+    void show(const QList<PhotoItem> &photos, const QHash<QUuid, QImage> &standIns);
 
     /// What there is to draw now; the plan's unit is the device's pixel. Exact pictures follow once the same
     /// plan has been asked for during `rest`.
@@ -67,6 +69,7 @@ private:
     struct Photo {
         PhotoItem item;
         std::vector<QImage> levels;
+        QImage standIn;
     };
     struct Exact {
         View view;
@@ -75,6 +78,8 @@ private:
     using Views = std::map<int, View>;
 
     Views views(const CollageDesign &design, const CollagePlan &plan) const;
+    enum class Choice { Fast, Fine };
+    static std::optional<PhotoImage> chosen(const Photo &photo, double width, Choice choice);
     bool isExact(int slot, const View &view) const;
     void load(const PhotoItem &item);
     void addLevel(const QUuid &id, const QImage &image);

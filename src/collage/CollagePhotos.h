@@ -33,6 +33,8 @@ public:
 
     /// A small picture for the chooser; null until it has arrived, and for a photo that cannot be read.
     QImage tile(const QUuid &id);
+    /// Those that have been made.
+    const QHash<QUuid, QImage> &tiles() const { return m_tiles; }
     /// Lets other work go before the pictures that have not been made yet; they are made when asked for
     /// again.
     void postponeTiles();

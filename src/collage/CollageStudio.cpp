@@ -290,7 +290,7 @@ void CollageStudio::adopt(const CollageDesign &design)
         m_selected.reset();
         changes |= SelectionChanged;
     }
-    m_images.show(photosOf(design));
+    m_images.show(photosOf(design), m_photos.tiles());
     tell(changes);
 }
 

@@ -80,6 +80,9 @@ TEST_F(Chooser, MakesTilesAndLetsTheBoardGoFirst)
     EXPECT_TRUE(m_studio.tile(id(5)).isNull());
     open({0, 1});
     EXPECT_FALSE(m_studio.tile(id(0)).isNull());
+    // The board shows what there is at once.
+    EXPECT_EQ(m_studio.board().images.size(), 1);
+    EXPECT_EQ(m_studio.thumbnail(m_studio.design().preset, 100).images.count(0), 1);
     EXPECT_TRUE(waitFor([this] { return !m_studio.tile(id(5)).isNull(); }));
 }
 
