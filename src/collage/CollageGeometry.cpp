@@ -70,27 +70,37 @@ CollageLayout layout(const CollageNode &node, const QRectF &rect, double gap)
     return result;
 }
 
-Drag dragDivider(const CollageDivider &divider, QPointF point)
+double heldRatio(double ratio)
 {
     constexpr double thinnest = 0.15;
+    return std::clamp(ratio, thinnest, 1 - thinnest);
+}
+
+QString ratioText(double ratio)
+{
+    if (std::abs(ratio - 0.5) < 0.001) {
+        return localized({"居中 · 50 : 50", "Centered · 50 : 50", "Centré · 50 : 50"});
+    }
+    // A sum of steps of one per cent may fall short of the next by less than any step.
+    const int share = static_cast<int>(ratio * 100 + 1e-9);
+    return u"%1 : %2"_s.arg(share).arg(100 - share);
+}
+
+Drag dragDivider(const CollageDivider &divider, QPointF point)
+{
     constexpr double pull = 0.02;
     const bool horizontal = divider.axis == CollageAxis::horizontal;
     const double length = horizontal ? divider.parent.width() : divider.parent.height();
     const double way = horizontal ? point.x() - divider.parent.x() : point.y() - divider.parent.y();
     Drag drag;
-    drag.ratio = std::clamp(length < 1 ? way : way / length, thinnest, 1 - thinnest);
+    drag.ratio = heldRatio(length < 1 ? way : way / length);
     for (const double stop : {1.0 / 2, 1.0 / 3, 2.0 / 3}) {
         if (std::abs(drag.ratio - stop) <= pull) {
             drag.ratio = stop;
             drag.snapped = true;
         }
     }
-    if (drag.snapped && drag.ratio == 0.5) {
-        drag.readout = localized({"居中 · 50 : 50", "Centered · 50 : 50", "Centré · 50 : 50"});
-    } else {
-        const int share = static_cast<int>(drag.ratio * 100);
-        drag.readout = u"%1 : %2"_s.arg(share).arg(100 - share);
-    }
+    drag.readout = ratioText(drag.ratio);
     return drag;
 }
 

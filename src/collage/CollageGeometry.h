@@ -48,6 +48,11 @@ struct Drag {
 
 Drag dragDivider(const CollageDivider &divider, QPointF point);
 
+/// No cell is dragged thinner than 15 % of its split.
+double heldRatio(double ratio);
+/// "62 : 38", or that the split is centred, in the current language.
+QString ratioText(double ratio);
+
 } // namespace CollageGeometry
 
 } // namespace tarnovel

@@ -1,5 +1,6 @@
 #include "collage/CollageOutput.h"
 
+#include <QFile>
 #include <QPainter>
 
 #include "pipeline/ImagePipeline.h"
@@ -33,6 +34,28 @@ QImage render(ImagePipeline &pipeline, const CollageDesign &design, const QList<
     QPainter painter(&canvas);
     CollageRenderer::draw(painter, design, plan, sizes, images);
     return canvas;
+}
+
+UnclaimedFile::~UnclaimedFile()
+{
+    if (!m_path.isEmpty()) {
+        QFile::remove(m_path);
+    }
+}
+
+Saved save(ImagePipeline &pipeline, const CollageDesign &design, const QList<PhotoItem> &photos,
+           const QString &libraryFolder, const std::stop_token &stop)
+{
+    // A PNG: the collage will be framed and encoded once more.
+    const ExportOptions options{.png = true};
+    const ExportedFile made =
+        pipeline.exportImage(render(pipeline, design, photos, stop), options, stop).result();
+    const UnclaimedFile temporary(made.path);
+    const ImportedFile imported = ImportedFile::receive(made.path, libraryFolder);
+    Saved saved;
+    saved.file = std::make_shared<UnclaimedFile>(libraryFolder + u'/' + imported.file);
+    saved.photo = pipeline.inspect(imported, ImagePipeline::TestDecode::No, stop).result();
+    return saved;
 }
 
 } // namespace tarnovel::CollageOutput

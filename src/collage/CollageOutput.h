@@ -1,6 +1,8 @@
 #pragma once
 
+#include <memory>
 #include <stop_token>
+#include <utility>
 
 #include <QImage>
 #include <QList>
@@ -22,6 +24,30 @@ constexpr int longEdge = 2400;
 /// throw; a PipelineFailure names the photo's file.
 QImage render(ImagePipeline &pipeline, const CollageDesign &design, const QList<PhotoItem> &photos,
               const std::stop_token &stop);
+
+/// A file that goes again unless it is kept.
+class UnclaimedFile {
+public:
+    explicit UnclaimedFile(QString path) : m_path(std::move(path)) {}
+    ~UnclaimedFile();
+    UnclaimedFile(const UnclaimedFile &) = delete;
+    UnclaimedFile &operator=(const UnclaimedFile &) = delete;
+    void keep() { m_path.clear(); }
+
+private:
+    QString m_path;
+};
+
+/// A finished collage in the library, which no session refers to yet.
+struct Saved {
+    PhotoItem photo;
+    std::shared_ptr<UnclaimedFile> file;
+};
+
+/// Renders the collage and writes it into the library, without loss. The same holds as for `render`; a
+/// FileError is thrown when the disk refuses, and nothing is left behind then.
+Saved save(ImagePipeline &pipeline, const CollageDesign &design, const QList<PhotoItem> &photos,
+           const QString &libraryFolder, const std::stop_token &stop);
 
 } // namespace CollageOutput
 

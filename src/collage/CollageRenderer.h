@@ -32,6 +32,7 @@ struct CollageDesign {
 
     /// The preset with plain cells for these photos.
     static CollageDesign of(const CollagePreset &preset, const QList<QUuid> &photos);
+    bool operator==(const CollageDesign &) const = default;
 };
 
 /// A collage's lengths at one size, in pixels.

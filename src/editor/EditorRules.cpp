@@ -14,12 +14,17 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
+SliderCheckpoints::SliderCheckpoints(EditorModel &model, Clock &clock)
+    : SliderCheckpoints([&model] { model.checkpoint(); }, clock)
+{
+}
+
 void SliderCheckpoints::change(const QString &key)
 {
     constexpr std::chrono::seconds pause(1);
     const auto now = m_clock.elapsed();
     if (key != m_key || now - m_time > pause) {
-        m_model.checkpoint();
+        m_begin();
     }
     m_key = key;
     m_time = now;

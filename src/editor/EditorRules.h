@@ -1,7 +1,9 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <optional>
+#include <utility>
 
 #include <QPointF>
 #include <QSizeF>
@@ -17,7 +19,11 @@ class EditorModel;
 /// Joins the changes of one slider into one undo step.
 class SliderCheckpoints {
 public:
-    SliderCheckpoints(EditorModel &model, Clock &clock) : m_model(model), m_clock(clock) {}
+    /// `begin` takes the checkpoint of a step.
+    SliderCheckpoints(std::function<void()> begin, Clock &clock) : m_begin(std::move(begin)), m_clock(clock)
+    {
+    }
+    SliderCheckpoints(EditorModel &model, Clock &clock);
 
     /// To be called before each change that the control `key` makes: a new step begins with another control,
     /// and when more than a second has passed since the last change.
@@ -26,7 +32,7 @@ public:
     void end() { m_key.clear(); }
 
 private:
-    EditorModel &m_model;
+    std::function<void()> m_begin;
     Clock &m_clock;
     QString m_key;
     std::chrono::milliseconds m_time{};

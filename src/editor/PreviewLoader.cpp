@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "base/Cancellation.h"
-#include "pipeline/PipelineError.h"
 #include "pipeline/WhenFinished.h"
 
 using namespace Qt::StringLiterals;
@@ -32,20 +30,7 @@ template<typename Value>
 void PreviewLoader::whenDone(QFuture<Value> future, std::function<void(const Value &)> arrived,
                              std::function<void()> failed)
 {
-    whenFinished<Value>(std::move(future), this,
-                        [stop = m_stop.get_token(), arrived = std::move(arrived),
-                         failed = std::move(failed)](const QFuture<Value> &finished) {
-                            if (stop.stop_requested()) {
-                                return;
-                            }
-                            try {
-                                arrived(finished.result());
-                            } catch (const OperationCancelled &) {
-                                return;
-                            } catch (const PipelineFailure &) {
-                                failed();
-                            }
-                        });
+    whenArrived<Value>(std::move(future), this, m_stop.get_token(), std::move(arrived), std::move(failed));
 }
 
 void PreviewLoader::request(const QString &file, int maxPixel, QImage Previews::*place)

@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
+#include <memory>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 #include <QDir>
 #include <QFileInfo>
 #include <QPainter>
-#include <QtConcurrentRun>
+#include <QPromise>
 
 #include "base/AtomicFile.h"
 #include "base/Cancellation.h"
@@ -66,6 +69,24 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
     return bytes;
 }
 
+template<typename Work>
+auto promised(const std::stop_token &stop, const Work &work)
+{
+    try {
+        throwIfCancelled(stop);
+        return work(stop);
+    } catch (const ImageError &) {
+        throw PipelineFailure(PipelineError::unreadable);
+    } catch (const std::bad_alloc &) {
+        throw PipelineFailure(PipelineError::tooLarge);
+    } catch (const QException &) {
+        throw;
+    } catch (const std::exception &) {
+        // Nothing may leave the thread but what the service promises: the next photo is still to be done.
+        throw PipelineFailure(PipelineError::unreadable);
+    }
+}
+
 } // namespace
 
 ImagePipeline::ImagePipeline(QString libraryFolder, QString temporaryFolder)
@@ -84,21 +105,21 @@ ImagePipeline::~ImagePipeline()
 template<typename Work>
 auto ImagePipeline::enqueue(std::stop_token stop, Work work)
 {
-    return QtConcurrent::run(&m_thread, [stop = std::move(stop), work = std::move(work)] {
+    using Value = std::decay_t<std::invoke_result_t<Work, const std::stop_token &>>;
+    // A promise, not QtConcurrent::run: whoever waits for a task of that may be made to run it, out of turn
+    // and on another thread.
+    const auto promise = std::make_shared<QPromise<Value>>();
+    QFuture<Value> future = promise->future();
+    promise->start(); // nobody waits for a future that has not started
+    m_thread.start([promise, stop = std::move(stop), work = std::move(work)] {
         try {
-            throwIfCancelled(stop);
-            return work(stop);
-        } catch (const ImageError &) {
-            throw PipelineFailure(PipelineError::unreadable);
-        } catch (const std::bad_alloc &) {
-            throw PipelineFailure(PipelineError::tooLarge);
-        } catch (const QException &) {
-            throw;
-        } catch (const std::exception &) {
-            // Nothing may leave the thread but what the service promises: the next photo is still to be done.
-            throw PipelineFailure(PipelineError::unreadable);
+            promise->addResult(promised(stop, work));
+        } catch (...) {
+            promise->setException(std::current_exception());
         }
+        promise->finish();
     });
+    return future;
 }
 
 QFuture<QImage> ImagePipeline::read(const QString &file, int maxPixel, std::stop_token stop)
@@ -145,6 +166,14 @@ QFuture<PhotoImage> ImagePipeline::readPlaced(const QString &file, const PhotoPl
 {
     return enqueue(std::move(stop), [this, file, placement, canvas](const std::stop_token &token) {
         return placed(file, placement, canvas, token);
+    });
+}
+
+QFuture<PhotoImage> ImagePipeline::resamplePlaced(const QImage &photo, const PhotoPlacement &placement,
+                                                  QSize canvas, std::stop_token stop)
+{
+    return enqueue(std::move(stop), [photo, placement, canvas](const std::stop_token &) {
+        return placedPhoto(photo, placement, canvas);
     });
 }
 

@@ -62,6 +62,10 @@ public:
     QFuture<PhotoImage> readPlaced(const QString &file, const PhotoPlacement &placement, QSize canvas,
                                    std::stop_token stop = {});
 
+    /// The same from a picture of the whole photo that has been decoded before.
+    QFuture<PhotoImage> resamplePlaced(const QImage &photo, const PhotoPlacement &placement, QSize canvas,
+                                       std::stop_token stop = {});
+
     /// Encodes a finished picture into a new file in the temporary folder.
     QFuture<ExportedFile> exportImage(const QImage &image, const ExportOptions &options,
                                       std::stop_token stop = {});

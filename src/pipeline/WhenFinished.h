@@ -1,11 +1,14 @@
 #pragma once
 
 #include <functional>
+#include <stop_token>
 #include <utility>
 
 #include <QFuture>
 #include <QFutureWatcher>
 #include <QObject>
+
+#include "base/Cancellation.h"
 
 namespace tarnovel {
 
@@ -20,6 +23,28 @@ void whenFinished(QFuture<Value> future, QObject *context, std::function<void(co
         then(watcher->future());
     });
     watcher->setFuture(std::move(future));
+}
+
+/// The same for work that may be cancelled: nothing is called once `stop` is requested, and `failed` for
+/// whatever the future throws.
+template<typename Value>
+void whenArrived(QFuture<Value> future, QObject *context, const std::stop_token &stop,
+                 std::function<void(const Value &)> arrived, std::function<void()> failed)
+{
+    whenFinished<Value>(
+        std::move(future), context,
+        [stop, arrived = std::move(arrived), failed = std::move(failed)](const QFuture<Value> &finished) {
+            if (stop.stop_requested()) {
+                return;
+            }
+            try {
+                arrived(finished.result());
+            } catch (const OperationCancelled &) {
+                return;
+            } catch (const QException &) {
+                failed();
+            }
+        });
 }
 
 } // namespace tarnovel

@@ -210,6 +210,35 @@ TEST_F(Exporting, MatchesTheSameFrameDrawnSmall)
     }
 }
 
+TEST_F(Serving, KeepsTheOrderEvenForThoseWhoWait)
+{
+    const QString large = write(u"large.png"_s, gradient({3000, 2000}));
+    const QString small = write(u"small.png"_s, gradient({30, 20}));
+    const QFuture<QImage> first = m_pipeline.read(large, 3000);
+    const QFuture<QImage> second = m_pipeline.read(small, 30);
+    EXPECT_EQ(second.result().size(), QSize(30, 20));
+    EXPECT_TRUE(first.isFinished()); // nobody who waits does the work himself
+}
+
+TEST_F(Serving, PlacesDecodedPhotosLikeFiles)
+{
+    const QString file = write(u"photo.png"_s, gradient({300, 200}));
+    const PhotoPlacement placement{{-40.5, 10.25, 150, 100}, {0, 20, 80, 60.5}};
+    const PhotoImage fromFile = m_pipeline.readPlaced(file, placement, {100, 100}).result();
+    const QImage decoded = m_pipeline.read(file, 300).result();
+    const PhotoImage fromMemory = m_pipeline.resamplePlaced(decoded, placement, {100, 100}).result();
+    EXPECT_EQ(fromMemory.extent, fromFile.extent);
+    ASSERT_EQ(fromMemory.image.size(), QSize(80, 61));
+    ASSERT_EQ(fromFile.image.size(), QSize(80, 61));
+    for (const QPoint at : {QPoint(0, 0), QPoint(79, 60), QPoint(33, 17)}) {
+        EXPECT_NEAR(qRed(fromMemory.image.pixel(at)), qRed(fromFile.image.pixel(at)), 1);
+        EXPECT_NEAR(qGreen(fromMemory.image.pixel(at)), qGreen(fromFile.image.pixel(at)), 1);
+    }
+    EXPECT_TRUE(m_pipeline.resamplePlaced(decoded, {{0, 0, 9, 9}, {20, 20, 9, 9}}, {100, 100})
+                    .result()
+                    .image.isNull());
+}
+
 TEST_F(Serving, CancelsWhatIsNoLongerWanted)
 {
     write(u"a.jpg"_s, gradient({400, 300}));

@@ -1,0 +1,204 @@
+#include "collage/CollageGestures.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+bool isFinite(QPointF point)
+{
+    return std::isfinite(point.x()) && std::isfinite(point.y());
+}
+
+/// The place along a divider's parent that stands for this ratio.
+QPointF placeOf(const CollageDivider &divider, double ratio)
+{
+    const QRectF &parent = divider.parent;
+    return {parent.x() + ratio * parent.width(), parent.y() + ratio * parent.height()};
+}
+
+double zoomed(double zoom, double factor)
+{
+    return std::clamp(zoom * factor, 1.0, CollageEdits::largestZoom);
+}
+
+} // namespace
+
+std::optional<CollageDivider> CollageGestures::divider(const QString &id) const
+{
+    const QList<CollageDivider> dividers = m_studio.layout().dividers;
+    const auto found = std::ranges::find_if(dividers, [&id](const auto &each) { return each.id() == id; });
+    return found == dividers.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<CollageDivider> CollageGestures::dividerAt(QPointF point) const
+{
+    // The frames of a film strip stand at their real distance.
+    if (m_studio.choosing() || m_studio.design().preset.film) {
+        return std::nullopt;
+    }
+    std::optional<CollageDivider> nearest;
+    double distance = dividerReach;
+    for (const CollageDivider &each : m_studio.layout().dividers) {
+        const bool horizontal = each.axis == CollageAxis::horizontal;
+        const QRectF &parent = each.parent;
+        const double across = std::abs((horizontal ? point.x() : point.y()) - each.position);
+        const bool along = horizontal ? point.y() >= parent.top() && point.y() <= parent.bottom()
+                                      : point.x() >= parent.left() && point.x() <= parent.right();
+        if (along && across <= distance) {
+            nearest = each;
+            distance = across;
+        }
+    }
+    return nearest;
+}
+
+bool CollageGestures::grabDivider(QPointF point)
+{
+    const std::optional<CollageDivider> found = dividerAt(point);
+    if (!found || !m_studio.editable()) {
+        return false;
+    }
+    const QPointF place = placeOf(*found, m_studio.design().node.node(found->path)->ratio);
+    m_divider = found->id();
+    m_grip = place - point;
+    m_lastSnapped = CollageGeometry::dragDivider(*found, place).snapped;
+    m_dividerBegun = false;
+    return true;
+}
+
+void CollageGestures::dragDivider(QPointF point)
+{
+    const std::optional<CollageDivider> held = m_divider ? divider(*m_divider) : std::nullopt;
+    if (!held || !isFinite(point) || !m_studio.editable()) {
+        return;
+    }
+    const CollageGeometry::Drag drag = CollageGeometry::dragDivider(*held, point + m_grip);
+    if (drag.snapped && !m_lastSnapped) {
+        ++m_snapTick;
+    }
+    m_lastSnapped = drag.snapped;
+    m_ratioLabel = drag.readout;
+    CollageDesign design = m_studio.design();
+    design.node.setRatio(held->path, drag.ratio);
+    if (design != m_studio.design() && !m_dividerBegun) {
+        m_studio.checkpoint();
+        m_dividerBegun = true;
+    }
+    m_studio.update(design);
+}
+
+void CollageGestures::releaseDivider()
+{
+    m_divider.reset();
+    m_ratioLabel.reset();
+    m_lastSnapped = false;
+}
+
+QString CollageGestures::nudgeDivider(const QString &id, double share)
+{
+    const std::optional<CollageDivider> held = divider(id);
+    if (!held || !std::isfinite(share) || m_studio.design().preset.film) {
+        return {};
+    }
+    CollageDesign design = m_studio.design();
+    const double ratio = design.node.node(held->path)->ratio + share;
+    design.node.setRatio(held->path, CollageGeometry::heldRatio(ratio));
+    m_studio.change(design, u"divider "_s + id);
+    return CollageGeometry::ratioText(m_studio.design().node.node(held->path)->ratio);
+}
+
+bool CollageGestures::hasCell(int slot) const
+{
+    return slot >= 0 && slot < m_studio.design().cells.size();
+}
+
+bool CollageGestures::began(const std::optional<Start> &gesture, int slot) const
+{
+    return gesture && gesture->slot == slot && hasCell(slot) &&
+           gesture->cell.photo == m_studio.design().cells.at(slot).photo;
+}
+
+CollageCell CollageGestures::moved(int slot, const CollageCell &from, QPointF translation,
+                                   CollageEdits::CentrePull pull) const
+{
+    const std::map<int, QRectF> cells = m_studio.layout().cells;
+    const auto rect = cells.find(slot);
+    const PhotoItem *photo = m_studio.photo(from.photo);
+    CollageCell cell = from;
+    if (rect != cells.end() && photo) {
+        cell.offset = CollageEdits::panned(from, photo->size(), rect->second, translation, pull);
+    }
+    return cell;
+}
+
+void CollageGestures::setCell(int slot, const CollageCell &cell, bool &begun)
+{
+    CollageDesign design = m_studio.design();
+    design.cells[slot] = cell;
+    if (design != m_studio.design() && !begun) {
+        m_studio.checkpoint();
+        begun = true;
+    }
+    m_studio.update(design);
+}
+
+void CollageGestures::panPhoto(int slot, QPointF translation)
+{
+    if (!hasCell(slot) || !isFinite(translation) || !m_studio.editable()) {
+        return;
+    }
+    if (!began(m_pan, slot)) {
+        if (std::hypot(translation.x(), translation.y()) < panThreshold) {
+            return;
+        }
+        m_pan = {slot, m_studio.design().cells.at(slot)};
+        m_panBegun = false;
+    }
+    CollageCell cell = m_studio.design().cells.at(slot);
+    CollageCell start = m_pan->cell;
+    start.zoom = cell.zoom; // a pinch may go on at the same time
+    cell.offset = moved(slot, start, translation, CollageEdits::CentrePull::On).offset;
+    setCell(slot, cell, m_panBegun);
+}
+
+void CollageGestures::nudgePhoto(int slot, QPointF translation)
+{
+    if (!hasCell(slot) || !isFinite(translation)) {
+        return;
+    }
+    CollageDesign design = m_studio.design();
+    // The centre would not let go of a photo that moves by less than its pull.
+    design.cells[slot] = moved(slot, design.cells.at(slot), translation, CollageEdits::CentrePull::Off);
+    m_studio.change(design, u"pan "_s + QString::number(slot));
+}
+
+void CollageGestures::pinchPhoto(int slot, double magnification)
+{
+    if (!hasCell(slot) || !std::isfinite(magnification) || !m_studio.editable()) {
+        return;
+    }
+    if (!began(m_pinch, slot)) {
+        m_pinch = {slot, m_studio.design().cells.at(slot)};
+        m_pinchBegun = false;
+    }
+    CollageCell cell = m_studio.design().cells.at(slot);
+    cell.zoom = zoomed(m_pinch->cell.zoom, magnification);
+    setCell(slot, cell, m_pinchBegun);
+}
+
+void CollageGestures::zoomPhoto(int slot, double factor)
+{
+    if (!hasCell(slot) || !std::isfinite(factor)) {
+        return;
+    }
+    CollageDesign design = m_studio.design();
+    design.cells[slot].zoom = zoomed(design.cells.at(slot).zoom, factor);
+    m_studio.change(design, u"zoom "_s + QString::number(slot));
+}
+
+} // namespace tarnovel

@@ -1,0 +1,423 @@
+#include "collage/CollageStudio.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include <QPainter>
+
+#include "base/Cancellation.h"
+#include "editor/ImportFlow.h"
+#include "language/AppLanguage.h"
+#include "pipeline/ImagePipeline.h"
+#include "pipeline/PipelineError.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+void CollageView::draw(QPainter &painter) const
+{
+    CollageRenderer::draw(painter, design, plan, photoSizes, images);
+}
+
+CollageStudio::CollageStudio(EditorModel &model, ImagePipeline &pipeline, Clock &clock)
+    : m_model(model),
+      m_pipeline(pipeline),
+      m_photos(model, pipeline),
+      m_images(pipeline, clock),
+      m_sliders([this] { checkpoint(); }, clock)
+{
+    m_saver.setMaxThreadCount(1);
+    connect(&m_photos, &CollagePhotos::changed, this, [this] { tell(PhotosChanged); });
+    connect(&m_photos, &CollagePhotos::tileChanged, this, [this] { tell(ImagesChanged); });
+    connect(&m_images, &CollageBoardImages::changed, this, [this] { tell(ImagesChanged); });
+    connect(&m_images, &CollageBoardImages::failed, this, [this](const QUuid &id) {
+        const PhotoItem *item = photo(id);
+        setMessage(
+            (item ? item->name : QString()) + localized({"：", ": ", "\u202f: "}) +
+            localized({"无法读取照片。", "Could not read this photo.", "Impossible de lire cette photo."}));
+    });
+}
+
+CollageStudio::~CollageStudio()
+{
+    m_stop.request_stop();
+    m_saver.waitForDone();
+}
+
+bool CollageStudio::pick(const QList<QUuid> &photos)
+{
+    bool picked = false;
+    for (const QUuid &id : photos) {
+        if (m_picked.contains(id) || !photo(id)) {
+            continue;
+        }
+        if (total() >= CollageEdits::mostPhotos) {
+            ++m_limitNotice;
+            tell(LimitReached);
+            break;
+        }
+        m_picked.append(id);
+        picked = true;
+    }
+    return picked;
+}
+
+void CollageStudio::toggle(const QUuid &photo)
+{
+    if (m_saving || m_closed) {
+        return;
+    }
+    if (!m_picked.contains(photo)) {
+        if (!pick({photo})) {
+            return;
+        }
+    } else if (m_choosing || total() > CollageEdits::fewestPhotos) {
+        m_picked.removeOne(photo);
+    } else {
+        return;
+    }
+    ++m_selectTick;
+    tell(PhotosChanged);
+    if (!m_choosing) {
+        rebuild(LayoutChoice::Keep);
+    }
+}
+
+void CollageStudio::clearPicked()
+{
+    if (m_choosing && !m_picked.isEmpty()) {
+        m_picked.clear();
+        tell(PhotosChanged);
+    }
+}
+
+void CollageStudio::filesUnreadable(qsizetype count)
+{
+    ImportSummary summary;
+    summary.unreadable = count;
+    setMessage(summary.message(ImportSource::Files));
+}
+
+void CollageStudio::addFiles(const QStringList &paths)
+{
+    m_photos.open(paths, [this](const QList<QUuid> &photos, qsizetype unreadable) {
+        if (!m_saving && pick(photos)) {
+            ++m_selectTick;
+            tell(PhotosChanged);
+            if (!m_choosing) {
+                rebuild(LayoutChoice::Keep);
+            }
+        }
+        if (unreadable > 0) {
+            filesUnreadable(unreadable);
+        }
+    });
+}
+
+QList<PhotoItem> CollageStudio::photosOf(const CollageDesign &design) const
+{
+    QList<PhotoItem> photos;
+    for (const CollageCell &cell : design.cells) {
+        photos.append(*photo(cell.photo));
+    }
+    return photos;
+}
+
+void CollageStudio::rebuild(LayoutChoice choice)
+{
+    if (total() < CollageEdits::fewestPhotos) {
+        return;
+    }
+    QList<PhotoItem> photos;
+    for (const QUuid &id : m_picked) {
+        photos.append(*photo(id));
+    }
+    change(CollageEdits::rebuilt(m_design, photos, choice));
+}
+
+void CollageStudio::start()
+{
+    if (!canStart()) {
+        return;
+    }
+    m_choosing = false;
+    m_photos.postponeTiles();
+    QList<QUuid> shown;
+    for (const CollageCell &cell : m_design.cells) {
+        shown.append(cell.photo);
+    }
+    if (shown.isEmpty()) {
+        rebuild(LayoutChoice::Best);
+        // There is nothing before the first collage to go back to.
+        m_undo.clear();
+        tell(HistoryChanged);
+    } else if (shown != m_picked) {
+        rebuild(LayoutChoice::Keep);
+    }
+    tell(PhaseChanged);
+}
+
+void CollageStudio::choosePhotos()
+{
+    if (editable()) {
+        m_choosing = true;
+        tell(PhaseChanged);
+    }
+}
+
+QList<CollagePreset> CollageStudio::presets() const
+{
+    return m_design.cells.isEmpty() ? QList<CollagePreset>()
+                                    : CollagePreset::all(static_cast<int>(m_design.cells.size()));
+}
+
+void CollageStudio::setStage(QSizeF stage, double devicePixelRatio)
+{
+    if (stage != m_stage || devicePixelRatio != m_devicePixelRatio) {
+        m_stage = stage;
+        m_devicePixelRatio = devicePixelRatio;
+        tell(DesignChanged);
+    }
+}
+
+CollagePlan CollageStudio::boardPlan() const
+{
+    // The plan of one pixel tells the shape that any other has.
+    const QSizeF shape = outputSize();
+    const double scale = std::min(m_stage.width() / shape.width(), m_stage.height() / shape.height());
+    const double longer = std::max(shape.width(), shape.height()) * scale * m_devicePixelRatio;
+    return CollagePlan::of(m_design, std::max(1, static_cast<int>(longer + 1e-6)));
+}
+
+QSizeF CollageStudio::boardSize() const
+{
+    return QSizeF(boardPlan().size) / m_devicePixelRatio;
+}
+
+CollageLayout CollageStudio::layout() const
+{
+    CollageLayout layout = boardPlan().layout;
+    const auto inPoints = [this](const QRectF &rect) {
+        return QRectF(rect.topLeft() / m_devicePixelRatio, rect.size() / m_devicePixelRatio);
+    };
+    for (auto &[slot, rect] : layout.cells) {
+        rect = inPoints(rect);
+    }
+    for (CollageDivider &divider : layout.dividers) {
+        divider.parent = inPoints(divider.parent);
+        divider.position /= m_devicePixelRatio;
+    }
+    return layout;
+}
+
+std::optional<int> CollageStudio::cellAt(QPointF point) const
+{
+    for (const auto &[slot, rect] : layout().cells) {
+        if (rect.contains(point) && hasSlot(slot)) {
+            return slot;
+        }
+    }
+    return std::nullopt;
+}
+
+CollageView CollageStudio::view(const CollageDesign &design, const CollagePlan &plan) const
+{
+    CollageView view{design, plan};
+    for (int slot = 0; slot < design.cells.size(); ++slot) {
+        view.photoSizes[slot] = photo(design.cells.at(slot).photo)->size();
+    }
+    return view;
+}
+
+CollageView CollageStudio::board()
+{
+    CollageView shown = view(m_design, boardPlan());
+    shown.images = m_images.images(shown.design, shown.plan);
+    return shown;
+}
+
+bool CollageStudio::settled() const
+{
+    return m_images.exact(m_design, boardPlan());
+}
+
+CollageView CollageStudio::thumbnail(const CollagePreset &preset, int longEdge) const
+{
+    CollageDesign design = m_design;
+    if (preset.id != design.preset.id) {
+        design.preset = preset;
+        design.node = preset.node;
+    }
+    CollageView shown = view(design, CollagePlan::of(design, longEdge));
+    shown.images = m_images.smallImages(shown.design, shown.plan);
+    return shown;
+}
+
+bool CollageStudio::unreadable(int slot) const
+{
+    return hasSlot(slot) && m_images.unreadable(m_design.cells.at(slot).photo);
+}
+
+void CollageStudio::checkpoint()
+{
+    if (!editable()) {
+        return;
+    }
+    m_sliders.end();
+    m_undo.append(m_design);
+    if (m_undo.size() > mostSteps) {
+        m_undo.removeFirst();
+    }
+    m_redo.clear();
+    tell(HistoryChanged);
+}
+
+void CollageStudio::adopt(const CollageDesign &design)
+{
+    m_design = design;
+    QList<QUuid> photos;
+    for (const CollageCell &cell : design.cells) {
+        photos.append(cell.photo);
+    }
+    Changes changes = DesignChanged;
+    if (photos != m_picked) {
+        m_picked = photos;
+        changes |= PhotosChanged;
+    }
+    if (m_selected && !hasSlot(*m_selected)) {
+        m_selected.reset();
+        changes |= SelectionChanged;
+    }
+    m_images.show(photosOf(design), m_photos.tiles());
+    tell(changes);
+}
+
+void CollageStudio::update(const CollageDesign &design)
+{
+    if (editable() && design != m_design) {
+        adopt(design);
+    }
+}
+
+void CollageStudio::change(const CollageDesign &design, const QString &key)
+{
+    if (!editable() || design == m_design) {
+        return;
+    }
+    if (key.isEmpty()) {
+        checkpoint();
+    } else {
+        m_sliders.change(key);
+    }
+    update(design);
+}
+
+void CollageStudio::move(QList<CollageDesign> &from, QList<CollageDesign> &to)
+{
+    to.append(m_design);
+    m_sliders.end();
+    adopt(from.takeLast());
+    tell(HistoryChanged);
+}
+
+void CollageStudio::undo()
+{
+    if (canUndo()) {
+        move(m_undo, m_redo);
+    }
+}
+
+void CollageStudio::redo()
+{
+    if (canRedo()) {
+        move(m_redo, m_undo);
+    }
+}
+
+void CollageStudio::finish()
+{
+    if (!canFinish()) {
+        return;
+    }
+    if (m_model.photos().size() >= EditorModel::mostPhotos) {
+        saveFailed(localized({"本次编辑已有 50 张照片。", "The session already has 50 photos.",
+                              "La session compte déjà 50 photos."}));
+        return;
+    }
+    m_saving = true;
+    m_message.clear();
+    tell(PhaseChanged | MessageChanged | HistoryChanged);
+    m_saver.start([this, design = m_design, photos = photosOf(m_design), library = m_model.libraryFolder(),
+                   stop = m_stop.get_token()] {
+        std::function<void()> outcome;
+        try {
+            const CollageOutput::Saved collage =
+                CollageOutput::save(m_pipeline, design, photos, library, stop);
+            outcome = [this, collage] { saved(collage); };
+        } catch (const OperationCancelled &) {
+            return; // closed meanwhile
+        } catch (const PipelineFailure &failure) {
+            const auto culprit = std::ranges::find(photos, failure.file(), &PhotoItem::file);
+            const QString name =
+                culprit == photos.end() ? QString() : culprit->name + localized({"：", ": ", "\u202f: "});
+            outcome = [this, reason = name + errorDescription(failure.error())] { saveFailed(reason); };
+        } catch (const FileError &error) {
+            outcome = [this, reason = errorDescription(error)] { saveFailed(reason); };
+        } catch (const std::exception &) {
+            outcome = [this] { saveFailed({}); };
+        }
+        // A call that is never delivered takes the unclaimed file with it.
+        QMetaObject::invokeMethod(this, outcome, Qt::QueuedConnection);
+    });
+}
+
+void CollageStudio::saved(const CollageOutput::Saved &collage)
+{
+    if (m_closed) {
+        return;
+    }
+    PhotoItem photo = collage.photo;
+    photo.name = localized({"拼图", "Collage", "Collage"});
+    m_saving = false;
+    if (m_model.importPhotos({photo}) == 0) {
+        saveFailed(localized({"本次编辑已有 50 张照片。", "The session already has 50 photos.",
+                              "La session compte déjà 50 photos."}));
+        return;
+    }
+    collage.file->keep();
+    m_closed = true;
+    tell(PhaseChanged | HistoryChanged);
+}
+
+void CollageStudio::saveFailed(const QString &reason)
+{
+    if (m_closed) {
+        return;
+    }
+    m_saving = false;
+    const QString what =
+        localized({"无法保存拼图。", "Could not save the collage.", "Impossible d’enregistrer le collage."});
+    tell(PhaseChanged | HistoryChanged);
+    setMessage((what + u' ' + reason).trimmed());
+}
+
+void CollageStudio::cancel()
+{
+    if (m_closed) {
+        return;
+    }
+    m_stop.request_stop();
+    m_saving = false;
+    m_closed = true;
+    tell(PhaseChanged | HistoryChanged);
+}
+
+void CollageStudio::setMessage(const QString &message)
+{
+    m_message = message;
+    tell(MessageChanged);
+}
+
+} // namespace tarnovel

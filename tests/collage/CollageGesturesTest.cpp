@@ -1,0 +1,138 @@
+#include "collage/CollageStudioWorld.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace tarnovel::test {
+namespace {
+
+using Dividers = StudioWorld;
+using Views = StudioWorld;
+
+TEST_F(Dividers, FollowTheFingerAndSnapOnce)
+{
+    open({3, 0, 4}); // 62 : 38, on a board of 600 × 600
+    const CollageDivider root = m_studio.layout().dividers.first();
+    const double middle = root.parent.top() + 90;
+    EXPECT_FALSE(m_gestures.grabDivider({root.position + 13, middle}));
+    ASSERT_TRUE(m_gestures.grabDivider({root.position + 8, middle}));
+    const auto drag = [&](double share) {
+        m_gestures.dragDivider({root.position + 8 + share * root.parent.width(), middle});
+    };
+    drag(0);
+    EXPECT_DOUBLE_EQ(rootRatio(), 0.62); // taking hold moves nothing
+    EXPECT_FALSE(m_studio.canUndo());
+    drag(-0.115);
+    EXPECT_EQ(rootRatio(), 0.5);
+    EXPECT_EQ(m_gestures.ratioLabel(), u"Centered · 50 : 50"_s);
+    drag(-0.13);
+    EXPECT_EQ(m_gestures.snapTick(), 1);
+    drag(-0.22);
+    EXPECT_NEAR(rootRatio(), 0.4, 1e-9);
+    EXPECT_FALSE(m_gestures.snapped());
+    drag(-0.275);
+    EXPECT_EQ(rootRatio(), 1.0 / 3);
+    EXPECT_EQ(m_gestures.ratioLabel(), u"33 : 67"_s);
+    EXPECT_EQ(m_gestures.snapTick(), 2);
+    drag(-5);
+    EXPECT_EQ(rootRatio(), 0.15);
+    m_gestures.releaseDivider();
+    EXPECT_FALSE(m_gestures.ratioLabel());
+    drag(0);
+    EXPECT_EQ(rootRatio(), 0.15); // let go
+    m_studio.undo();
+    EXPECT_DOUBLE_EQ(rootRatio(), 0.62);
+    EXPECT_FALSE(m_studio.canUndo());
+}
+
+TEST_F(Dividers, OfAnInnerSplitAnswerInTheirPartOnly)
+{
+    open({3, 0, 4});
+    const CollageDivider inner = m_studio.layout().dividers.last();
+    EXPECT_EQ(m_gestures.dividerAt({inner.parent.center().x(), inner.position})->id(), u"1"_s);
+    EXPECT_FALSE(m_gestures.dividerAt({100, inner.position}));
+    EXPECT_EQ(m_gestures.nudgeDivider(u"1"_s, 0.02), u"52 : 48"_s);
+    m_clock.advance(300ms);
+    EXPECT_EQ(m_gestures.nudgeDivider(u"1"_s, 0.05), u"57 : 43"_s);
+    EXPECT_EQ(m_gestures.nudgeDivider(u"1"_s, 5), u"85 : 15"_s);
+    EXPECT_EQ(m_gestures.nudgeDivider(u"0-1"_s, 0.1), QString());
+    m_studio.undo();
+    EXPECT_FALSE(m_studio.canUndo());
+    m_studio.choosePreset(u"filmstrip"_s);
+    const CollageDivider film = m_studio.layout().dividers.first();
+    EXPECT_FALSE(m_gestures.grabDivider({film.position, film.parent.center().y()}));
+}
+
+TEST_F(Dividers, AndViewsAreInPointsOnAnyDisplay)
+{
+    open({3, 0, 4});
+    const CollageLayout once = m_studio.layout();
+    m_studio.setStage({600, 600}, 2);
+    EXPECT_EQ(m_studio.boardSize(), QSizeF(600, 600));
+    EXPECT_EQ(m_studio.board().plan.size, QSize(1200, 1200));
+    EXPECT_EQ(m_studio.layout().cells, once.cells);
+    EXPECT_EQ(m_studio.cellAt(once.cells.at(2).center()), 2);
+    EXPECT_FALSE(m_studio.cellAt({1, 1}));
+    m_studio.setStage({0, 0}, 1);
+    EXPECT_FALSE(drawn(m_studio.board()).isNull());
+}
+
+TEST_F(Views, PanWithTheFingerAndHoldToTheCentre)
+{
+    open({0, 3}); // h2: a photo of 3 : 2 in an upright cell
+    const QSizeF cell = m_studio.layout().cells.at(0).size();
+    const double half = (cell.height() * 1.5 - cell.width()) / 2;
+    const auto offset = [this] { return m_studio.design().cells.at(0).offset; };
+    m_gestures.panPhoto(0, {3, 0});
+    EXPECT_EQ(offset(), QSizeF(0, 0));
+    m_gestures.panPhoto(0, {half / 2, 30});
+    EXPECT_NEAR(offset().width(), 0.5, 1e-9);
+    EXPECT_EQ(offset().height(), 0); // nothing overflows that way
+    m_gestures.panPhoto(0, {0.05 * half, 0});
+    EXPECT_EQ(offset().width(), 0);
+    m_gestures.panPhoto(0, {-9 * half, 0});
+    EXPECT_EQ(offset().width(), -1);
+    m_gestures.endPan();
+    m_gestures.panPhoto(0, {half, 0});
+    EXPECT_EQ(offset().width(), 0); // a new gesture begins where the last one ended
+    m_gestures.endPan();
+    m_studio.undo();
+    EXPECT_EQ(offset().width(), -1);
+    m_studio.undo();
+    EXPECT_FALSE(m_studio.canUndo());
+    m_gestures.nudgePhoto(0, {0.03 * half, 0});
+    m_gestures.nudgePhoto(0, {0.03 * half, 0});
+    EXPECT_NEAR(offset().width(), 0.06, 1e-9); // keys get away from the centre
+    m_gestures.panPhoto(7, {50, 50});
+    m_gestures.panPhoto(0, {std::nan(""), 0});
+    EXPECT_NEAR(offset().width(), 0.06, 1e-9);
+}
+
+TEST_F(Views, ZoomFromOneToFour)
+{
+    open({0, 3});
+    const auto zoom = [this] { return m_studio.design().cells.at(1).zoom; };
+    m_gestures.pinchPhoto(1, 1.5);
+    m_gestures.pinchPhoto(1, 2);
+    EXPECT_EQ(zoom(), 2);
+    m_gestures.endPinch();
+    m_gestures.pinchPhoto(1, 3);
+    EXPECT_EQ(zoom(), 4);
+    m_gestures.pinchPhoto(1, 0.01);
+    EXPECT_EQ(zoom(), 1);
+    m_gestures.endPinch();
+    m_studio.undo();
+    EXPECT_EQ(zoom(), 2);
+    m_gestures.zoomPhoto(1, 1.1);
+    m_gestures.zoomPhoto(1, 1.1);
+    EXPECT_NEAR(zoom(), 2.42, 1e-9);
+    m_studio.select(1);
+    m_studio.resetPhoto();
+    EXPECT_EQ(zoom(), 1);
+    m_studio.undo();
+    m_studio.undo();
+    EXPECT_EQ(zoom(), 2);
+}
+
+} // namespace
+} // namespace tarnovel::test
