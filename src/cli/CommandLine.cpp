@@ -231,6 +231,18 @@ void prepareQt()
 
 } // namespace
 
+bool isCommand(int argc, char **argv)
+{
+    if (argc < 2 || argv[1] == "--"sv) {
+        return false;
+    }
+    const std::string_view first = argv[1];
+    if (first.starts_with('-') || std::ranges::find(commands, first) != commands.end()) {
+        return true;
+    }
+    return first.find_first_of("/.") == std::string_view::npos && access(argv[1], F_OK) != 0;
+}
+
 int runCommandLine(int argc, char **argv)
 {
     occupyStandardStreams();

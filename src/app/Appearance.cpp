@@ -1,0 +1,102 @@
+#include "app/Appearance.h"
+
+#include <array>
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QPalette>
+
+#include "app/kit/Theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr std::array names = {"system", "light", "dark"};
+
+const QString settingsGroup = u"org.freedesktop.appearance"_s;
+const QString settingsKey = u"color-scheme"_s;
+
+/// 1 prefers dark, 2 prefers light, 0 says nothing. Some portals wrap the value twice.
+std::optional<bool> isDark(QVariant value)
+{
+    while (value.canConvert<QDBusVariant>()) {
+        value = value.value<QDBusVariant>().variant();
+    }
+    const unsigned scheme = value.toUInt();
+    return scheme == 1 ? std::optional(true) : scheme == 2 ? std::optional(false) : std::nullopt;
+}
+
+} // namespace
+
+Appearance::Appearance(Preferences &preferences)
+    : m_preferences(preferences),
+      m_paletteDark(QApplication::palette().color(QPalette::Window).lightness() < 128)
+{
+    apply();
+    askDesktop();
+}
+
+AppearanceChoice Appearance::choice() const
+{
+    const QString stored = m_preferences.value(u"appearance"_s).toString();
+    for (size_t i = 0; i < names.size(); ++i) {
+        if (stored == QLatin1StringView(names.at(i))) {
+            return static_cast<AppearanceChoice>(i);
+        }
+    }
+    return AppearanceChoice::system;
+}
+
+void Appearance::choose(AppearanceChoice choice)
+{
+    m_preferences.setValue(u"appearance"_s, QString::fromLatin1(names.at(static_cast<size_t>(choice))));
+    apply();
+}
+
+void Appearance::askDesktop()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        return;
+    }
+    const QString service = u"org.freedesktop.portal.Desktop"_s;
+    const QString path = u"/org/freedesktop/portal/desktop"_s;
+    const QString interface = u"org.freedesktop.portal.Settings"_s;
+    bus.connect(service, path, interface, u"SettingChanged"_s, this,
+                SLOT(settingChanged(QString, QString, QDBusVariant)));
+    QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, u"Read"_s);
+    call.setArguments({settingsGroup, settingsKey});
+    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        const QDBusPendingReply<QVariant> reply = *watcher;
+        if (reply.isValid()) {
+            m_desktopDark = isDark(reply.value());
+            apply();
+        }
+        watcher->deleteLater();
+    });
+}
+
+void Appearance::settingChanged(const QString &group, const QString &key, const QDBusVariant &value)
+{
+    if (group == settingsGroup && key == settingsKey) {
+        m_desktopDark = isDark(value.variant());
+        apply();
+    }
+}
+
+void Appearance::apply()
+{
+    const AppearanceChoice chosen = choice();
+    applyTheme(chosen == AppearanceChoice::system ? m_desktopDark.value_or(m_paletteDark)
+                                                  : chosen == AppearanceChoice::dark);
+}
+
+} // namespace tarnovel

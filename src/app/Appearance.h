@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+
+#include <QObject>
+
+#include "model/Preferences.h"
+
+class QDBusVariant;
+
+namespace tarnovel {
+
+enum class AppearanceChoice { system, light, dark };
+
+/// Light or dark: the user's choice, or what the desktop says through its portal, or else what the palette of
+/// the platform looks like. The theme follows at once.
+class Appearance : public QObject {
+    Q_OBJECT
+
+public:
+    explicit Appearance(Preferences &preferences);
+
+    AppearanceChoice choice() const;
+    void choose(AppearanceChoice choice);
+
+private Q_SLOTS:
+    void settingChanged(const QString &group, const QString &key, const QDBusVariant &value);
+
+private:
+    void askDesktop();
+    void apply();
+
+    Preferences &m_preferences;
+    bool m_paletteDark;
+    std::optional<bool> m_desktopDark;
+};
+
+} // namespace tarnovel

@@ -1,0 +1,149 @@
+#include "app/Application.h"
+
+#include <cstdio>
+#include <mutex>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStyleFactory>
+
+#include "app/Appearance.h"
+#include "app/EditorContext.h"
+#include "app/kit/Icons.h"
+#include "app/kit/Theme.h"
+#include "app/window/MainWindow.h"
+#include "editor/SingleInstance.h"
+#include "export/ExportFileLifetime.h"
+#include "export/PhotoLibrary.h"
+#include "model/LibraryPaths.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+/// The language preference as other threads read it.
+class LanguagePreference {
+public:
+    explicit LanguagePreference(const Preferences &preferences) : m_preferences(preferences) { reload(); }
+
+    void reload()
+    {
+        const QString stored = m_preferences.value(u"language"_s).toString();
+        const std::lock_guard lock(m_mutex);
+        m_name = stored;
+    }
+    QString name() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_name;
+    }
+
+private:
+    const Preferences &m_preferences;
+    mutable std::mutex m_mutex;
+    QString m_name;
+};
+
+/// A folder among the temporary files that only this user can look into.
+QString privateTemporaryFolder()
+{
+    const QString path = QDir::tempPath() + u"/tarnovel-"_s + QString::number(getuid());
+    const QByteArray name = QFile::encodeName(path);
+    mkdir(name.constData(), S_IRWXU);
+    struct stat status = {};
+    const bool own = lstat(name.constData(), &status) == 0 && S_ISDIR(status.st_mode) &&
+                     status.st_uid == getuid() && (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+    if (own) {
+        return path;
+    }
+    // Somebody else has taken the name.
+    return LibraryPaths::root() + u"/../Exports"_s;
+}
+
+QStringList photosOf(const QStringList &arguments)
+{
+    QStringList photos;
+    for (const QString &argument : arguments.mid(1)) {
+        if (argument != u"--"_s) {
+            photos.append(QFileInfo(argument).absoluteFilePath());
+        }
+    }
+    return photos;
+}
+
+bool hasDisplay()
+{
+    return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || qEnvironmentVariableIsSet("DISPLAY") ||
+           qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+int complain(const Text &text)
+{
+    std::fprintf(stderr, "tarnovel: %s\n", localized(text).toUtf8().constData());
+    return 1;
+}
+
+} // namespace
+
+int runEditor(int argc, char **argv)
+{
+    Preferences preferences;
+    LanguagePreference language(preferences);
+    setLanguageSources(
+        {[&language] { return language.name(); }, [] { return systemLanguagesFromEnvironment(); }});
+    if (!hasDisplay()) {
+        return complain({"没有可用的显示。命令行用法见 tarnovel --help。",
+                         "There is no display. For the command line see tarnovel --help.",
+                         "Aucun affichage. Pour la ligne de commande, voir tarnovel --help."});
+    }
+    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(u"Tarnovel"_s);
+    QApplication::setApplicationVersion(QStringLiteral(TARNOVEL_VERSION));
+    QApplication::setDesktopFileName(u"io.github.tarnovel.Tarnovel"_s);
+    QApplication::setFont(typeFont(Type::Body));
+    QIcon icon;
+    for (const int size : {16, 32, 48, 128, 256}) {
+        icon.addPixmap(Icons::application(size));
+    }
+    QApplication::setWindowIcon(icon);
+
+    const QString library = LibraryPaths::root();
+    const QStringList photos = photosOf(QApplication::arguments());
+    SingleInstance instance(library);
+    if (!instance.acquire(photos)) {
+        return instance.handedOver() ? 0
+                                     : complain({"Tarnovel 已在运行，但没有响应。",
+                                                 "Tarnovel is running already, but does not answer.",
+                                                 "Tarnovel est déjà ouvert, mais ne répond pas."});
+    }
+    const QString temporary = privateTemporaryFolder() + u"/Exports"_s;
+    ExportFileLifetime::prepare(temporary);
+    ImagePipeline pipeline(library, temporary);
+    SessionWriter writer(library);
+    SystemClock clock;
+    EditorModel model({pipeline, writer, preferences, clock, library}, EditorModel::Load::StoredSession);
+    SettingsEdits edits(model, clock);
+    ImportFlow imports(model, pipeline);
+    Thumbnails thumbnails(pipeline);
+    EditorState state;
+    Appearance appearance(preferences);
+    PicturesFolder pictures;
+    MainWindow window({{model, edits, imports, thumbnails, pipeline, preferences, clock, state},
+                       appearance,
+                       FileChooser::dialogs(),
+                       pictures,
+                       [&language] { language.reload(); }});
+    QObject::connect(&instance, &SingleInstance::photosReceived, &window, &MainWindow::openPhotos);
+    window.show();
+    window.openPhotos(photos);
+    return QApplication::exec();
+}
+
+} // namespace tarnovel

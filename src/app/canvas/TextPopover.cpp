@@ -1,0 +1,94 @@
+#include "app/canvas/TextPopover.h"
+
+#include <QBoxLayout>
+
+#include "app/inspector/ColorDots.h"
+#include "app/inspector/Section.h"
+#include "app/inspector/TextSection.h"
+#include "app/kit/Button.h"
+#include "app/kit/Field.h"
+#include "app/kit/Overlay.h"
+#include "app/kit/Segments.h"
+#include "app/kit/Theme.h"
+#include "render/CompositionRenderer.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+namespace {
+
+constexpr int cardWidth = 320;
+constexpr int padding = 12;
+
+/// The row of colours, with the eye that hides the text.
+QHBoxLayout *colorRow(Overlay *card, const EditorContext &context, const TextLayer &layer)
+{
+    SettingsEdits &edits = context.edits;
+    auto *dots = new ColorDots(context.state, {{packedColor(0x0D0D0D), said({"黑", "Black", "Noir"})},
+                                               {packedColor(0x6E6D68), said({"灰", "Grey", "Gris"})},
+                                               {packedColor(0xFFFFFF), said({"白", "White", "Blanc"})}});
+    dots->setAccessibleName(localized({"文字颜色", "Text color", "Couleur du texte"}));
+    dots->setColor(CompositionRenderer::opaque(layer.ink));
+    auto *hide = new Button(Button::Kind::Ghost, said({"隐藏文字", "Hide text", "Masquer le texte"}), "eye",
+                            Button::Face::IconOnly);
+    hide->setHeight(28);
+    hide->setIconSizePx(16);
+    auto *row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(dots, 1);
+    row->addWidget(hide);
+    QObject::connect(dots, &ColorDots::chosenColor, card, [&edits, dots, id = layer.id](const QColor &color) {
+        edits.step([&](FrameSettings &settings) { settings.layer(id)->ink = inkOf(color); });
+        dots->setColor(color);
+    });
+    QObject::connect(dots, &ColorDots::dragged, card, [&edits, id = layer.id](const QColor &color) {
+        edits.slide(u"ink "_s + id, [&](FrameSettings &settings) { settings.layer(id)->ink = inkOf(color); });
+    });
+    QObject::connect(hide, &QPushButton::clicked, card, [&edits, card, id = layer.id] {
+        edits.step([&](FrameSettings &settings) { settings.layer(id)->visible = false; });
+        card->close();
+    });
+    return row;
+}
+
+} // namespace
+
+Overlay *editTextOnCanvas(QWidget *window, const EditorContext &context, const QString &layerId,
+                          QPoint inWindow)
+{
+    const PhotoItem *photo = context.model.current();
+    const TextLayer *found = photo ? photo->settings.layer(layerId) : nullptr;
+    if (!found || found->imageFile) {
+        return nullptr;
+    }
+    const TextLayer layer = *found;
+    SettingsEdits &edits = context.edits;
+    auto *card =
+        new Overlay(Overlay::Kind::Popover, window, said({"编辑文字", "Edit text", "Modifier le texte"}));
+    card->column()->setContentsMargins(padding, padding, padding, padding);
+    card->column()->setSpacing(12);
+    auto *text = new Field(said({"内容", "Text", "Contenu"}));
+    text->setText(layer.text);
+    text->selectAll();
+    auto *font = makeFontSegments();
+    font->setCurrent(fontIndex(layer));
+    card->column()->addWidget(text);
+    card->column()->addWidget(font);
+    card->column()->addLayout(colorRow(card, context, layer));
+    QObject::connect(text, &QLineEdit::textEdited, card, [&edits, layerId](const QString &typed) {
+        edits.slide(u"text "_s + layerId,
+                    [&](FrameSettings &settings) { settings.layer(layerId)->text = typed; });
+    });
+    QObject::connect(text, &QLineEdit::returnPressed, card, &Overlay::close);
+    QObject::connect(font, &Items::chosen, card, [&edits, layerId](int index) {
+        edits.step([&](FrameSettings &settings) { settings.layer(layerId)->fontStyle = fontAt(index); });
+    });
+    QObject::connect(card, &Overlay::closed, card, [&edits] { edits.endSlide(); });
+    card->setCardSize({cardWidth, 0});
+    card->anchorAt(inWindow);
+    card->open();
+    return card;
+}
+
+} // namespace tarnovel

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <array>
+#include <functional>
+
+#include <QObject>
+
+class QAction;
+class QWidget;
+
+namespace tarnovel {
+
+/// What the editor's window can be told to do, with names and keys.
+enum class Act {
+    AddPhotos,
+    Export,
+    Undo,
+    Redo,
+    ApplyToAll,
+    SaveStyle,
+    Collage,
+    PreviewSet,
+    Manage,
+    Guide,
+    Settings,
+    Paste,
+    Remove,
+    Count
+};
+
+class EditorActions : public QObject {
+    Q_OBJECT
+
+public:
+    /// The actions belong to `window`, whose keys they answer.
+    explicit EditorActions(QWidget *window);
+
+    QAction *action(Act act) const { return m_actions.at(static_cast<size_t>(act)); }
+    void connectTo(Act act, const std::function<void()> &done);
+    void setEnabled(Act act, bool enabled);
+    /// Asks for the names again.
+    void retranslate();
+
+private:
+    std::array<QAction *, static_cast<size_t>(Act::Count)> m_actions = {};
+};
+
+} // namespace tarnovel

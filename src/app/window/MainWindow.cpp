@@ -1,0 +1,503 @@
+#include "app/window/MainWindow.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QShortcut>
+#include <QStackedLayout>
+#include <QThreadPool>
+
+#include "app/Wording.h"
+#include "app/canvas/CanvasView.h"
+#include "app/canvas/TextPopover.h"
+#include "app/export/ExportPanel.h"
+#include "app/export/SuccessSheet.h"
+#include "app/inspector/TextSection.h"
+#include "app/kit/Button.h"
+#include "app/kit/Focus.h"
+#include "app/kit/Overlay.h"
+#include "app/kit/Theme.h"
+#include "app/screens/ManagePhotos.h"
+#include "app/screens/SetPreview.h"
+#include "app/screens/SettingsSheet.h"
+#include "app/window/DropVeil.h"
+#include "app/window/EditorActions.h"
+#include "app/window/EditorPage.h"
+#include "app/window/FileDrops.h"
+#include "app/window/FilmStrip.h"
+#include "app/window/HomeScreen.h"
+#include "app/window/ToolPanel.h"
+#include "app/window/TopBar.h"
+#include "export/PhotoLibrary.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+MainWindow::MainWindow(const WindowServices &services)
+    : m_services(services),
+      m_actions(std::make_unique<EditorActions>(this)),
+      m_placement(*this, services.editor.preferences),
+      m_pages(new QStackedLayout(this)),
+      m_page(new EditorPage(services.editor, *m_actions, services.chooser, services.library)),
+      m_veil(new DropVeil(this)),
+      m_toast(new Toast(this))
+{
+    setWindowTitle(u"Tarnovel"_s);
+    setAcceptDrops(true);
+    m_pages->setContentsMargins(0, 0, 0, 0);
+    m_pages->addWidget(m_page);
+    new FocusRing(this);
+    connectActions();
+    connectState();
+    for (size_t i = 0; i < toolRows.size(); ++i) {
+        const QString key = i < 9 ? QString::number(i + 1) : i == 9 ? u"0"_s : u"-"_s;
+        auto *shortcut = new QShortcut(QKeySequence(u"Alt+"_s + key), this);
+        connect(shortcut, &QShortcut::activated, this, [this, i] {
+            if (currentPage() == m_page && !m_page->atHome()) {
+                m_page->showExport(false);
+                state().setTool(toolRows.at(i).tool);
+            }
+        });
+    }
+    m_placement.restore();
+    updateActions();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::connectActions()
+{
+    const auto when = [this](Act act, void (MainWindow::*done)()) {
+        m_actions->connectTo(act, [this, done] { (this->*done)(); });
+    };
+    m_actions->connectTo(Act::AddPhotos, [this] { Q_EMIT state().addPhotosAsked(); });
+    m_actions->connectTo(Act::Export, [this] {
+        showEditor();
+        m_page->showExport(!m_page->exportShown());
+    });
+    m_actions->connectTo(Act::Undo, [this] { m_services.editor.model.undo(); });
+    m_actions->connectTo(Act::Redo, [this] { m_services.editor.model.redo(); });
+    when(Act::ApplyToAll, &MainWindow::applyToAll);
+    when(Act::SaveStyle, &MainWindow::askStyleName);
+    when(Act::PreviewSet, &MainWindow::showSetPreview);
+    when(Act::Manage, &MainWindow::showManage);
+    m_actions->connectTo(Act::Guide, [this] { showSettings(); });
+    m_actions->connectTo(Act::Settings, [this] { showSettings(); });
+    when(Act::Paste, &MainWindow::paste);
+    when(Act::Remove, &MainWindow::askRemove);
+}
+
+void MainWindow::connectState()
+{
+    EditorState &shared = state();
+    const EditorContext &editor = m_services.editor;
+    connect(&editor.model, &EditorModel::changed, this, &MainWindow::modelChanged);
+    connect(&shared, &EditorState::saying, m_toast, [this](const QString &text, Toast::Kind kind) {
+        placeToast();
+        m_toast->say(text, kind);
+    });
+    connect(&shared, &EditorState::addPhotosAsked, this, [this] {
+        m_services.chooser.photos(this, [this](const QStringList &files) {
+            import(files, ImportMode::Photos, ImportSource::Files);
+        });
+    });
+    connect(&shared, &EditorState::backgroundAsked, this, [this] {
+        m_services.chooser.picture(this, [this](const QStringList &files) {
+            import(files, ImportMode::Background, ImportSource::Files);
+        });
+    });
+    connect(&shared, &EditorState::logoAsked, this, [this] {
+        m_services.chooser.picture(
+            this, [this](const QStringList &files) { import(files, ImportMode::Logo, ImportSource::Files); });
+    });
+    connect(&shared, &EditorState::saveStyleAsked, this, &MainWindow::askStyleName);
+    connect(&shared, &EditorState::applyToAllAsked, this, &MainWindow::applyToAll);
+    connect(&shared, &EditorState::removeAsked, this, &MainWindow::askRemove);
+    connect(m_page->strip(), &FilmStrip::manageAsked, this, &MainWindow::showManage);
+    connect(m_page->strip(), &FilmStrip::previewSetAsked, this, &MainWindow::showSetPreview);
+    connect(m_page->exporting(), &ExportPanel::exportedToFolder, this, &MainWindow::showFolderSuccess);
+    connect(m_page->exporting(), &ExportPanel::exportedToLibrary, this, &MainWindow::showLibrarySuccess);
+    connect(m_page->home(), &HomeScreen::continueAsked, this, &MainWindow::showEditor);
+    connect(m_page->canvas(), &CanvasView::editTextAsked, this, [this](const QString &layer) {
+        state().setTool(Tool::Text);
+        const std::optional<QRectF> box = m_page->canvas()->layerBox();
+        if (box) {
+            const QPoint below(qRound(box->center().x()) + 160, qRound(box->bottom()) + 12);
+            editTextOnCanvas(this, m_services.editor, layer, m_page->canvas()->mapTo(this, below));
+        }
+    });
+    connect(&editor.imports, &ImportFlow::finished, this, [this](const ImportSummary &summary) {
+        if (summary.added > 0) {
+            showEditor();
+        }
+    });
+}
+
+QWidget *MainWindow::currentPage() const
+{
+    return m_pages->currentWidget();
+}
+
+void MainWindow::showPage(QWidget *page)
+{
+    if (m_pages->indexOf(page) < 0) {
+        m_pages->addWidget(page);
+    }
+    m_pages->setCurrentWidget(page);
+    m_veil->hide();
+    updateActions();
+    placeToast();
+}
+
+void MainWindow::showEditor()
+{
+    const QList<PhotoItem> &photos = m_services.editor.model.photos();
+    if (photos.isEmpty()) {
+        m_page->showExport(false);
+        m_page->showHome();
+    } else {
+        m_page->showEditor();
+    }
+    showPage(m_page);
+}
+
+void MainWindow::showManage()
+{
+    if (!m_manage) {
+        m_manage = new ManagePhotos(m_services.editor);
+        connect(m_manage, &ManagePhotos::closeAsked, this, &MainWindow::showEditor);
+    }
+    showPage(m_manage);
+    m_manage->open();
+}
+
+void MainWindow::showSetPreview()
+{
+    if (!m_preview) {
+        m_preview = new SetPreview(m_services.editor);
+        connect(m_preview, &SetPreview::closeAsked, this, &MainWindow::showEditor);
+        connect(m_preview, &SetPreview::exportAsked, this, [this] {
+            showEditor();
+            m_page->showExport(true);
+        });
+    }
+    showPage(m_preview);
+    m_preview->open();
+}
+
+Overlay *MainWindow::showSettings()
+{
+    return tarnovel::showSettings(this, m_services.editor, m_services.appearance, [this] {
+        m_services.languageChosen();
+        retranslate();
+    });
+}
+
+void MainWindow::retranslate()
+{
+    m_actions->retranslate();
+    QEvent change(QEvent::LanguageChange);
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        QApplication::sendEvent(widget, &change);
+    }
+    m_page->home()->refresh();
+    update();
+}
+
+void MainWindow::modelChanged(EditorModel::Changes changes)
+{
+    const EditorModel &model = m_services.editor.model;
+    if (changes & EditorModel::ImportChanged) {
+        if (model.busy()) {
+            placeToast();
+            m_toast->say(localized({"正在导入 ", "Importing ", "Importation "}) + model.importProgress(),
+                         Toast::Kind::Busy);
+        } else {
+            m_toast->endBusy();
+        }
+    }
+    if (changes & EditorModel::MessageChanged && !model.message().isEmpty()) {
+        placeToast();
+        m_toast->say(model.message(), Toast::Kind::Error);
+    }
+    if (changes & EditorModel::PhotosChanged && model.photos().isEmpty() && currentPage() == m_page) {
+        showEditor();
+    }
+    updateActions();
+}
+
+void MainWindow::updateActions()
+{
+    const EditorModel &model = m_services.editor.model;
+    const bool editing = currentPage() == m_page && !m_page->atHome();
+    const bool onPage = currentPage() == m_page;
+    const bool photo = model.current() != nullptr;
+    m_actions->setEnabled(Act::AddPhotos, onPage && model.photos().size() < EditorModel::mostPhotos);
+    m_actions->setEnabled(Act::Paste, onPage && model.photos().size() < EditorModel::mostPhotos);
+    m_actions->setEnabled(Act::Undo, editing && model.canUndo());
+    m_actions->setEnabled(Act::Redo, editing && model.canRedo());
+    for (const Act act : {Act::Export, Act::ApplyToAll, Act::SaveStyle, Act::PreviewSet, Act::Manage,
+                          Act::Collage, Act::Remove}) {
+        m_actions->setEnabled(act, editing && photo);
+    }
+    m_actions->setEnabled(Act::Guide, onPage);
+    m_actions->setEnabled(Act::Settings, onPage);
+}
+
+void MainWindow::openPhotos(const QStringList &photos)
+{
+    if (!photos.isEmpty()) {
+        import(photos, ImportMode::Photos, ImportSource::Files);
+    }
+    if (isVisible()) {
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+        raise();
+        activateWindow();
+    }
+}
+
+void MainWindow::import(const QStringList &files, ImportMode mode, ImportSource source)
+{
+    if (files.isEmpty()) {
+        return;
+    }
+    ImportRequest request;
+    request.paths = files;
+    request.mode = mode;
+    request.source = source;
+    m_services.editor.imports.start(request);
+}
+
+bool MainWindow::backgroundWanted() const
+{
+    const PhotoItem *photo = m_services.editor.model.current();
+    return photo && !m_page->atHome() && !m_page->exportShown() &&
+           m_services.editor.state.tool() == Tool::Background &&
+           photo->settings.background == Backdrop::image;
+}
+
+void MainWindow::paste()
+{
+    const QMimeData *copied = QApplication::clipboard()->mimeData();
+    const QStringList files = FileDrops::pictures(copied);
+    if (!files.isEmpty()) {
+        import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
+        return;
+    }
+    const QImage image = qvariant_cast<QImage>(copied->imageData());
+    if (image.isNull() || !m_pasted.isValid()) {
+        return;
+    }
+    const QString name = localized({"粘贴的图片", "Pasted picture", "Image collée"});
+    const QString path = m_pasted.filePath(u"%1 %2.png"_s.arg(name).arg(++m_pastes));
+    QThreadPool::globalInstance()->start([this, image, path] {
+        const bool saved = image.save(path, "PNG", 90);
+        QMetaObject::invokeMethod(this, [this, path, saved] {
+            if (saved) {
+                import({path}, ImportMode::Photos, ImportSource::Files);
+            }
+        });
+    });
+}
+
+void MainWindow::askRemove()
+{
+    if (!m_services.editor.model.current()) {
+        return;
+    }
+    ask(m_page->strip()->removeButton(),
+        {said({"移除这张照片", "Remove this photo", "Retirer cette photo"}),
+         [] { return Wording::local(Confirmations::removePhoto()); }, said({"移除", "Remove", "Retirer"})},
+        [this] { m_services.editor.model.removeCurrent(); });
+}
+
+void MainWindow::askStyleName()
+{
+    if (!m_services.editor.model.current()) {
+        return;
+    }
+    QWidget *anchor =
+        m_page->exportShown() ? static_cast<QWidget *>(m_page->bar()) : m_page->panel()->saveStyleButton();
+    askText(
+        anchor,
+        {.title = said({"保存我的风格", "Save my style", "Enregistrer mon style"}),
+         .text = said({"画布、背景、边框和文字样式会一起保存。",
+                       "Canvas, background, border and texts are kept together.",
+                       "Format, fond, bordure et textes sont conservés ensemble."}),
+         .fieldName = said({"风格名称", "Style name", "Nom du style"}),
+         .confirm = said({"保存", "Save", "Enregistrer"})},
+        [this](const QString &typed) {
+            const QString name = typed.simplified().left(60);
+            if (name.isEmpty()) {
+                return localized({"请输入名称。", "Enter a name.", "Saisissez un nom."});
+            }
+            if (m_services.editor.model.savePreset(name)) {
+                state().say(localized({"风格已保存", "Style saved", "Style enregistré"}), Toast::Kind::Done);
+            }
+            return QString();
+        });
+}
+
+void MainWindow::applyToAll()
+{
+    EditorModel &model = m_services.editor.model;
+    if (!model.current()) {
+        return;
+    }
+    model.applyToAll();
+    const QString count = QString::number(model.photos().size());
+    state().say(model.photos().size() == 1
+                    ? localized({"风格已应用。", "Style applied.", "Style appliqué."})
+                    : localized({"风格已应用到 ", "Style applied to ", "Style appliqué aux "}) + count +
+                          localized({" 张照片。", " photos.", " photos."}),
+                Toast::Kind::Done);
+}
+
+void MainWindow::showFolderSuccess()
+{
+    // Thumbnails come a moment after the result; the sheet waits for them.
+    ExportPanel *panel = m_page->exporting();
+    const auto open = [this, panel] {
+        const std::optional<ExportResult> &result = panel->folderExport().result();
+        if (!result || m_success) {
+            return;
+        }
+        const qsizetype count = result->files.size();
+        m_success = showSuccess(this,
+                                {[count] { return ExportTexts::exported(count); }, result->folder,
+                                 result->files, result->thumbnails, result->quote},
+                                [this](const QString &text) { state().say(text, Toast::Kind::Done); });
+        connect(m_success, &Overlay::closed, this, [panel] { panel->dismissResult(); });
+    };
+    open();
+}
+
+void MainWindow::showLibrarySuccess()
+{
+    const LibraryExport &run = m_page->exporting()->libraryExport();
+    if (m_success || run.saved().isEmpty()) {
+        return;
+    }
+    m_success =
+        showSuccess(this,
+                    {[] { return LibraryExport::savedText(); }, QFileInfo(run.saved().first()).absolutePath(),
+                     run.saved(), run.thumbnails(), run.quote()},
+                    [this](const QString &text) { state().say(text, Toast::Kind::Done); });
+}
+
+void MainWindow::placeToast()
+{
+    if (currentPage() == m_page) {
+        m_toast->setAnchor(m_page->toastAnchor(), std::max(m_page->stageWidth() - 64, 280));
+    } else {
+        m_toast->setAnchor({width() / 2, height() - 96}, std::max(width() / 2, 280));
+    }
+    m_toast->raise();
+}
+
+void MainWindow::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), theme().canvas);
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (!event->spontaneous()) {
+        m_placement.shown();
+    }
+}
+
+void MainWindow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeToast();
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::ActivationChange && !isActiveWindow()) {
+        m_services.editor.model.scheduleSave(SaveScheduler::Moment::AtOnce);
+    }
+    QWidget::changeEvent(event);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_page->exporting()->working() && !m_closing) {
+        event->ignore();
+        ask(m_page->bar(),
+            {said({"停止导出？", "Stop exporting?", "Arrêter l’export ?"}),
+             said({"已导出的照片会保留。", "Photos that are already exported stay.",
+                   "Les photos déjà exportées restent."}),
+             said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
+            [this] {
+                m_closing = true;
+                close();
+            });
+        return;
+    }
+    m_placement.remember();
+    m_services.editor.model.flush();
+    event->accept();
+}
+
+void MainWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_F6 && currentPage() == m_page) {
+        m_page->focusNextPart(!(event->modifiers() & Qt::ShiftModifier));
+        return;
+    }
+    if (event->key() == Qt::Key_Escape && currentPage() == m_page) {
+        if (m_services.editor.model.busy()) {
+            m_services.editor.imports.cancel();
+        } else if (m_page->exportShown()) {
+            m_page->showExport(false);
+        }
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!FileDrops::hasFiles(event->mimeData()) || currentPage() != m_page) {
+        return;
+    }
+    const qsizetype count = FileDrops::pictures(event->mimeData()).size();
+    m_veil->setGeometry(m_page->dropArea());
+    m_veil->offer(count == 0           ? DropVeil::Offer::Nothing
+                  : backgroundWanted() ? DropVeil::Offer::Background
+                                       : DropVeil::Offer::Photos,
+                  count);
+    // Even what cannot be used is accepted, or the drag would not tell when it leaves.
+    event->acceptProposedAction();
+}
+
+void MainWindow::dragMoveEvent(QDragMoveEvent *event)
+{
+    event->acceptProposedAction();
+}
+
+void MainWindow::dragLeaveEvent(QDragLeaveEvent *)
+{
+    m_veil->hide();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    m_veil->hide();
+    const QStringList files = FileDrops::pictures(event->mimeData());
+    if (!files.isEmpty()) {
+        import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
+        event->acceptProposedAction();
+    }
+}
+
+} // namespace tarnovel

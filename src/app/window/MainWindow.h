@@ -1,0 +1,103 @@
+#pragma once
+
+#include <memory>
+
+#include <QPointer>
+#include <QTemporaryDir>
+#include <QWidget>
+
+#include "app/Appearance.h"
+#include "app/EditorContext.h"
+#include "app/FileChooser.h"
+#include "app/window/WindowPlacement.h"
+
+class QStackedLayout;
+
+namespace tarnovel {
+
+class DropVeil;
+class EditorActions;
+class EditorPage;
+class ManagePhotos;
+class Overlay;
+class PhotoLibrary;
+class SetPreview;
+
+/// What the window works with; all of it outlives it.
+struct WindowServices {
+    EditorContext editor;
+    Appearance &appearance;
+    FileChooser chooser;
+    PhotoLibrary &library;
+    /// Called when the user has chosen another language.
+    std::function<void()> languageChosen;
+};
+
+/// The program's window: its pages, and what passes between them.
+class MainWindow : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit MainWindow(const WindowServices &services);
+    ~MainWindow() override;
+
+    /// Brings photos in, as another start of the program or the command line asks.
+    void openPhotos(const QStringList &photos);
+
+    EditorPage *page() const { return m_page; }
+    EditorActions &actions() { return *m_actions; }
+    Toast *toast() const { return m_toast; }
+    EditorState &state() { return m_services.editor.state; }
+    void showManage();
+    void showSetPreview();
+    Overlay *showSettings();
+    /// Back to the editor, or home when nothing is left.
+    void showEditor();
+    QWidget *currentPage() const;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void connectActions();
+    void connectState();
+    void modelChanged(EditorModel::Changes changes);
+    void updateActions();
+    void showPage(QWidget *page);
+    void import(const QStringList &files, ImportMode mode, ImportSource source);
+    bool backgroundWanted() const;
+    void paste();
+    void askRemove();
+    void askStyleName();
+    void applyToAll();
+    void showFolderSuccess();
+    void showLibrarySuccess();
+    void placeToast();
+    void retranslate();
+
+    WindowServices m_services;
+    std::unique_ptr<EditorActions> m_actions;
+    WindowPlacement m_placement;
+    QStackedLayout *m_pages;
+    EditorPage *m_page;
+    QPointer<ManagePhotos> m_manage;
+    QPointer<SetPreview> m_preview;
+    DropVeil *m_veil;
+    Toast *m_toast;
+    QPointer<Overlay> m_success;
+    /// Pictures from the clipboard wait here for their import.
+    QTemporaryDir m_pasted;
+    int m_pastes = 0;
+    bool m_closing = false;
+};
+
+} // namespace tarnovel

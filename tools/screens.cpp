@@ -1,0 +1,328 @@
+// Draws every screen of the editor, for looking at: light and dark, in three languages, in both reference
+// sizes, into a folder.
+//
+//     QT_QPA_PLATFORM=offscreen build/release/tools/screens FOLDER [--only TEXT] [--ratio 2] PHOTO...
+
+#include <cstdio>
+#include <functional>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QStyleFactory>
+#include <QTemporaryDir>
+
+#include "app/Appearance.h"
+#include "app/canvas/CanvasView.h"
+#include "app/export/ExportPanel.h"
+#include "app/export/SuccessSheet.h"
+#include "app/kit/Items.h"
+#include "app/kit/Overlay.h"
+#include "app/kit/Theme.h"
+#include "app/screens/ManagePhotos.h"
+#include "app/window/DropVeil.h"
+#include "app/window/EditorActions.h"
+#include "app/window/EditorPage.h"
+#include "app/window/FilmStrip.h"
+#include "app/window/HomeScreen.h"
+#include "app/window/MainWindow.h"
+#include "export/PhotoLibrary.h"
+#include "render/BuiltInTemplate.h"
+
+namespace {
+
+using namespace tarnovel;
+using namespace Qt::StringLiterals;
+
+constexpr int settleMs = 20'000;
+
+/// A library of its own, filled with the photos of the command line.
+class World {
+public:
+    explicit World(const QStringList &photos, int count)
+        : m_preferences(m_folder.filePath(u"preferences.ini"_s)),
+          m_pipeline(library(), m_folder.filePath(u"exports"_s)),
+          m_writer(library()),
+          m_model({m_pipeline, m_writer, m_preferences, m_clock, library()},
+                  EditorModel::Load::StoredSession),
+          m_edits(m_model, m_clock),
+          m_imports(m_model, m_pipeline),
+          m_thumbnails(m_pipeline),
+          m_appearance(m_preferences),
+          m_pictures(m_folder.filePath(u"Pictures"_s))
+    {
+        m_preferences.setValue(u"macWindowSized"_s, true);
+        m_preferences.setValue(u"autoApplyLastStyle"_s, false);
+        QStringList wanted;
+        for (int i = 0; i < count; ++i) {
+            wanted.append(photos.at(i % photos.size()));
+        }
+        if (count > 0) {
+            ImportRequest request;
+            request.paths = wanted;
+            m_imports.start(request);
+            settle();
+            dress();
+        }
+        m_window = std::make_unique<MainWindow>(WindowServices{
+            {m_model, m_edits, m_imports, m_thumbnails, m_pipeline, m_preferences, m_clock, m_state},
+            m_appearance,
+            FileChooser::dialogs(),
+            m_pictures,
+            [] {}});
+    }
+
+    MainWindow &window() { return *m_window; }
+    EditorModel &model() { return m_model; }
+    EditorState &state() { return m_state; }
+    QString folder() const { return m_folder.path(); }
+
+    /// Waits until everything that is being drawn is there.
+    void settle()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        qint64 quietSince = 0;
+        while (timer.elapsed() < settleMs) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+            const bool busy = m_imports.running() || !m_thumbnails.idle();
+            if (busy) {
+                quietSince = timer.elapsed();
+            } else if (timer.elapsed() - quietSince > 250) {
+                return;
+            }
+        }
+    }
+
+private:
+    QString library()
+    {
+        const QString path = m_folder.filePath(u"library"_s);
+        QDir().mkpath(path);
+        return path;
+    }
+
+    /// Gives the photos different looks, as a finished set has.
+    void dress()
+    {
+        const QList<BuiltInTemplate> looks = {BuiltInTemplate::plain,   BuiltInTemplate::gear,
+                                              BuiltInTemplate::tone,    BuiltInTemplate::film,
+                                              BuiltInTemplate::gallery, BuiltInTemplate::instant,
+                                              BuiltInTemplate::cinema,  BuiltInTemplate::caption};
+        const QList<PhotoItem> photos = m_model.photos();
+        for (qsizetype i = 0; i < photos.size(); ++i) {
+            m_model.select(photos.at(i).id);
+            FrameSettings settings = photos.at(i).settings;
+            settings.layer(u"title"_s)->text = u"White wall"_s;
+            settings.layer(u"caption"_s)->text = u"Oia, 2024"_s;
+            settings = BuiltInTemplates::make(looks.at(i % looks.size()), settings, {{0.85, 0.63, 0.5}});
+            m_model.update(settings);
+        }
+        for (const char *name : {"Warm paper", "Night notebook", "High margin"}) {
+            m_model.savePreset(QString::fromLatin1(name));
+        }
+        m_model.select(photos.at(std::min<qsizetype>(1, photos.size() - 1)).id);
+        settle();
+    }
+
+    QTemporaryDir m_folder;
+    Preferences m_preferences;
+    ImagePipeline m_pipeline;
+    SessionWriter m_writer;
+    SystemClock m_clock;
+    EditorModel m_model;
+    SettingsEdits m_edits;
+    ImportFlow m_imports;
+    Thumbnails m_thumbnails;
+    EditorState m_state;
+    Appearance m_appearance;
+    PicturesFolder m_pictures;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+struct Screen {
+    QString name;
+    /// Brings the window into the state; what it returns takes it back.
+    std::function<std::function<void()>(World &)> show;
+};
+
+std::function<void()> closing(Overlay *overlay)
+{
+    return [overlay] { overlay->close(); };
+}
+
+QList<Screen> editorScreens()
+{
+    QList<Screen> screens;
+    for (const ToolRow &row : toolRows) {
+        screens.append({u"tool-"_s + QString::fromLatin1(row.id), [tool = row.tool](World &world) {
+                            world.window().showEditor();
+                            world.state().setTool(tool);
+                            return [] {};
+                        }});
+    }
+    screens.append(
+        {u"film"_s, [](World &world) {
+             world.state().setTool(Tool::Film);
+             const QUuid before = *world.model().selected();
+             world.model().select(
+                 world.model().photos().at(std::min<qsizetype>(3, world.model().photos().size() - 1)).id);
+             return [&world, before] { world.model().select(before); };
+         }});
+    screens.append({u"text-selected"_s, [](World &world) {
+                        world.state().setTool(Tool::Text);
+                        world.state().selectLayer(u"brand"_s);
+                        return [&world] { world.state().selectLayer({}); };
+                    }});
+    screens.append({u"export"_s, [](World &world) {
+                        world.window().page()->showExport(true);
+                        return [&world] { world.window().page()->showExport(false); };
+                    }});
+    screens.append({u"success"_s, [](World &world) {
+                        QList<QImage> thumbnails;
+                        for (int i = 0; i < 4; ++i) {
+                            thumbnails.append(
+                                world.window().grab(QRect(200 + 40 * i, 100, 300, 400)).toImage());
+                        }
+                        return closing(showSuccess(&world.window(),
+                                                   {[] { return ExportTexts::exported(12); },
+                                                    QDir::homePath() + u"/Pictures/Autumn set"_s,
+                                                    {u"/tmp/a.jpg"_s},
+                                                    thumbnails,
+                                                    PhotographyQuotes::all()[9]},
+                                                   [](const QString &) {}));
+                    }});
+    screens.append({u"settings"_s, [](World &world) { return closing(world.window().showSettings()); }});
+    screens.append({u"manage"_s, [](World &world) {
+                        world.window().showManage();
+                        for (int i : {1, 3}) {
+                            world.window().currentPage()->findChild<ManageGrid *>()->choose(i);
+                        }
+                        return [&world] { world.window().showEditor(); };
+                    }});
+    screens.append({u"preview"_s, [](World &world) {
+                        world.window().showSetPreview();
+                        return [&world] { world.window().showEditor(); };
+                    }});
+    screens.append({u"dragover"_s, [](World &world) {
+                        auto *veil = world.window().findChild<DropVeil *>();
+                        veil->setGeometry(world.window().page()->dropArea());
+                        veil->offer(DropVeil::Offer::Photos, 8);
+                        return [veil] { veil->hide(); };
+                    }});
+    screens.append({u"dragover-refused"_s, [](World &world) {
+                        auto *veil = world.window().findChild<DropVeil *>();
+                        veil->setGeometry(world.window().page()->dropArea());
+                        veil->offer(DropVeil::Offer::Nothing, 0);
+                        return [veil] { veil->hide(); };
+                    }});
+    screens.append({u"error"_s, [](World &world) {
+                        world.state().say(localized({"2 个文件无法读取。", "2 files could not be read.",
+                                                     "2 fichiers illisibles."}),
+                                          Toast::Kind::Error);
+                        return [&world] { world.window().toast()->hide(); };
+                    }});
+    screens.append({u"busy"_s, [](World &world) {
+                        world.state().say(localized({"正在导入 ", "Importing ", "Importation "}) +
+                                              u"7 / 12"_s,
+                                          Toast::Kind::Busy);
+                        return [&world] { world.window().toast()->endBusy(); };
+                    }});
+    screens.append({u"remove"_s, [](World &world) {
+                        Q_EMIT world.state().removeAsked();
+                        return closing(world.window().findChild<Overlay *>());
+                    }});
+    screens.append({u"save-style"_s, [](World &world) {
+                        Q_EMIT world.state().saveStyleAsked();
+                        return closing(world.window().findChild<Overlay *>());
+                    }});
+    return screens;
+}
+
+QList<Screen> homeScreens()
+{
+    return {{u"home"_s, [](World &world) {
+                 world.window().page()->showHome();
+                 return [] {};
+             }}};
+}
+
+class Camera {
+public:
+    Camera(QString folder, QString only) : m_folder(std::move(folder)), m_only(std::move(only)) {}
+
+    void take(World &world, const QList<Screen> &screens, const QString &kind)
+    {
+        static constexpr std::array languages = {"chinese", "english", "french"};
+        for (const bool dark : {false, true}) {
+            for (const char *language : languages) {
+                for (const QSize size : {QSize(1100, 720), QSize(1440, 920)}) {
+                    setLanguageSources(
+                        {[language] { return QString::fromLatin1(language); }, [] { return QStringList(); }});
+                    QEvent change(QEvent::LanguageChange);
+                    applyTheme(dark);
+                    world.window().actions().retranslate();
+                    QApplication::sendEvent(&world.window(), &change);
+                    world.window().resize(size);
+                    world.window().show();
+                    for (const Screen &screen : screens) {
+                        const QString name = u"%1-%2-%3-%4-%5.png"_s.arg(
+                            kind, screen.name, QString::fromLatin1(language).left(2),
+                            dark ? u"dark"_s : u"light"_s, QString::number(size.width()));
+                        if (!name.contains(m_only)) {
+                            continue;
+                        }
+                        const std::function<void()> back = screen.show(world);
+                        world.settle();
+                        world.window().grab().save(m_folder + u'/' + name);
+                        back();
+                        ++m_taken;
+                    }
+                }
+            }
+        }
+    }
+
+    int taken() const { return m_taken; }
+
+private:
+    QString m_folder;
+    QString m_only;
+    int m_taken = 0;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    const QApplication application(argc, argv);
+    QApplication::setFont(typeFont(Type::Body));
+    QCommandLineParser parser;
+    const QCommandLineOption only(u"only"_s, u"Only pictures whose names contain TEXT."_s, u"TEXT"_s);
+    parser.addOption(only);
+    parser.process(application);
+    QStringList arguments = parser.positionalArguments();
+    if (arguments.size() < 2) {
+        std::fprintf(stderr, "screens FOLDER PHOTO...\n");
+        return 2;
+    }
+    const QString folder = arguments.takeFirst();
+    QDir().mkpath(folder);
+    Camera camera(folder, parser.value(only));
+    World empty(arguments, 0);
+    camera.take(empty, homeScreens(), u"empty"_s);
+    World full(arguments, 12);
+    camera.take(full, homeScreens(), u"twelve"_s);
+    full.window().showEditor();
+    camera.take(full, editorScreens(), u"twelve"_s);
+    World one(arguments, 1);
+    one.window().showEditor();
+    camera.take(one, {editorScreens().first()}, u"one"_s);
+    World fifty(arguments, 50);
+    fifty.window().showEditor();
+    camera.take(fifty, editorScreens().mid(0, 1) + editorScreens().mid(15, 2), u"fifty"_s);
+    std::printf("%d pictures\n", camera.taken());
+    return 0;
+}
