@@ -1,7 +1,9 @@
 // Draws every screen of the editor, for looking at: light and dark, in three languages, in both reference
 // sizes, into a folder.
 //
-//     QT_QPA_PLATFORM=offscreen build/release/tools/screens FOLDER [--only TEXT] [--ratio 2] PHOTO...
+//     build/release/tools/screens FOLDER [--only TEXT] PHOTO...
+//
+// QT_SCALE_FACTOR=2 draws them for screens of double pixels.
 
 #include <cstdio>
 #include <functional>
@@ -296,6 +298,9 @@ private:
 
 int main(int argc, char **argv)
 {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     const QApplication application(argc, argv);
     QApplication::setFont(typeFont(Type::Body));

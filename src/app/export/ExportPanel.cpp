@@ -65,7 +65,7 @@ ExportPanel::ExportPanel(const EditorContext &context, const FileChooser &choose
     options->setSpacing(0);
     addOptions(options);
     auto *area = new ScrollArea;
-    area->setWidget(m_options);
+    area->hold(m_options);
     column->addWidget(area, 1);
     column->addWidget(makeFooter());
     connect(&m_folder, &FolderExport::changed, this, &ExportPanel::folderChanged);
@@ -143,7 +143,7 @@ void ExportPanel::addOptions(QVBoxLayout *column)
     column->addWidget(makeRule());
     auto *file = makeHint("image", [this] {
         const PhotoItem *photo = m_context.model.current();
-        return photo ? ExportNames::fileName(photo->name, m_choices.png ? u"png"_s : u"jpg"_s, 1) : QString();
+        return photo ? ExportNames::fileName(photo->name, m_choices.png ? u"png"_s : u"jpg"_s, 0) : QString();
     });
     m_fileName = file->findChild<Label *>();
     column->addWidget(file);

@@ -19,7 +19,7 @@ namespace tarnovel {
 namespace {
 
 constexpr int rowHeight = 32;
-constexpr int brandHeight = 32;
+constexpr int brandHeight = 30;
 constexpr int padding = 4;
 constexpr int listHeight = 204;
 
@@ -178,9 +178,10 @@ StockPicker::StockPicker()
     auto *inside = new QVBoxLayout(frame);
     inside->setContentsMargins(1, 0, 1, 1);
     m_list->setAccessibleName(localized({"胶卷", "Film stock", "Pellicule"}));
-    m_scroll->setWidget(m_list);
+    m_scroll->hold(m_list);
     m_scroll->setFixedHeight(listHeight);
     inside->addWidget(m_scroll);
+    frame->setFixedHeight(listHeight + 1);
     column->addWidget(frame);
     connect(m_search, &QLineEdit::textEdited, this, &StockPicker::filter);
     connect(m_search, &QLineEdit::returnPressed, this,

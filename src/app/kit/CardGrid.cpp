@@ -13,10 +13,10 @@ namespace tarnovel {
 
 namespace {
 
-constexpr int columnGap = 18;
 constexpr int captionGap = 4;
 constexpr int rowGap = 8;
 constexpr int padding = 8;
+constexpr int gridWidth = 264;
 
 } // namespace
 
@@ -55,9 +55,9 @@ int CardGrid::captionHeight(int row) const
     const QFontMetrics metrics(typeFont(Type::CaptionStrong));
     int height = lineHeight(Type::Caption);
     for (int i = row * m_columns; i < std::min((row + 1) * m_columns, count()); ++i) {
-        const QRect box = metrics.boundingRect(QRect(0, 0, m_tile.width() + 12, 100),
+        const QRect box = metrics.boundingRect(QRect(0, 0, m_tile.width() + 8, 100),
                                                Qt::TextWordWrap | Qt::AlignHCenter, itemName(i));
-        height = std::max(height, std::min(box.height(), 2 * lineHeight(Type::Caption)) + 2);
+        height = std::max(height, std::min(box.height(), 3 * lineHeight(Type::Caption)) + 2);
     }
     return height;
 }
@@ -74,14 +74,15 @@ int CardGrid::top(int row) const
 QRect CardGrid::itemRect(int index) const
 {
     const int row = index / m_columns;
-    return {index % m_columns * (m_tile.width() + (m_columns > 1 ? (264 - 3 * 80) / 2 : columnGap)), top(row),
-            m_tile.width(), m_tile.height() + captionGap + captionHeight(row)};
+    const int step = m_columns > 1 ? (gridWidth - m_tile.width()) / (m_columns - 1) : 0;
+    return {index % m_columns * step, top(row), m_tile.width(),
+            m_tile.height() + captionGap + captionHeight(row)};
 }
 
 QSize CardGrid::sizeHint() const
 {
     const int rows = (count() + m_columns - 1) / m_columns;
-    return {264, rows == 0 ? 0 : top(rows) - rowGap + 4};
+    return {gridWidth, rows == 0 ? 0 : top(rows) - rowGap + 4};
 }
 
 void CardGrid::paintItem(QPainter &painter, int index, const State &state)
@@ -89,9 +90,12 @@ void CardGrid::paintItem(QPainter &painter, int index, const State &state)
     const Theme &look = theme();
     const QRect whole = itemRect(index);
     const QRectF tile(whole.topLeft(), m_tile);
-    Paint::rounded(painter, tile, 8, look.surfaceMuted);
+    // The ring of a chosen card takes the tile's edge, so that no column needs room for it.
+    const bool ringed = state.chosen || state.focused;
+    const QRectF ground = ringed ? tile.adjusted(4, 4, -4, -4) : tile;
+    Paint::rounded(painter, ground, ringed ? 5 : 8, look.surfaceMuted);
     if (state.hovered) {
-        Paint::rounded(painter, tile, 8, state.pressed ? look.pressed() : look.hover());
+        Paint::rounded(painter, ground, ringed ? 5 : 8, state.pressed ? look.pressed() : look.hover());
     }
     const double ratio = devicePixelRatioF();
     const QSize room = ((QSizeF(m_tile) - QSizeF(2 * padding, 2 * padding)) * ratio).toSize();
@@ -99,15 +103,16 @@ void CardGrid::paintItem(QPainter &painter, int index, const State &state)
     if (!image.isNull()) {
         paintFramed(painter, image, tile, true);
     }
-    if (state.chosen || state.focused) {
-        Paint::outline(painter, tile.adjusted(-4, -4, 4, 4), 11, look.accent, 2);
+    if (ringed) {
+        Paint::outline(painter, tile, 8, look.accent, state.chosen ? 2 : 1);
     }
     if (state.focused && state.chosen) {
-        Paint::outline(painter, tile.adjusted(-1, -1, 1, 1), 8, look.accent, 1);
+        Paint::outline(painter, tile.adjusted(3, 3, -3, -3), 6, look.accent, 1);
     }
     painter.setFont(typeFont(state.chosen ? Type::CaptionStrong : Type::Caption));
     painter.setPen(state.chosen ? look.ink : look.inkSecondary);
-    painter.drawText(QRectF(tile.left() - 6, tile.bottom() + captionGap, tile.width() + 12,
+    const double left = std::clamp(tile.left() - 4, 0.0, width() - tile.width() - 8.0);
+    painter.drawText(QRectF(m_columns > 1 ? left : tile.left(), tile.bottom() + captionGap, tile.width() + 8,
                             whole.bottom() - tile.bottom() + 2),
                      Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, itemName(index));
 }

@@ -50,7 +50,17 @@ void Overlay::anchorAt(QPoint inWindow)
 
 void Overlay::open()
 {
+    if (isVisible()) {
+        place();
+        return;
+    }
     m_before = QApplication::focusWidget();
+    for (Overlay *other : parentWidget()->findChildren<Overlay *>(Qt::FindDirectChildrenOnly)) {
+        if (other != this && other->isVisible() && other->m_kind == Kind::Popover &&
+            m_kind == Kind::Popover && !other->isAncestorOf(m_before)) {
+            other->close();
+        }
+    }
     place();
     show();
     raise();

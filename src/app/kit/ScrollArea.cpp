@@ -53,4 +53,10 @@ ScrollArea::ScrollArea(QWidget *parent) : QScrollArea(parent)
     viewport()->setAutoFillBackground(false);
 }
 
+void ScrollArea::hold(QWidget *column)
+{
+    setWidget(column);
+    column->setAutoFillBackground(false);
+}
+
 } // namespace tarnovel

@@ -23,6 +23,8 @@ class ScrollArea : public QScrollArea {
 
 public:
     explicit ScrollArea(QWidget *parent = nullptr);
+    /// Takes the column that scrolls. What lies behind shows through.
+    void hold(QWidget *column);
 };
 
 } // namespace tarnovel

@@ -18,7 +18,7 @@ constexpr int dot = 28;
 constexpr int tileHeight = 48;
 constexpr int tileGap = 12;
 /// Room for the ring of a chosen colour.
-constexpr int margin = 4;
+constexpr int margin = Swatches::bleed;
 
 } // namespace
 
@@ -55,17 +55,17 @@ void Swatches::setColor(const QColor &color)
 QRect Swatches::itemRect(int index) const
 {
     if (m_shape == Shape::Tiles) {
-        const int tile = (width() - 2 * tileGap) / 3;
-        return {index * (tile + tileGap), margin, tile, tileHeight};
+        const int tile = (width() - 2 * margin - 2 * tileGap) / 3;
+        return {margin + index * (tile + tileGap), margin, tile, tileHeight};
     }
-    const int room = width() - dot;
+    const int room = width() - 2 * margin - dot;
     const int step = count() > 1 ? std::min(room / (count() - 1), dot + 14) : 0;
-    return {index * step, margin, dot, dot};
+    return {margin + index * step, margin, dot, dot};
 }
 
 QSize Swatches::sizeHint() const
 {
-    return {264, (m_shape == Shape::Tiles ? tileHeight : dot) + 2 * margin};
+    return {264 + 2 * margin, (m_shape == Shape::Tiles ? tileHeight : dot) + 2 * margin};
 }
 
 QString Swatches::itemName(int index) const

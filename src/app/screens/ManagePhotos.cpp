@@ -165,7 +165,7 @@ ManagePhotos::ManagePhotos(const EditorContext &context)
     bar->addAction(m_selectAll);
     bar->addAction(m_clear);
     column->addWidget(bar);
-    m_area->setWidget(m_grid);
+    m_area->hold(m_grid);
     column->addWidget(m_area, 1);
     column->addWidget(makeFooter());
     connect(bar, &PageBar::closeAsked, this, &ManagePhotos::closeAsked);

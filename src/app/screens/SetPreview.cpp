@@ -154,6 +154,7 @@ void PostGrid::paintItem(QPainter &painter, int index, const State &state)
     } else if (m_context.thumbnails.unreadable(m_context.model.photos().at(photo).file)) {
         Icons::draw(painter, "warn", box.center() - QPointF(10, 10), 20, look.danger);
     }
+    Paint::outline(painter, box, 0, look.rim);
     if (state.focused) {
         Paint::outline(painter, box, 0, look.accent, 3);
     } else if (state.hovered && m_lifted < 0) {
@@ -315,7 +316,7 @@ SetPreview::SetPreview(const EditorContext &context)
     });
     m_area->setParent(m_card);
     m_area->setWidgetResizable(false);
-    m_area->setWidget(m_grid);
+    m_area->hold(m_grid);
     connect(m_grid, &PostGrid::scrollAsked, this, [this](int y) { m_area->ensureVisible(0, y, 0, 60); });
     connect(m_grid, &Items::cursorMoved, this, [this](int index) {
         if (index >= 0) {

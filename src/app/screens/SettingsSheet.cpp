@@ -196,23 +196,24 @@ void addGuideRow(QVBoxLayout *column, const char *icon, Phrase title, Phrase tex
     row->setSpacing(16);
     row->addWidget(new GuideIcon(icon), 0, Qt::AlignTop);
     auto *lines = new QVBoxLayout;
-    lines->setSpacing(0);
+    lines->setSpacing(2);
+    lines->addStretch();
     if (title) {
         lines->addWidget(new Label(Type::BodyStrong, std::move(title)));
-    } else {
-        lines->addSpacing(8);
     }
     lines->addWidget(new Label(Type::Body, std::move(text), Label::Tone::Secondary));
+    lines->addStretch();
     row->addLayout(lines, 1);
     column->addLayout(row);
-    column->addSpacing(12);
+    column->addSpacing(14);
 }
 
 void addGuideTexts(QVBoxLayout *column)
 {
     const auto heading = [column](const Text &text) {
+        column->addSpacing(6);
         column->addWidget(new Label(Type::BodyStrong, said(text)));
-        column->addSpacing(8);
+        column->addSpacing(10);
     };
     heading({"快速上手", "Getting started", "Premiers pas"});
     addGuideRow(column, "plus", said({"选择照片", "Choose photos", "Choisir des photos"}), [] {
@@ -272,7 +273,7 @@ QWidget *makeGuide(Overlay *sheet)
     addGuideTexts(inside);
     inside->addStretch();
     auto *area = new ScrollArea;
-    area->setWidget(texts);
+    area->hold(texts);
     column->addWidget(area, 1);
     column->addSpacing(12);
     column->addWidget(

@@ -65,15 +65,15 @@ struct Sample {
     const char *title;
     const char *caption;
     QSize box;
-    /// Centre in the picture's room of 380 × 300, and rotation in degrees.
+    /// Centre in the picture's room of 460 × 400, and rotation in degrees.
     QPointF centre;
     double degrees;
 };
 
 constexpr std::array<Sample, 3> samples = {
-    {{"ridges", BuiltInTemplate::plain, "", "", {170, 220}, {78, 150}, -6},
-     {"leaves", BuiltInTemplate::tone, "", "", {170, 220}, {300, 140}, 6},
-     {"stairs", BuiltInTemplate::gallery, "White wall", "Oia, 2024", {187, 249}, {188, 150}, 0}}};
+    {{"ridges", BuiltInTemplate::plain, "", "", {170, 220}, {138, 204}, -6},
+     {"leaves", BuiltInTemplate::tone, "", "", {170, 220}, {326, 196}, 6},
+     {"stairs", BuiltInTemplate::gallery, "White wall", "Oia, 2024", {187, 249}, {232, 200}, 0}}};
 
 QImage framed(const Sample &sample, double ratio)
 {
@@ -113,7 +113,7 @@ QString spokenTime(const QDateTime &time)
 
 SampleFrames::SampleFrames(QWidget *parent) : QWidget(parent)
 {
-    setFixedSize(380, 300);
+    setFixedSize(460, 400);
 }
 
 void SampleFrames::changeEvent(QEvent *event)
@@ -159,7 +159,7 @@ SessionRow::SessionRow(const EditorContext &context) : m_context(context)
 void SessionRow::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    double x = width();
+    double x = width() - 1;
     const QList<PhotoItem> &photos = m_context.model.photos();
     const QSize room = (QSizeF(80, 56) * devicePixelRatioF()).toSize();
     for (qsizetype i = std::min<qsizetype>(photos.size(), shownPhotos) - 1; i >= 0; --i) {
@@ -198,8 +198,8 @@ QWidget *HomeScreen::makeDropCard()
 {
     auto *card = new Card(true);
     auto *row = new QHBoxLayout(card);
-    row->setContentsMargins(40, 24, 40, 24);
-    row->setSpacing(24);
+    row->setContentsMargins(0, 8, 40, 8);
+    row->setSpacing(0);
     row->addWidget(new SampleFrames);
     auto *column = new QVBoxLayout;
     column->setSpacing(0);
@@ -285,9 +285,8 @@ void HomeScreen::place()
     const int left = (width() - wide) / 2;
     m_drop->setGeometry(left, top, wide, dropCard.height());
     m_continue->setGeometry(left, top + dropCard.height() + cardGap, wide, continueHeight);
-    const QSize privacy = m_privacy->sizeHint();
-    const int privacyWidth = std::min(620, width() - 2 * sideMargin);
-    m_privacy->setGeometry((width() - privacyWidth) / 2 + 40, height() - 40, privacyWidth, privacy.height());
+    const int privacyWidth = std::min(m_privacy->sizeHint().width() + 8, width() - 2 * sideMargin);
+    m_privacy->setGeometry((width() - privacyWidth) / 2, height() - 44, privacyWidth, 32);
 }
 
 void HomeScreen::resizeEvent(QResizeEvent *event)

@@ -120,7 +120,7 @@ Section *ToolPanel::section()
     if (!made) {
         made = make(tool);
         m_areas.at(index) = new ScrollArea;
-        m_areas.at(index)->setWidget(made);
+        m_areas.at(index)->hold(made);
         m_pages->addWidget(m_areas.at(index));
     }
     return made;
