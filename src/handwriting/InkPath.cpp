@@ -94,7 +94,7 @@ InkPath InkPath::of(const InkStroke &stroke)
         builder.append(sample);
     }
     builder.finish();
-    return {tarnovel::nib(stroke.pen), builder.points(), builder.bounds()};
+    return builder.path();
 }
 
 InkPathBuilder::InkPathBuilder(const InkStroke &stroke)

@@ -61,6 +61,7 @@ public:
     /// The points of this number at the front stay as they are until the stroke is finished.
     size_t settled() const { return m_settled; }
     QRectF bounds() const;
+    InkPath path() const { return {nib(m_pen), m_points, bounds()}; }
     bool isEmpty() const { return m_points.empty(); }
 
 private:

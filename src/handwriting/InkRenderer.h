@@ -13,6 +13,8 @@ namespace tarnovel {
 /// A finished stroke with the course that was derived from it.
 struct DryStroke {
     explicit DryStroke(InkStroke written) : stroke(std::move(written)), path(InkPath::of(stroke)) {}
+    /// `course` is the stroke's own.
+    DryStroke(InkStroke written, InkPath course) : stroke(std::move(written)), path(std::move(course)) {}
 
     InkStroke stroke;
     InkPath path;
