@@ -46,13 +46,12 @@ QRect piecePixels(const std::vector<InkPoint> &points, size_t first, size_t end,
 void InkSurface::setView(const InkView &view, const InkDrawing &drawing)
 {
     const InkView old = m_view;
-    m_view = view;
-    forgetLive();
-    const QImage before = std::exchange(m_dry, blank(view.pixels));
-    m_image = m_dry;
-    m_live = InkMask(area());
+    const bool sharp = !std::exchange(m_stretched, false);
+    const QImage before = m_dry;
+    take(view);
+    m_source = {};
     QRect kept;
-    if (old.scale == view.scale) {
+    if (old.scale == view.scale && sharp) {
         kept = QRect(old.origin, old.pixels) & area();
     }
     if (!kept.isEmpty()) {
@@ -61,6 +60,47 @@ void InkSurface::setView(const InkView &view, const InkDrawing &drawing)
     for (const QRect &fresh : QRegion(area()) - kept) {
         paintDry(fresh, drawing);
     }
+    show(area());
+}
+
+void InkSurface::take(const InkView &view)
+{
+    m_view = view;
+    forgetLive();
+    m_dry = blank(view.pixels);
+    m_image = m_dry;
+    m_live = InkMask(area());
+}
+
+void InkSurface::keepForStretching()
+{
+    if (m_stretched) {
+        m_source = m_dry;
+        m_sourceView = m_view;
+    }
+}
+
+void InkSurface::stretchTo(const InkView &view)
+{
+    if (!std::exchange(m_stretched, true)) {
+        keepForStretching();
+    }
+    take(view);
+    QPainter painter(&m_dry);
+    painter.translate(-view.origin);
+    painter.scale(view.scale / m_sourceView.scale, view.scale / m_sourceView.scale);
+    painter.drawImage(m_sourceView.origin, m_source);
+    painter.end();
+    show(area());
+}
+
+void InkSurface::sharpen(const QImage &dry)
+{
+    m_stretched = false;
+    m_source = {};
+    m_dry = dry;
+    m_liveSettled = 0;
+    m_live.clear(m_liveBounds);
     show(area());
 }
 
@@ -109,6 +149,7 @@ QRect InkSurface::redraw(const QRectF &region, const InkDrawing &drawing)
     const QRect changed = devicePixels(region, m_view.scale) & area();
     if (!changed.isEmpty()) {
         paintDry(changed, drawing);
+        keepForStretching();
         show(changed);
     }
     return inImage(changed);
@@ -141,6 +182,7 @@ QRect InkSurface::dry(const DryStroke &stroke)
 {
     const QRect changed = (devicePixels(stroke.path.bounds, m_view.scale) | m_liveBounds) & area();
     InkRenderer::draw(m_dry, m_view.origin, m_view.scale, stroke, changed);
+    keepForStretching();
     forgetLive();
     show(changed);
     return inImage(changed);

@@ -12,7 +12,7 @@ namespace tarnovel {
 /// The part of the page that the screen shows, in device pixels; these lie at reference coordinates times
 /// `scale`.
 struct InkView {
-    QSize pixels;
+    QSize pixels = {0, 0};
     /// The device pixel at the top left.
     QPoint origin;
     double scale = 1;
@@ -26,7 +26,12 @@ public:
     /// Moving at the same scale draws only what comes into view. A stroke that is being written has to be
     /// written again.
     void setView(const InkView &view, const InkDrawing &drawing);
+    /// Shows what is there already where the view has it, stretched as need be, until `sharpen`.
+    void stretchTo(const InkView &view);
+    /// `dry` shows the strokes that are dry now in the present view.
+    void sharpen(const QImage &dry);
     const InkView &view() const { return m_view; }
+    bool isStretched() const { return m_stretched; }
 
     /// Shows all ink as the rainbow of a page of this size, or in its own colours.
     void setRainbow(const std::optional<QSizeF> &page);
@@ -50,10 +55,16 @@ private:
     void show(const QRect &device);
     void tint(const QRect &pixels);
     void forgetLive();
+    void take(const InkView &view);
+    void keepForStretching();
 
     InkView m_view;
     std::optional<QSizeF> m_rainbow;
     QImage m_dry;
+    /// What is stretched: repeated stretching would blur it and cut it off.
+    QImage m_source;
+    InkView m_sourceView;
+    bool m_stretched = false;
     QImage m_image;
     /// Of the stroke that is being written: the settled part, and how many points of it lie there.
     InkMask m_live;
