@@ -163,7 +163,7 @@ void InkMask::fill(const Piece &piece)
                 const float off = std::min(apart / std::max(here, 1e-6F), 1.F);
                 cover *= std::min(edge, 2 * here / perPixel) * (1 - piece.softness * off * off);
             }
-            pixels[x] = std::max(pixels[x], static_cast<uchar>(cover * 255 + 0.5F));
+            pixels[x] = std::max(pixels[x], static_cast<uchar>(std::min(256 * cover, 255.F)));
         }
     }
 }
