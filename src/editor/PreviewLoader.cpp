@@ -71,6 +71,10 @@ void PreviewLoader::load(const PhotoItem &item)
     } else {
         m_previews.watermark = {};
     }
+    // Another signature lies elsewhere: the old one would show there, stretched, until the new one arrives.
+    if (std::exchange(m_signatureFile, item.settings.handwritingFile) != item.settings.handwritingFile) {
+        m_previews.handwriting = {};
+    }
     if (item.settings.handwritingFile) {
         request(*item.settings.handwritingFile, signaturePixels, &Previews::handwriting);
     } else {

@@ -55,6 +55,8 @@ private:
     Previews m_previews;
     QString m_loadedFile;
     QImage m_loadedImage;
+    /// Of the signature that is shown or being loaded.
+    std::optional<QString> m_signatureFile;
 };
 
 } // namespace tarnovel

@@ -5,7 +5,6 @@
 #include <numeric>
 #include <vector>
 
-#include <QImage>
 #include <QPainter>
 
 namespace tarnovel {
@@ -97,6 +96,11 @@ QImage colored(const std::vector<float> &mask, QSize size, const QColor &color)
 
 } // namespace
 
+QImage softShadow(const QImage &mask, double sigmaPx, const QColor &color)
+{
+    return colored(blurredMask(mask, sigmaPx), mask.size(), color);
+}
+
 void drawSoftShadow(QPainter &painter, const QPainterPath &shape, const SoftShadow &shadow)
 {
     const QPainterPath onDevice = painter.deviceTransform().map(shape).translated(shadow.offsetPx);
@@ -122,7 +126,7 @@ void drawSoftShadow(QPainter &painter, const QPainterPath &shape, const SoftShad
 
     painter.save();
     painter.setTransform(painter.deviceTransform().inverted() * painter.transform());
-    painter.drawImage(area.topLeft(), colored(blurredMask(mask, shadow.sigmaPx), area.size(), shadow.color));
+    painter.drawImage(area.topLeft(), softShadow(mask, shadow.sigmaPx, shadow.color));
     painter.restore();
 }
 

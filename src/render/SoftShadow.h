@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QImage>
 #include <QPainterPath>
 #include <QPointF>
 
@@ -17,6 +18,10 @@ struct SoftShadow {
     double sigmaPx = 0;
     QPointF offsetPx;
 };
+
+/// A blurred copy in one colour of a mask of 8-bit coverage. It has the mask's size: what would reach farther
+/// is cut off.
+QImage softShadow(const QImage &mask, double sigmaPx, const QColor &color);
 
 /// `shape` is in the painter's coordinates.
 void drawSoftShadow(QPainter &painter, const QPainterPath &shape, const SoftShadow &shadow);

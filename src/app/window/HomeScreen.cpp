@@ -285,7 +285,9 @@ void HomeScreen::place()
     const int left = (width() - wide) / 2;
     m_drop->setGeometry(left, top, wide, dropCard.height());
     m_continue->setGeometry(left, top + dropCard.height() + cardGap, wide, continueHeight);
-    const int privacyWidth = std::min(m_privacy->sizeHint().width() + 8, width() - 2 * sideMargin);
+    const auto *privacy = m_privacy->findChild<Label *>();
+    const int wanted = privacy->fontMetrics().horizontalAdvance(privacy->text()) + 32;
+    const int privacyWidth = std::min(wanted, width() - 2 * sideMargin);
     m_privacy->setGeometry((width() - privacyWidth) / 2, height() - 44, privacyWidth, 32);
 }
 

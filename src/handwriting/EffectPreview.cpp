@@ -1,0 +1,74 @@
+#include "handwriting/EffectPreview.h"
+
+#include "base/Cancellation.h"
+
+namespace tarnovel {
+
+namespace {
+
+/// A burst of changes within this time is drawn once.
+constexpr std::chrono::milliseconds pause(38);
+
+constexpr double previewScale = 0.5;
+
+} // namespace
+
+EffectPreview::EffectPreview(Clock &clock, QSizeF referenceSize)
+    : m_clock(clock), m_referenceSize(referenceSize)
+{
+    m_thread.setMaxThreadCount(1);
+}
+
+EffectPreview::~EffectPreview()
+{
+    m_stop.request_stop();
+    m_thread.waitForDone();
+}
+
+void EffectPreview::refresh(const InkDrawing &drawing, const FinishStyle &style, Moment moment)
+{
+    m_pause.reset();
+    m_stop.request_stop();
+    m_stop = {};
+    if (style.finish == HandwritingFinish::color) {
+        show({});
+    } else if (moment == Moment::AtOnce) {
+        render(drawing, style);
+    } else {
+        m_pause = m_clock.after(pause, [this, drawing, style] { render(drawing, style); });
+    }
+}
+
+void EffectPreview::render(const InkDrawing &drawing, const FinishStyle &style)
+{
+    m_thread.start([this, drawing, style, size = m_referenceSize, stop = m_stop.get_token()] {
+        QImage image;
+        try {
+            throwIfCancelled(stop);
+            image = finishedImage(drawing, style, size, previewScale, stop);
+        } catch (const OperationCancelled &) {
+            return;
+        } catch (const std::bad_alloc &) {
+            return; // the older picture stays
+        }
+        QMetaObject::invokeMethod(
+            this,
+            [this, image, stop] {
+                if (!stop.stop_requested()) {
+                    show(image);
+                }
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void EffectPreview::show(const QImage &image)
+{
+    if (image.isNull() && m_image.isNull()) {
+        return;
+    }
+    m_image = image;
+    Q_EMIT changed();
+}
+
+} // namespace tarnovel

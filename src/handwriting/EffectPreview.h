@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <stop_token>
+
+#include <QImage>
+#include <QObject>
+#include <QThreadPool>
+
+#include "editor/Clock.h"
+#include "handwriting/HandwritingFinish.h"
+
+namespace tarnovel {
+
+/// The picture of the finish over the strokes on screen, at half the reference's size, made on a thread of
+/// its own. A newer request cancels the older one, which then shows nothing; until the newer one is done, the
+/// picture stays.
+class EffectPreview : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Moment { AfterAPause, AtOnce };
+
+    EffectPreview(Clock &clock, QSizeF referenceSize);
+    ~EffectPreview() override;
+
+    void refresh(const InkDrawing &drawing, const FinishStyle &style, Moment moment);
+
+    /// Lies over the whole reference. Null when the strokes on screen are the preview themselves.
+    const QImage &image() const { return m_image; }
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void render(const InkDrawing &drawing, const FinishStyle &style);
+    void show(const QImage &image);
+
+    Clock &m_clock;
+    QSizeF m_referenceSize;
+    QImage m_image;
+    std::unique_ptr<PendingCall> m_pause;
+    std::stop_source m_stop;
+    QThreadPool m_thread;
+};
+
+} // namespace tarnovel

@@ -1,0 +1,102 @@
+#include "handwriting/SignatureSave.h"
+
+#include <exception>
+
+#include <QFile>
+
+#include "base/AtomicFile.h"
+#include "base/Uuid.h"
+#include "imaging/ImageEncoder.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+FrameSettings withSignature(FrameSettings settings, const QString &file, double aspect)
+{
+    settings.handwritingFile = file;
+    settings.handwritingAspect = aspect;
+    settings.handwritingX = 0.5;
+    settings.handwritingY = 0.5;
+    settings.handwritingWidth = 1.0;
+    return settings;
+}
+
+FrameSettings withoutSignature(FrameSettings settings)
+{
+    settings.handwritingFile.reset();
+    settings.handwritingAspect.reset();
+    settings.handwritingX.reset();
+    settings.handwritingY.reset();
+    settings.handwritingWidth.reset();
+    return settings;
+}
+
+SignatureSave::SignatureSave(EditorModel &model) : m_model(model)
+{
+    m_thread.setMaxThreadCount(1);
+}
+
+SignatureSave::~SignatureSave()
+{
+    m_thread.waitForDone();
+    if (m_running && !m_written.file.isEmpty()) {
+        QFile::remove(m_model.libraryFolder() + u'/' + m_written.file);
+    }
+}
+
+void SignatureSave::start(std::function<QImage()> render)
+{
+    if (m_running) {
+        return;
+    }
+    m_running = true;
+    m_photo = m_model.selected();
+    m_thread.start([this, render = std::move(render), folder = m_model.libraryFolder()] {
+        m_written = write(render, folder); // read elsewhere only when this thread rests
+        QMetaObject::invokeMethod(
+            this, [this, written = m_written] { settle(written); }, Qt::QueuedConnection);
+    });
+}
+
+SignatureSave::Written SignatureSave::write(const std::function<QImage()> &render, const QString &folder)
+{
+    Written written;
+    try {
+        const QImage image = render();
+        const QByteArray bytes = encodePng(image);
+        const QString name = u"handwriting-"_s + uuidText(QUuid::createUuid()) + u".png"_s;
+        try {
+            replaceFile(folder + u'/' + name, bytes);
+        } catch (...) {
+            // The folder's sync may fail when the file stands already.
+            QFile::remove(folder + u'/' + name);
+            throw;
+        }
+        written.file = name;
+        written.aspect = static_cast<double>(image.width()) / image.height();
+    } catch (const std::exception &) {
+        return {}; // told as a save that failed
+    }
+    return written;
+}
+
+void SignatureSave::settle(const Written &written)
+{
+    m_running = false;
+    const PhotoItem *photo = m_model.current();
+    const bool there = photo && m_model.selected() == m_photo;
+    if (written.file.isEmpty() || !there) {
+        if (!written.file.isEmpty()) {
+            QFile::remove(m_model.libraryFolder() + u'/' + written.file);
+        }
+        Q_EMIT finished(false);
+        return;
+    }
+    m_model.checkpoint();
+    m_model.update(withSignature(photo->settings, written.file, written.aspect));
+    m_model.loadPreview();
+    Q_EMIT finished(true);
+}
+
+} // namespace tarnovel

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include <QImage>
+#include <QObject>
+#include <QThreadPool>
+#include <QUuid>
+
+#include "editor/EditorModel.h"
+
+namespace tarnovel {
+
+/// The settings with a signature that covers the whole frame; `aspect` is its width ÷ height.
+FrameSettings withSignature(FrameSettings settings, const QString &file, double aspect);
+/// The settings without any. The file stays in the library as long as the history needs it.
+FrameSettings withoutSignature(FrameSettings settings);
+
+/// Writes a signature into the library, off the interface thread, and gives it to the photo that was selected
+/// at the start, as one undo step. Whatever fails changes nothing and leaves no file.
+class SignatureSave : public QObject {
+    Q_OBJECT
+
+public:
+    explicit SignatureSave(EditorModel &model);
+    /// Waits for a save that is under way; one that has not reached the photo by now leaves no file.
+    ~SignatureSave() override;
+
+    /// `render` is called on another thread. Nothing happens while a save is under way.
+    void start(std::function<QImage()> render);
+    bool running() const { return m_running; }
+
+Q_SIGNALS:
+    void finished(bool saved);
+
+private:
+    struct Written {
+        /// Empty when the picture could not be encoded or written.
+        QString file;
+        double aspect = 1;
+    };
+    static Written write(const std::function<QImage()> &render, const QString &folder);
+    void settle(const Written &written);
+
+    EditorModel &m_model;
+    bool m_running = false;
+    std::optional<QUuid> m_photo;
+    Written m_written;
+    QThreadPool m_thread;
+};
+
+} // namespace tarnovel
