@@ -11,11 +11,9 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 
-#include "app/Appearance.h"
 #include "app/canvas/CanvasView.h"
 #include "app/export/ExportPanel.h"
 #include "app/export/SuccessSheet.h"
@@ -28,119 +26,58 @@
 #include "app/window/EditorPage.h"
 #include "app/window/FilmStrip.h"
 #include "app/window/HomeScreen.h"
-#include "app/window/MainWindow.h"
-#include "export/PhotoLibrary.h"
 #include "render/BuiltInTemplate.h"
+#include "support/AppWorld.h"
 
 namespace {
 
 using namespace tarnovel;
 using namespace Qt::StringLiterals;
 
-constexpr int settleMs = 20'000;
-
-/// A library of its own, filled with the photos of the command line.
-class World {
+/// A library of its own, filled with the photos of the command line in different looks, as a finished set
+/// has.
+class World : public test::AppWorld {
 public:
-    explicit World(const QStringList &photos, int count)
-        : m_preferences(m_folder.filePath(u"preferences.ini"_s)),
-          m_pipeline(library(), m_folder.filePath(u"exports"_s)),
-          m_writer(library()),
-          m_model({m_pipeline, m_writer, m_preferences, m_clock, library()},
-                  EditorModel::Load::StoredSession),
-          m_edits(m_model, m_clock),
-          m_imports(m_model, m_pipeline),
-          m_thumbnails(m_pipeline),
-          m_appearance(m_preferences),
-          m_pictures(m_folder.filePath(u"Pictures"_s))
+    World(const QStringList &photos, int count) : World(std::make_unique<QTemporaryDir>(), photos, count) {}
+
+private:
+    World(std::unique_ptr<QTemporaryDir> folder, const QStringList &photos, int count)
+        : AppWorld(folder->path()), m_folder(std::move(folder))
     {
-        m_preferences.setValue(u"macWindowSized"_s, true);
-        m_preferences.setValue(u"autoApplyLastStyle"_s, false);
+        preferences().setValue(u"autoApplyLastStyle"_s, false);
         QStringList wanted;
         for (int i = 0; i < count; ++i) {
             wanted.append(photos.at(i % photos.size()));
         }
         if (count > 0) {
-            ImportRequest request;
-            request.paths = wanted;
-            m_imports.start(request);
-            settle();
+            import(wanted);
             dress();
         }
-        m_window = std::make_unique<MainWindow>(WindowServices{
-            {m_model, m_edits, m_imports, m_thumbnails, m_pipeline, m_preferences, m_clock, m_state},
-            m_appearance,
-            FileChooser::dialogs(),
-            m_pictures,
-            [] {}});
     }
 
-    MainWindow &window() { return *m_window; }
-    EditorModel &model() { return m_model; }
-    EditorState &state() { return m_state; }
-    QString folder() const { return m_folder.path(); }
-
-    /// Waits until everything that is being drawn is there.
-    void settle()
-    {
-        QElapsedTimer timer;
-        timer.start();
-        qint64 quietSince = 0;
-        while (timer.elapsed() < settleMs) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-            const bool busy = m_imports.running() || !m_thumbnails.idle();
-            if (busy) {
-                quietSince = timer.elapsed();
-            } else if (timer.elapsed() - quietSince > 250) {
-                return;
-            }
-        }
-    }
-
-private:
-    QString library()
-    {
-        const QString path = m_folder.filePath(u"library"_s);
-        QDir().mkpath(path);
-        return path;
-    }
-
-    /// Gives the photos different looks, as a finished set has.
     void dress()
     {
         const QList<BuiltInTemplate> looks = {BuiltInTemplate::plain,   BuiltInTemplate::gear,
                                               BuiltInTemplate::tone,    BuiltInTemplate::film,
                                               BuiltInTemplate::gallery, BuiltInTemplate::instant,
                                               BuiltInTemplate::cinema,  BuiltInTemplate::caption};
-        const QList<PhotoItem> photos = m_model.photos();
+        const QList<PhotoItem> photos = model().photos();
         for (qsizetype i = 0; i < photos.size(); ++i) {
-            m_model.select(photos.at(i).id);
+            model().select(photos.at(i).id);
             FrameSettings settings = photos.at(i).settings;
             settings.layer(u"title"_s)->text = u"White wall"_s;
             settings.layer(u"caption"_s)->text = u"Oia, 2024"_s;
             settings = BuiltInTemplates::make(looks.at(i % looks.size()), settings, {{0.85, 0.63, 0.5}});
-            m_model.update(settings);
+            model().update(settings);
         }
         for (const char *name : {"Warm paper", "Night notebook", "High margin"}) {
-            m_model.savePreset(QString::fromLatin1(name));
+            model().savePreset(QString::fromLatin1(name));
         }
-        m_model.select(photos.at(std::min<qsizetype>(1, photos.size() - 1)).id);
+        model().select(photos.at(std::min<qsizetype>(1, photos.size() - 1)).id);
         settle();
     }
 
-    QTemporaryDir m_folder;
-    Preferences m_preferences;
-    ImagePipeline m_pipeline;
-    SessionWriter m_writer;
-    SystemClock m_clock;
-    EditorModel m_model;
-    SettingsEdits m_edits;
-    ImportFlow m_imports;
-    Thumbnails m_thumbnails;
-    EditorState m_state;
-    Appearance m_appearance;
-    PicturesFolder m_pictures;
-    std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<QTemporaryDir> m_folder;
 };
 
 struct Screen {

@@ -33,7 +33,12 @@ void settle()
     setenv("XDG_CONFIG_HOME", (root + "/config").c_str(), 1);
     setenv("TZ", "UTC", 1);
     setenv("LC_ALL", "C.UTF-8", 1);
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    const char *platform = std::getenv("TARNOVEL_TEST_PLATFORM");
+    setenv("QT_QPA_PLATFORM", platform ? platform : "offscreen", 1);
+    // Without a runtime folder Qt says so, which would count as a warning.
+    setenv("XDG_RUNTIME_DIR", (root + "/runtime").c_str(), 1);
+    std::filesystem::create_directory(root + "/runtime");
+    std::filesystem::permissions(root + "/runtime", std::filesystem::perms::owner_all);
     std::setlocale(LC_ALL, "C.UTF-8");
 }
 

@@ -57,7 +57,9 @@ CanvasView::CanvasView(const EditorContext &context, QWidget *parent)
 
 void CanvasView::modelChanged(EditorModel::Changes changes)
 {
-    if (changes & EditorModel::SelectionChanged) {
+    // Undo selects its photo, which mostly is the one at hand: its layer stays chosen.
+    if (changes & EditorModel::SelectionChanged && m_photo != m_context.model.selected()) {
+        m_photo = m_context.model.selected();
         endGesture();
         m_context.state.selectLayer({});
         m_frame = {};

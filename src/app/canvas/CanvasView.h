@@ -72,6 +72,7 @@ private:
     /// The frame as last drawn, in device pixels.
     QImage m_frame;
     bool m_stale = true;
+    std::optional<QUuid> m_photo;
     Grip m_grip = Grip::None;
     QString m_gripLayer;
     QPointF m_pressed;

@@ -28,7 +28,7 @@ QHBoxLayout *colorRow(Overlay *card, const EditorContext &context, const TextLay
     auto *dots = new ColorDots(context.state, {{packedColor(0x0D0D0D), said({"黑", "Black", "Noir"})},
                                                {packedColor(0x6E6D68), said({"灰", "Grey", "Gris"})},
                                                {packedColor(0xFFFFFF), said({"白", "White", "Blanc"})}});
-    dots->setAccessibleName(localized({"文字颜色", "Text color", "Couleur du texte"}));
+    dots->setName(said({"文字颜色", "Text color", "Couleur du texte"}));
     dots->setColor(CompositionRenderer::opaque(layer.ink));
     auto *hide = new Button(Button::Kind::Ghost, said({"隐藏文字", "Hide text", "Masquer le texte"}), "eye",
                             Button::Face::IconOnly);

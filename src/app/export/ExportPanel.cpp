@@ -115,7 +115,7 @@ void ExportPanel::addOptions(QVBoxLayout *column)
     };
     m_destination =
         new Segments({said({"文件夹", "Folder", "Dossier"}), said({"图片", "Pictures", "Images"})});
-    m_destination->setAccessibleName(localized({"位置", "Destination", "Destination"}));
+    m_destination->setName(said({"位置", "Destination", "Destination"}));
     group(said({"位置", "Destination", "Destination"}), m_destination);
     m_which = new Segments({[this] {
                                 return localized({"全部 ", "All ", "Les "}) +
@@ -123,20 +123,20 @@ void ExportPanel::addOptions(QVBoxLayout *column)
                                        localized({" 张", " photos", " photos"});
                             },
                             said({"仅这一张", "This photo", "Cette photo"})});
-    m_which->setAccessibleName(localized({"照片", "Photos", "Photos"}));
+    m_which->setName(said({"照片", "Photos", "Photos"}));
     group(said({"照片", "Photos", "Photos"}), m_which);
     m_size = new SizeChoice;
-    m_size->setAccessibleName(ExportTexts::sizeGroup());
+    m_size->setName([] { return ExportTexts::sizeGroup(); });
     group([] { return ExportTexts::sizeGroup(); }, m_size);
     m_format = new Segments({[] { return u"JPEG"_s; }, [] { return u"PNG"_s; }});
-    m_format->setAccessibleName(ExportTexts::formatGroup());
+    m_format->setName([] { return ExportTexts::formatGroup(); });
     group([] { return ExportTexts::formatGroup(); }, m_format);
     std::vector<Phrase> limits;
     for (qsizetype i = 0; i < ExportTexts::limits().size(); ++i) {
         limits.emplace_back([i] { return ExportTexts::limits().at(i).label; });
     }
     m_limit = new Segments(std::move(limits));
-    m_limit->setAccessibleName(ExportTexts::limitGroup());
+    m_limit->setName([] { return ExportTexts::limitGroup(); });
     m_limitNote =
         new Label(Type::Label, said({"仅 JPEG", "JPEG only", "JPEG seulement"}), Label::Tone::Secondary);
     group([] { return ExportTexts::limitGroup(); }, m_limit, m_limitNote);
@@ -371,7 +371,6 @@ void ExportPanel::libraryChanged()
 void ExportPanel::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange) {
-        m_size->setAccessibleName(ExportTexts::sizeGroup());
         refresh();
     }
     QWidget::changeEvent(event);

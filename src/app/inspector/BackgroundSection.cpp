@@ -33,7 +33,7 @@ BackgroundSection::BackgroundSection(const EditorContext &context) : Section(con
 {
     m_kind = new Segments({said({"纯色", "Solid", "Uni"}), said({"渐变", "Gradient", "Dégradé"}),
                            said({"模糊", "Blur", "Flou"}), said({"图片", "Image", "Image"})});
-    m_kind->setAccessibleName(localized({"背景", "Background", "Fond"}));
+    m_kind->setName(said({"背景", "Background", "Fond"}));
     column()->addWidget(m_kind);
     m_filmHint = makeHint("info", said({"胶片边框会盖住背景。", "A film frame covers the background.",
                                         "Un cadre film recouvre le fond."}));
@@ -75,7 +75,7 @@ void BackgroundSection::addColors()
     box->setSpacing(8);
     m_which = new Segments({said({"第一色", "First color", "Première couleur"}),
                             said({"第二色", "Second color", "Seconde couleur"})});
-    m_which->setAccessibleName(localized({"渐变颜色", "Gradient color", "Couleur du dégradé"}));
+    m_which->setName(said({"渐变颜色", "Gradient color", "Couleur du dégradé"}));
     m_which->setCurrent(0);
     box->addWidget(m_which);
     m_palette = new QWidget;
@@ -85,13 +85,13 @@ void BackgroundSection::addColors()
     palette->addWidget(new Label(
         Type::Label, said({"照片主色 · 前 3", "Photo colors · Top 3", "Couleurs de la photo · Top 3"})));
     m_photoColors = new Swatches(Swatches::Shape::Tiles);
-    m_photoColors->setAccessibleName(localized({"照片主色", "Photo colors", "Couleurs de la photo"}));
+    m_photoColors->setName(said({"照片主色", "Photo colors", "Couleurs de la photo"}));
     palette->addWidget(m_photoColors);
     palette->addWidget(makeRule());
     box->addWidget(m_palette);
     box->addWidget(new Label(Type::Label, said({"纸张", "Paper", "Papier"})));
     m_papers = new Swatches(Swatches::Shape::Dots);
-    m_papers->setAccessibleName(localized({"纸张", "Paper", "Papier"}));
+    m_papers->setName(said({"纸张", "Paper", "Papier"}));
     m_papers->setEntries(papers());
     box->addWidget(m_papers);
     box->addWidget(makeRule());

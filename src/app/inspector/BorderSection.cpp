@@ -18,7 +18,7 @@ BorderSection::BorderSection(const EditorContext &context) : Section(context)
     addHeading(said({"边框样式", "Frame style", "Style de cadre"}));
     m_style = new Segments({said({"简约", "Simple", "Simple"}), said({"拍立得", "Instant", "Instantané"}),
                             said({"胶片", "Film", "Film"}), said({"电影", "Cinema", "Cinéma"})});
-    m_style->setAccessibleName(localized({"边框样式", "Frame style", "Style de cadre"}));
+    m_style->setName(said({"边框样式", "Frame style", "Style de cadre"}));
     column()->addWidget(m_style);
     addRule();
     m_width = new Slider(said({"粗细", "Width", "Largeur"}),
@@ -27,7 +27,7 @@ BorderSection::BorderSection(const EditorContext &context) : Section(context)
     addRule();
     addHeading(said({"颜色", "Color", "Couleur"}));
     m_photoColors = new Swatches(Swatches::Shape::Tiles);
-    m_photoColors->setAccessibleName(localized({"照片主色", "Photo colors", "Couleurs de la photo"}));
+    m_photoColors->setName(said({"照片主色", "Photo colors", "Couleurs de la photo"}));
     column()->addWidget(m_photoColors);
     column()->addSpacing(4);
     m_dots =
@@ -37,7 +37,7 @@ BorderSection::BorderSection(const EditorContext &context) : Section(context)
                                       {packedColor(0xC9C6BF), said({"浅灰", "Light grey", "Gris clair"})},
                                       {packedColor(0xF4F1EA), said({"暖白", "Warm white", "Blanc chaud"})},
                                       {packedColor(0xFFFFFF), said({"白", "White", "Blanc"})}});
-    m_dots->setAccessibleName(localized({"边框颜色", "Border color", "Couleur de la bordure"}));
+    m_dots->setName(said({"边框颜色", "Border color", "Couleur de la bordure"}));
     column()->addWidget(m_dots);
 
     connect(m_style, &Items::chosen, this, [this](int index) {

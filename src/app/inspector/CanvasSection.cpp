@@ -54,7 +54,7 @@ CanvasSection::CanvasSection(const EditorContext &context) : Section(context)
                                              model().current()->settings.preset == presetAt(index);
                                   }},
                              [this](int index) { return ratioOf(index); });
-    m_tiles->setAccessibleName(localized({"画布", "Canvas", "Format"}));
+    m_tiles->setName(said({"画布", "Canvas", "Format"}));
     column()->addWidget(m_tiles);
     connect(m_tiles, &Items::chosen, this, [this](int index) {
         edits().step([index](FrameSettings &settings) { settings.preset = presetAt(index); });

@@ -59,7 +59,7 @@ FilmSection::FilmSection(const EditorContext &context) : Section(context)
     film->addSpacing(8);
     m_format = new Segments({[] { return u"35 mm"_s; }, [] { return u"645"_s; }, [] { return u"6×6"_s; },
                              [] { return u"6×7"_s; }, [] { return u"6×9"_s; }});
-    m_format->setAccessibleName(localized({"画幅", "Format", "Format"}));
+    m_format->setName(said({"画幅", "Format", "Format"}));
     film->addWidget(m_format);
     film->addSpacing(12);
     film->addWidget(makeHint(

@@ -84,7 +84,7 @@ LayerPlace::LayerPlace(const EditorContext &context)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(16);
-    m_pad->setAccessibleName(localized({"快速位置", "Quick position", "Position rapide"}));
+    m_pad->setName(said({"快速位置", "Quick position", "Position rapide"}));
     row->addWidget(m_pad, 0, Qt::AlignTop);
     auto *column = new QVBoxLayout;
     column->setSpacing(0);

@@ -27,7 +27,7 @@ QString shown(const TextLayer &layer)
 
 LayerList::LayerList() : Items(Arrows::Choose)
 {
-    setAccessibleName(localized({"文字图层", "Text layers", "Calques de texte"}));
+    setName(said({"文字图层", "Text layers", "Calques de texte"}));
 }
 
 void LayerList::setLayers(const QList<TextLayer> &layers)

@@ -177,7 +177,7 @@ StockPicker::StockPicker()
     auto *frame = new Frame;
     auto *inside = new QVBoxLayout(frame);
     inside->setContentsMargins(1, 0, 1, 1);
-    m_list->setAccessibleName(localized({"胶卷", "Film stock", "Pellicule"}));
+    m_list->setName(said({"胶卷", "Film stock", "Pellicule"}));
     m_scroll->hold(m_list);
     m_scroll->setFixedHeight(listHeight);
     inside->addWidget(m_scroll);

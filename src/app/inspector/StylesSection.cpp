@@ -42,7 +42,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
                                    return model().activeTemplateID() == styleId(model().presets().at(index));
                                }},
                           tile, columns);
-    m_grid->setAccessibleName(localized({"我的风格", "My styles", "Mes styles"}));
+    m_grid->setName(said({"我的风格", "My styles", "Mes styles"}));
     column()->addWidget(m_grid);
     m_empty = makeHint("info", said({"还没有保存的风格。调好一张照片，然后保存。",
                                      "No saved styles yet. Frame a photo as you like it, then save.",

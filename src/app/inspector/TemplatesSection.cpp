@@ -27,7 +27,7 @@ TemplatesSection::TemplatesSection(const EditorContext &context) : Section(conte
                  return model().activeTemplateID() == BuiltInTemplates::id(BuiltInTemplates::all().at(index));
              }},
         tile, columns);
-    m_grid->setAccessibleName(localized({"模板", "Templates", "Modèles"}));
+    m_grid->setName(said({"模板", "Templates", "Modèles"}));
     column()->addWidget(m_grid);
     connect(m_grid, &Items::chosen, this, [this](int index) {
         edits().step([this, index](FrameSettings &settings) {

@@ -74,7 +74,7 @@ Segments *makeFontSegments()
     auto *segments = new Segments({said({"系统", "Sans", "Sans"}), said({"衬线", "Serif", "Serif"}),
                                    said({"圆体", "Round", "Rond"}), said({"等宽", "Mono", "Mono"}),
                                    said({"手写", "Hand", "Main"})});
-    segments->setAccessibleName(localized({"字体", "Font", "Police"}));
+    segments->setName(said({"字体", "Font", "Police"}));
     return segments;
 }
 
@@ -131,7 +131,7 @@ void TextSection::addEditor()
     ink->setSpacing(16);
     ink->addWidget(new Label(Type::Label, said({"颜色", "Color", "Couleur"})));
     m_ink = new ColorDots(context().state, {});
-    m_ink->setAccessibleName(localized({"文字颜色", "Text color", "Couleur du texte"}));
+    m_ink->setName(said({"文字颜色", "Text color", "Couleur du texte"}));
     ink->addWidget(m_ink, 1);
     box->addLayout(ink);
     box->addWidget(makeRule());

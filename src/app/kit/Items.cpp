@@ -28,6 +28,12 @@ Items::Items(Arrows arrows, QWidget *parent) : QWidget(parent), m_arrows(arrows)
     setProperty("paintsFocus", true);
 }
 
+void Items::setName(Phrase name)
+{
+    m_name = std::move(name);
+    setAccessibleName(m_name());
+}
+
 void Items::setCurrent(int index)
 {
     if (m_current == index) {
@@ -269,6 +275,9 @@ void Items::focusOutEvent(QFocusEvent *event)
 bool Items::event(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange) {
+        if (m_name) {
+            setAccessibleName(m_name());
+        }
         updateGeometry();
         update();
     }

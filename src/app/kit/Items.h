@@ -5,6 +5,8 @@
 #include <QBasicTimer>
 #include <QWidget>
 
+#include "app/kit/Phrase.h"
+
 namespace tarnovel {
 
 /// A group of things to choose from that is one stop of the Tab key: arrows move inside. Screen readers see
@@ -22,6 +24,9 @@ public:
     };
 
     explicit Items(Arrows arrows, QWidget *parent = nullptr);
+
+    /// What a screen reader calls the group.
+    void setName(Phrase name);
 
     virtual int count() const = 0;
     /// In the widget's coordinates.
@@ -79,6 +84,7 @@ private:
     int nextInDirection(int key) const;
 
     Arrows m_arrows;
+    Phrase m_name;
     int m_current = -1;
     int m_cursor = -1;
     int m_hovered = -1;

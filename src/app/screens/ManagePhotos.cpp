@@ -43,7 +43,7 @@ Phrase counted(qsizetype count, const Text &one, const Text &many)
 
 ManageGrid::ManageGrid(const EditorContext &context) : Items(Arrows::Move), m_context(context)
 {
-    setAccessibleName(localized({"照片", "Photos", "Photos"}));
+    setName(said({"照片", "Photos", "Photos"}));
     connect(this, &Items::chosen, this, [this](int index) {
         const QUuid id = m_context.model.photos().at(index).id;
         if (m_picked.erase(id) == 0) {

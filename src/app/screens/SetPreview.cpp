@@ -72,7 +72,7 @@ protected:
 PostGrid::PostGrid(const EditorContext &context) : Items(Arrows::Move), m_context(context)
 {
     setFixedWidth(columns * column + (columns - 1) * gap);
-    setAccessibleName(localized({"套图", "Set", "Série"}));
+    setName(said({"套图", "Set", "Série"}));
     connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
         if (key.startsWith(u"photo "_s)) {
             update();

@@ -136,7 +136,7 @@ QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
     column->addWidget(new Label(Type::BodyStrong, said({"语言", "Language", "Langue"})));
     auto *language = new Segments({said({"系统", "System", "Système"}), [] { return u"中文"_s; },
                                    [] { return u"English"_s; }, [] { return u"Français"_s; }});
-    language->setAccessibleName(localized({"语言", "Language", "Langue"}));
+    language->setName(said({"语言", "Language", "Langue"}));
     const std::optional<AppLanguage> stored =
         languageFromName(context.preferences.value(u"language"_s).toString());
     language->setCurrent(stored ? static_cast<int>(*stored) + 1 : 0);
@@ -152,7 +152,7 @@ QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
     column->addSpacing(16);
     column->addWidget(new Label(Type::BodyStrong, said({"外观", "Appearance", "Apparence"})));
     auto *tiles = new AppearanceTiles;
-    tiles->setAccessibleName(localized({"外观", "Appearance", "Apparence"}));
+    tiles->setName(said({"外观", "Appearance", "Apparence"}));
     tiles->setCurrent(static_cast<int>(appearance.choice()));
     column->addWidget(tiles);
     column->addWidget(makeRule());

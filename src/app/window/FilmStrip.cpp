@@ -37,6 +37,7 @@ constexpr int ringMargin = 4;
 StripView::StripView(const EditorContext &context) : Items(Arrows::Choose), m_context(context)
 {
     setFixedHeight(tileHeight + 2 * ringMargin + 4);
+    setName(said({"照片", "Photos", "Photos"}));
     layOut();
     connect(&context.model, &EditorModel::changed, this, [this](EditorModel::Changes changes) {
         if (changes &

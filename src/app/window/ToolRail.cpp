@@ -23,7 +23,7 @@ const ToolRow &rowAt(int index)
 ToolRail::ToolRail(EditorState &state) : Items(Arrows::Choose), m_state(state)
 {
     setFixedWidth(sizeHint().width());
-    setAccessibleName(localized({"工具", "Tools", "Outils"}));
+    setName(said({"工具", "Tools", "Outils"}));
     setCurrent(static_cast<int>(state.tool()));
     connect(this, &Items::chosen, this, [this](int index) { m_state.setTool(rowAt(index).tool); });
     connect(&state, &EditorState::toolChanged, this,

@@ -1,0 +1,283 @@
+#include <QApplication>
+#include <QDir>
+#include <QImage>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest/qtest_widgets.h>
+#include <gtest/gtest.h>
+
+#include "app/canvas/CanvasView.h"
+#include "app/export/ExportPanel.h"
+#include "app/inspector/TextSection.h"
+#include "app/kit/Button.h"
+#include "app/kit/CardGrid.h"
+#include "app/kit/Overlay.h"
+#include "app/window/EditorPage.h"
+#include "app/window/FilmStrip.h"
+#include "app/window/HomeScreen.h"
+#include "app/window/ToolPanel.h"
+#include "app/window/ToolRail.h"
+#include "render/BuiltInTemplate.h"
+#include "support/AppWorld.h"
+
+namespace tarnovel::test {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class EditorWindow : public testing::Test {
+protected:
+    QTemporaryDir m_folder;
+    std::unique_ptr<AppWorld> m_world;
+
+    void SetUp() override { start(); }
+
+    /// Starts the program, or starts it anew.
+    void start()
+    {
+        m_world.reset();
+        m_world = std::make_unique<AppWorld>(m_folder.path());
+        window().resize(1440, 920);
+        window().show();
+        window().activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+        m_world->settle();
+    }
+
+    MainWindow &window() { return m_world->window(); }
+    EditorModel &model() { return m_world->model(); }
+    EditorPage &page() { return *window().page(); }
+
+    QString photo(const QString &name, QSize size = {600, 400}) const
+    {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(QColor::fromHsv(static_cast<int>(qHash(name) % 360), 160, 200));
+        const QString path = m_folder.filePath(name + u".jpg"_s);
+        EXPECT_TRUE(image.save(path, "JPEG"));
+        return path;
+    }
+
+    template<typename Widget>
+    Widget *named(const QString &name)
+    {
+        for (Widget *widget : window().findChildren<Widget *>()) {
+            if (widget->accessibleName() == name && widget->isVisible()) {
+                return widget;
+            }
+        }
+        ADD_FAILURE() << "nothing is called " << name.toStdString();
+        return nullptr;
+    }
+
+    void click(QWidget *widget, QPoint at = {})
+    {
+        ASSERT_NE(widget, nullptr);
+        QTest::mouseClick(widget, Qt::LeftButton, {}, at);
+    }
+
+    void drag(QWidget *widget, QPointF from, QPointF way)
+    {
+        QTest::mousePress(widget, Qt::LeftButton, {}, from.toPoint());
+        for (int step = 1; step <= 8; ++step) {
+            QTest::mouseMove(widget, (from + way * step / 8).toPoint());
+        }
+        QTest::mouseRelease(widget, Qt::LeftButton, {}, (from + way).toPoint());
+    }
+
+    template<typename Condition>
+    bool waitFor(Condition condition)
+    {
+        return QTest::qWaitFor(condition, 15'000);
+    }
+
+    const FrameSettings &settings() { return model().current()->settings; }
+};
+
+TEST_F(EditorWindow, TakesASetFromDropToExportAndFindsItAgain)
+{
+    EXPECT_TRUE(page().atHome());
+    m_world->answers().photos = {photo(u"one"_s), photo(u"two"_s, {400, 600})};
+    click(page().home()->addButton());
+    ASSERT_TRUE(waitFor([this] { return model().photos().size() == 2; }));
+    m_world->settle();
+    EXPECT_FALSE(page().atHome());
+
+    // A template from its card.
+    auto *grid = page().panel()->findChild<CardGrid *>();
+    const auto gallery = BuiltInTemplates::all().indexOf(BuiltInTemplate::gallery);
+    click(grid, grid->itemRect(static_cast<int>(gallery)).center());
+    EXPECT_EQ(settings().templateID, u"gallery"_s);
+
+    // The photo follows the hand; an axis that comes near the centre holds to it.
+    const FrameSettings before = settings();
+    const QRectF frame = page().canvas()->frameRect();
+    drag(page().canvas(), frame.center() + QPointF(0, -40), {0, 50});
+    EXPECT_EQ(settings().x, 0);
+    EXPECT_NEAR(settings().y, before.y + 50 / frame.height(), 0.01);
+
+    // A title, typed.
+    window().state().setTool(Tool::Text);
+    window().state().selectLayer(u"title"_s);
+    auto *field = named<QLineEdit>(u"Text"_s);
+    ASSERT_NE(field, nullptr);
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClicks(field, u"Evening"_s);
+    EXPECT_EQ(settings().layer(u"title"_s)->text, u"Evening"_s);
+    EXPECT_TRUE(settings().layer(u"title"_s)->visible);
+
+    // The title goes and comes back; then the drag, the title and the template are one step each.
+    page().canvas()->setFocus();
+    QTest::keyClick(page().canvas(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_NE(settings().layer(u"title"_s)->text, u"Evening"_s);
+    EXPECT_NE(settings().y, before.y);
+    QTest::keyClick(page().canvas(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(settings().layer(u"title"_s)->text, u"Evening"_s);
+
+    click(named<Button>(u"Apply to all"_s));
+    for (const PhotoItem &item : model().photos()) {
+        EXPECT_EQ(item.settings.layer(u"title"_s)->text, u"Evening"_s);
+        EXPECT_EQ(item.settings.y, settings().y);
+    }
+
+    m_world->answers().folder = m_folder.filePath(u"out"_s);
+    QDir().mkpath(m_world->answers().folder);
+    QTest::keyClick(page().canvas(), Qt::Key_E, Qt::ControlModifier);
+    EXPECT_TRUE(page().exportShown());
+    click(named<Button>(u"Export 2 photos to folder…"_s));
+    ASSERT_TRUE(waitFor([this] { return !page().exporting()->working(); }));
+    EXPECT_EQ(QDir(m_world->answers().folder).entryList(QDir::Files),
+              (QStringList{u"one-framed.jpg"_s, u"two-framed.jpg"_s}));
+    EXPECT_TRUE(waitFor([this] { return window().findChild<Overlay *>() != nullptr; }));
+    click(named<Button>(u"Done"_s));
+
+    const QList<PhotoItem> left = model().photos();
+    window().close();
+    start();
+    EXPECT_TRUE(page().atHome());
+    click(named<Button>(u"Continue"_s));
+    EXPECT_FALSE(page().atHome());
+    EXPECT_EQ(model().photos(), left);
+}
+
+TEST_F(EditorWindow, EditsTextsOnThePicture)
+{
+    m_world->import({photo(u"one"_s)});
+    FrameSettings settings = model().current()->settings;
+    settings.layer(u"title"_s)->text = u"Title"_s;
+    settings.layer(u"title"_s)->visible = true;
+    model().update(settings);
+    m_world->settle();
+    CanvasView *canvas = page().canvas();
+    const QRectF frame = canvas->frameRect();
+    const TextLayer start = *this->settings().layer(u"title"_s);
+    const QPointF centre = frame.topLeft() + QPointF(start.x * frame.width(), start.y * frame.height());
+
+    drag(canvas, centre, {-60, -30});
+    EXPECT_NEAR(this->settings().layer(u"title"_s)->x, start.x - 60 / frame.width(), 0.01);
+    EXPECT_NEAR(this->settings().layer(u"title"_s)->y, start.y - 30 / frame.height(), 0.01);
+    EXPECT_EQ(this->settings().x, 0) << "the photo stays";
+
+    // A corner of its box makes it larger, in one step.
+    const QRectF box = *canvas->layerBox();
+    const QPointF corner = box.bottomRight() + QPointF(8, 8);
+    drag(canvas, corner, corner - box.center());
+    EXPECT_NEAR(this->settings().layer(u"title"_s)->size, start.size * 2, start.size * 0.1);
+    model().undo();
+    EXPECT_EQ(this->settings().layer(u"title"_s)->size, start.size);
+
+    // Keys: the layer is nudged by half a percent, and Esc lets go of it.
+    canvas->setFocus();
+    const double x = this->settings().layer(u"title"_s)->x;
+    QTest::keyClick(canvas, Qt::Key_Right);
+    EXPECT_NEAR(this->settings().layer(u"title"_s)->x, x + 0.005, 1e-9);
+    QTest::keyClick(canvas, Qt::Key_Escape);
+    EXPECT_FALSE(window().state().selectedLayer());
+    QTest::keyClick(canvas, Qt::Key_Tab);
+    EXPECT_EQ(window().state().selectedLayer(), u"title"_s);
+
+    // A double click opens the small editor, where typing changes the picture at once.
+    const TextLayer moved = *this->settings().layer(u"title"_s);
+    const QPointF now = frame.topLeft() + QPointF(moved.x * frame.width(), moved.y * frame.height());
+    QTest::mouseDClick(canvas, Qt::LeftButton, {}, now.toPoint());
+    auto *field = qobject_cast<QLineEdit *>(QApplication::focusWidget());
+    ASSERT_NE(field, nullptr);
+    QTest::keyClicks(field, u"New"_s);
+    EXPECT_EQ(this->settings().layer(u"title"_s)->text, u"New"_s);
+    QTest::keyClick(field, Qt::Key_Escape);
+    EXPECT_EQ(QApplication::focusWidget(), canvas) << "the keyboard returns";
+}
+
+TEST_F(EditorWindow, SaysWhatCouldNotBeReadAndKeepsTheRest)
+{
+    QFile broken(m_folder.filePath(u"broken.jpg"_s));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("no picture");
+    broken.close();
+    m_world->import({photo(u"one"_s), broken.fileName()});
+    EXPECT_EQ(model().photos().size(), 1);
+    EXPECT_EQ(window().toast()->text(), u"1 files could not be read."_s);
+    EXPECT_TRUE(window().toast()->isVisible());
+
+    // A file that goes while the program runs: its export fails with a message, the program goes on.
+    QFile::remove(m_world->library() + u'/' + model().current()->file);
+    m_world->answers().folder = m_folder.path();
+    page().showExport(true);
+    click(named<Button>(u"Export to folder…"_s));
+    ASSERT_TRUE(waitFor([this] { return !page().exporting()->working(); }));
+    EXPECT_TRUE(page().exporting()->folderExport().error().startsWith(u"Export failed: "_s));
+}
+
+TEST_F(EditorWindow, AsksBeforePhotosGo)
+{
+    m_world->import({photo(u"one"_s), photo(u"two"_s), photo(u"three"_s)});
+    StripView *strip = page().strip()->view();
+    strip->setFocus();
+    QTest::keyClick(strip, Qt::Key_Right);
+    EXPECT_EQ(model().selected(), model().photos().at(1).id);
+    QTest::keyClick(strip, Qt::Key_Delete);
+    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), u"Cancel"_s) << "the keyboard starts on Cancel";
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    EXPECT_EQ(model().photos().size(), 3);
+    QTest::keyClick(strip, Qt::Key_Delete);
+    click(named<Button>(u"Remove"_s));
+    EXPECT_EQ(model().photos().size(), 2);
+
+    window().showManage();
+    click(named<Button>(u"Select all"_s));
+    click(named<Button>(u"Remove 2 photos"_s));
+    click(named<Button>(u"Remove"_s));
+    EXPECT_TRUE(model().photos().isEmpty());
+    EXPECT_TRUE(page().atHome());
+}
+
+TEST_F(EditorWindow, SpeaksTheChosenLanguageAtOnce)
+{
+    m_world->import({photo(u"one"_s)});
+    EXPECT_TRUE(named<Button>(u"Export"_s));
+    setLanguageSources({[] { return u"french"_s; }, [] { return QStringList(); }});
+    window().actions();
+    QEvent change(QEvent::LanguageChange);
+    QApplication::sendEvent(&window(), &change);
+    EXPECT_TRUE(named<Button>(u"Appliquer à tout"_s));
+    EXPECT_EQ(page().rail()->itemName(0), u"Modèles"_s);
+    setLanguageSources({});
+}
+
+TEST_F(EditorWindow, NamesEveryControlForScreenReaders)
+{
+    m_world->import({photo(u"one"_s)});
+    for (const ToolRow &row : toolRows) {
+        window().state().setTool(row.tool);
+        for (const QWidget *widget : window().findChildren<QWidget *>()) {
+            if (widget->isVisible() && widget->focusPolicy() & Qt::TabFocus) {
+                EXPECT_FALSE(widget->accessibleName().isEmpty())
+                    << widget->metaObject()->className() << " in " << row.id;
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace tarnovel::test
