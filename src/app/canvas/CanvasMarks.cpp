@@ -18,7 +18,7 @@ constexpr double handle = 10;
 constexpr double grabRadius = 11;
 constexpr double knob = 24;
 constexpr double knobGap = 8;
-constexpr double guideReach = 24;
+constexpr int guideReach = 24;
 constexpr float restingGuide = 0.35F;
 
 QRectF padded(const QRectF &box)
@@ -75,6 +75,18 @@ void paintGuides(QPainter &painter, const QRectF &frame, CentreSnap snap)
     } else if (snap.y) {
         paintPill(painter, {frame.left() - guideReach + 20, centre.y() + 12});
     }
+}
+
+QRegion guideRegion(const QRectF &frame)
+{
+    constexpr int pillWidth = 120;
+    constexpr int pillHeight = 32;
+    const QRect whole = frame.toAlignedRect().adjusted(-guideReach, -guideReach, guideReach, guideReach);
+    QRegion region(QRect(whole.center().x() - 2, whole.top(), 5, whole.height()));
+    region += QRect(whole.left(), whole.center().y() - 2, whole.width(), 5);
+    region += QRect(whole.center().x() - pillWidth / 2, whole.top() - pillHeight / 2, pillWidth, pillHeight);
+    region += QRect(whole.left() - pillWidth / 2, whole.center().y() - pillHeight / 2, pillWidth, pillHeight);
+    return region;
 }
 
 void paintSelection(QPainter &painter, const QRectF &box, bool keyboard)

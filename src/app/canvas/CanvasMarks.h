@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRectF>
+#include <QRegion>
 
 #include "editor/CanvasGestures.h"
 
@@ -13,6 +14,9 @@ enum class Handle { None, Corner, Knob };
 
 /// Lines through the centre of the frame; an axis that holds says so.
 void paintGuides(QPainter &painter, const QRectF &frame, CentreSnap snap);
+
+/// All that guides and their words may cover.
+QRegion guideRegion(const QRectF &frame);
 
 /// The box around a chosen layer with its handles; the painter is turned with the layer.
 void paintSelection(QPainter &painter, const QRectF &box, bool keyboard);

@@ -91,7 +91,15 @@ void CanvasView::showState()
 void CanvasView::redraw()
 {
     m_stale = true;
-    update();
+    const QRectF frame = frameRect();
+    const std::optional<QRectF> box = layerBox();
+    if (frame != m_groundFrame || box || m_marked) {
+        // Handles and the frame itself may have moved.
+        update();
+    } else {
+        update(CanvasMarks::guideRegion(frame).united(frame.toAlignedRect().adjusted(-1, -1, 1, 1)));
+    }
+    m_marked = box.has_value();
 }
 
 QRectF CanvasView::frameRect() const
@@ -129,18 +137,41 @@ void CanvasView::drawFrame()
     m_stale = false;
 }
 
+void CanvasView::drawGround(const QRectF &frame)
+{
+    const double device = devicePixelRatioF();
+    if (!m_ground.isNull() && m_groundFrame == frame && m_groundTheme == &theme() &&
+        m_ground.deviceIndependentSize() == QSizeF(size())) {
+        return;
+    }
+    m_ground = QPixmap(size() * device);
+    m_ground.setDevicePixelRatio(device);
+    m_ground.fill(theme().canvas);
+    QPainter painter(&m_ground);
+    drawShadow(painter, frame, 0, Elevation::Frame);
+    m_groundFrame = frame;
+    m_groundTheme = &theme();
+}
+
 void CanvasView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    painter.fillRect(event->rect(), theme().canvas);
     const QRectF frame = frameRect();
     if (frame.isEmpty()) {
+        painter.fillRect(event->rect(), theme().canvas);
         return;
     }
     if (m_stale || m_frame.size() != frameDevicePixels()) {
         drawFrame();
     }
-    drawShadow(painter, frame, 0, Elevation::Frame);
+    drawGround(frame);
+    const double device = devicePixelRatioF();
+    for (const QRect &part : event->region()) {
+        if (!frame.contains(part)) {
+            painter.drawPixmap(QRectF(part), m_ground,
+                               QRectF(QPointF(part.topLeft()) * device, QSizeF(part.size()) * device));
+        }
+    }
     painter.drawImage(frame, m_frame);
     const double pixel = 1 / devicePixelRatioF();
     Paint::outline(painter, frame.adjusted(-pixel, -pixel, pixel, pixel), 0, theme().rim, pixel);

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include <QImage>
+#include <QPixmap>
 #include <QWidget>
 
 #include "app/EditorContext.h"
@@ -13,6 +14,8 @@ class QNativeGestureEvent;
 class QPinchGesture;
 
 namespace tarnovel {
+
+struct Theme;
 
 /// The selected photo in its frame, live: it is dragged, pinched and written on here.
 class CanvasView : public QWidget {
@@ -52,6 +55,8 @@ private:
     void showState();
     void redraw();
     void drawFrame();
+    /// What lies under the frame: the stage with the frame's shadow, kept for the next repaint.
+    void drawGround(const QRectF &frame);
     void paintSelection(QPainter &painter, const QRectF &frame) const;
     void paintGuides(QPainter &painter, const QRectF &frame) const;
     void paintLoading(QPainter &painter, const QRectF &frame);
@@ -72,6 +77,11 @@ private:
     /// The frame as last drawn, in device pixels.
     QImage m_frame;
     bool m_stale = true;
+    QPixmap m_ground;
+    QRectF m_groundFrame;
+    const Theme *m_groundTheme = nullptr;
+    /// Handles were shown at the last repaint.
+    bool m_marked = false;
     std::optional<QUuid> m_photo;
     Grip m_grip = Grip::None;
     QString m_gripLayer;

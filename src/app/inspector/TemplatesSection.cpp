@@ -36,8 +36,11 @@ TemplatesSection::TemplatesSection(const EditorContext &context) : Section(conte
         });
     });
     connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
-        if (key.startsWith(u"template "_s)) {
-            m_grid->update();
+        const QList<BuiltInTemplate> &looks = BuiltInTemplates::all();
+        for (int i = 0; i < looks.size(); ++i) {
+            if (key == u"template "_s + BuiltInTemplates::id(looks.at(i))) {
+                m_grid->update(m_grid->itemRect(i));
+            }
         }
     });
 }
@@ -54,9 +57,22 @@ QImage TemplatesSection::card(int index, QSize roomPx) const
     return context().thumbnails.image(u"template "_s + BuiltInTemplates::id(look), dressed, roomPx);
 }
 
-void TemplatesSection::display(const PhotoItem &)
+void TemplatesSection::display(const PhotoItem &photo)
 {
-    m_grid->update();
+    // Dragging the photo changes no card: only those that do change are drawn and painted anew.
+    const std::optional<QString> active = model().activeTemplateID();
+    if (m_photo != photo.id || m_active != active) {
+        m_photo = photo.id;
+        m_active = active;
+        m_grid->update();
+        return;
+    }
+    const QSize room = m_grid->imageRoomPx();
+    for (int i = 0; i < m_grid->count(); ++i) {
+        if (m_grid->itemRect(i).intersects(m_grid->visibleRegion().boundingRect())) {
+            card(i, room);
+        }
+    }
 }
 
 } // namespace tarnovel

@@ -20,6 +20,8 @@ protected:
 private:
     QImage card(int index, QSize roomPx) const;
     CardGrid *m_grid;
+    QUuid m_photo;
+    std::optional<QString> m_active;
 };
 
 } // namespace tarnovel

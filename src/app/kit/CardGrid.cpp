@@ -85,6 +85,11 @@ QSize CardGrid::sizeHint() const
     return {gridWidth, rows == 0 ? 0 : top(rows) - rowGap + 4};
 }
 
+QSize CardGrid::imageRoomPx() const
+{
+    return ((QSizeF(m_tile) - QSizeF(2 * padding, 2 * padding)) * devicePixelRatioF()).toSize();
+}
+
 void CardGrid::paintItem(QPainter &painter, int index, const State &state)
 {
     const Theme &look = theme();
@@ -97,9 +102,7 @@ void CardGrid::paintItem(QPainter &painter, int index, const State &state)
     if (state.hovered) {
         Paint::rounded(painter, ground, ringed ? 5 : 8, state.pressed ? look.pressed() : look.hover());
     }
-    const double ratio = devicePixelRatioF();
-    const QSize room = ((QSizeF(m_tile) - QSizeF(2 * padding, 2 * padding)) * ratio).toSize();
-    const QImage image = m_source.image(index, room);
+    const QImage image = m_source.image(index, imageRoomPx());
     if (!image.isNull()) {
         paintFramed(painter, image, tile, true);
     }

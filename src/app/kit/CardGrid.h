@@ -24,6 +24,9 @@ public:
 
     CardGrid(Source source, QSize tile, int columns, QWidget *parent = nullptr);
 
+    /// The room that a picture has in its tile, in device pixels.
+    QSize imageRoomPx() const;
+
     /// The cards have changed in number or name.
     void reload();
 

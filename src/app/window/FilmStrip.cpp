@@ -42,7 +42,13 @@ StripView::StripView(const EditorContext &context) : Items(Arrows::Choose), m_co
     connect(&context.model, &EditorModel::changed, this, [this](EditorModel::Changes changes) {
         if (changes &
             (EditorModel::PhotosChanged | EditorModel::SelectionChanged | EditorModel::SettingsChanged)) {
+            const QList<int> edges = m_edges;
             layOut();
+            if (!(changes & (EditorModel::PhotosChanged | EditorModel::SelectionChanged)) &&
+                edges == m_edges) {
+                requestChanged();
+                return;
+            }
             const QList<PhotoItem> &photos = m_context.model.photos();
             const auto &selected = m_context.model.selected();
             const auto place = selected ? std::ranges::find(photos, *selected, &PhotoItem::id) : photos.end();
@@ -55,8 +61,11 @@ StripView::StripView(const EditorContext &context) : Items(Arrows::Choose), m_co
         }
     });
     connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
-        if (key.startsWith(u"photo "_s)) {
-            update();
+        const QList<PhotoItem> &photos = m_context.model.photos();
+        for (int i = 0; i < photos.size(); ++i) {
+            if (key == u"photo "_s + photos.at(i).id.toString()) {
+                update(itemRect(i).adjusted(-1, -1, 1, 1));
+            }
         }
     });
     connect(this, &Items::chosen, this, [this](int index) {
@@ -133,11 +142,30 @@ bool StripView::itemChosen(int index) const
     return !isAddTile(index) && m_context.model.selected() == m_context.model.photos().at(index).id;
 }
 
+QImage StripView::thumbnail(int index) const
+{
+    const PhotoItem &photo = m_context.model.photos().at(index);
+    const QSize room = (QSizeF(widestTile, tileHeight) * devicePixelRatioF()).toSize();
+    return m_context.thumbnails.image(u"photo "_s + photo.id.toString(), photo, room);
+}
+
+void StripView::requestChanged()
+{
+    for (int i = 0; i + 1 < count(); ++i) {
+        if (itemRect(i).intersects(rect())) {
+            thumbnail(i);
+        }
+    }
+}
+
 void StripView::scrollTo(int offset)
 {
     const int most = std::max((m_edges.isEmpty() ? 0 : m_edges.last()) - gap + sideInset - width(), 0);
-    m_offset = std::clamp(offset, 0, most);
-    update();
+    const int held = std::clamp(offset, 0, most);
+    if (held != m_offset) {
+        m_offset = held;
+        update();
+    }
 }
 
 void StripView::reveal(int index)
@@ -182,8 +210,7 @@ void StripView::paintItem(QPainter &painter, int index, const State &state)
         return;
     }
     const PhotoItem &photo = m_context.model.photos().at(index);
-    const QSize room = (QSizeF(widestTile, tileHeight) * devicePixelRatioF()).toSize();
-    const QImage image = m_context.thumbnails.image(u"photo "_s + photo.id.toString(), photo, room);
+    const QImage image = thumbnail(index);
     if (image.isNull()) {
         Paint::rounded(painter, tile, 4, look.surfaceMuted);
         if (m_context.thumbnails.unreadable(photo.file)) {

@@ -37,6 +37,9 @@ protected:
     bool event(QEvent *event) override;
 
 private:
+    QImage thumbnail(int index) const;
+    /// Asks for the visible pictures whose photos have changed.
+    void requestChanged();
     int widthOf(const PhotoItem &photo) const;
     void layOut();
     void scrollTo(int offset);

@@ -1,0 +1,191 @@
+// The real window on the offscreen platform at device ratio 2, with fifty photos of 24 megapixels: how long a
+// drag's repaint takes, how long the interface is held up, and how long the program takes to show itself.
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMouseEvent>
+#include <QProcess>
+#include <QStyleFactory>
+#include <QTemporaryDir>
+
+#include "app/canvas/CanvasView.h"
+#include "app/kit/Theme.h"
+#include "app/window/EditorPage.h"
+#include "render/BuiltInTemplate.h"
+#include "support/AppWorld.h"
+#include "support/Photo24.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel::bench {
+namespace {
+
+constexpr int photoCount = 50;
+constexpr int dragSteps = 200;
+constexpr QSize windowSize(1440, 920);
+
+double milliseconds(const QElapsedTimer &timer)
+{
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+double share(std::vector<double> times, double part)
+{
+    std::sort(times.begin(), times.end());
+    return times.at(static_cast<size_t>(part * static_cast<double>(times.size() - 1)));
+}
+
+void send(QWidget *widget, QEvent::Type type, QPointF at)
+{
+    const bool moves = type == QEvent::MouseMove;
+    QMouseEvent event(type, at, widget->mapToGlobal(at), moves ? Qt::NoButton : Qt::LeftButton,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+}
+
+/// Milliseconds of this thread's processor: other programs do not count.
+double threadMilliseconds()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+struct Times {
+    std::vector<double> processor;
+    std::vector<double> clock;
+};
+
+/// Each step from the pointer's event to the painted window.
+Times drag(test::AppWorld &world)
+{
+    CanvasView *canvas = world.window().page()->canvas();
+    const QPointF from = canvas->frameRect().center();
+    Times times;
+    send(canvas, QEvent::MouseButtonPress, from);
+    for (int step = 1; step <= dragSteps; ++step) {
+        QElapsedTimer timer;
+        timer.start();
+        const double before = threadMilliseconds();
+        send(canvas, QEvent::MouseMove, from + QPointF(step * 0.7 + 4, step * 0.4));
+        QCoreApplication::sendPostedEvents(&world.window(), QEvent::UpdateRequest);
+        times.processor.push_back(threadMilliseconds() - before);
+        times.clock.push_back(milliseconds(timer));
+
+        QCoreApplication::processEvents();
+    }
+    send(canvas, QEvent::MouseButtonRelease, from);
+    return times;
+}
+
+void measureDrags(test::AppWorld &world)
+{
+    struct Look {
+        const char *name;
+        BuiltInTemplate look;
+        Backdrop background;
+    };
+    for (const Look &row : {Look{"texts on a plain ground", BuiltInTemplate::gear, Backdrop::solid},
+                            Look{"gradient", BuiltInTemplate::gear, Backdrop::gradient},
+                            Look{"blurred photo behind", BuiltInTemplate::gear, Backdrop::blur},
+                            Look{"film", BuiltInTemplate::film, Backdrop::solid}}) {
+        FrameSettings settings = world.model().current()->settings;
+        settings = BuiltInTemplates::make(row.look, settings, {});
+        settings.background = row.background;
+        world.model().update(settings);
+        world.model().loadPreview();
+        world.settle();
+        const Times times = drag(world);
+        std::printf("drag, %-24s median %5.2f ms, 95 %% %5.2f ms (by the clock %5.2f, %5.2f)\n", row.name,
+                    share(times.processor, 0.5), share(times.processor, 0.95), share(times.clock, 0.5),
+                    share(times.clock, 0.95));
+        world.settle();
+    }
+}
+
+/// The longest beat of the event loop while every thumbnail is drawn anew.
+void measureBeat(test::AppWorld &world)
+{
+    world.model().applyToAll();
+    double longest = 0;
+    QElapsedTimer all;
+    all.start();
+    QElapsedTimer beat;
+    while (all.elapsed() < 3000) {
+        beat.start();
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        longest = std::max(longest, milliseconds(beat));
+    }
+    std::printf("apply to all: longest beat of the interface %.1f ms\n", longest);
+}
+
+/// A start of the program over the stored session: from the new process to the painted window.
+void measureStart(const QString &folder)
+{
+    std::vector<double> times;
+    for (int run = 0; run < 7; ++run) {
+        QElapsedTimer timer;
+        timer.start();
+        QProcess child;
+        child.start(QApplication::applicationFilePath(), {u"--start"_s, folder});
+        child.waitForReadyRead(20'000);
+        times.push_back(milliseconds(timer));
+        child.waitForFinished();
+    }
+    std::printf("start with %d photos to the painted window: median %.0f ms\n", photoCount,
+                share(times, 0.5));
+}
+
+int showOnce(const QString &folder)
+{
+    test::AppWorld world(folder);
+    world.window().resize(windowSize);
+    world.window().show();
+    world.window().page()->showEditor();
+    world.window().repaint();
+    std::puts("painted");
+    std::fflush(stdout);
+    std::quick_exit(0);
+}
+
+int measure()
+{
+    const QTemporaryDir folder;
+    {
+        test::AppWorld world(folder.path());
+        const QString photo = folder.filePath(u"photo.jpg"_s);
+        writePhoto24(photo);
+        world.import(QStringList(photoCount, photo));
+        world.window().resize(windowSize);
+        world.window().show();
+        world.window().showEditor();
+        world.settle();
+        std::printf("Processor time: the window at %d × %d, device ratio %.0f\n", windowSize.width(),
+                    windowSize.height(), world.window().devicePixelRatioF());
+        measureDrags(world);
+        measureBeat(world);
+        world.settle();
+        world.model().flush();
+    }
+    measureStart(folder.path());
+    return 0;
+}
+
+} // namespace
+} // namespace tarnovel::bench
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_SCALE_FACTOR", "2");
+    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    const QApplication application(argc, argv);
+    QApplication::setFont(tarnovel::typeFont(tarnovel::Type::Body));
+    const QStringList arguments = QApplication::arguments();
+    return arguments.value(1) == u"--start"_s ? tarnovel::bench::showOnce(arguments.value(2))
+                                              : tarnovel::bench::measure();
+}
