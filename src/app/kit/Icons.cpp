@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include <QFile>
 #include <QHash>
 #include <QPainter>
 #include <QSvgRenderer>
@@ -27,15 +28,16 @@ QByteArray stroked(const char *name, const QColor &color)
            color.name().toLatin1() + R"(" d=")" + row->path + R"("/></svg>)";
 }
 
-/// A framed picture over its line of text, on the accent.
+/// The program's icon, a framed picture over its line of text, in other colours.
 QByteArray mark(const QColor &ground, const QColor &figure)
 {
-    return R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 20 20"><rect width="20" height="20" rx="5" fill=")" +
-           ground.name().toLatin1() +
-           R"("/><rect x="4.75" y="4.25" width="10.5" height="7.5" rx="1" fill="none" stroke-width="1.5" stroke=")" +
-           figure.name().toLatin1() +
-           R"("/><path d="M7 15h6" stroke-width="1.5" stroke-linecap="round" stroke=")" +
-           figure.name().toLatin1() + R"("/></svg>)";
+    QFile file(u":/tarnovel/io.github.tarnovel.Tarnovel.svg"_s);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    return file.readAll()
+        .replace(Theme::light().accent.name().toLatin1(), ground.name().toLatin1())
+        .replace(Theme::light().onAccent.name().toLatin1(), figure.name().toLatin1());
 }
 
 QPixmap rendered(const QByteArray &svg, QSize size, double ratio)
