@@ -414,9 +414,10 @@ void CollageStudio::cancel()
     tell(PhaseChanged | HistoryChanged);
 }
 
-void CollageStudio::setMessage(const QString &message)
+void CollageStudio::setMessage(const QString &message, MessageKind kind)
 {
     m_message = message;
+    m_messageKind = kind;
     tell(MessageChanged);
 }
 
