@@ -75,19 +75,19 @@ void paintChip(QPainter &painter, const QRectF &handle, const QString &text, boo
     painter.drawText(chip, Qt::AlignCenter, text);
 }
 
-void paintRing(QPainter &painter, const QRectF &cell, Ring ring)
+void paintRing(QPainter &painter, const QRectF &cell, double radius, Ring ring)
 {
     const Theme &look = theme();
     if (ring == Ring::Target) {
         QColor tint = look.accent;
         tint.setAlphaF(0.18F);
-        painter.fillRect(cell, tint);
+        Paint::rounded(painter, cell, radius, tint);
     }
     const double width = ring == Ring::Target ? 3 : 2;
-    Paint::outline(painter, cell.adjusted(-width, -width, width, width), 2, look.accent, width);
+    Paint::outline(painter, cell.adjusted(-width, -width, width, width), radius + width, look.accent, width);
     if (ring == Ring::Focused) {
-        Paint::outline(painter, cell, 0, look.surface, 2);
-        Paint::outline(painter, cell.adjusted(2, 2, -2, -2), 0, look.accent, 2);
+        Paint::outline(painter, cell, radius, look.surface, 2);
+        Paint::outline(painter, cell.adjusted(2, 2, -2, -2), std::max(radius - 2, 0.0), look.accent, 2);
     }
 }
 

@@ -22,6 +22,6 @@ void paintChip(QPainter &painter, const QRectF &handle, const QString &text, boo
                const QRectF &room);
 /// The ring round a cell: chosen, with the keyboard, or about to take what is dropped.
 enum class Ring { Chosen, Focused, Target };
-void paintRing(QPainter &painter, const QRectF &cell, Ring ring);
+void paintRing(QPainter &painter, const QRectF &cell, double radius, Ring ring);
 
 } // namespace tarnovel::BoardMarks

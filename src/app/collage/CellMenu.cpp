@@ -52,6 +52,9 @@ void openCellMenu(QWidget *board, CollageStudio &studio, int slot, QPoint at,
         auto *place = new Button(Button::Kind::Secondary, [other] { return QString::number(other + 1); });
         place->setHeight(28);
         place->setFixedWidth(28);
+        place->setAccessibleDescription(
+            localized({"与以下格子交换", "Swap with cell", "Échanger avec la case"}) + u' ' +
+            QString::number(other + 1));
         others->addWidget(place);
         QObject::connect(place, &QPushButton::clicked, menu, [menu, &studio, slot, other] {
             menu->close();

@@ -51,6 +51,16 @@ FrameTiles::FrameTiles(CollageStudio &studio) : Items(Arrows::Move), m_studio(st
             [this](int index) { m_studio.setFrame(cellFrames.at(static_cast<size_t>(index))); });
 }
 
+void FrameTiles::follow()
+{
+    const CollageCell *cell = m_studio.selectedCell();
+    const auto shown = cell ? std::optional(std::pair(cell->photo, cell->frame)) : std::nullopt;
+    if (shown != m_shown) {
+        m_shown = shown;
+        update();
+    }
+}
+
 QRect FrameTiles::itemRect(int index) const
 {
     const int step = (width() - tileSize.width() - 2 * ringGap) / (count() - 1);
@@ -178,7 +188,8 @@ void CellsPage::addFrames()
     column->addSpacing(8);
     auto *row = new QHBoxLayout(m_copies);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(8);
+    // The longest of the three languages just fits.
+    row->setSpacing(4);
     const auto add = [&](CopyScope scope, const char *icon, Phrase name) {
         auto *copy = new Button(Button::Kind::Secondary, std::move(name), icon);
         copy->setHeight(28);
@@ -229,7 +240,7 @@ void CellsPage::showState()
 {
     const CollageCell *cell = m_studio.selectedCell();
     m_cell->refresh();
-    m_frames->update();
+    m_frames->follow();
     m_zoom->setEnabled(cell);
     m_copies->setEnabled(cell);
     const bool moved = cell && !cell->offset.isNull();

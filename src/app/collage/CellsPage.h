@@ -20,6 +20,9 @@ class FrameTiles : public Items {
 public:
     explicit FrameTiles(CollageStudio &studio);
 
+    /// Shows the selected cell's photo and frame, if they are others than before.
+    void follow();
+
     int count() const override { return static_cast<int>(cellFrames.size()); }
     QRect itemRect(int index) const override;
     QString itemName(int index) const override;
@@ -33,6 +36,7 @@ private:
     QPixmap picture(CellFrame frame);
 
     CollageStudio &m_studio;
+    std::optional<std::pair<QUuid, CellFrame>> m_shown;
     /// What the pictures show.
     QUuid m_photo;
     double m_ratio = 0;

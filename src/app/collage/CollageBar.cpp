@@ -35,6 +35,9 @@ CollageBar::CollageBar(CollageStudio &studio)
     m_size = new Label(
         Type::Label,
         [this] {
+            if (m_studio.design().cells.isEmpty()) {
+                return QString();
+            }
             const QSize size = m_studio.outputSize();
             return QString::number(size.width()) + u" × "_s + QString::number(size.height()) + u" px"_s;
         },
@@ -61,11 +64,18 @@ CollageBar::CollageBar(CollageStudio &studio)
     connect(m_redo, &QPushButton::clicked, this, [this] { m_studio.redo(); });
     connect(m_save, &QPushButton::clicked, this, [this] { m_studio.finish(); });
     connect(&studio, &CollageStudio::changed, this, [this](CollageStudio::Changes changes) {
-        if (changes & (CollageStudio::PhaseChanged | CollageStudio::DesignChanged |
-                       CollageStudio::HistoryChanged | CollageStudio::PhotosChanged)) {
+        if (changes & CollageStudio::PhaseChanged) {
+            showPhase();
+        }
+        if (changes &
+            (CollageStudio::PhaseChanged | CollageStudio::HistoryChanged | CollageStudio::PhotosChanged)) {
             showState();
         }
+        if (changes & CollageStudio::DesignChanged) {
+            m_size->refresh();
+        }
     });
+    showPhase();
     showState();
 }
 
@@ -74,30 +84,32 @@ QWidget *CollageBar::closeButton() const
     return m_close;
 }
 
-void CollageBar::showState()
+void CollageBar::showPhase()
 {
     const bool board = !m_studio.choosing();
     for (QWidget *part : std::initializer_list<QWidget *>{m_choose, m_undo, m_redo, m_size, m_save}) {
         part->setVisible(board);
     }
+    m_save->setBusy(m_studio.saving());
+    m_save->setPhrase(m_studio.saving() ? said({"正在保存…", "Saving…", "Enregistrement…"})
+                                        : said({"保存拼图", "Save collage", "Enregistrer le collage"}));
+    m_size->refresh();
+    update();
+}
+
+void CollageBar::showState()
+{
     m_choose->setEnabled(m_studio.editable());
     m_undo->setEnabled(m_studio.canUndo());
     m_redo->setEnabled(m_studio.canRedo());
     // A disabled primary button would lose its ring of work under way.
     m_save->setEnabled(m_studio.canFinish() || m_studio.saving());
-    m_save->setBusy(m_studio.saving());
-    m_save->setPhrase(m_studio.saving() ? said({"正在保存…", "Saving…", "Enregistrement…"})
-                                        : said({"保存拼图", "Save collage", "Enregistrer le collage"}));
-    if (board && !m_studio.design().cells.isEmpty()) {
-        m_size->refresh();
-    }
-    update();
 }
 
 void CollageBar::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange) {
-        showState();
+        update();
     }
     QWidget::changeEvent(event);
 }

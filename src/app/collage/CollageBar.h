@@ -26,6 +26,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    void showPhase();
     void showState();
 
     CollageStudio &m_studio;

@@ -6,7 +6,6 @@
 #include <QPainter>
 #include <QResizeEvent>
 
-#include "app/collage/BoardMarks.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Motion.h"
 #include "app/kit/Shadow.h"
@@ -21,7 +20,7 @@ namespace {
 /// A lifted cell is a little smaller than its place.
 constexpr double liftedScale = 0.96;
 /// What handles, rings and the read-out take beyond the board.
-constexpr int marksReach = 44;
+constexpr int marksReach = 6;
 
 QRectF between(const QRectF &from, const QRectF &to, double progress)
 {
@@ -208,10 +207,24 @@ void CollageBoard::paintMissing(QPainter &painter, const CollageView &view) cons
     }
 }
 
+void CollageBoard::paintAround(QPainter &painter, const QRectF &frame) const
+{
+    // What the collage covers need not be painted first: that would cost as much as the collage itself.
+    const QRegion around = m_dirty - QRegion(frame.toAlignedRect().adjusted(1, 1, -1, -1));
+    if (around.isEmpty()) {
+        return;
+    }
+    painter.save();
+    painter.setClipRegion(around);
+    painter.fillRect(rect(), theme().canvas);
+    drawShadow(painter, frame, 0, Elevation::Frame);
+    painter.restore();
+}
+
 void CollageBoard::paintGround(QPainter &painter)
 {
-    painter.fillRect(rect(), theme().canvas);
     if (m_studio.choosing() || cells() == 0) {
+        painter.fillRect(rect(), theme().canvas);
         return;
     }
     if (devicePixelRatioF() != m_studio.devicePixelRatio()) {
@@ -229,7 +242,7 @@ void CollageBoard::paintGround(QPainter &painter)
     for (const auto &[slot, rect] : view.plan.layout.cells) {
         m_shown.cells[view.design.cells.at(slot).photo] = rect;
     }
-    drawShadow(painter, frame, 0, Elevation::Frame);
+    paintAround(painter, frame);
     paintCollage(painter, view, frame);
     const double pixel = 1 / devicePixelRatioF();
     Paint::outline(painter, frame.adjusted(-pixel, -pixel, pixel, pixel), 0, theme().rim, pixel);
@@ -243,19 +256,16 @@ void CollageBoard::paintItem(QPainter &painter, int index, const State &state)
     if (m_relayout.state() == QAbstractAnimation::Running) {
         return;
     }
-    const QPointF origin = boardRect().topLeft();
-    const CollageLayout layout = m_studio.layout();
     if (index < cells()) {
-        const QRectF cell = layout.cells.at(index).translated(origin);
-        if (m_target == index) {
-            BoardMarks::paintRing(painter, cell, BoardMarks::Ring::Target);
-        } else if (state.focused) {
-            BoardMarks::paintRing(painter, cell, BoardMarks::Ring::Focused);
+        if (state.focused) {
+            paintRing(painter, index, BoardMarks::Ring::Focused);
         } else if (state.chosen && !m_lift) {
-            BoardMarks::paintRing(painter, cell, BoardMarks::Ring::Chosen);
+            paintRing(painter, index, BoardMarks::Ring::Chosen);
         }
         return;
     }
+    const QPointF origin = boardRect().topLeft();
+    const CollageLayout layout = m_studio.layout();
     const CollageDivider &divider = layout.dividers.at(index - cells());
     const bool held = m_gestures.activeDivider() == divider.id();
     if (held) {
@@ -267,33 +277,59 @@ void CollageBoard::paintItem(QPainter &painter, int index, const State &state)
                                                         : BoardMarks::Grasp::Rest);
 }
 
+void CollageBoard::paintRing(QPainter &painter, int slot, BoardMarks::Ring ring) const
+{
+    const QRectF board = boardRect();
+    const CollageDesign &design = m_studio.design();
+    const double radius = design.preset.film ? 0 : design.radius * std::min(board.width(), board.height());
+    BoardMarks::paintRing(painter, m_studio.layout().cells.at(slot).translated(board.topLeft()), radius,
+                          ring);
+}
+
 void CollageBoard::paintEvent(QPaintEvent *event)
 {
+    m_dirty = event->region();
     Items::paintEvent(event);
     QPainter painter(this);
     if (m_lift) {
-        const QRectF cell = m_studio.layout().cells.at(m_lift->slot).translated(boardRect().topLeft());
-        QColor faded = theme().canvas;
-        faded.setAlphaF(0.64F);
-        painter.fillRect(cell, faded);
-        const QSizeF size = cell.size() * liftedScale;
-        const QRectF picture(m_lift->at - m_lift->grip * liftedScale, size);
-        drawShadow(painter, picture, 0, Elevation::Sheet);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawPixmap(picture, m_lift->picture, QRectF(m_lift->picture.rect()));
-        Paint::outline(painter, picture, 0, theme().rim);
+        paintLifted(painter);
     }
+    // Over what is in hand, which may cover all of it.
+    if (m_target) {
+        paintRing(painter, *m_target, BoardMarks::Ring::Target);
+    }
+    if (!m_studio.choosing()) {
+        paintReadout(painter);
+    }
+}
+
+void CollageBoard::paintLifted(QPainter &painter) const
+{
+    const QRectF cell = m_studio.layout().cells.at(m_lift->slot).translated(boardRect().topLeft());
+    QColor faded = theme().canvas;
+    faded.setAlphaF(0.64F);
+    painter.fillRect(cell, faded);
+    const QRectF picture(m_lift->at - m_lift->grip * liftedScale, cell.size() * liftedScale);
+    drawShadow(painter, picture, 0, Elevation::Sheet);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(picture, m_lift->picture, QRectF(m_lift->picture.rect()));
+    Paint::outline(painter, picture, 0, theme().rim);
+}
+
+void CollageBoard::paintReadout(QPainter &painter) const
+{
+    const std::optional<QString> &active = m_gestures.activeDivider();
     const QString text = m_gestures.ratioLabel().value_or(m_nudged);
-    if (text.isEmpty() || m_studio.choosing()) {
+    const bool nudged = !active && cursor() >= cells() && cursor() < count();
+    if (text.isEmpty() || (!active && !nudged)) {
         return;
     }
+    const QString id = active ? *active : dividerOf(cursor()).id();
     for (const CollageDivider &divider : m_studio.layout().dividers) {
-        const bool held = m_gestures.activeDivider() == divider.id();
-        if (held || (!m_gestures.activeDivider() && cursor() >= cells() && cursor() < count() &&
-                     dividerOf(cursor()).id() == divider.id())) {
+        if (divider.id() == id) {
             BoardMarks::paintChip(
                 painter, BoardMarks::handleRect(divider, boardRect().topLeft(), BoardMarks::Grasp::Held),
-                text, held && m_gestures.snapped(), QRectF(rect()).adjusted(4, 4, -4, -4));
+                text, active && m_gestures.snapped(), QRectF(rect()).adjusted(4, 4, -4, -4));
         }
     }
 }

@@ -3,9 +3,11 @@
 #include <map>
 
 #include <QPixmap>
+#include <QRegion>
 #include <QVariantAnimation>
 
 #include "app/EditorContext.h"
+#include "app/collage/BoardMarks.h"
 #include "app/kit/Items.h"
 #include "collage/CollageGestures.h"
 
@@ -91,7 +93,11 @@ private:
     void noteLayout();
     void blend(CollagePlan &plan, const CollageDesign &design) const;
     void paintCollage(QPainter &painter, const CollageView &view, const QRectF &frame) const;
+    void paintAround(QPainter &painter, const QRectF &frame) const;
     void paintMissing(QPainter &painter, const CollageView &view) const;
+    void paintRing(QPainter &painter, int slot, BoardMarks::Ring ring) const;
+    void paintLifted(QPainter &painter) const;
+    void paintReadout(QPainter &painter) const;
     void repaintBoard();
     void lift();
     void drop(QPointF position);
@@ -116,6 +122,8 @@ private:
     /// The read-out of a divider that the keyboard moved.
     QString m_nudged;
     QBasicTimer m_nudgeEnd;
+    /// What the paint event under way is about.
+    QRegion m_dirty;
     QString m_signature;
     Relayout m_shown;
     Relayout m_before;

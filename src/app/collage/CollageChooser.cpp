@@ -173,11 +173,7 @@ CollageChooser::CollageChooser(CollageStudio &studio)
     // The page shows through.
     m_grid->setAutoFillBackground(false);
     setFocusProxy(m_grid);
-    m_empty = new Label(Type::Body,
-                        said({"还没有照片。请从文件中选择。", "No photos yet. Choose some from your files.",
-                              "Pas encore de photos. Choisissez-en dans vos fichiers."}),
-                        Label::Tone::Secondary);
-    m_empty->setAlignment(Qt::AlignCenter);
+    m_empty = makeEmpty();
     column->addWidget(m_empty, 1);
     column->addWidget(m_scroll, 1);
     column->addWidget(makeTray());
@@ -217,6 +213,26 @@ QWidget *CollageChooser::makeHeader()
     m_headerRow->addWidget(m_files);
     connect(m_files, &QPushButton::clicked, this, &CollageChooser::filesAsked);
     return header;
+}
+
+QWidget *CollageChooser::makeEmpty()
+{
+    auto *empty = new QWidget;
+    auto *column = new QVBoxLayout(empty);
+    column->setSpacing(4);
+    column->addStretch();
+    auto *title = new Label(Type::Heading, said({"还没有照片", "No photos yet", "Pas encore de photos"}));
+    auto *text = new Label(
+        Type::Body,
+        said({"从文件选择照片，或把照片拖到这里。", "Choose photos from your files, or drop them here.",
+              "Choisissez des photos dans vos fichiers ou déposez-les ici."}),
+        Label::Tone::Secondary);
+    for (Label *label : {title, text}) {
+        label->setAlignment(Qt::AlignCenter);
+        column->addWidget(label);
+    }
+    column->addStretch();
+    return empty;
 }
 
 QWidget *CollageChooser::makeTray()

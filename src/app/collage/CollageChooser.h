@@ -79,6 +79,7 @@ protected:
 
 private:
     QWidget *makeHeader();
+    QWidget *makeEmpty();
     QWidget *makeTray();
     void showState();
 
@@ -87,7 +88,7 @@ private:
     QHBoxLayout *m_trayRow;
     ChooserGrid *m_grid;
     ScrollArea *m_scroll;
-    Label *m_empty;
+    QWidget *m_empty;
     Label *m_count;
     Button *m_files;
     Button *m_clear;

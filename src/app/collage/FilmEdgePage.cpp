@@ -29,21 +29,26 @@ FilmEdgePage::FilmEdgePage(CollageStudio &studio)
       m_first(new Stepper(said({"起始片号", "First frame", "Première vue"}), 0, mostFirst))
 {
     auto *column = new QVBoxLayout(this);
-    column->setSpacing(8);
+    column->setSpacing(0);
     column->setAlignment(Qt::AlignTop);
     column->addWidget(new Label(Type::Label, said({"胶卷", "Film stock", "Pellicule"})));
+    column->addSpacing(8);
     m_stock->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     column->addWidget(m_stock);
-    column->addSpacing(4);
+    column->addSpacing(12);
     column->addWidget(new Label(Type::Label, said({"边缘文字", "Edge text", "Texte du bord"})));
+    column->addSpacing(8);
     column->addWidget(m_text);
+    column->addSpacing(4);
     column->addWidget(makeRule());
     column->addWidget(m_numbers);
+    column->addSpacing(8);
     auto *first = new QHBoxLayout;
     first->setSpacing(12);
     first->addWidget(new Label(Type::Body, said({"起始片号", "First frame", "Première vue"})), 1);
     first->addWidget(m_first);
     column->addLayout(first);
+    column->addSpacing(4);
     column->addWidget(makeRule());
     column->addWidget(makeHint(
         "info", said({"间距和背景随 35 毫米胶片而定。", "Spacing and background follow the 35 mm strip.",

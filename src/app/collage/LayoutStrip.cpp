@@ -48,7 +48,6 @@ void LayoutStrip::studioChanged(CollageStudio::Changes changes)
     }
     if (changes & (CollageStudio::DesignChanged | CollageStudio::ImagesChanged)) {
         m_rest.start(restMs, this);
-        update();
     }
 }
 

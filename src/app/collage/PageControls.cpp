@@ -19,7 +19,7 @@ PageControls::PageControls(const EditorContext &context, CollageStudio &studio)
     : m_studio(studio), m_paper(new QWidget)
 {
     auto *column = new QVBoxLayout(this);
-    column->setSpacing(12);
+    column->setSpacing(0);
     column->setAlignment(Qt::AlignTop);
     m_filmHint = makeHint(
         "info", said({"间距和背景随 35 毫米胶片而定。", "Spacing and background follow the 35 mm strip.",
@@ -34,15 +34,18 @@ PageControls::PageControls(const EditorContext &context, CollageStudio &studio)
                          &CollageStudio::setRadius);
     column->addWidget(makeRule());
     column->addWidget(new Label(Type::Label, said({"比例", "Aspect", "Format"})));
+    column->addSpacing(8);
     m_aspect = new Segments({said({"版式", "Layout", "Modèle"}), [] { return u"1:1"_s; },
                              [] { return u"4:5"_s; }, [] { return u"3:4"_s; }, [] { return u"9:16"_s; }});
     m_aspect->setAccessibleName(localized({"比例", "Aspect", "Format"}));
     column->addWidget(m_aspect);
+    column->addSpacing(4);
     auto *paper = new QVBoxLayout(m_paper);
     paper->setContentsMargins(0, 0, 0, 0);
-    paper->setSpacing(8);
+    paper->setSpacing(0);
     paper->addWidget(makeRule());
     paper->addWidget(new Label(Type::Label, said({"背景", "Background", "Fond"})));
+    paper->addSpacing(4);
     m_background =
         new ColorDots(context.state, {{packedColor(0xFFFFFF), said({"白", "White", "Blanc"})},
                                       {packedColor(0xF4F1EA), said({"暖白", "Warm white", "Blanc chaud"})},
@@ -72,7 +75,9 @@ Slider *PageControls::addLength(const Phrase &name, double largest, double usual
     auto *slider = new Slider(
         name,
         {.low = 0, .high = largest * 100, .step = 0.5, .decimals = 1, .unit = u" %"_s, .usual = usual * 100});
-    layout()->addWidget(slider);
+    auto *column = static_cast<QVBoxLayout *>(layout());
+    column->addWidget(slider);
+    column->addSpacing(8);
     connect(slider, &Slider::changed, this, [this, set](double value) { (m_studio.*set)(value / 100); });
     return slider;
 }

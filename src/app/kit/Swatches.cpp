@@ -58,9 +58,9 @@ QRect Swatches::itemRect(int index) const
         const int tile = (width() - 2 * tileGap) / 3;
         return {index * (tile + tileGap), margin, tile, tileHeight};
     }
-    const int room = width() - dot;
+    const int room = width() - dot - 2 * margin;
     const int step = count() > 1 ? std::min(room / (count() - 1), dot + 14) : 0;
-    return {index * step, margin, dot, dot};
+    return {margin + index * step, margin, dot, dot};
 }
 
 QSize Swatches::sizeHint() const
