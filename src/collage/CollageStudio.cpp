@@ -76,6 +76,9 @@ void CollageStudio::toggle(const QUuid &photo)
     } else if (m_choosing || total() > CollageEdits::fewestPhotos) {
         m_picked.removeOne(photo);
     } else {
+        setMessage(localized({"拼图至少需要两张照片。", "A collage needs at least two photos.",
+                              "Un collage compte au moins deux photos."}),
+                   MessageKind::Hint);
         return;
     }
     ++m_selectTick;

@@ -14,6 +14,7 @@
 #include "app/kit/Button.h"
 #include "app/kit/Motion.h"
 #include "app/kit/Overlay.h"
+#include "app/kit/Segments.h"
 #include "editor/EditorWorld.h"
 
 using namespace Qt::StringLiterals;
@@ -295,6 +296,33 @@ TEST_F(CollageScreenTest, APhotoDroppedOnACellTakesItsPlace)
     file.setUrls({QUrl::fromLocalFile(m_library + u"/from disk.jpg"_s)});
     EXPECT_TRUE(drop(file, middle(2)));
     ASSERT_TRUE(waitFor([this] { return studio().photo(cell(2).photo)->name.startsWith(u"from disk"_s); }));
+
+    // Beside the cells there is none to replace: the photo joins the others.
+    photo(u"another.jpg"_s);
+    file.setUrls({QUrl::fromLocalFile(m_library + u"/another.jpg"_s)});
+    EXPECT_TRUE(drop(file, {2, 2}));
+    ASSERT_TRUE(waitFor([this] { return studio().total() == 4; }));
+}
+
+TEST_F(CollageScreenTest, ALayoutIsChosenByTapAndOnlyAFilmStripHasAnEdge)
+{
+    openBoard({0, 3, 4});
+    auto *layouts = m_screen->findChild<LayoutStrip *>();
+    auto *tabs = m_screen->panel()->findChild<Segments *>();
+    const auto choose = [&](int index) {
+        QTest::mouseClick(layouts, Qt::LeftButton, {}, layouts->itemRect(index).center());
+    };
+    EXPECT_EQ(tabs->count(), 2);
+    choose(layouts->count() - 1);
+    EXPECT_TRUE(studio().design().preset.film);
+    EXPECT_EQ(board().count(), 3) << "frames stand at their real distance";
+    ASSERT_EQ(tabs->count(), 3);
+    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->itemRect(2).center());
+    EXPECT_EQ(tabs->current(), 2);
+    choose(0);
+    EXPECT_FALSE(studio().design().preset.film);
+    EXPECT_EQ(tabs->count(), 2);
+    EXPECT_EQ(tabs->current(), 0);
 }
 
 TEST_F(CollageScreenTest, AnArrangedBoardIsNotLostWithoutAQuestion)

@@ -394,8 +394,9 @@ void CollageBoard::dragEnterEvent(QDragEnterEvent *event)
 void CollageBoard::dragMoveEvent(QDragMoveEvent *event)
 {
     setTarget(dropSlot(event));
-    event->setAccepted(m_target.has_value());
-    if (m_target) {
+    const bool files = m_studio.editable() && !localFiles(event->mimeData()).isEmpty();
+    event->setAccepted(m_target || files);
+    if (event->isAccepted()) {
         event->setDropAction(Qt::CopyAction);
     }
 }
@@ -408,25 +409,28 @@ void CollageBoard::dragLeaveEvent(QDragLeaveEvent *)
 void CollageBoard::dropEvent(QDropEvent *event)
 {
     const std::optional<int> slot = dropSlot(event);
+    const QByteArray id = event->mimeData()->data(QLatin1StringView(collagePhotoMime));
+    const QStringList files = localFiles(event->mimeData());
     setTarget({});
-    if (!slot) {
+    if (!m_studio.editable() || (!slot && files.isEmpty())) {
         event->ignore();
         return;
     }
-    const QByteArray id = event->mimeData()->data(QLatin1StringView(collagePhotoMime));
-    const QStringList files = localFiles(event->mimeData());
-    if (!id.isEmpty()) {
-        m_studio.replacePhoto(*slot, QUuid::fromString(QLatin1StringView(id)));
-    } else {
-        m_studio.replacePhoto(*slot, files.first());
-        // Those beyond the first join the collage.
-        if (files.size() > 1) {
-            m_studio.addFiles(files.sliced(1));
-        }
-    }
-    moveTo(*slot);
     event->setDropAction(Qt::CopyAction);
     event->accept();
+    // The first takes the cell's place; what has none joins the collage.
+    if (slot && !id.isEmpty()) {
+        m_studio.replacePhoto(*slot, QUuid::fromString(QLatin1StringView(id)));
+    } else if (slot) {
+        m_studio.replacePhoto(*slot, files.first());
+    }
+    if (const QStringList others = slot ? files.sliced(std::min<qsizetype>(files.size(), 1)) : files;
+        !others.isEmpty()) {
+        m_studio.addFiles(others);
+    }
+    if (slot) {
+        moveTo(*slot);
+    }
 }
 
 } // namespace tarnovel

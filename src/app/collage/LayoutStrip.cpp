@@ -1,6 +1,7 @@
 #include "app/collage/LayoutStrip.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include <QFontMetrics>
@@ -20,7 +21,9 @@ constexpr QSizeF thumbnailRoom(120, 66);
 constexpr int thumbnailTop = 20;
 constexpr int captionTop = 94;
 constexpr int captionHeight = 24;
-constexpr int gap = 26;
+/// Between layouts: as there is room.
+constexpr int widestGap = 28;
+constexpr int narrowestGap = 12;
 constexpr int sideInset = 24;
 constexpr int restMs = 60;
 /// Between a thumbnail and the ring of the chosen one.
@@ -74,15 +77,21 @@ void LayoutStrip::layOut()
 {
     m_edges.clear();
     const QFontMetrics metrics(typeFont(Type::CaptionStrong));
-    int x = 0;
+    QList<int> widths;
     for (const CollagePreset &preset : m_presets) {
-        m_edges.append(x);
         const int picture = qRound(sizeOf(preset).width()) + 2 * ringGap;
-        x += std::max(picture, metrics.horizontalAdvance(preset.title) + 2) + gap;
+        widths.append(std::max(picture, metrics.horizontalAdvance(preset.title) + 2));
+    }
+    const int room = width() - 2 * sideInset;
+    const int all = std::accumulate(widths.begin(), widths.end(), 0);
+    m_gap = std::clamp((room - all) / std::max(count() - 1, 1), narrowestGap, widestGap);
+    int x = 0;
+    for (const int each : widths) {
+        m_edges.append(x);
+        x += each + m_gap;
     }
     m_edges.append(x);
-    const int room = width() - 2 * sideInset;
-    const int left = sideInset + std::max((room - x + gap) / 2, 0);
+    const int left = sideInset + std::max((room - x + m_gap) / 2, 0);
     for (int &edge : m_edges) {
         edge += left;
     }
@@ -91,7 +100,7 @@ void LayoutStrip::layOut()
 
 void LayoutStrip::scrollTo(int offset)
 {
-    m_offset = std::clamp(offset, 0, std::max(m_edges.last() - gap + sideInset - width(), 0));
+    m_offset = std::clamp(offset, 0, std::max(m_edges.last() - m_gap + sideInset - width(), 0));
     update();
 }
 
@@ -111,7 +120,7 @@ void LayoutStrip::reveal(int index)
 QRect LayoutStrip::itemRect(int index) const
 {
     const int left = m_edges.at(index);
-    return {left - m_offset, 8, m_edges.at(index + 1) - left - gap, stripHeight - 16};
+    return {left - m_offset, 8, m_edges.at(index + 1) - left - m_gap, stripHeight - 16};
 }
 
 bool LayoutStrip::itemChosen(int index) const

@@ -45,6 +45,7 @@ private:
     QList<CollagePreset> m_presets;
     /// Left edges before scrolling; one more than there are layouts.
     QList<int> m_edges;
+    int m_gap = 0;
     int m_offset = 0;
     QHash<QString, QPixmap> m_pictures;
     double m_ratio = 0;
