@@ -76,12 +76,13 @@ void CollageBoard::mousePressEvent(QMouseEvent *event)
         takeColor(position);
         return;
     }
-    const int index = itemAt(position.toPoint());
-    moveTo(index);
-    if (m_gestures.grabDivider(position - boardRect().topLeft())) {
-        m_gestures.dragDivider(position - boardRect().topLeft());
-    } else if (index >= 0) {
-        m_press = {index, position};
+    const QPointF point = position - boardRect().topLeft();
+    if (m_gestures.grabDivider(point)) {
+        moveTo(itemAt(position.toPoint()));
+        m_gestures.dragDivider(point);
+    } else if (const std::optional<int> slot = slotAt(position)) {
+        moveTo(*slot);
+        m_press = {*slot, position};
         m_longPress.start(longPressMs, Qt::PreciseTimer, this);
     } else {
         m_studio.select({});
