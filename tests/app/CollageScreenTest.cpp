@@ -349,6 +349,24 @@ TEST_F(CollageScreenTest, AnArrangedBoardIsNotLostWithoutAQuestion)
     EXPECT_EQ(m_closed.size(), 2);
 }
 
+TEST_F(CollageScreenTest, ClosingWhileSavingGivesTheCollageUp)
+{
+    openBoard({0, 3, 4});
+    studio().setMargin(0.08);
+    press(u"Save collage"_s);
+    ASSERT_TRUE(studio().saving());
+    press(u"Cancel"_s);
+    EXPECT_TRUE(m_closed.isEmpty());
+    press(u"Discard"_s);
+    EXPECT_EQ(m_closed.size(), 1);
+    // The next visit waits for what is left of the save.
+    m_screen->begin();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(m_model.photos().size(), 12);
+    EXPECT_TRUE(m_finished.isEmpty());
+    EXPECT_TRUE(studio().choosing());
+}
+
 TEST_F(CollageScreenTest, ACollageThatCannotBeSavedStaysOpenWithItsBoard)
 {
     openBoard({0, 3, 4});

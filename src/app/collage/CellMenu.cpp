@@ -73,6 +73,8 @@ void openCellMenu(QWidget *board, CollageStudio &studio, int slot, QPoint at,
                "trash", [&studio, slot] { studio.toggle(studio.design().cells.at(slot).photo); });
     remove->setEnabled(studio.total() > CollageEdits::fewestPhotos);
     menu->setCardSize({menuWidth, 0});
+    // The studio goes with the board.
+    QObject::connect(board, &QObject::destroyed, menu, &Overlay::close);
     menu->anchorAt(board->mapTo(board->window(), at));
     menu->open();
 }

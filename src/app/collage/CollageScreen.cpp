@@ -5,7 +5,6 @@
 #include <QBoxLayout>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPointer>
 #include <QStackedWidget>
 
 #include "app/collage/CollageBar.h"
@@ -181,12 +180,12 @@ void CollageScreen::askToClose()
         leave();
         return;
     }
-    ask(m_bar->closeButton(),
-        {said({"放弃这个拼图？", "Discard this collage?", "Abandonner ce collage ?"}),
-         said({"版式和调整不会保留。", "Its layout and adjustments will be lost.",
-               "Sa mise en page et ses réglages seront perdus."}),
-         said({"放弃", "Discard", "Abandonner"})},
-        [this] { leave(); });
+    m_question = ask(m_bar->closeButton(),
+                     {said({"放弃这个拼图？", "Discard this collage?", "Abandonner ce collage ?"}),
+                      said({"版式和调整不会保留。", "Its layout and adjustments will be lost.",
+                            "Sa mise en page et ses réglages seront perdus."}),
+                      said({"放弃", "Discard", "Abandonner"})},
+                     [this] { leave(); });
 }
 
 void CollageScreen::leave()
@@ -200,6 +199,9 @@ void CollageScreen::leave()
 void CollageScreen::end()
 {
     m_context.state.endPicking();
+    if (m_question) {
+        m_question->close();
+    }
     m_studio->disconnect(this);
     const bool saving = m_studio->saving();
     m_studio->cancel();

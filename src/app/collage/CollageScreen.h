@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include <QPointer>
 #include <QWidget>
 
 #include "app/EditorContext.h"
@@ -19,6 +20,7 @@ class CollageChooser;
 class CollagePanel;
 class LayoutStrip;
 class LimitNotice;
+class Overlay;
 class PhotoColumn;
 
 /// The collage studio, which fills the window: the chooser, then the board. Each visit has a studio of its
@@ -83,6 +85,8 @@ private:
     CollagePanel *m_panel = nullptr;
     Toast *m_toast;
     LimitNotice *m_limit;
+    QPointer<Overlay> m_question;
+    /// There is something on the board that closing would lose.
     bool m_arranged = false;
 };
 
