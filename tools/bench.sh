@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds and runs every benchmark: processor time, as ratios to a floor measured in the same run.
+# Builds and runs every benchmark: processor time, or time by the clock where threads share a task, as ratios to a
+# floor measured in the same run.
 # Words of the command line go to each (--benchmark_filter=export).
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -14,6 +15,6 @@ for program in build/bench/bench/bench_*; do
             cat "$log.errors" >&2
             exit 1
         }
-        sed -n '/^Processor time/,$p' "$log"
+        sed -n '/^\(Processor time\|Time by the clock\)/,$p' "$log"
     fi
 done

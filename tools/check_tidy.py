@@ -11,7 +11,7 @@ import sys
 def main():
     root, build = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
     shared = hashlib.sha256()
-    for file in [root / ".clang-tidy", *sorted(root.glob("src/*/*.h"))]:
+    for file in [root / ".clang-tidy", *sorted(root.glob("src/**/*.h"))]:
         shared.update(file.read_bytes())
     passed_folder = build / "tidy-passed"
     passed_folder.mkdir(exist_ok=True)
@@ -29,7 +29,7 @@ def main():
             return ""
         return run.stdout + run.stderr
 
-    files = sorted([*root.glob("src/*/*.cpp"), root / "src" / "main.cpp"])
+    files = sorted([*root.glob("src/*/**/*.cpp"), root / "src" / "main.cpp"])
     with concurrent.futures.ThreadPoolExecutor(2) as pool:
         faults = list(filter(None, pool.map(check, files)))
     print("\n".join(faults))

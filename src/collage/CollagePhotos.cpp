@@ -97,7 +97,10 @@ QImage CollagePhotos::tile(const QUuid &id)
                 m_tiles.insert(id, image);
                 Q_EMIT tileChanged();
             },
-            [] {});
+            [this, id] {
+                m_failed.insert(id);
+                Q_EMIT tileChanged();
+            });
     }
     return m_tiles.value(id);
 }

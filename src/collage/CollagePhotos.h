@@ -33,6 +33,8 @@ public:
 
     /// A small picture for the chooser; null until it has arrived, and for a photo that cannot be read.
     QImage tile(const QUuid &id);
+    /// The photo has no tile because its file cannot be read.
+    bool tileFailed(const QUuid &id) const { return m_failed.contains(id); }
     /// Those that have been made.
     const QHash<QUuid, QImage> &tiles() const { return m_tiles; }
     /// Lets other work go before the pictures that have not been made yet; they are made when asked for
@@ -56,6 +58,7 @@ private:
     QHash<QUuid, PhotoItem> m_known;
     QHash<QUuid, QImage> m_tiles;
     QSet<QUuid> m_asked;
+    QSet<QUuid> m_failed;
     int m_opening = 0;
     std::stop_source m_stop;
     std::stop_source m_tileStop;

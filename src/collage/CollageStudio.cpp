@@ -76,6 +76,9 @@ void CollageStudio::toggle(const QUuid &photo)
     } else if (m_choosing || total() > CollageEdits::fewestPhotos) {
         m_picked.removeOne(photo);
     } else {
+        setMessage(localized({"拼图至少需要两张照片。", "A collage needs at least two photos.",
+                              "Un collage compte au moins deux photos."}),
+                   MessageKind::Hint);
         return;
     }
     ++m_selectTick;
@@ -414,9 +417,10 @@ void CollageStudio::cancel()
     tell(PhaseChanged | HistoryChanged);
 }
 
-void CollageStudio::setMessage(const QString &message)
+void CollageStudio::setMessage(const QString &message, MessageKind kind)
 {
     m_message = message;
+    m_messageKind = kind;
     tell(MessageChanged);
 }
 

@@ -65,6 +65,7 @@ public:
     /// The photo's place among the picked ones, from 1 on; 0 for one that is not picked.
     qsizetype order(const QUuid &photo) const { return m_picked.indexOf(photo) + 1; }
     QImage tile(const QUuid &photo) { return m_photos.tile(photo); }
+    bool tileFailed(const QUuid &photo) const { return m_photos.tileFailed(photo); }
     bool importing() const { return m_photos.opening(); }
     /// Picks a photo as the last, or lets it go. On the board, this changes the collage; its last two photos
     /// stay.
@@ -160,7 +161,14 @@ public:
 
     /// Something to tell the user, in the language of its moment; empty when there is nothing.
     const QString &message() const { return m_message; }
-    void setMessage(const QString &message);
+    enum class MessageKind {
+        /// Something that went wrong.
+        Error,
+        /// What to do first.
+        Hint,
+    };
+    MessageKind messageKind() const { return m_messageKind; }
+    void setMessage(const QString &message, MessageKind kind = MessageKind::Error);
 
 Q_SIGNALS:
     void changed(tarnovel::CollageStudio::Changes changes);
@@ -201,6 +209,7 @@ private:
     bool m_saving = false;
     bool m_closed = false;
     QString m_message;
+    MessageKind m_messageKind = MessageKind::Error;
     std::stop_source m_stop;
     QThreadPool m_saver;
 };

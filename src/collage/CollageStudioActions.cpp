@@ -42,7 +42,8 @@ void CollageStudio::choosePreset(const QString &id)
 bool CollageStudio::needsSelection()
 {
     if (!selectedCell()) {
-        setMessage(localized({"请先点选一个格子", "Tap a cell first", "Touchez d’abord une case"}));
+        setMessage(localized({"请先点选一个格子", "Tap a cell first", "Touchez d’abord une case"}),
+                   MessageKind::Hint);
     }
     return !selectedCell();
 }

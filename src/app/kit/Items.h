@@ -41,7 +41,7 @@ public:
     /// The item that the keyboard is on, or -1.
     int cursor() const { return m_cursor; }
     void setCursorItem(int index);
-    int itemAt(QPoint position) const;
+    virtual int itemAt(QPoint position) const;
     /// What a click on the item does.
     void choose(int index);
 

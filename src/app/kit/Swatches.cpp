@@ -17,8 +17,7 @@ namespace {
 constexpr int dot = 28;
 constexpr int tileHeight = 48;
 constexpr int tileGap = 12;
-/// Room for the ring of a chosen colour.
-constexpr int margin = Swatches::bleed;
+constexpr int margin = 4;
 
 } // namespace
 
@@ -55,17 +54,17 @@ void Swatches::setColor(const QColor &color)
 QRect Swatches::itemRect(int index) const
 {
     if (m_shape == Shape::Tiles) {
-        const int tile = (width() - 2 * margin - 2 * tileGap) / 3;
-        return {margin + index * (tile + tileGap), margin, tile, tileHeight};
+        const int tile = (width() - 2 * tileGap) / 3;
+        return {index * (tile + tileGap), margin, tile, tileHeight};
     }
-    const int room = width() - 2 * margin - dot;
+    const int room = width() - dot;
     const int step = count() > 1 ? std::min(room / (count() - 1), dot + 14) : 0;
-    return {margin + index * step, margin, dot, dot};
+    return {index * step, margin, dot, dot};
 }
 
 QSize Swatches::sizeHint() const
 {
-    return {264 + 2 * margin, (m_shape == Shape::Tiles ? tileHeight : dot) + 2 * margin};
+    return {264, (m_shape == Shape::Tiles ? tileHeight : dot) + 2 * margin};
 }
 
 QString Swatches::itemName(int index) const
@@ -92,8 +91,11 @@ bool Swatches::itemChosen(int index) const
 
 void Swatches::paintItem(QPainter &painter, int index, const State &state)
 {
-    const QRectF box = itemRect(index);
+    const QRectF outer = itemRect(index);
     const double radius = m_shape == Shape::Tiles ? 8 : dot / 2.0;
+    // The ring of a chosen colour takes the edge, so that the row needs no room around it.
+    const bool ringed = state.chosen || state.focused;
+    const QRectF box = ringed ? outer.adjusted(4, 4, -4, -4) : outer;
     if (isWheel(index)) {
         QConicalGradient wheel(box.center(), 0);
         for (int i = 0; i <= 6; ++i) {
@@ -105,18 +107,15 @@ void Swatches::paintItem(QPainter &painter, int index, const State &state)
         painter.setBrush(wheel);
         painter.drawEllipse(box);
     } else {
-        Paint::rounded(painter, box, radius, m_entries.at(index).color);
+        Paint::rounded(painter, box, ringed ? radius - 4 : radius, m_entries.at(index).color);
         QColor edge = theme().ink;
         edge.setAlphaF(0.18F);
-        Paint::outline(painter, box, radius, edge);
+        Paint::outline(painter, box, ringed ? radius - 4 : radius, edge);
     }
-    if (state.hovered && !state.chosen) {
-        Paint::outline(painter, box.adjusted(-2, -2, 2, 2), radius + 2, theme().hairline, 2);
-    }
-    if (state.chosen || state.focused) {
-        Paint::outline(painter, box.adjusted(-2, -2, 2, 2), radius + 2, theme().surface, 2);
-        Paint::outline(painter, box.adjusted(-4, -4, 4, 4), radius + 4, theme().accent,
-                       state.focused && !state.chosen ? 1 : 2);
+    if (ringed) {
+        Paint::outline(painter, outer, radius, theme().accent, state.chosen ? 2 : 1);
+    } else if (state.hovered) {
+        Paint::outline(painter, outer, radius, theme().controlLine, 2);
     }
 }
 

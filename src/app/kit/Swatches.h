@@ -24,9 +24,6 @@ public:
         Phrase name;
     };
 
-    /// How far the row reaches past its column on both sides, for the ring of a chosen colour.
-    static constexpr int bleed = 4;
-
     explicit Swatches(Shape shape, QWidget *parent = nullptr);
 
     void setEntries(QList<Entry> entries);

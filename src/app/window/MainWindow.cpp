@@ -14,6 +14,7 @@
 #include "app/Wording.h"
 #include "app/canvas/CanvasView.h"
 #include "app/canvas/TextPopover.h"
+#include "app/collage/CollageScreen.h"
 #include "app/export/ExportPanel.h"
 #include "app/export/SuccessSheet.h"
 #include "app/inspector/TextSection.h"
@@ -84,6 +85,7 @@ void MainWindow::connectActions()
     m_actions->connectTo(Act::Redo, [this] { m_services.editor.model.redo(); });
     when(Act::ApplyToAll, &MainWindow::applyToAll);
     when(Act::SaveStyle, &MainWindow::askStyleName);
+    when(Act::Collage, &MainWindow::showCollage);
     when(Act::PreviewSet, &MainWindow::showSetPreview);
     when(Act::Manage, &MainWindow::showManage);
     m_actions->connectTo(Act::Guide, [this] { showSettings(); });
@@ -188,6 +190,17 @@ void MainWindow::showSetPreview()
     }
     showPage(m_preview);
     m_preview->open();
+}
+
+void MainWindow::showCollage()
+{
+    if (!m_collage) {
+        m_collage = new CollageScreen(m_services.editor, m_services.chooser);
+        connect(m_collage, &CollageScreen::closeAsked, this, &MainWindow::showEditor);
+        connect(m_collage, &CollageScreen::finished, this, &MainWindow::showEditor);
+    }
+    showPage(m_collage);
+    m_collage->begin();
 }
 
 Overlay *MainWindow::showSettings()
@@ -443,6 +456,11 @@ void MainWindow::closeEvent(QCloseEvent *event)
             });
         return;
     }
+    if (currentPage() == m_collage && m_collage->studio() && m_collage->studio()->canUndo() && !m_closing) {
+        event->ignore();
+        m_collage->askToClose();
+        return;
+    }
     m_placement.remember();
     m_services.editor.model.flush();
     event->accept();
@@ -467,7 +485,14 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!FileDrops::hasFiles(event->mimeData()) || currentPage() != m_page) {
+    if (!FileDrops::hasFiles(event->mimeData())) {
+        return;
+    }
+    if (currentPage() == m_collage) {
+        event->acceptProposedAction();
+        return;
+    }
+    if (currentPage() != m_page) {
         return;
     }
     const qsizetype count = FileDrops::pictures(event->mimeData()).size();
@@ -494,6 +519,11 @@ void MainWindow::dropEvent(QDropEvent *event)
 {
     m_veil->hide();
     const QStringList files = FileDrops::pictures(event->mimeData());
+    if (currentPage() == m_collage) {
+        m_collage->addFiles(files);
+        event->acceptProposedAction();
+        return;
+    }
     if (!files.isEmpty()) {
         import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
         event->acceptProposedAction();

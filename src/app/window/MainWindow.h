@@ -15,6 +15,7 @@ class QStackedLayout;
 
 namespace tarnovel {
 
+class CollageScreen;
 class DropVeil;
 class EditorActions;
 class EditorPage;
@@ -44,12 +45,14 @@ public:
     /// Brings photos in, as another start of the program or the command line asks.
     void openPhotos(const QStringList &photos);
 
+    CollageScreen *collage() const { return m_collage; }
     EditorPage *page() const { return m_page; }
     EditorActions &actions() { return *m_actions; }
     Toast *toast() const { return m_toast; }
     EditorState &state() { return m_services.editor.state; }
     void showManage();
     void showSetPreview();
+    void showCollage();
     Overlay *showSettings();
     /// Back to the editor, or home when nothing is left.
     void showEditor();
@@ -91,6 +94,7 @@ private:
     EditorPage *m_page;
     QPointer<ManagePhotos> m_manage;
     QPointer<SetPreview> m_preview;
+    QPointer<CollageScreen> m_collage;
     DropVeil *m_veil;
     Toast *m_toast;
     QPointer<Overlay> m_success;
