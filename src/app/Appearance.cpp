@@ -10,6 +10,7 @@
 #include <QDBusVariant>
 #include <QPalette>
 
+#include "app/kit/Motion.h"
 #include "app/kit/Theme.h"
 
 using namespace Qt::StringLiterals;
@@ -23,13 +24,22 @@ constexpr std::array names = {"system", "light", "dark"};
 const QString settingsGroup = u"org.freedesktop.appearance"_s;
 const QString settingsKey = u"color-scheme"_s;
 
-/// 1 prefers dark, 2 prefers light, 0 says nothing. Some portals wrap the value twice.
-std::optional<bool> isDark(QVariant value)
+const QString motionGroup = u"org.gnome.desktop.interface"_s;
+const QString motionKey = u"enable-animations"_s;
+
+/// Some portals wrap the value twice.
+QVariant unwrapped(QVariant value)
 {
     while (value.canConvert<QDBusVariant>()) {
         value = value.value<QDBusVariant>().variant();
     }
-    const unsigned scheme = value.toUInt();
+    return value;
+}
+
+/// 1 prefers dark, 2 prefers light, 0 says nothing.
+std::optional<bool> isDark(const QVariant &value)
+{
+    const unsigned scheme = unwrapped(value).toUInt();
     return scheme == 1 ? std::optional(true) : scheme == 2 ? std::optional(false) : std::nullopt;
 }
 
@@ -71,25 +81,35 @@ void Appearance::askDesktop()
     const QString interface = u"org.freedesktop.portal.Settings"_s;
     bus.connect(service, path, interface, u"SettingChanged"_s, this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
-    QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, u"Read"_s);
-    call.setArguments({settingsGroup, settingsKey});
-    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        const QDBusPendingReply<QVariant> reply = *watcher;
-        if (reply.isValid()) {
-            m_desktopDark = isDark(reply.value());
-            apply();
-        }
-        watcher->deleteLater();
-    });
+    const auto ask = [&](const QString &group, const QString &key) {
+        QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, u"Read"_s);
+        call.setArguments({group, key});
+        auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+        connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, group, key] {
+            const QDBusPendingReply<QVariant> reply = *watcher;
+            if (reply.isValid()) {
+                take(group, key, reply.value());
+            }
+            watcher->deleteLater();
+        });
+    };
+    ask(settingsGroup, settingsKey);
+    ask(motionGroup, motionKey);
+}
+
+void Appearance::take(const QString &group, const QString &key, const QVariant &value)
+{
+    if (group == settingsGroup && key == settingsKey) {
+        m_desktopDark = isDark(value);
+        apply();
+    } else if (group == motionGroup && key == motionKey) {
+        Motion::setReduced(!unwrapped(value).toBool());
+    }
 }
 
 void Appearance::settingChanged(const QString &group, const QString &key, const QDBusVariant &value)
 {
-    if (group == settingsGroup && key == settingsKey) {
-        m_desktopDark = isDark(value.variant());
-        apply();
-    }
+    take(group, key, value.variant());
 }
 
 void Appearance::apply()

@@ -13,7 +13,8 @@ namespace tarnovel {
 enum class AppearanceChoice { system, light, dark };
 
 /// Light or dark: the user's choice, or what the desktop says through its portal, or else what the palette of
-/// the platform looks like. The theme follows at once.
+/// the platform looks like. The theme follows at once. Whether the desktop wants little motion is learned
+/// here, too.
 class Appearance : public QObject {
     Q_OBJECT
 
@@ -28,6 +29,7 @@ private Q_SLOTS:
 
 private:
     void askDesktop();
+    void take(const QString &group, const QString &key, const QVariant &value);
     void apply();
 
     Preferences &m_preferences;

@@ -140,6 +140,11 @@ void MainWindow::connectState()
     });
 }
 
+CollageScreen *MainWindow::collage() const
+{
+    return m_collage;
+}
+
 QWidget *MainWindow::currentPage() const
 {
     return m_pages->currentWidget();

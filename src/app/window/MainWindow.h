@@ -45,7 +45,7 @@ public:
     /// Brings photos in, as another start of the program or the command line asks.
     void openPhotos(const QStringList &photos);
 
-    CollageScreen *collage() const { return m_collage; }
+    CollageScreen *collage() const;
     EditorPage *page() const { return m_page; }
     EditorActions &actions() { return *m_actions; }
     Toast *toast() const { return m_toast; }
