@@ -11,13 +11,17 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 
 #include "app/canvas/CanvasView.h"
+#include "app/collage/CollagePanel.h"
+#include "app/collage/CollageScreen.h"
 #include "app/export/ExportPanel.h"
 #include "app/export/SuccessSheet.h"
 #include "app/kit/Items.h"
+#include "app/kit/Motion.h"
 #include "app/kit/Overlay.h"
 #include "app/kit/Theme.h"
 #include "app/screens/ManagePhotos.h"
@@ -26,6 +30,7 @@
 #include "app/window/EditorPage.h"
 #include "app/window/FilmStrip.h"
 #include "app/window/HomeScreen.h"
+#include "collage/CollageStudio.h"
 #include "render/BuiltInTemplate.h"
 #include "support/AppWorld.h"
 
@@ -179,6 +184,64 @@ QList<Screen> editorScreens()
     return screens;
 }
 
+/// Waits until the studio has its pictures.
+void settleCollage(World &world)
+{
+    CollageStudio &studio = *world.window().collage()->studio();
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < 10'000 && !studio.settled()) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    world.settle();
+}
+
+/// A board of the session's first photos.
+Screen board(const QString &name, int photos,
+             const std::function<void(CollageStudio &, CollageScreen &)> &arrange)
+{
+    return {name, [photos, arrange](World &world) {
+                world.window().showCollage();
+                CollageScreen &screen = *world.window().collage();
+                CollageStudio &studio = *screen.studio();
+                studio.clearPicked();
+                for (const PhotoItem &photo : world.model().photos().first(photos)) {
+                    studio.toggle(photo.id);
+                }
+                studio.start();
+                arrange(studio, screen);
+                settleCollage(world);
+                return [&world] { world.window().showEditor(); };
+            }};
+}
+
+QList<Screen> collageScreens()
+{
+    return {{u"collage-chooser"_s,
+             [](World &world) {
+                 world.window().showCollage();
+                 CollageStudio &studio = *world.window().collage()->studio();
+                 studio.clearPicked();
+                 for (const int index : {2, 0, 5}) {
+                     studio.toggle(world.model().photos().at(index).id);
+                 }
+                 return [&world] { world.window().showEditor(); };
+             }},
+            board(u"collage-board"_s, 5, [](CollageStudio &studio, CollageScreen &) { studio.select(1); }),
+            board(u"collage-page"_s, 9,
+                  [](CollageStudio &, CollageScreen &screen) {
+                      screen.panel()->showTab(CollagePanel::Tab::Page);
+                  }),
+            board(u"collage-filmstrip"_s, 4, [](CollageStudio &studio, CollageScreen &screen) {
+                for (const CollagePreset &preset : studio.presets()) {
+                    if (preset.film) {
+                        studio.choosePreset(preset.id);
+                    }
+                }
+                screen.panel()->showTab(CollagePanel::Tab::FilmEdge);
+            })};
+}
+
 QList<Screen> homeScreens()
 {
     return {{u"home"_s, [](World &world) {
@@ -252,13 +315,14 @@ int main(int argc, char **argv)
     }
     const QString folder = arguments.takeFirst();
     QDir().mkpath(folder);
+    Motion::setReduced(true);
     Camera camera(folder, parser.value(only));
     World empty(arguments, 0);
     camera.take(empty, homeScreens(), u"empty"_s);
     World full(arguments, 12);
     camera.take(full, homeScreens(), u"twelve"_s);
     full.window().showEditor();
-    camera.take(full, editorScreens(), u"twelve"_s);
+    camera.take(full, editorScreens() + collageScreens(), u"twelve"_s);
     World one(arguments, 1);
     one.window().showEditor();
     camera.take(one, {editorScreens().first()}, u"one"_s);
