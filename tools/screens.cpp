@@ -19,6 +19,7 @@
 #include "app/canvas/CanvasView.h"
 #include "app/export/ExportPanel.h"
 #include "app/export/SuccessSheet.h"
+#include "app/handwriting/HandwritingScreen.h"
 #include "app/kit/Items.h"
 #include "app/kit/Overlay.h"
 #include "app/kit/Theme.h"
@@ -31,6 +32,7 @@
 #include "app/window/MainWindow.h"
 #include "export/PhotoLibrary.h"
 #include "render/BuiltInTemplate.h"
+#include "support/RecordedSignature.h"
 
 namespace {
 
@@ -67,17 +69,17 @@ public:
             settle();
             dress();
         }
-        m_window = std::make_unique<MainWindow>(WindowServices{
-            {m_model, m_edits, m_imports, m_thumbnails, m_pipeline, m_preferences, m_clock, m_state},
-            m_appearance,
-            FileChooser::dialogs(),
-            m_pictures,
-            [] {}});
+        m_window = std::make_unique<MainWindow>(
+            WindowServices{context(), m_appearance, FileChooser::dialogs(), m_pictures, [] {}});
     }
 
     MainWindow &window() { return *m_window; }
     EditorModel &model() { return m_model; }
     EditorState &state() { return m_state; }
+    EditorContext context()
+    {
+        return {m_model, m_edits, m_imports, m_thumbnails, m_pipeline, m_preferences, m_clock, m_state};
+    }
     QString folder() const { return m_folder.path(); }
 
     /// Waits until everything that is being drawn is there.
@@ -242,6 +244,66 @@ QList<Screen> editorScreens()
     return screens;
 }
 
+/// The recorded signature under the photo, as wide as half the page.
+void sign(HandwritingController &studio)
+{
+    const QSizeF page = studio.viewport().reference();
+    constexpr double recordedWidth = 620;
+    const double scale = page.width() * 0.55 / recordedWidth;
+    const QPointF corner(page.width() * 0.24, page.height() * 0.8);
+    for (QList<InkSample> stroke : test::recordedSignature(TARNOVEL_SOURCE_DIR "/samples/signature.txt")) {
+        for (InkSample &sample : stroke) {
+            sample.position = corner + sample.position * scale;
+        }
+        studio.penDown(stroke.first());
+        for (const InkSample &sample : stroke.sliced(1)) {
+            studio.penMove(sample);
+        }
+        studio.penUp(stroke.last());
+    }
+}
+
+/// The handwriting studio lies over the window as its page does.
+Screen handwriting(const QString &name, const std::function<void(HandwritingController &)> &prepare)
+{
+    return {u"handwriting-"_s + name, [prepare](World &world) {
+                auto *screen = new HandwritingScreen(world.context());
+                screen->setParent(&world.window());
+                screen->setGeometry(world.window().rect());
+                screen->show();
+                screen->begin();
+                prepare(*screen->studio());
+                return [screen] { delete screen; };
+            }};
+}
+
+QList<Screen> handwritingScreens()
+{
+    const auto finished = [](HandwritingFinish finish) {
+        return [finish](HandwritingController &studio) {
+            studio.setTool(HandwritingTool::fountain);
+            studio.setWidth(10);
+            studio.setColor(inkSwatches().at(10).color);
+            sign(studio);
+            studio.setFinish(finish);
+        };
+    };
+    return {handwriting(u"empty"_s, [](HandwritingController &) {}),
+            handwriting(u"color"_s, finished(HandwritingFinish::color)),
+            handwriting(u"rainbow"_s, finished(HandwritingFinish::rainbow)),
+            handwriting(u"glitter"_s, finished(HandwritingFinish::glitter)),
+            handwriting(u"eraser"_s,
+                        [](HandwritingController &studio) {
+                            sign(studio);
+                            studio.setTool(HandwritingTool::eraser);
+                        }),
+            handwriting(u"zoomed"_s, [](HandwritingController &studio) {
+                sign(studio);
+                studio.zoomTo(1.2, {200, 400});
+                studio.setColor(inkSwatches().at(2).color);
+            })};
+}
+
 QList<Screen> homeScreens()
 {
     return {{u"home"_s, [](World &world) {
@@ -322,6 +384,7 @@ int main(int argc, char **argv)
     camera.take(full, homeScreens(), u"twelve"_s);
     full.window().showEditor();
     camera.take(full, editorScreens(), u"twelve"_s);
+    camera.take(full, handwritingScreens(), u"twelve"_s);
     World one(arguments, 1);
     one.window().showEditor();
     camera.take(one, {editorScreens().first()}, u"one"_s);
