@@ -251,6 +251,12 @@ TEST_F(HandwritingScreenTest, OneFingerWritesAndTwoMoveThePage)
     touch({{{600, 300}, Finger::Down}});
     EXPECT_TRUE(studio().penIsDown());
     touch({{{600, 300}, Finger::Up}});
+    EXPECT_EQ(drawing().size(), 2);
+    QWidget *guide = button(u"How to write here"_s);
+    QTest::touchEvent(guide, m_touchScreen).press(0, guide->rect().center());
+    QTest::touchEvent(guide, m_touchScreen).release(0, guide->rect().center());
+    EXPECT_TRUE(m_screen.findChild<Overlay *>());
+    EXPECT_EQ(drawing().size(), 2); // what lies over the page is not written on
 }
 
 TEST_F(HandwritingScreenTest, TheWheelThePlusKeyAndTheSpaceBarMoveThePage)

@@ -14,7 +14,7 @@ namespace tarnovel {
 
 namespace {
 
-constexpr int modeWidth = 200;
+constexpr int modeWidth = 208;
 constexpr int ruleHeight = 20;
 enum Mode { Draw, Move };
 

@@ -28,6 +28,10 @@ constexpr int noteMargin = 24;
 constexpr int guideGap = 24;
 constexpr int guidePadding = 20;
 
+constexpr HandwritingController::Changes everything =
+    HandwritingController::ToolChanged | HandwritingController::HistoryChanged |
+    HandwritingController::ViewportChanged | HandwritingController::SavingChanged;
+
 Phrase howToWrite()
 {
     return said({"书写说明", "How to write here", "Comment écrire ici"});
@@ -40,9 +44,9 @@ HandwritingScreen::HandwritingScreen(const EditorContext &context)
       m_bar(new HandwritingBar),
       m_canvas(new InkCanvas(context.state)),
       m_tools(new HandwritingTools(context.state)),
-      m_guide(new WritingGuide(m_canvas)),
-      m_guideButton(new Button(Button::Kind::Ghost, howToWrite(), "info", Button::Face::IconOnly, m_canvas)),
-      m_zoom(new ZoomControl(m_canvas))
+      m_guide(new WritingGuide(this)),
+      m_guideButton(new Button(Button::Kind::Secondary, howToWrite(), "info", Button::Face::IconOnly, this)),
+      m_zoom(new ZoomControl(this))
 {
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -51,6 +55,9 @@ HandwritingScreen::HandwritingScreen(const EditorContext &context)
     column->addWidget(m_canvas, 1);
     column->addWidget(m_tools);
     m_guide->setAttribute(Qt::WA_TransparentForMouseEvents);
+    for (QWidget *note : std::initializer_list<QWidget *>{m_guide, m_guideButton, m_zoom}) {
+        note->raise();
+    }
     m_guideButton->setFocusPolicy(Qt::TabFocus);
     connectBars();
 }
@@ -103,19 +110,14 @@ bool HandwritingScreen::begin()
     connectStudio();
     m_canvas->setStudio(m_studio.get());
     renderReference();
-    display();
+    display(everything);
     m_canvas->setFocus();
     return true;
 }
 
 void HandwritingScreen::connectStudio()
 {
-    connect(m_studio.get(), &HandwritingController::changed, this,
-            [this](HandwritingController::Changes changes) {
-                if (changes & ~HandwritingController::Changes(HandwritingController::PreviewChanged)) {
-                    display();
-                }
-            });
+    connect(m_studio.get(), &HandwritingController::changed, this, &HandwritingScreen::display);
     // Later, for the studio goes with its visit.
     connect(
         m_studio.get(), &HandwritingController::saved, this,
@@ -206,33 +208,45 @@ void HandwritingScreen::done()
     m_studio->save();
 }
 
-void HandwritingScreen::display()
+void HandwritingScreen::display(HandwritingController::Changes changes)
 {
-    m_bar->display(*m_studio);
-    m_tools->display(*m_studio);
-    const HandwritingViewport &viewport = m_studio->viewport();
-    m_zoom->setZoom(viewport.relativeZoom(), viewport.maximumZoom() / viewport.minimumZoom());
-    placeNotes();
+    constexpr HandwritingController::Changes inBars = HandwritingController::ToolChanged |
+                                                      HandwritingController::HistoryChanged |
+                                                      HandwritingController::SavingChanged;
+    if (changes & inBars) {
+        m_bar->display(*m_studio);
+        m_tools->display(*m_studio);
+    }
+    if (changes & HandwritingController::ViewportChanged) {
+        const HandwritingViewport &viewport = m_studio->viewport();
+        m_zoom->setZoom(viewport.relativeZoom(), viewport.maximumZoom() / viewport.minimumZoom());
+    }
+    if (changes & (HandwritingController::ViewportChanged | HandwritingController::HistoryChanged)) {
+        placeNotes();
+    }
 }
 
 void HandwritingScreen::placeNotes()
 {
-    const int bottom = m_canvas->height() - noteMargin;
+    // Beside the page in the widgets' tree, not on it: pens and fingers over them are not the page's.
+    const QRect stage = m_canvas->geometry();
+    const int bottom = stage.bottom() + 1 - noteMargin;
     const QSize zoom = m_zoom->sizeHint();
     m_zoom->setGeometry(
-        QRect(QPoint(m_canvas->width() - noteMargin - zoom.width() + 4, bottom - zoom.height() + 8), zoom));
+        QRect(QPoint(stage.right() + 5 - noteMargin - zoom.width(), bottom + 8 - zoom.height()), zoom));
+    const QSize button = m_guideButton->sizeHint();
+    m_guideButton->setGeometry(
+        QRect(QPoint(stage.left() + noteMargin - 4, bottom + 4 - button.height()), button));
     const int beside = static_cast<int>(m_canvas->pageRect().left()) - noteMargin - guideGap;
-    const int width = std::min(beside, WritingGuide::mostWidth);
-    const int height = width > 0 ? m_guide->heightForWidth(width) : 0;
-    const bool fits = width >= WritingGuide::leastWidth && height <= bottom - noteMargin;
-    const bool shown = fits && m_studio && !hasUnsavedInk();
-    if (shown) {
-        m_guide->setGeometry(noteMargin, bottom - height, width, height);
+    bool guided = m_studio && !hasUnsavedInk() && beside >= WritingGuide::leastWidth;
+    if (guided) {
+        const int width = std::min(beside, WritingGuide::mostWidth);
+        const int height = m_guide->heightForWidth(width);
+        guided = height <= stage.height() - 2 * noteMargin;
+        m_guide->setGeometry(stage.left() + noteMargin, bottom - height, width, height);
     }
-    m_guide->setVisible(shown);
-    m_guideButton->setGeometry(QRect(QPoint(noteMargin - 6, bottom - m_guideButton->sizeHint().height() + 4),
-                                     m_guideButton->sizeHint()));
-    m_guideButton->setVisible(!shown);
+    m_guide->setVisible(guided);
+    m_guideButton->setVisible(!guided);
 }
 
 void HandwritingScreen::openGuide()
@@ -383,7 +397,7 @@ void HandwritingScreen::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::LanguageChange && m_studio) {
-        display();
+        display(everything);
     }
 }
 

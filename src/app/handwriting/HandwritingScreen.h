@@ -56,7 +56,7 @@ private:
     void connectBars();
     void connectStudio();
     void renderReference();
-    void display();
+    void display(HandwritingController::Changes changes);
     void placeNotes();
     void openGuide();
     void close();

@@ -153,12 +153,12 @@ QWidget *HandwritingTools::makeColors(EditorState &state)
         Type::Body, [] { return eraserHint(); }, Label::Tone::Secondary);
     m_eraserHint->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_eraserHint->hide();
+    // Under the dots, not under their rings.
+    for (QWidget *label : {m_colorTitle, m_eraserHint}) {
+        label->setContentsMargins(Swatches::bleed, 0, 0, 0);
+    }
     column->addWidget(m_colorTitle);
-    // The rings of the dots reach out of their row, so that the dots stand under their title.
-    auto *dots = new QHBoxLayout;
-    dots->setContentsMargins(-Swatches::bleed, -Swatches::bleed, 0, 0);
-    dots->addWidget(m_colors, 0, Qt::AlignLeft);
-    column->addLayout(dots);
+    column->addWidget(m_colors);
     column->addWidget(m_eraserHint);
     column->addStretch();
     connect(m_colors, &ColorDots::chosenColor, this,

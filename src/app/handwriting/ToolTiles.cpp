@@ -17,7 +17,7 @@ namespace {
 
 constexpr int gap = 4;
 constexpr int captionGap = 6;
-constexpr int narrowWidth = 52;
+constexpr int narrowWidth = 60;
 
 } // namespace
 
