@@ -20,6 +20,7 @@
 #include "app/export/ExportPanel.h"
 #include "app/export/SuccessSheet.h"
 #include "app/handwriting/HandwritingScreen.h"
+#include "app/inspector/ColorDots.h"
 #include "app/kit/Items.h"
 #include "app/kit/Overlay.h"
 #include "app/kit/Theme.h"
@@ -263,8 +264,8 @@ void sign(HandwritingController &studio)
     }
 }
 
-/// The handwriting studio lies over the window as its page does.
-Screen handwriting(const QString &name, const std::function<void(HandwritingController &)> &prepare)
+/// The handwriting page lies over the window's own pages.
+Screen handwriting(const QString &name, const std::function<void(HandwritingScreen &)> &prepare)
 {
     return {u"handwriting-"_s + name, [prepare](World &world) {
                 auto *screen = new HandwritingScreen(world.context());
@@ -272,36 +273,49 @@ Screen handwriting(const QString &name, const std::function<void(HandwritingCont
                 screen->setGeometry(world.window().rect());
                 screen->show();
                 screen->begin();
-                prepare(*screen->studio());
-                return [screen] { delete screen; };
+                prepare(*screen);
+                return [screen, &world] {
+                    for (Overlay *overlay : world.window().findChildren<Overlay *>()) {
+                        overlay->close();
+                    }
+                    delete screen;
+                };
             }};
 }
 
 QList<Screen> handwritingScreens()
 {
     const auto finished = [](HandwritingFinish finish) {
-        return [finish](HandwritingController &studio) {
-            studio.setTool(HandwritingTool::fountain);
-            studio.setWidth(10);
-            studio.setColor(inkSwatches().at(10).color);
-            sign(studio);
-            studio.setFinish(finish);
+        return [finish](HandwritingScreen &screen) {
+            screen.studio()->setTool(HandwritingTool::fountain);
+            screen.studio()->setWidth(10);
+            screen.studio()->setColor(inkSwatches().at(10).color);
+            sign(*screen.studio());
+            screen.studio()->setFinish(finish);
         };
     };
-    return {handwriting(u"empty"_s, [](HandwritingController &) {}),
-            handwriting(u"color"_s, finished(HandwritingFinish::color)),
-            handwriting(u"rainbow"_s, finished(HandwritingFinish::rainbow)),
-            handwriting(u"glitter"_s, finished(HandwritingFinish::glitter)),
-            handwriting(u"eraser"_s,
-                        [](HandwritingController &studio) {
-                            sign(studio);
-                            studio.setTool(HandwritingTool::eraser);
-                        }),
-            handwriting(u"zoomed"_s, [](HandwritingController &studio) {
-                sign(studio);
-                studio.zoomTo(1.2, {200, 400});
-                studio.setColor(inkSwatches().at(2).color);
-            })};
+    QList<Screen> screens = {handwriting(u"empty"_s, [](HandwritingScreen &) {}),
+                             handwriting(u"color"_s, finished(HandwritingFinish::color)),
+                             handwriting(u"rainbow"_s, finished(HandwritingFinish::rainbow)),
+                             handwriting(u"glitter"_s, finished(HandwritingFinish::glitter))};
+    screens.append(handwriting(u"eraser"_s, [](HandwritingScreen &screen) {
+        sign(*screen.studio());
+        screen.studio()->setTool(HandwritingTool::eraser);
+    }));
+    screens.append(handwriting(u"zoomed"_s, [](HandwritingScreen &screen) {
+        sign(*screen.studio());
+        screen.studio()->zoomTo(1.2, {200, 400});
+        screen.studio()->setColor(inkSwatches().at(2).color);
+    }));
+    screens.append(handwriting(u"leave"_s, [](HandwritingScreen &screen) {
+        sign(*screen.studio());
+        screen.leave([] {});
+    }));
+    screens.append(handwriting(u"picker"_s, [](HandwritingScreen &screen) {
+        auto *colors = screen.findChild<ColorDots *>();
+        colors->choose(colors->count() - 1);
+    }));
+    return screens;
 }
 
 QList<Screen> homeScreens()
