@@ -353,6 +353,11 @@ TEST_F(HandwritingScreenTest, LeavingAsksOnlyWhenInkWouldBeLost)
     ASSERT_TRUE(m_screen.begin());
     drag(at(0.2, 0.9), at(0.6, 0.8));
     EXPECT_FALSE(m_screen.findChild<WritingGuide *>()->isVisible());
+    // The window has shown something else, and another photo, in between.
+    m_model.select(m_model.photos().last().id);
+    ASSERT_TRUE(m_screen.begin());
+    EXPECT_EQ(drawing().size(), 1);
+    EXPECT_EQ(m_model.current()->id, m_model.photos().first().id);
     QTest::keyClick(canvas(), Qt::Key_Escape);
     EXPECT_EQ(m_closed, 1);
     auto *question = m_screen.window()->findChild<Overlay *>();

@@ -96,8 +96,21 @@ void HandwritingScreen::connectBars()
     connect(m_guideButton, &QPushButton::clicked, this, &HandwritingScreen::openGuide);
 }
 
+bool HandwritingScreen::resume()
+{
+    if (!hasUnsavedInk() || !m_context.model.photo(m_photo)) {
+        return false;
+    }
+    m_context.model.select(m_photo);
+    m_canvas->setFocus();
+    return true;
+}
+
 bool HandwritingScreen::begin()
 {
+    if (resume()) {
+        return true;
+    }
     const PhotoItem *photo = m_context.model.current();
     if (!photo) {
         return false;

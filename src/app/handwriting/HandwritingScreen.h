@@ -27,7 +27,8 @@ public:
     explicit HandwritingScreen(const EditorContext &context);
     ~HandwritingScreen() override;
 
-    /// Starts afresh over the current photo. False, with nothing begun, when there is none.
+    /// Starts afresh over the current photo, unless the last visit was broken off with strokes on its page:
+    /// that one goes on, on its own photo. False, with nothing begun, when there is no photo.
     bool begin();
     /// Whether leaving now would lose strokes.
     bool hasUnsavedInk() const;
@@ -53,6 +54,7 @@ protected:
     bool event(QEvent *event) override;
 
 private:
+    bool resume();
     void connectBars();
     void connectStudio();
     void renderReference();

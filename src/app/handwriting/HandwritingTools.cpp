@@ -126,6 +126,7 @@ QWidget *HandwritingTools::makePens()
     auto *block = new QWidget;
     QVBoxLayout *column = makeColumn(block);
     std::vector<ToolTiles::Tile> tiles;
+    tiles.reserve(handwritingTools.size());
     for (const HandwritingTool tool : handwritingTools) {
         const QString key = QString::number(tiles.size() + 1);
         tiles.push_back({[tool] { return handwritingToolTitle(tool); },
@@ -193,6 +194,7 @@ QWidget *HandwritingTools::makeEffects()
     auto *block = new QWidget;
     QVBoxLayout *column = makeColumn(block);
     std::vector<ToolTiles::Tile> tiles;
+    tiles.reserve(handwritingFinishes.size());
     for (const HandwritingFinish finish : handwritingFinishes) {
         tiles.push_back({[finish] { return handwritingFinishTitle(finish); },
                          [finish](QPainter &painter, const QRectF &box, const QColor &) {
