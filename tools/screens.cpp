@@ -20,6 +20,8 @@
 #include "app/collage/CollageScreen.h"
 #include "app/export/ExportPanel.h"
 #include "app/export/SuccessSheet.h"
+#include "app/handwriting/HandwritingScreen.h"
+#include "app/inspector/ColorDots.h"
 #include "app/kit/Items.h"
 #include "app/kit/Motion.h"
 #include "app/kit/Overlay.h"
@@ -33,6 +35,7 @@
 #include "collage/CollageStudio.h"
 #include "render/BuiltInTemplate.h"
 #include "support/AppWorld.h"
+#include "support/RecordedSignature.h"
 
 namespace {
 
@@ -242,6 +245,79 @@ QList<Screen> collageScreens()
             })};
 }
 
+/// The recorded signature under the photo, as wide as half the page.
+void sign(HandwritingController &studio)
+{
+    const QSizeF page = studio.viewport().reference();
+    constexpr double recordedWidth = 620;
+    const double scale = page.width() * 0.55 / recordedWidth;
+    const QPointF corner(page.width() * 0.24, page.height() * 0.8);
+    for (QList<InkSample> stroke : test::recordedSignature(TARNOVEL_SOURCE_DIR "/samples/signature.txt")) {
+        for (InkSample &sample : stroke) {
+            sample.position = corner + sample.position * scale;
+        }
+        studio.penDown(stroke.first());
+        for (const InkSample &sample : stroke.sliced(1)) {
+            studio.penMove(sample);
+        }
+        studio.penUp(stroke.last());
+    }
+}
+
+/// The handwriting page lies over the window's own pages.
+Screen handwriting(const QString &name, const std::function<void(HandwritingScreen &)> &prepare)
+{
+    return {u"handwriting-"_s + name, [prepare](World &world) {
+                auto *screen = new HandwritingScreen(world.context());
+                screen->setParent(&world.window());
+                screen->setGeometry(world.window().rect());
+                screen->show();
+                screen->begin();
+                prepare(*screen);
+                return [screen, &world] {
+                    for (Overlay *overlay : world.window().findChildren<Overlay *>()) {
+                        overlay->close();
+                    }
+                    delete screen;
+                };
+            }};
+}
+
+QList<Screen> handwritingScreens()
+{
+    const auto finished = [](HandwritingFinish finish) {
+        return [finish](HandwritingScreen &screen) {
+            screen.studio()->setTool(HandwritingTool::fountain);
+            screen.studio()->setWidth(10);
+            screen.studio()->setColor(inkSwatches().at(10).color);
+            sign(*screen.studio());
+            screen.studio()->setFinish(finish);
+        };
+    };
+    QList<Screen> screens = {handwriting(u"empty"_s, [](HandwritingScreen &) {}),
+                             handwriting(u"color"_s, finished(HandwritingFinish::color)),
+                             handwriting(u"rainbow"_s, finished(HandwritingFinish::rainbow)),
+                             handwriting(u"glitter"_s, finished(HandwritingFinish::glitter))};
+    screens.append(handwriting(u"eraser"_s, [](HandwritingScreen &screen) {
+        sign(*screen.studio());
+        screen.studio()->setTool(HandwritingTool::eraser);
+    }));
+    screens.append(handwriting(u"zoomed"_s, [](HandwritingScreen &screen) {
+        sign(*screen.studio());
+        screen.studio()->zoomTo(1.2, {200, 400});
+        screen.studio()->setColor(inkSwatches().at(2).color);
+    }));
+    screens.append(handwriting(u"leave"_s, [](HandwritingScreen &screen) {
+        sign(*screen.studio());
+        screen.leave([] {});
+    }));
+    screens.append(handwriting(u"picker"_s, [](HandwritingScreen &screen) {
+        auto *colors = screen.findChild<ColorDots *>();
+        colors->choose(colors->count() - 1);
+    }));
+    return screens;
+}
+
 QList<Screen> homeScreens()
 {
     return {{u"home"_s, [](World &world) {
@@ -322,7 +398,7 @@ int main(int argc, char **argv)
     World full(arguments, 12);
     camera.take(full, homeScreens(), u"twelve"_s);
     full.window().showEditor();
-    camera.take(full, editorScreens() + collageScreens(), u"twelve"_s);
+    camera.take(full, editorScreens() + collageScreens() + handwritingScreens(), u"twelve"_s);
     World one(arguments, 1);
     one.window().showEditor();
     camera.take(one, {editorScreens().first()}, u"one"_s);

@@ -53,7 +53,7 @@ private:
 /// A folder among the temporary files that only this user can look into.
 QString privateTemporaryFolder()
 {
-    const QString path = QDir::tempPath() + u"/tarnovel-"_s + QString::number(getuid());
+    QString path = QDir::tempPath() + u"/tarnovel-"_s + QString::number(getuid());
     const QByteArray name = QFile::encodeName(path);
     mkdir(name.constData(), S_IRWXU);
     struct stat status = {};

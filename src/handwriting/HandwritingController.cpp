@@ -180,10 +180,10 @@ void HandwritingController::drawingChanged(const QRectF &region)
     tell(HistoryChanged);
 }
 
-void HandwritingController::layOut(QSizeF view, double devicePixelRatio)
+void HandwritingController::layOut(QSizeF view, double devicePixelRatio, double margin)
 {
     m_devicePixelRatio = devicePixelRatio;
-    m_viewport.layOut(view);
+    m_viewport.layOut(view, margin);
     viewChanged();
 }
 

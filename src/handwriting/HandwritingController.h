@@ -75,8 +75,9 @@ public:
     void clear();
 
     const HandwritingViewport &viewport() const { return m_viewport; }
-    /// The size of the screen's view in logical pixels, and the device pixels in one of them.
-    void layOut(QSizeF view, double devicePixelRatio);
+    /// The size of the screen's view in logical pixels, the device pixels in one of them, and the room that a
+    /// page that is shown whole leaves around itself.
+    void layOut(QSizeF view, double devicePixelRatio, double margin = 0);
     void zoomTo(double zoom, QPointF anchor);
     void pan(QPointF by);
 

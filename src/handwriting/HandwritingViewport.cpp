@@ -27,9 +27,9 @@ QPointF HandwritingViewport::insets() const
     return {std::max(0.0, room.width()), std::max(0.0, room.height())};
 }
 
-void HandwritingViewport::layOut(QSizeF view)
+void HandwritingViewport::layOut(QSizeF view, double margin)
 {
-    if (view == m_view || view.isEmpty()) {
+    if ((view == m_view && margin == m_margin) || view.isEmpty()) {
         return;
     }
     QPointF middle(m_reference.width() / 2, m_focusY * m_reference.height());
@@ -41,7 +41,9 @@ void HandwritingViewport::layOut(QSizeF view)
         minimal = m_zoom - m_minimum < atMinimum;
     }
     m_view = view;
-    m_minimum = std::min(view.width() / m_reference.width(), view.height() / m_reference.height());
+    m_margin = margin;
+    const QSizeF room = (view - QSizeF(2 * margin, 2 * margin)).expandedTo({1, 1});
+    m_minimum = std::min(room.width() / m_reference.width(), room.height() / m_reference.height());
     m_zoom = minimal ? m_minimum : std::clamp(relative * m_minimum, m_minimum, maximumZoom());
     scrollTo(middle * m_zoom - QPointF(view.width(), view.height()) / 2);
 }

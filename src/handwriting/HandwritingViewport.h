@@ -15,8 +15,8 @@ public:
 
     /// Fits the limits of the zoom to a view of another size. At its minimum the zoom stays there; otherwise
     /// it keeps its ratio to the minimum. The point in the middle stays in the middle. An empty view changes
-    /// nothing.
-    void layOut(QSizeF view);
+    /// nothing. At the minimum at least `margin` stays free on every side.
+    void layOut(QSizeF view, double margin = 0);
 
     QSizeF reference() const { return m_reference; }
     QSizeF view() const { return m_view; }
@@ -47,6 +47,7 @@ private:
     double m_focusY;
     /// Empty before the first layout.
     QSizeF m_view;
+    double m_margin = 0;
     double m_minimum = 1;
     double m_zoom = 1;
     QPointF m_offset;

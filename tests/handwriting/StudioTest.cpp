@@ -31,6 +31,11 @@ TEST(Viewport, FitsAndLimitsTheZoom)
     EXPECT_DOUBLE_EQ(small.maximumZoom(), 2);
     small.layOut({});
     EXPECT_DOUBLE_EQ(small.minimumZoom(), 0.2);
+    small.layOut({200, 300}, 20);
+    EXPECT_EQ(small.referenceRect(), QRectF(20, 70, 160, 160));
+    small.zoomTo(2, {100, 150});
+    small.pan({1e6, 1e6});
+    EXPECT_EQ(small.offset(), QPointF(0, 0)); // zoomed in, the page takes the whole view
 }
 
 TEST(Viewport, KeepsItsPlaceWhenTheWindowChanges)

@@ -40,7 +40,9 @@ void ColorDots::openPicker()
     overlay->column()->addWidget(picker);
     overlay->setCardSize({pickerWidth, 0});
     const QRect wheel = itemRect(count() - 1);
-    overlay->anchorAt(mapTo(window(), wheel.bottomRight()));
+    // Low in the window it opens upwards, and then above all the dots.
+    const bool low = mapTo(window(), wheel.center()).y() > window()->height() / 2;
+    overlay->anchorAt(mapTo(window(), low ? QPoint(wheel.right(), 0) : wheel.bottomRight()));
     connect(picker, &ColorPicker::changed, this, &ColorDots::dragged);
     connect(picker, &ColorPicker::dropperRequested, this, [this, overlay] {
         overlay->close();

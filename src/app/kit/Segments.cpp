@@ -6,6 +6,7 @@
 #include <QFontMetrics>
 #include <QPainter>
 
+#include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
 
 namespace tarnovel {
@@ -15,6 +16,8 @@ namespace {
 constexpr int rowHeight = 32;
 constexpr int tallHeight = 44;
 constexpr int inset = 2;
+constexpr int iconSize = 16;
+constexpr int iconGap = 8;
 
 } // namespace
 
@@ -28,6 +31,12 @@ void Segments::setNames(std::vector<Phrase> names)
 {
     m_names = std::move(names);
     updateGeometry();
+    update();
+}
+
+void Segments::setIcons(std::vector<const char *> icons)
+{
+    m_icons = std::move(icons);
     update();
 }
 
@@ -84,7 +93,16 @@ void Segments::paintItem(QPainter &painter, int index, const State &state)
         font.setPixelSize(12);
         painter.setFont(font);
     }
-    painter.drawText(box.adjusted(2, 0, -2, 0), Qt::AlignCenter | Qt::TextWordWrap, itemName(index));
+    QRectF text = box.adjusted(2, 0, -2, 0);
+    if (!m_icons.empty()) {
+        const int width = QFontMetrics(font).horizontalAdvance(itemName(index));
+        const double left = box.left() + (box.width() - width - iconSize - iconGap) / 2.0;
+        Icons::draw(painter, m_icons.at(static_cast<size_t>(index)),
+                    QPointF(left, box.top() + (box.height() - iconSize) / 2.0), iconSize,
+                    painter.pen().color());
+        text = QRectF(left + iconSize + iconGap, box.top(), width + 2, box.height());
+    }
+    painter.drawText(text, Qt::AlignCenter | Qt::TextWordWrap, itemName(index));
 }
 
 } // namespace tarnovel

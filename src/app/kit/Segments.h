@@ -15,6 +15,8 @@ public:
     explicit Segments(std::vector<Phrase> names, QWidget *parent = nullptr);
 
     void setNames(std::vector<Phrase> names);
+    /// One icon a segment, before its name.
+    void setIcons(std::vector<const char *> icons);
 
     int count() const override { return static_cast<int>(m_names.size()); }
     QRect itemRect(int index) const override;
@@ -30,6 +32,7 @@ private:
     /// Two lines where a name is wider than its segment.
     bool tall() const;
     std::vector<Phrase> m_names;
+    std::vector<const char *> m_icons;
 };
 
 } // namespace tarnovel

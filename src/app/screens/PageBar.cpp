@@ -34,6 +34,12 @@ QWidget *PageBar::closeButton() const
     return m_close;
 }
 
+void PageBar::setClosePhrase(Phrase phrase)
+{
+    m_close->setIconName(nullptr);
+    m_close->setPhrase(std::move(phrase));
+}
+
 void PageBar::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange) {

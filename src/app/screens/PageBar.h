@@ -20,6 +20,8 @@ public:
     /// Puts a button at the right end.
     void addAction(QWidget *button);
     QWidget *closeButton() const;
+    /// For a page whose way back gives something up: a word without the cross.
+    void setClosePhrase(Phrase phrase);
 
 Q_SIGNALS:
     void closeAsked();

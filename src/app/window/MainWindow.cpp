@@ -17,7 +17,7 @@
 #include "app/collage/CollageScreen.h"
 #include "app/export/ExportPanel.h"
 #include "app/export/SuccessSheet.h"
-#include "app/inspector/TextSection.h"
+#include "app/handwriting/HandwritingScreen.h"
 #include "app/kit/Button.h"
 #include "app/kit/Focus.h"
 #include "app/kit/Overlay.h"
@@ -117,6 +117,7 @@ void MainWindow::connectState()
         m_services.chooser.picture(
             this, [this](const QStringList &files) { import(files, ImportMode::Logo, ImportSource::Files); });
     });
+    connect(&shared, &EditorState::signatureAsked, this, &MainWindow::showHandwriting);
     connect(&shared, &EditorState::saveStyleAsked, this, &MainWindow::askStyleName);
     connect(&shared, &EditorState::applyToAllAsked, this, &MainWindow::applyToAll);
     connect(&shared, &EditorState::removeAsked, this, &MainWindow::askRemove);
@@ -134,7 +135,8 @@ void MainWindow::connectState()
         }
     });
     connect(&editor.imports, &ImportFlow::finished, this, [this](const ImportSummary &summary) {
-        if (summary.added > 0) {
+        // A studio is not left because photos have come.
+        if (summary.added > 0 && currentPage() == m_page) {
             showEditor();
         }
     });
@@ -206,6 +208,24 @@ void MainWindow::showCollage()
     }
     showPage(m_collage);
     m_collage->begin();
+}
+
+HandwritingScreen *MainWindow::handwriting() const
+{
+    return m_handwriting;
+}
+
+void MainWindow::showHandwriting()
+{
+    if (!m_handwriting) {
+        m_handwriting = new HandwritingScreen(m_services.editor);
+        connect(m_handwriting, &HandwritingScreen::closeAsked, this, &MainWindow::showEditor);
+        connect(m_handwriting, &HandwritingScreen::finished, this, &MainWindow::showEditor);
+    }
+    showPage(m_handwriting);
+    if (!m_handwriting->begin()) {
+        showEditor();
+    }
 }
 
 Overlay *MainWindow::showSettings()
@@ -464,6 +484,14 @@ void MainWindow::closeEvent(QCloseEvent *event)
     if (currentPage() == m_collage && m_collage->studio() && m_collage->studio()->canUndo() && !m_closing) {
         event->ignore();
         m_collage->askToClose();
+        return;
+    }
+    if (currentPage() == m_handwriting && m_handwriting->hasUnsavedInk() && !m_closing) {
+        event->ignore();
+        m_handwriting->leave([this] {
+            m_closing = true;
+            close();
+        });
         return;
     }
     m_placement.remember();

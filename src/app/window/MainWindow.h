@@ -19,6 +19,7 @@ class CollageScreen;
 class DropVeil;
 class EditorActions;
 class EditorPage;
+class HandwritingScreen;
 class ManagePhotos;
 class Overlay;
 class PhotoLibrary;
@@ -46,6 +47,7 @@ public:
     void openPhotos(const QStringList &photos);
 
     CollageScreen *collage() const;
+    HandwritingScreen *handwriting() const;
     EditorPage *page() const { return m_page; }
     EditorActions &actions() { return *m_actions; }
     Toast *toast() const { return m_toast; }
@@ -53,6 +55,7 @@ public:
     void showManage();
     void showSetPreview();
     void showCollage();
+    void showHandwriting();
     Overlay *showSettings();
     /// Back to the editor, or home when nothing is left.
     void showEditor();
@@ -95,6 +98,7 @@ private:
     QPointer<ManagePhotos> m_manage;
     QPointer<SetPreview> m_preview;
     QPointer<CollageScreen> m_collage;
+    QPointer<HandwritingScreen> m_handwriting;
     DropVeil *m_veil;
     Toast *m_toast;
     QPointer<Overlay> m_success;
