@@ -315,8 +315,8 @@ void ExportPanel::showRun()
     });
     m_cancel->setVisible(!saving);
     const QString error = Wording::local(toLibrary() ? m_library.error() : m_folder.error());
-    m_error->setPhrase([error] { return error; });
     m_error->setVisible(!busy && !error.isEmpty());
+    m_error->setPhrase([text = QString(error)]() mutable { return text; });
     m_openSettings->setVisible(!busy && toLibrary() && m_library.denied());
     Q_EMIT progressed();
 }

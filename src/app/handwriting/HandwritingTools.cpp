@@ -154,10 +154,6 @@ QWidget *HandwritingTools::makeColors(EditorState &state)
         Type::Body, [] { return eraserHint(); }, Label::Tone::Secondary);
     m_eraserHint->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_eraserHint->hide();
-    // Under the dots, not under their rings.
-    for (QWidget *label : {m_colorTitle, m_eraserHint}) {
-        label->setContentsMargins(Swatches::bleed, 0, 0, 0);
-    }
     column->addWidget(m_colorTitle);
     column->addWidget(m_colors);
     column->addWidget(m_eraserHint);

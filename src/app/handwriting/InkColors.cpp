@@ -63,12 +63,12 @@ int InkColors::columns() const
 
 QRect InkColors::itemRect(int index) const
 {
-    return {bleed + index % columns() * columnStep, bleed + index / columns() * rowStep, dotSize, dotSize};
+    return {index % columns() * columnStep, index / columns() * rowStep, dotSize, dotSize};
 }
 
 QSize InkColors::sizeHint() const
 {
-    return {(columns() - 1) * columnStep + dotSize + 2 * bleed, rowStep + dotSize + 2 * bleed};
+    return {(columns() - 1) * columnStep + dotSize, rowStep + dotSize};
 }
 
 void InkColors::changeEvent(QEvent *event)

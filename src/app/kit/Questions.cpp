@@ -80,7 +80,7 @@ Overlay *askText(QWidget *anchor, const TextQuestion &question,
             return;
         }
         field->setFault(true);
-        complaint->setPhrase([fault] { return fault; });
+        complaint->setPhrase([text = QString(fault)]() mutable { return text; });
         complaint->show();
         field->setFocus();
     };

@@ -63,7 +63,7 @@ void SliderTrack::paintEvent(QPaintEvent *)
         Paint::rounded(painter, ball.adjusted(-4, -4, 4, 4), knob, look.hover());
     }
     if (!isEnabled()) {
-        Paint::rounded(painter, ball, knob / 2.0, look.dark ? look.surfaceMuted : look.surfaceMuted);
+        Paint::rounded(painter, ball, knob / 2.0, look.surfaceMuted);
         Paint::outline(painter, ball, knob / 2.0, look.hairline);
         return;
     }

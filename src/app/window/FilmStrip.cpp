@@ -349,7 +349,7 @@ FilmStrip::FilmStrip(const EditorContext &context)
     header->setContentsMargins(sideInset, 0, 14, 0);
     header->setSpacing(8);
     for (Label *label : {m_name, m_place}) {
-        QFont font = typeFont(label == m_name ? Type::Label : Type::Label);
+        QFont font = typeFont(Type::Label);
         font.setWeight(label == m_name ? QFont::DemiBold : QFont::Normal);
         label->setFont(font);
         label->setWordWrap(false);
