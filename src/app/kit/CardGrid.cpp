@@ -114,10 +114,13 @@ void CardGrid::paintItem(QPainter &painter, int index, const State &state)
     }
     painter.setFont(typeFont(state.chosen ? Type::CaptionStrong : Type::Caption));
     painter.setPen(state.chosen ? look.ink : look.inkSecondary);
-    const double left = std::clamp(tile.left() - 4, 0.0, width() - tile.width() - 8.0);
-    painter.drawText(QRectF(m_columns > 1 ? left : tile.left(), tile.bottom() + captionGap, tile.width() + 8,
-                            whole.bottom() - tile.bottom() + 2),
-                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, itemName(index));
+    // A name that is wider than its tile may reach a little out of it, where there is room.
+    const QString name = itemName(index);
+    const bool wide = painter.fontMetrics().horizontalAdvance(name) > tile.width();
+    const double width = tile.width() + (wide ? 8 : 0);
+    const double left = std::clamp(tile.center().x() - width / 2, 0.0, this->width() - width);
+    painter.drawText(QRectF(left, tile.bottom() + captionGap, width, whole.bottom() - tile.bottom() + 2),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, name);
 }
 
 bool CardGrid::event(QEvent *event)
