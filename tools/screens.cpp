@@ -136,7 +136,7 @@ QList<Screen> editorScreens()
                                                    {[] { return ExportTexts::exported(12); },
                                                     QDir::homePath() + u"/Pictures/Autumn set"_s,
                                                     {u"/tmp/a.jpg"_s},
-                                                    thumbnails,
+                                                    [thumbnails] { return thumbnails; },
                                                     PhotographyQuotes::all()[9]},
                                                    [](const QString &) {}));
                     }});

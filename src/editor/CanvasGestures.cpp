@@ -26,6 +26,12 @@ QString target(const QUuid &photo, const QString &layerId = {})
     return photo.toString() + layerId;
 }
 
+/// Past half the canvas a photo does not move any more; what lay beyond would have to be dragged back unseen.
+double heldPhoto(double value)
+{
+    return std::clamp(FrameGeometry::snap(value, snapDistance), -0.5, 0.5);
+}
+
 double heldText(double value)
 {
     return std::clamp(value, nearestToEdge, 1 - nearestToEdge);
@@ -40,22 +46,41 @@ bool isFinite(QPointF translation, QSizeF canvas)
 
 } // namespace
 
+bool CanvasGestures::over(bool begun, const QString &target) const
+{
+    return begun && m_target == target && m_model.steps() != m_stepsThen;
+}
+
+void CanvasGestures::begin(const QString &target)
+{
+    m_target = target;
+    m_model.checkpoint();
+    m_stepsThen = m_model.steps();
+}
+
 void CanvasGestures::dragPhoto(QPointF translation, QSizeF canvas)
 {
     const PhotoItem *item = m_model.current();
     if (!item || !isFinite(translation, canvas)) {
         return;
     }
+    if (over(m_dragStart.has_value(), target(item->id))) {
+        return;
+    }
     if (!m_dragStart || m_target != target(item->id)) {
-        m_target = target(item->id);
-        m_model.checkpoint();
+        begin(target(item->id));
         m_dragStart = QPointF(item->settings.x, item->settings.y);
         m_guidesVisible = true;
     }
     FrameSettings settings = item->settings;
-    settings.x = FrameGeometry::snap(m_dragStart->x() + translation.x() / canvas.width(), snapDistance);
-    settings.y = FrameGeometry::snap(m_dragStart->y() + translation.y() / canvas.height(), snapDistance);
-    feedbackAtCenter({settings.x == 0, settings.y == 0});
+    // An axis that is kept centred does not move unseen, to jump when it is let go.
+    if (!settings.lockX) {
+        settings.x = heldPhoto(m_dragStart->x() + translation.x() / canvas.width());
+    }
+    if (!settings.lockY) {
+        settings.y = heldPhoto(m_dragStart->y() + translation.y() / canvas.height());
+    }
+    feedbackAtCenter({settings.lockX || settings.x == 0, settings.lockY || settings.y == 0});
     m_model.update(settings);
 }
 
@@ -71,9 +96,11 @@ void CanvasGestures::pinchPhoto(double magnification)
     if (!item || !std::isfinite(magnification)) {
         return;
     }
+    if (over(m_pinchStart.has_value(), target(item->id))) {
+        return;
+    }
     if (!m_pinchStart || m_target != target(item->id)) {
-        m_target = target(item->id);
-        m_model.checkpoint();
+        begin(target(item->id));
         m_pinchStart = item->settings.scale;
     }
     FrameSettings settings = item->settings;
@@ -102,9 +129,11 @@ void CanvasGestures::dragText(const QString &layerId, QPointF translation, QSize
     if (!layer || !isFinite(translation, canvas)) {
         return;
     }
+    if (over(m_textStart.has_value(), target(item->id, layerId))) {
+        return;
+    }
     if (!m_textStart || m_target != target(item->id, layerId)) {
-        m_target = target(item->id, layerId);
-        m_model.checkpoint();
+        begin(target(item->id, layerId));
         m_textStart = QPointF(layer->x, layer->y);
         m_guidesVisible = true;
     }
@@ -130,9 +159,11 @@ void CanvasGestures::scaleText(const QString &layerId, double magnification)
     if (!layer || !std::isfinite(magnification)) {
         return;
     }
+    if (over(m_textSizeStart.has_value(), target(item->id, layerId))) {
+        return;
+    }
     if (!m_textSizeStart || m_target != target(item->id, layerId)) {
-        m_target = target(item->id, layerId);
-        m_model.checkpoint();
+        begin(target(item->id, layerId));
         m_textSizeStart = layer->size;
     }
     FrameSettings settings = item->settings;
@@ -147,9 +178,11 @@ void CanvasGestures::rotateText(const QString &layerId, double degrees)
     if (!item || !item->settings.layer(layerId) || !std::isfinite(degrees)) {
         return;
     }
+    if (over(m_rotating, target(item->id, layerId))) {
+        return;
+    }
     if (!m_rotating || m_target != target(item->id, layerId)) {
-        m_target = target(item->id, layerId);
-        m_model.checkpoint();
+        begin(target(item->id, layerId));
         m_rotating = true;
     }
     constexpr double rightAngle = 90;
@@ -161,13 +194,16 @@ void CanvasGestures::rotateText(const QString &layerId, double degrees)
     m_model.update(settings);
 }
 
-void CanvasGestures::nudge(const std::optional<QString> &layerId, QPointF fractions)
+void CanvasGestures::nudge(const std::optional<QString> &layerId, QPointF fractions, Nudge kind)
 {
     const PhotoItem *item = m_model.current();
     if (!item || !isFinite(fractions, {1, 1})) {
         return;
     }
-    m_model.checkpoint();
+    if (kind == Nudge::Step || m_model.steps() != m_stepsThen) {
+        m_model.checkpoint();
+        m_stepsThen = m_model.steps();
+    }
     if (!layerId) {
         FrameSettings settings = item->settings;
         settings.x += fractions.x();

@@ -46,7 +46,12 @@ public:
 
     /// A step with the arrow keys, undone by itself, in fractions of the canvas: the photo, or the layer that
     /// is named.
-    void nudge(const std::optional<QString> &layerId, QPointF fractions);
+    enum class Nudge {
+        Step,
+        /// The key is still held: it joins the step before.
+        Repeat,
+    };
+    void nudge(const std::optional<QString> &layerId, QPointF fractions, Nudge kind = Nudge::Step);
 
     /// The top-most visible text layer under `position`; texts are at least 28 units in each direction to the
     /// finger.
@@ -59,11 +64,16 @@ public:
 
 private:
     void feedbackAtCenter(CentreSnap snap);
+    /// Whether a gesture at this target has been undone, or cut short by another step: what follows of it
+    /// does nothing.
+    bool over(bool begun, const QString &target) const;
+    void begin(const QString &target);
     void moveText(const QString &layerId, QPointF position);
 
     EditorModel &m_model;
     /// The photo, or the layer of it, that the gesture at hand began with: another one begins a new step.
     QString m_target;
+    int m_stepsThen = 0;
     std::optional<QPointF> m_dragStart;
     std::optional<QPointF> m_textStart;
     std::optional<double> m_pinchStart;

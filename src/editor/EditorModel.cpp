@@ -65,6 +65,22 @@ void EditorModel::select(const QUuid &id)
     scheduleSave();
 }
 
+void EditorModel::change(const QUuid &id, const FrameSettings &settings)
+{
+    const auto place = std::ranges::find(m_session.photos, id, &PhotoItem::id);
+    if (place == m_session.photos.end()) {
+        return;
+    }
+    record(snapshot({id}));
+    place->settings = settings;
+    if (m_session.selected == id) {
+        m_session.lastStyle = settings;
+        loadPreview();
+    }
+    tell(SettingsChanged);
+    scheduleSave();
+}
+
 void EditorModel::update(const FrameSettings &settings)
 {
     PhotoItem *item = currentItem();
@@ -278,6 +294,7 @@ EditSnapshot EditorModel::snapshot(const QList<QUuid> &ids) const
 
 void EditorModel::record(const EditSnapshot &snapshot)
 {
+    ++m_steps;
     m_history.record(snapshot);
     tell(HistoryChanged);
 }
@@ -292,6 +309,7 @@ void EditorModel::checkpoint()
 void EditorModel::undo()
 {
     if (const auto step = m_history.undo([this](const QList<QUuid> &ids) { return snapshot(ids); })) {
+        ++m_steps;
         restore(*step);
     }
 }
@@ -299,6 +317,7 @@ void EditorModel::undo()
 void EditorModel::redo()
 {
     if (const auto step = m_history.redo([this](const QList<QUuid> &ids) { return snapshot(ids); })) {
+        ++m_steps;
         restore(*step);
     }
 }
@@ -326,6 +345,7 @@ std::set<QString> EditorModel::retainedFiles() const
 {
     std::set<QString> files = m_session.referencedFiles();
     files.merge(m_history.referencedFiles());
+    files.insert(m_kept.begin(), m_kept.end());
     return files;
 }
 

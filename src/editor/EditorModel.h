@@ -78,6 +78,8 @@ public:
     void select(const QUuid &id);
     /// Replaces the selected photo's settings. The checkpoint of the step is the caller's.
     void update(const FrameSettings &settings);
+    /// The same for any photo, as one step; nothing happens when it has gone.
+    void change(const QUuid &id, const FrameSettings &settings);
     /// Puts as many as there is room for at the front, and selects the first of them. Returns how many.
     qsizetype append(const QList<PhotoItem> &items);
     /// Styles new photos and puts them at the front. `style` and `autoApply` take the place of the last style
@@ -113,9 +115,13 @@ public:
     void checkpoint();
     void undo();
     void redo();
+    /// Changes with every step that is taken, undone or redone: a gesture that sees it change is over.
+    int steps() const { return m_steps; }
 
-    /// The files that the session or a step of the history needs.
+    /// The files that the session, a step of the history or keepFiles() needs.
     std::set<QString> retainedFiles() const;
+    /// Files that work under way still reads, whatever becomes of their photos; none ends that.
+    void keepFiles(const std::set<QString> &files) { m_kept = files; }
     void scheduleSave(SaveScheduler::Moment moment = SaveScheduler::Moment::AfterAPause);
     /// Returns when everything is on the disk.
     void flush();
@@ -147,6 +153,8 @@ private:
     QString m_message;
     bool m_busy = false;
     QString m_importProgress;
+    int m_steps = 0;
+    std::set<QString> m_kept;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(EditorModel::Changes)

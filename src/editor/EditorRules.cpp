@@ -17,15 +17,17 @@ namespace tarnovel {
 SliderCheckpoints::SliderCheckpoints(EditorModel &model, Clock &clock)
     : SliderCheckpoints([&model] { model.checkpoint(); }, clock)
 {
+    m_steps = [&model] { return model.steps(); };
 }
 
 void SliderCheckpoints::change(const QString &key)
 {
     constexpr std::chrono::seconds pause(1);
     const auto now = m_clock.elapsed();
-    if (key != m_key || now - m_time > pause) {
+    if (key != m_key || now - m_time > pause || (m_steps && m_steps() != m_stepsThen)) {
         m_begin();
     }
+    m_stepsThen = m_steps ? m_steps() : 0;
     m_key = key;
     m_time = now;
 }

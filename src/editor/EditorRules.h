@@ -26,13 +26,17 @@ public:
     SliderCheckpoints(EditorModel &model, Clock &clock);
 
     /// To be called before each change that the control `key` makes: a new step begins with another control,
-    /// and when more than a second has passed since the last change.
+    /// when more than a second has passed since the last change, and when a step was taken or undone
+    /// meanwhile.
     void change(const QString &key);
     /// The next change begins a new step.
     void end() { m_key.clear(); }
 
 private:
     std::function<void()> m_begin;
+    /// Where other steps can come between, what changes with each of them.
+    std::function<int()> m_steps;
+    int m_stepsThen = 0;
     Clock &m_clock;
     QString m_key;
     std::chrono::milliseconds m_time{};

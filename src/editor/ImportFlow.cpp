@@ -54,6 +54,9 @@ ImportFlow::~ImportFlow()
 void ImportFlow::start(const ImportRequest &request)
 {
     m_queue.append(request);
+    if (request.mode != ImportMode::Photos && !request.target) {
+        m_queue.last().target = m_model.selected();
+    }
     if (!m_running) {
         next();
     }
@@ -175,13 +178,12 @@ void ImportFlow::finishPicture()
     if (m_items.isEmpty()) {
         return;
     }
-    const PhotoItem *current = m_model.current();
-    if (!current) {
+    const PhotoItem *wanted = m_request.target ? m_model.photo(*m_request.target) : nullptr;
+    if (!wanted) {
         remove(m_items.first().file);
         return;
     }
-    m_model.checkpoint();
-    FrameSettings settings = current->settings;
+    FrameSettings settings = wanted->settings;
     const PhotoItem &picture = m_items.first();
     if (m_request.mode == ImportMode::Background) {
         settings.background = Backdrop::image;
@@ -193,8 +195,7 @@ void ImportFlow::finishPicture()
         logo->imageAspect = picture.height > 0 ? picture.width / picture.height : 1;
         logo->visible = true;
     }
-    m_model.update(settings);
-    m_model.loadPreview();
+    m_model.change(*m_request.target, settings);
 }
 
 void ImportFlow::remove(const QString &file) const

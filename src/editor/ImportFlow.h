@@ -32,6 +32,8 @@ struct ImportRequest {
     std::optional<FrameSettings> style = {};
     /// Applies the last style or not, whatever the preference says.
     std::optional<bool> autoApply = {};
+    /// The photo that a background or a logo is for; the selected one of the moment when absent.
+    std::optional<QUuid> target = {};
 };
 
 /// What an import came to.

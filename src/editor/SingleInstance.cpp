@@ -77,7 +77,7 @@ bool SingleInstance::acquire(const QStringList &photos)
     // The kernel lets go of the lock when its process ends, however it ends; what the file holds means
     // nothing.
     m_lock = open(QFile::encodeName(m_lockPath).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (m_lock < 0 && (errno == EACCES || errno == EROFS || errno == EPERM)) {
+    if (m_lock < 0) {
         return true; // a library that cannot be written has no owner to disturb
     }
     QElapsedTimer timer;

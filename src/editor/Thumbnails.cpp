@@ -23,6 +23,8 @@ constexpr std::array<int, 3> sourcePixels = {400, 800, 1600};
 /// What the blurred backdrop is made from, as on the canvas.
 constexpr int blurSourcePixels = 500;
 constexpr int companionPixels = 400;
+/// A full session in the strip, on the pages and in the cards, twice.
+constexpr size_t mostEntries = 400;
 
 int sourceSize(QSize canvas)
 {
@@ -57,6 +59,7 @@ QImage Thumbnails::image(const QString &key, const PhotoItem &item, QSize box)
     const QSize canvas = canvasIn(box, item);
     const Key place(key, std::max(box.width(), box.height()));
     Entry &entry = m_entries[place];
+    entry.used = ++m_uses;
     const bool fresh = entry.canvas == canvas && entry.item.file == item.file &&
                        entry.item.size() == item.size() && entry.item.settings == item.settings &&
                        (!entry.image.isNull() || entry.failed);
@@ -76,6 +79,23 @@ QImage Thumbnails::image(const QString &key, const PhotoItem &item, QSize box)
     m_queue.push_back(place);
     next();
     return entry.image;
+}
+
+void Thumbnails::prune()
+{
+    if (m_entries.size() <= mostEntries) {
+        return;
+    }
+    std::vector<quint64> uses;
+    for (const auto &[key, entry] : m_entries) {
+        uses.push_back(entry.used);
+    }
+    const auto middle = uses.begin() + static_cast<std::ptrdiff_t>(uses.size() / 2);
+    std::nth_element(uses.begin(), middle, uses.end());
+    std::erase_if(m_entries, [this, oldest = *middle](const auto &row) {
+        return row.second.used < oldest &&
+               std::find(m_queue.begin(), m_queue.end(), row.first) == m_queue.end();
+    });
 }
 
 void Thumbnails::next()
@@ -213,6 +233,7 @@ void Thumbnails::finish(const QImage &image)
     if (entry.item == job->item && entry.canvas == job->canvas) {
         entry.failed = image.isNull();
     }
+    prune();
     Q_EMIT ready(job->key.first);
     next();
 }

@@ -32,8 +32,6 @@ public:
     QImage image(const QString &key, const PhotoItem &item, QSize box);
     /// The photo's file has been tried and cannot be read.
     bool unreadable(const QString &file) const { return m_unreadable.contains(file); }
-    /// Drops what has been asked for and not begun.
-    void dropQueue() { m_queue.clear(); }
     bool idle() const { return !m_job && m_queue.empty(); }
 
     /// The canvas that fits into a box.
@@ -49,6 +47,8 @@ private:
         QSize canvas;
         QImage image;
         bool failed = false;
+        /// When it was last asked for.
+        quint64 used = 0;
     };
     struct Job {
         Key key;
@@ -65,6 +65,8 @@ private:
     };
 
     void next();
+    /// Forgets the pictures that have not been asked for for long.
+    void prune();
     void load(size_t index, const std::shared_ptr<const std::vector<Source>> &sources);
     void loaded(size_t index, const std::shared_ptr<const std::vector<Source>> &sources, const QImage &image);
     void draw();
@@ -73,6 +75,7 @@ private:
 
     ImagePipeline &m_pipeline;
     std::map<Key, Entry> m_entries;
+    quint64 m_uses = 0;
     std::vector<Key> m_queue;
     std::unique_ptr<Job> m_job;
     QCache<QString, QImage> m_sources;

@@ -209,6 +209,98 @@ TEST_F(EditorWindow, EditsTextsOnThePicture)
     EXPECT_EQ(QApplication::focusWidget(), canvas) << "the keyboard returns";
 }
 
+TEST_F(EditorWindow, TheSmallEditorGoesWithItsText)
+{
+    m_world->import({photo(u"one"_s)});
+    window().state().setTool(Tool::Text);
+    click(named<Button>(u"Add text"_s));
+    const QString id = *window().state().selectedLayer();
+    page().canvas()->setFocus();
+    Q_EMIT page().canvas()->editTextAsked(id);
+    auto *overlay = window().findChild<Overlay *>();
+    ASSERT_NE(overlay, nullptr);
+    model().undo();
+    EXPECT_FALSE(settings().layer(id));
+    EXPECT_FALSE(overlay->isVisible());
+}
+
+TEST_F(EditorWindow, AGestureThatIsUndoneIsOver)
+{
+    m_world->import({photo(u"one"_s)});
+    CanvasView *canvas = page().canvas();
+    const QPoint from = canvas->frameRect().center().toPoint();
+    QTest::mousePress(canvas, Qt::LeftButton, {}, from);
+    QTest::mouseMove(canvas, from + QPoint(60, 0));
+    EXPECT_NE(settings().x, 0);
+    model().undo();
+    QTest::mouseMove(canvas, from + QPoint(120, 0));
+    QTest::mouseRelease(canvas, Qt::LeftButton, {}, from + QPoint(120, 0));
+    EXPECT_EQ(settings().x, 0) << "what follows would be a change without a step";
+    EXPECT_TRUE(model().canRedo());
+}
+
+TEST_F(EditorWindow, ThePictureOfOnePhotoStaysWithIt)
+{
+    m_world->import({photo(u"one"_s), photo(u"two"_s)});
+    const QUuid chosen = *model().selected();
+    m_world->answers().picture = {photo(u"paper"_s)};
+    Q_EMIT window().state().backgroundAsked();
+    model().select(model().photos().at(1).id);
+    m_world->settle();
+    EXPECT_EQ(model().photo(chosen)->settings.background, Backdrop::image);
+    EXPECT_EQ(settings().background, Backdrop::solid);
+}
+
+TEST_F(EditorWindow, ARunKeepsTheFilesOfPhotosThatAreRemoved)
+{
+    m_world->import(
+        {photo(u"one"_s, {3000, 2000}), photo(u"two"_s, {3000, 2000}), photo(u"three"_s, {3000, 2000})});
+    m_world->answers().folder = m_folder.filePath(u"out"_s);
+    QDir().mkpath(m_world->answers().folder);
+    page().showExport(true);
+    click(named<Button>(u"Export 3 photos to folder…"_s));
+    model().removePhotos({model().photos().last().id});
+    model().scheduleSave(SaveScheduler::Moment::AtOnce);
+    ASSERT_TRUE(waitFor([this] { return !page().exporting()->working(); }));
+    EXPECT_EQ(QDir(m_world->answers().folder).entryList(QDir::Files).size(), 3);
+    EXPECT_EQ(page().exporting()->folderExport().error(), QString());
+}
+
+TEST_F(EditorWindow, NoKeyReachesWhatLiesUnderASheet)
+{
+    m_world->import({photo(u"one"_s)});
+    QTest::keyClick(page().canvas(), Qt::Key_F1);
+    for (const auto &[key, modifier] :
+         {std::pair(Qt::Key_F1, Qt::NoModifier), std::pair(Qt::Key_Comma, Qt::ControlModifier),
+          std::pair(Qt::Key_M, Qt::ControlModifier), std::pair(Qt::Key_4, Qt::AltModifier)}) {
+        QTest::keyClick(QApplication::focusWidget(), key, modifier);
+    }
+    EXPECT_EQ(window().findChildren<Overlay *>().size(), 1);
+    EXPECT_EQ(window().currentPage(), &page());
+    EXPECT_EQ(window().state().tool(), Tool::Templates);
+}
+
+TEST_F(EditorWindow, TheStripScrollsWithoutAsking)
+{
+    QStringList files;
+    for (int i = 0; i < 20; ++i) {
+        files.append(photo(QString::number(i), {60, 40}));
+    }
+    m_world->import(files);
+    StripView *strip = page().strip()->view();
+    const QUuid selected = *model().selected();
+    QTest::mousePress(strip, Qt::LeftButton, {}, QPoint(400, 30));
+    QTest::mouseMove(strip, QPoint(380, 30));
+    QTest::mouseMove(strip, QPoint(300, 30));
+    QTest::qWait(700);
+    QTest::mouseRelease(strip, Qt::LeftButton, {}, QPoint(300, 30));
+    EXPECT_EQ(window().findChild<Overlay *>(), nullptr);
+    EXPECT_EQ(model().selected(), selected);
+    strip->setFocus();
+    QTest::keyClick(strip, Qt::Key_End);
+    EXPECT_EQ(model().selected(), model().photos().last().id);
+}
+
 TEST_F(EditorWindow, SaysWhatCouldNotBeReadAndKeepsTheRest)
 {
     QFile broken(m_folder.filePath(u"broken.jpg"_s));

@@ -438,18 +438,19 @@ void CanvasView::keyPressEvent(QKeyEvent *event)
     }
     const std::optional<QString> &layer = m_context.state.selectedLayer();
     const double step = event->modifiers() & Qt::ShiftModifier ? largeNudgeStep : nudgeStep;
+    const auto kind = event->isAutoRepeat() ? CanvasGestures::Nudge::Repeat : CanvasGestures::Nudge::Step;
     switch (event->key()) {
     case Qt::Key_Left:
-        m_gestures.nudge(layer, {-step, 0});
+        m_gestures.nudge(layer, {-step, 0}, kind);
         break;
     case Qt::Key_Right:
-        m_gestures.nudge(layer, {step, 0});
+        m_gestures.nudge(layer, {step, 0}, kind);
         break;
     case Qt::Key_Up:
-        m_gestures.nudge(layer, {0, -step});
+        m_gestures.nudge(layer, {0, -step}, kind);
         break;
     case Qt::Key_Down:
-        m_gestures.nudge(layer, {0, step});
+        m_gestures.nudge(layer, {0, step}, kind);
         break;
     case Qt::Key_Plus:
     case Qt::Key_Equal:
@@ -467,8 +468,10 @@ void CanvasView::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Escape:
         if (m_context.state.colorTaker()) {
             m_context.state.endPicking();
-        } else {
+        } else if (layer) {
             m_context.state.selectLayer({});
+        } else {
+            QWidget::keyPressEvent(event);
         }
         break;
     default:

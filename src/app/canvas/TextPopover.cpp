@@ -39,14 +39,15 @@ QHBoxLayout *colorRow(Overlay *card, const EditorContext &context, const TextLay
     row->addWidget(dots, 1);
     row->addWidget(hide);
     QObject::connect(dots, &ColorDots::chosenColor, card, [&edits, dots, id = layer.id](const QColor &color) {
-        edits.step([&](FrameSettings &settings) { settings.layer(id)->ink = inkOf(color); });
+        edits.step([&](FrameSettings &settings) { layerIn(settings, id).ink = inkOf(color); });
         dots->setColor(color);
     });
     QObject::connect(dots, &ColorDots::dragged, card, [&edits, id = layer.id](const QColor &color) {
-        edits.slide(u"ink "_s + id, [&](FrameSettings &settings) { settings.layer(id)->ink = inkOf(color); });
+        edits.slide(u"ink "_s + id,
+                    [&](FrameSettings &settings) { layerIn(settings, id).ink = inkOf(color); });
     });
     QObject::connect(hide, &QPushButton::clicked, card, [&edits, card, id = layer.id] {
-        edits.step([&](FrameSettings &settings) { settings.layer(id)->visible = false; });
+        edits.step([&](FrameSettings &settings) { layerIn(settings, id).visible = false; });
         card->close();
     });
     return row;
@@ -78,13 +79,21 @@ Overlay *editTextOnCanvas(QWidget *window, const EditorContext &context, const Q
     card->column()->addLayout(colorRow(card, context, layer));
     QObject::connect(text, &QLineEdit::textEdited, card, [&edits, layerId](const QString &typed) {
         edits.slide(u"text "_s + layerId,
-                    [&](FrameSettings &settings) { settings.layer(layerId)->text = typed; });
+                    [&](FrameSettings &settings) { layerIn(settings, layerId).text = typed; });
     });
     QObject::connect(text, &QLineEdit::returnPressed, card, &Overlay::close);
     QObject::connect(font, &Items::chosen, card, [&edits, layerId](int index) {
-        edits.step([&](FrameSettings &settings) { settings.layer(layerId)->fontStyle = fontAt(index); });
+        edits.step([&](FrameSettings &settings) { layerIn(settings, layerId).fontStyle = fontAt(index); });
     });
     QObject::connect(card, &Overlay::closed, card, [&edits] { edits.endSlide(); });
+    // The editor goes with its text.
+    QObject::connect(&context.model, &EditorModel::changed, card,
+                     [card, &model = context.model, photoId = photo->id, layerId] {
+                         const PhotoItem *now = model.current();
+                         if (!now || now->id != photoId || !now->settings.layer(layerId)) {
+                             card->close();
+                         }
+                     });
     card->setCardSize({cardWidth, 0});
     card->anchorAt(inWindow);
     card->open();

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QAccessible>
 #include <QBoxLayout>
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -290,6 +291,9 @@ void ExportPanel::refresh()
 void ExportPanel::showRun()
 {
     const bool busy = working();
+    if (!busy) {
+        m_context.model.keepFiles({});
+    }
     for (QWidget *option : {static_cast<QWidget *>(m_destination), static_cast<QWidget *>(m_which),
                             static_cast<QWidget *>(m_size), static_cast<QWidget *>(m_format)}) {
         option->setEnabled(!busy);
@@ -328,14 +332,27 @@ void ExportPanel::start()
         return;
     }
     if (toLibrary()) {
+        keepFiles(photos);
         m_library.start(photos, m_choices.options());
         return;
     }
     m_chooser.folder(window(), [this](const QString &folder) {
-        if (!working()) {
-            m_folder.start(m_choices.photos(m_context.model), m_choices.options(), folder);
+        const QList<PhotoItem> chosen = m_choices.photos(m_context.model);
+        if (!working() && !chosen.isEmpty()) {
+            keepFiles(chosen);
+            m_folder.start(chosen, m_choices.options(), folder);
         }
     });
+}
+
+void ExportPanel::keepFiles(const QList<PhotoItem> &photos)
+{
+    std::set<QString> files;
+    for (const PhotoItem &photo : photos) {
+        files.insert(photo.file);
+        files.merge(photo.settings.referencedFiles());
+    }
+    m_context.model.keepFiles(files);
 }
 
 void ExportPanel::cancel()
@@ -357,8 +374,20 @@ void ExportPanel::folderChanged()
         m_lastResult = result->id;
         Q_EMIT exportedToFolder();
     }
-    if (!m_folder.working() && !m_folder.error().isEmpty() && !isVisible()) {
-        m_context.state.say(Wording::local(m_folder.error()), Toast::Kind::Error);
+    tellError(m_folder.working() ? QString() : m_folder.error());
+}
+
+void ExportPanel::tellError(const QString &error)
+{
+    if (error == m_told) {
+        return;
+    }
+    m_told = error;
+    if (!error.isEmpty() && !isVisible()) {
+        m_context.state.say(Wording::local(error), Toast::Kind::Error);
+    } else if (!error.isEmpty()) {
+        QAccessibleEvent alert(m_error, QAccessible::Alert);
+        QAccessible::updateAccessibility(&alert);
     }
 }
 
@@ -366,6 +395,7 @@ void ExportPanel::libraryChanged()
 {
     m_cancel->setEnabled(true);
     showRun();
+    tellError(m_library.phase() == LibraryExport::Phase::Idle ? m_library.error() : QString());
 }
 
 void ExportPanel::changeEvent(QEvent *event)

@@ -52,9 +52,13 @@ private:
     void showRun();
     void choose(const std::function<void(ExportChoices &)> &change);
     void start();
+    /// Photos may be removed from the session while a run still reads their files.
+    void keepFiles(const QList<PhotoItem> &photos);
     void cancel();
     void folderChanged();
     void libraryChanged();
+    /// Once for each error: to the screen reader, and as a message when the panel is closed.
+    void tellError(const QString &error);
     bool toLibrary() const;
 
     EditorContext m_context;
@@ -63,6 +67,7 @@ private:
     LibraryExport m_library;
     ExportChoices m_choices;
     QUuid m_lastResult;
+    QString m_told;
     QWidget *m_options;
     Segments *m_destination;
     Segments *m_which;

@@ -1,6 +1,7 @@
 #include "app/export/SuccessSheet.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include <QBoxLayout>
@@ -43,34 +44,50 @@ protected:
 
 class Thumbs : public QWidget {
 public:
-    explicit Thumbs(const QList<QImage> &images) : m_images(images) { setFixedHeight(thumbnailHeight + 56); }
+    explicit Thumbs(std::function<QList<QImage>()> images) : m_images(std::move(images))
+    {
+        setFixedHeight(thumbnailHeight + 56);
+    }
 
 protected:
     void paintEvent(QPaintEvent *) override
     {
-        QPainter painter(this);
-        double total = (static_cast<double>(m_images.size()) - 1) * thumbnailGap;
-        QList<QSizeF> sizes;
-        for (const QImage &image : m_images) {
-            sizes.append(QSizeF(image.size()).scaled(QSizeF(192, thumbnailHeight), Qt::KeepAspectRatio));
-            total += sizes.last().width();
+        const QList<QImage> images = m_images();
+        if (images.size() != m_scaled.size()) {
+            scale(images);
         }
-        const double scale = std::min(1.0, width() / total);
-        double x = (width() - total * scale) / 2;
-        for (qsizetype i = 0; i < m_images.size(); ++i) {
-            const QSizeF size = sizes.at(i) * scale;
+        QPainter painter(this);
+        const double total = std::accumulate(
+            m_scaled.begin(), m_scaled.end(), (double(m_scaled.size()) - 1) * thumbnailGap,
+            [](double sum, const QImage &image) { return sum + image.deviceIndependentSize().width(); });
+        double x = (width() - total) / 2;
+        for (const QImage &image : m_scaled) {
+            const QSizeF size = image.deviceIndependentSize();
             const QRectF box(x, 8 + (thumbnailHeight - size.height()) / 2, size.width(), size.height());
             drawShadow(painter, box, 0, Elevation::Frame);
-            const QSize pixels = (size * devicePixelRatioF()).toSize();
-            painter.drawImage(box,
-                              m_images.at(i).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+            painter.drawImage(box, image);
             Paint::outline(painter, box, 0, theme().rim);
-            x += size.width() + thumbnailGap * scale;
+            x += size.width() + thumbnailGap;
         }
     }
 
 private:
-    QList<QImage> m_images;
+    void scale(const QList<QImage> &images)
+    {
+        m_scaled.clear();
+        const double room = (width() - 3.0 * thumbnailGap) / 4;
+        for (const QImage &image : images) {
+            const QSizeF size =
+                QSizeF(image.size())
+                    .scaled(QSizeF(std::max(room, 80.0), thumbnailHeight), Qt::KeepAspectRatio);
+            m_scaled.append(image.scaled((size * devicePixelRatioF()).toSize(), Qt::IgnoreAspectRatio,
+                                         Qt::SmoothTransformation));
+            m_scaled.last().setDevicePixelRatio(devicePixelRatioF());
+        }
+    }
+
+    std::function<QList<QImage>()> m_images;
+    QList<QImage> m_scaled;
 };
 
 /// A path as the user writes it.
@@ -140,9 +157,7 @@ Overlay *showSuccess(QWidget *window, const Success &success, std::function<void
         Type::Body, [text = shortPath(success.folder)] { return text; }, Label::Tone::Secondary);
     column->addWidget(centred(path));
     column->addSpacing(28);
-    if (!success.thumbnails.isEmpty()) {
-        column->addWidget(new Thumbs(success.thumbnails));
-    }
+    column->addWidget(new Thumbs(success.thumbnails));
     if (success.quote) {
         const PhotographyQuote quote = *success.quote;
         column->addWidget(centred(new Label(Type::Quote, [quote] {

@@ -20,7 +20,8 @@ struct Success {
     Phrase heading;
     QString folder;
     QStringList files;
-    QList<QImage> thumbnails;
+    /// Asked for again whenever the sheet is painted: they arrive after the files.
+    std::function<QList<QImage>()> thumbnails;
     std::optional<PhotographyQuote> quote;
 };
 

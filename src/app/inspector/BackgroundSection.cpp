@@ -61,9 +61,6 @@ BackgroundSection::BackgroundSection(const EditorContext &context) : Section(con
         const auto kind = static_cast<Backdrop>(index);
         edits().step([kind](FrameSettings &settings) { settings.background = kind; });
         model().loadPreview();
-        if (kind == Backdrop::image && model().current() && !model().current()->settings.backgroundFile) {
-            Q_EMIT this->context().state.backgroundAsked();
-        }
     });
 }
 

@@ -59,11 +59,11 @@ void CameraSection::addRow(Row &row, const Text &title)
     column()->addSpacing(12);
     const QString id = QString::fromLatin1(row.id);
     connect(row.visible, &Switch::toggledByUser, this, [this, id](bool on) {
-        edits().step([&id, on](FrameSettings &settings) { settings.layer(id)->visible = on; });
+        edits().step([&id, on](FrameSettings &settings) { layerIn(settings, id).visible = on; });
     });
     connect(row.text, &QLineEdit::textEdited, this, [this, id](const QString &text) {
         edits().slide(u"text "_s + id,
-                      [&id, &text](FrameSettings &settings) { settings.layer(id)->text = text; });
+                      [&id, &text](FrameSettings &settings) { layerIn(settings, id).text = text; });
     });
     connect(row.text, &QLineEdit::editingFinished, this, [this, field = row.text] {
         field->setModified(false);

@@ -64,8 +64,6 @@ CanvasSection::CanvasSection(const EditorContext &context) : Section(context)
     const NumberField::Range range{.low = 0.1, .high = 100, .step = 1, .decimals = -1};
     m_width = new NumberField(said({"宽", "Width", "Largeur"}), range);
     m_height = new NumberField(said({"高", "Height", "Hauteur"}), range);
-    m_width->setPrefix(u"W"_s);
-    m_height->setPrefix(u"H"_s);
     auto *row = new QHBoxLayout;
     row->setSpacing(8);
     for (NumberField *field : {m_width, m_height}) {
@@ -104,6 +102,8 @@ double CanvasSection::ratioOf(int index) const
 void CanvasSection::display(const PhotoItem &photo)
 {
     m_tiles->update();
+    m_width->setPrefix(localized({"宽", "W", "L"}));
+    m_height->setPrefix(localized({"高", "H", "H"}));
     m_width->setValue(photo.settings.customWidth);
     m_height->setValue(photo.settings.customHeight);
 }

@@ -4,6 +4,7 @@
 
 #include <QBoxLayout>
 
+#include "app/inspector/Section.h"
 #include "app/kit/Field.h"
 #include "app/kit/Label.h"
 #include "app/kit/PositionPad.h"
@@ -54,12 +55,12 @@ LayerShape::LayerShape(const EditorContext &context)
     column->addWidget(m_rotation);
     connect(m_size, &Slider::changed, this, [this](double value) {
         m_context.edits.slide(u"size "_s + m_id, [this, value](FrameSettings &settings) {
-            settings.layer(m_id)->size = value / 100;
+            layerIn(settings, m_id).size = value / 100;
         });
     });
     connect(m_rotation, &Slider::changed, this, [this](double value) {
         m_context.edits.slide(u"rotation "_s + m_id, [this, value](FrameSettings &settings) {
-            settings.layer(m_id)->rotation = value == 0 ? std::nullopt : std::optional(value);
+            layerIn(settings, m_id).rotation = value == 0 ? std::nullopt : std::optional(value);
         });
     });
     for (Slider *slider : {m_size, m_rotation}) {
@@ -109,14 +110,14 @@ LayerPlace::LayerPlace(const EditorContext &context)
         const QPointF place = QuickPositions::place(QuickPositions::all.at(static_cast<size_t>(index)),
                                                     *photo->settings.layer(m_id), referenceCanvas(*photo));
         m_context.edits.step([this, place](FrameSettings &settings) {
-            settings.layer(m_id)->x = place.x();
-            settings.layer(m_id)->y = place.y();
+            layerIn(settings, m_id).x = place.x();
+            layerIn(settings, m_id).y = place.y();
         });
     });
     const auto types = [this](NumberField *field, double TextLayer::*axis) {
         connect(field, &NumberField::valueTyped, this, [this, axis](double value) {
             m_context.edits.slide(u"place "_s + m_id, [this, axis, value](FrameSettings &settings) {
-                settings.layer(m_id)->*axis = value / 100;
+                layerIn(settings, m_id).*axis = value / 100;
             });
         });
     };

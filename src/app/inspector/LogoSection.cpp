@@ -53,15 +53,15 @@ LogoSection::LogoSection(const EditorContext &context) : Section(context)
     connect(m_choose, &QPushButton::clicked, &context.state, &EditorState::logoAsked);
     connect(m_remove, &QPushButton::clicked, this, [this] {
         edits().step([](FrameSettings &settings) {
-            TextLayer *logo = settings.layer(logoId());
-            logo->imageFile.reset();
-            logo->imageAspect.reset();
-            logo->visible = false;
+            TextLayer &logo = layerIn(settings, logoId());
+            logo.imageFile.reset();
+            logo.imageAspect.reset();
+            logo.visible = false;
         });
         model().loadPreview();
     });
     connect(m_visible, &Switch::toggledByUser, this, [this](bool on) {
-        edits().step([on](FrameSettings &settings) { settings.layer(logoId())->visible = on; });
+        edits().step([on](FrameSettings &settings) { layerIn(settings, logoId()).visible = on; });
         model().loadPreview();
     });
 }

@@ -6,6 +6,7 @@
 #include <QEvent>
 #include <QPainter>
 
+#include "app/kit/Field.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Label.h"
 #include "app/kit/Theme.h"
@@ -73,6 +74,13 @@ Ink inkOf(const QColor &color)
     return {color.red() / 255.0, color.green() / 255.0, color.blue() / 255.0};
 }
 
+TextLayer &layerIn(FrameSettings &settings, const QString &id)
+{
+    thread_local TextLayer gone;
+    TextLayer *layer = settings.layer(id);
+    return layer ? *layer : gone = TextLayer();
+}
+
 QString layerTitle(const TextLayer &layer)
 {
     static constexpr std::array names = std::to_array<std::pair<const char *, Text>>({
@@ -107,9 +115,18 @@ Section::Section(const EditorContext &context, QWidget *parent)
 
 void Section::refresh()
 {
-    if (const PhotoItem *photo = model().current()) {
-        display(*photo);
+    const PhotoItem *photo = model().current();
+    if (!photo) {
+        return;
     }
+    // What was being typed was meant for the photo before.
+    if (m_photo != photo->id) {
+        m_photo = photo->id;
+        for (Field *field : findChildren<Field *>()) {
+            field->setModified(false);
+        }
+    }
+    display(*photo);
 }
 
 void Section::showEvent(QShowEvent *event)

@@ -42,6 +42,7 @@ protected:
 private:
     EditorContext m_context;
     QVBoxLayout *m_column;
+    QUuid m_photo;
 };
 
 /// A hairline of its own, with room above and below.
@@ -50,6 +51,9 @@ QWidget *makeRule();
 QWidget *makeHint(const char *icon, Phrase phrase);
 
 Ink inkOf(const QColor &color);
+
+/// The layer with this id, or one that nobody keeps when it has gone meanwhile.
+TextLayer &layerIn(FrameSettings &settings, const QString &id);
 
 /// What the user reads for a layer, in the current language.
 QString layerTitle(const TextLayer &layer);

@@ -101,8 +101,9 @@ TextSection::TextSection(const EditorContext &context) : Section(context)
     });
     connect(m_list, &LayerList::visibilityAsked, this, [this](int index) {
         const QString id = m_list->layers().at(index).id;
-        edits().step(
-            [&id](FrameSettings &settings) { settings.layer(id)->visible = !settings.layer(id)->visible; });
+        edits().step([&id](FrameSettings &settings) {
+            layerIn(settings, id).visible = !layerIn(settings, id).visible;
+        });
     });
     connect(m_list, &Items::menuRequested, this, [this](int index) {
         if (isOwn(m_list->layers().at(index).id)) {
@@ -143,10 +144,10 @@ void TextSection::addEditor()
 
     connect(m_text, &QLineEdit::textEdited, this, [this](const QString &text) {
         edits().slide(u"text "_s + m_id, [this, text](FrameSettings &settings) {
-            TextLayer *layer = settings.layer(m_id);
+            TextLayer &layer = layerIn(settings, m_id);
             // Whoever types into a hidden text wants to see it.
-            layer->visible = layer->visible || layer->text != text;
-            layer->text = text;
+            layer.visible = layer.visible || layer.text != text;
+            layer.text = text;
         });
     });
     connect(m_text, &QLineEdit::editingFinished, this, [this] {
@@ -155,14 +156,15 @@ void TextSection::addEditor()
     });
     connect(m_font, &Items::chosen, this, [this](int index) {
         edits().step(
-            [this, index](FrameSettings &settings) { settings.layer(m_id)->fontStyle = fontAt(index); });
+            [this, index](FrameSettings &settings) { layerIn(settings, m_id).fontStyle = fontAt(index); });
     });
     connect(m_ink, &ColorDots::chosenColor, this, [this](const QColor &color) {
-        edits().step([this, &color](FrameSettings &settings) { settings.layer(m_id)->ink = inkOf(color); });
+        edits().step([this, &color](FrameSettings &settings) { layerIn(settings, m_id).ink = inkOf(color); });
     });
     connect(m_ink, &ColorDots::dragged, this, [this](const QColor &color) {
-        edits().slide(u"ink "_s + m_id,
-                      [this, &color](FrameSettings &settings) { settings.layer(m_id)->ink = inkOf(color); });
+        edits().slide(u"ink "_s + m_id, [this, &color](FrameSettings &settings) {
+            layerIn(settings, m_id).ink = inkOf(color);
+        });
     });
     connect(m_remove, &QPushButton::clicked, this, &TextSection::removeLayer);
 }

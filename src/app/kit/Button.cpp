@@ -43,6 +43,12 @@ void Button::setIconName(const char *icon)
     update();
 }
 
+void Button::setHint(Phrase hint)
+{
+    m_hint = std::move(hint);
+    refresh();
+}
+
 void Button::setKeyHint(const QString &key)
 {
     m_key = key;
@@ -80,7 +86,11 @@ void Button::refresh()
     const QString text = m_phrase ? m_phrase() : QString();
     setText(m_face == Face::Text ? QString(text).replace(u'&', u"&&"_s) : QString());
     setAccessibleName(text);
-    setToolTip(m_face == Face::Text ? QString() : m_key.isEmpty() ? text : text + u"  "_s + m_key);
+    if (m_hint) {
+        setToolTip(m_hint());
+    } else {
+        setToolTip(m_face == Face::Text ? QString() : m_key.isEmpty() ? text : text + u"  "_s + m_key);
+    }
     updateGeometry();
     update();
 }

@@ -32,6 +32,8 @@ public:
 
     void setPhrase(Phrase phrase);
     void setIconName(const char *icon);
+    /// The tooltip of a button whose text does not say all.
+    void setHint(Phrase hint);
     /// Shown after the text, or in the tooltip; the key itself belongs to an action.
     void setKeyHint(const QString &key);
     /// 28, 32 or 40 pixels high.
@@ -63,6 +65,7 @@ private:
     Kind m_kind;
     Face m_face;
     Phrase m_phrase;
+    Phrase m_hint;
     const char *m_icon;
     QString m_key;
     int m_height = 32;

@@ -108,6 +108,13 @@ void Items::mousePressEvent(QMouseEvent *event)
     update();
 }
 
+void Items::cancelPress()
+{
+    m_longPress.stop();
+    m_pressed = -1;
+    update();
+}
+
 void Items::mouseMoveEvent(QMouseEvent *event)
 {
     const int index = itemAt(event->position().toPoint());
@@ -206,14 +213,14 @@ void Items::moveCursor(int key)
     if (key == Qt::Key_Home) {
         next = 0;
     } else if (key == Qt::Key_End) {
-        next = count() - 1;
+        next = lastItem();
     } else {
         next = nextInDirection(key);
     }
     if (next < 0 || next >= count()) {
         return;
     }
-    if (m_arrows == Arrows::Choose) {
+    if (arrowsChoose(next)) {
         choose(next);
     } else {
         setCursorItem(next);

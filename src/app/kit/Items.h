@@ -78,6 +78,12 @@ protected:
     bool event(QEvent *event) override;
 
     int hovered() const { return m_hovered; }
+    /// The press that is under way will neither choose nor ask: it has become a drag.
+    void cancelPress();
+    /// Where the End key goes.
+    virtual int lastItem() const { return count() - 1; }
+    /// Whether an arrow key that comes to the item chooses it.
+    virtual bool arrowsChoose(int) const { return m_arrows == Arrows::Choose; }
 
 private:
     void moveCursor(int key);

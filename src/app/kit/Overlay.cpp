@@ -26,7 +26,8 @@ Overlay::Overlay(Kind kind, QWidget *window, Phrase name)
       m_kind(kind),
       m_name(std::move(name)),
       m_card(new QWidget(this)),
-      m_column(new QVBoxLayout(m_card))
+      m_column(new QVBoxLayout(m_card)),
+      m_owner(window)
 {
     setFocusPolicy(Qt::NoFocus);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -57,7 +58,7 @@ void Overlay::open()
     m_before = QApplication::focusWidget();
     for (Overlay *other : parentWidget()->findChildren<Overlay *>(Qt::FindDirectChildrenOnly)) {
         if (other != this && other->isVisible() && other->m_kind == Kind::Popover &&
-            m_kind == Kind::Popover && !other->isAncestorOf(m_before)) {
+            m_kind == Kind::Popover && !other->isAncestorOf(m_owner)) {
             other->close();
         }
     }
@@ -150,12 +151,9 @@ void Overlay::keyPressEvent(QKeyEvent *event)
 bool Overlay::event(QEvent *event)
 {
     // Nor of the shortcuts of its window.
-    if (event->type() == QEvent::ShortcutOverride && m_kind == Kind::Sheet) {
-        const auto *key = static_cast<QKeyEvent *>(event);
-        if (key->modifiers() & Qt::ControlModifier || key->key() == Qt::Key_Delete) {
-            event->accept();
-            return true;
-        }
+    if (event->type() == QEvent::ShortcutOverride) {
+        event->accept();
+        return true;
     }
     if (event->type() == QEvent::LayoutRequest && isVisible()) {
         place();

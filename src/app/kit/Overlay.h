@@ -49,6 +49,7 @@ private:
     QWidget *m_card;
     QVBoxLayout *m_column;
     QSize m_wanted;
+    QPointer<QWidget> m_owner;
     QPointer<QWidget> m_anchor;
     QPoint m_point;
     QPointer<QWidget> m_before;

@@ -134,6 +134,9 @@ void ManageGrid::paintItem(QPainter &painter, int index, const State &state)
     if (state.chosen || state.focused) {
         Paint::outline(painter, card.adjusted(-4, -4, 4, 4), 11, look.accent, state.chosen ? 2 : 1.5);
     }
+    if (state.chosen && state.focused) {
+        Paint::outline(painter, card.adjusted(1, 1, -1, -1), 7, look.accent, 1.5);
+    }
     const QRectF check(card.left(), card.bottom() + 12, box, box);
     if (state.chosen) {
         Paint::rounded(painter, check, 5, look.accent);

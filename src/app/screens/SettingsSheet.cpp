@@ -75,6 +75,9 @@ protected:
             Paint::outline(painter, QRectF(box).adjusted(-4, -4, 4, 4), 12, theme().accent,
                            state.chosen ? 2 : 1);
         }
+        if (state.chosen && state.focused) {
+            Paint::outline(painter, QRectF(box).adjusted(1, 1, -1, -1), 7, theme().accent, 1.5);
+        }
         painter.setFont(typeFont(state.chosen ? Type::CaptionStrong : Type::Caption));
         painter.setPen(state.chosen ? theme().ink : theme().inkSecondary);
         painter.drawText(QRect(box.left(), box.bottom() + 8, box.width(), 18), Qt::AlignCenter,

@@ -46,7 +46,11 @@ EditorActions::EditorActions(QWidget *window)
 
 void EditorActions::connectTo(Act act, const std::function<void()> &done)
 {
-    connect(action(act), &QAction::triggered, this, [done] { done(); });
+    connect(action(act), &QAction::triggered, this, [this, done] {
+        if (!m_blocked()) {
+            done();
+        }
+    });
 }
 
 void EditorActions::setEnabled(Act act, bool enabled)

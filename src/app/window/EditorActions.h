@@ -2,6 +2,7 @@
 
 #include <array>
 #include <functional>
+#include <utility>
 
 #include <QObject>
 
@@ -36,12 +37,15 @@ public:
     explicit EditorActions(QWidget *window);
 
     QAction *action(Act act) const { return m_actions.at(static_cast<size_t>(act)); }
+    /// While this holds, the keys do nothing.
+    void blockWhen(std::function<bool()> blocked) { m_blocked = std::move(blocked); }
     void connectTo(Act act, const std::function<void()> &done);
     void setEnabled(Act act, bool enabled);
     /// Asks for the names again.
     void retranslate();
 
 private:
+    std::function<bool()> m_blocked = [] { return false; };
     std::array<QAction *, static_cast<size_t>(Act::Count)> m_actions = {};
 };
 

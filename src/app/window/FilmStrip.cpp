@@ -282,7 +282,10 @@ void StripView::mouseMoveEvent(QMouseEvent *event)
 {
     if (m_pressed && event->buttons() & Qt::LeftButton) {
         const double way = event->position().x() - m_pressed->x();
-        m_dragging = m_dragging || std::abs(way) > dragDistance;
+        if (!m_dragging && std::abs(way) > dragDistance) {
+            m_dragging = true;
+            cancelPress();
+        }
         if (m_dragging) {
             scrollTo(m_offsetAtPress - qRound(way));
             return;
@@ -296,10 +299,6 @@ void StripView::mouseReleaseEvent(QMouseEvent *event)
     m_pressed.reset();
     if (m_dragging) {
         m_dragging = false;
-        // Let go of the item without choosing it.
-        QMouseEvent outside(QEvent::MouseButtonRelease, QPointF(-1, -1), QPointF(-1, -1), Qt::LeftButton,
-                            Qt::NoButton, Qt::NoModifier);
-        Items::mouseReleaseEvent(&outside);
         return;
     }
     Items::mouseReleaseEvent(event);
@@ -324,7 +323,8 @@ bool StripView::event(QEvent *event)
                                this);
         } else if (index >= 0) {
             QToolTip::showText(help->globalPos(),
-                               isAddTile(index) ? itemName(index) : m_context.model.photos().at(index).name,
+                               isAddTile(index) ? itemName(index)
+                                                : m_context.model.photos().at(index).name.toHtmlEscaped(),
                                this);
         }
         return true;
@@ -358,9 +358,9 @@ FilmStrip::FilmStrip(const EditorContext &context)
     header->addStretch();
     auto *preview =
         new Button(Button::Kind::Ghost, said({"套图预览", "Preview set", "Aperçu de la série"}), "grid");
-    preview->setToolTip(
-        localized({"像帖子一样预览整组照片，拖动可排序", "Preview the set like a post and drag to reorder",
-                   "Prévisualiser la série comme un post et la réordonner"}));
+    preview->setHint(
+        said({"像帖子一样预览整组照片，拖动可排序", "Preview the set like a post and drag to reorder",
+              "Prévisualiser la série comme un post et la réordonner"}));
     auto *manage = new Button(Button::Kind::Ghost, said({"管理", "Manage", "Gérer"}), "manage");
     m_remove->setKeyHint(localized({"Delete", "Delete", "Suppr"}));
     for (Button *button : {preview, manage, m_remove}) {
@@ -404,6 +404,7 @@ void FilmStrip::showPhoto()
 void FilmStrip::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange) {
+        m_remove->setKeyHint(localized({"Delete", "Delete", "Suppr"}));
         showPhoto();
     }
     QWidget::changeEvent(event);

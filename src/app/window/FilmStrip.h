@@ -25,6 +25,8 @@ public:
     bool itemEnabled(int index) const override;
     bool itemChosen(int index) const override;
     bool isAddTile(int index) const;
+    int lastItem() const override { return count() - 2; }
+    bool arrowsChoose(int index) const override { return !isAddTile(index); }
 
 protected:
     void paintItem(QPainter &painter, int index, const State &state) override;

@@ -53,13 +53,14 @@ MainWindow::MainWindow(const WindowServices &services)
     m_pages->setContentsMargins(0, 0, 0, 0);
     m_pages->addWidget(m_page);
     new FocusRing(this);
+    m_actions->blockWhen([this] { return overlayOpen(); });
     connectActions();
     connectState();
     for (size_t i = 0; i < toolRows.size(); ++i) {
         const QString key = i < 9 ? QString::number(i + 1) : i == 9 ? u"0"_s : u"-"_s;
         auto *shortcut = new QShortcut(QKeySequence(u"Alt+"_s + key), this);
         connect(shortcut, &QShortcut::activated, this, [this, i] {
-            if (currentPage() == m_page && !m_page->atHome()) {
+            if (currentPage() == m_page && !m_page->atHome() && !overlayOpen()) {
                 m_page->showExport(false);
                 state().setTool(toolRows.at(i).tool);
             }
@@ -145,6 +146,13 @@ void MainWindow::connectState()
 CollageScreen *MainWindow::collage() const
 {
     return m_collage;
+}
+
+bool MainWindow::overlayOpen() const
+{
+    const QList<Overlay *> overlays = findChildren<Overlay *>(Qt::FindDirectChildrenOnly);
+    return std::any_of(overlays.begin(), overlays.end(),
+                       [](const Overlay *overlay) { return overlay->isVisible(); });
 }
 
 QWidget *MainWindow::currentPage() const
@@ -329,15 +337,18 @@ void MainWindow::paste()
     }
     const QImage image = qvariant_cast<QImage>(copied->imageData());
     if (image.isNull() || !m_pasted.isValid()) {
+        state().say(localized({"剪贴板里没有图片。", "There is no picture on the clipboard.",
+                               "Il n’y a pas d’image dans le presse-papiers."}),
+                    Toast::Kind::Plain);
         return;
     }
     const QString name = localized({"粘贴的图片", "Pasted picture", "Image collée"});
     const QString path = m_pasted.filePath(u"%1 %2.png"_s.arg(name).arg(++m_pastes));
-    QThreadPool::globalInstance()->start([this, image, path] {
+    QThreadPool::globalInstance()->start([window = QPointer<MainWindow>(this), image, path] {
         const bool saved = image.save(path, "PNG", 90);
-        QMetaObject::invokeMethod(this, [this, path, saved] {
-            if (saved) {
-                import({path}, ImportMode::Photos, ImportSource::Files);
+        QMetaObject::invokeMethod(qApp, [window, path, saved] {
+            if (saved && window) {
+                window->import({path}, ImportMode::Photos, ImportSource::Files);
             }
         });
     });
@@ -398,21 +409,22 @@ void MainWindow::applyToAll()
 
 void MainWindow::showFolderSuccess()
 {
-    // Thumbnails come a moment after the result; the sheet waits for them.
     ExportPanel *panel = m_page->exporting();
-    const auto open = [this, panel] {
-        const std::optional<ExportResult> &result = panel->folderExport().result();
-        if (!result || m_success) {
-            return;
-        }
-        const qsizetype count = result->files.size();
-        m_success = showSuccess(this,
-                                {[count] { return ExportTexts::exported(count); }, result->folder,
-                                 result->files, result->thumbnails, result->quote},
-                                [this](const QString &text) { state().say(text, Toast::Kind::Done); });
-        connect(m_success, &Overlay::closed, this, [panel] { panel->dismissResult(); });
-    };
-    open();
+    const std::optional<ExportResult> &result = panel->folderExport().result();
+    if (!result || m_success) {
+        return;
+    }
+    const qsizetype count = result->files.size();
+    m_success = showSuccess(this,
+                            {[count] { return ExportTexts::exported(count); }, result->folder, result->files,
+                             [panel] {
+                                 const std::optional<ExportResult> &now = panel->folderExport().result();
+                                 return now ? now->thumbnails : QList<QImage>();
+                             },
+                             result->quote},
+                            [this](const QString &text) { state().say(text, Toast::Kind::Done); });
+    connect(&panel->folderExport(), &FolderExport::changed, m_success, qOverload<>(&QWidget::update));
+    connect(m_success, &Overlay::closed, this, [panel] { panel->dismissResult(); });
 }
 
 void MainWindow::showLibrarySuccess()
@@ -424,8 +436,9 @@ void MainWindow::showLibrarySuccess()
     m_success =
         showSuccess(this,
                     {[] { return LibraryExport::savedText(); }, QFileInfo(run.saved().first()).absolutePath(),
-                     run.saved(), run.thumbnails(), run.quote()},
+                     run.saved(), [&run] { return run.thumbnails(); }, run.quote()},
                     [this](const QString &text) { state().say(text, Toast::Kind::Done); });
+    connect(&run, &LibraryExport::changed, m_success, qOverload<>(&QWidget::update));
 }
 
 void MainWindow::placeToast()
@@ -470,6 +483,10 @@ void MainWindow::closeEvent(QCloseEvent *event)
 {
     if (m_page->exporting()->working() && !m_closing) {
         event->ignore();
+        if (overlayOpen()) {
+            return;
+        }
+        showEditor();
         ask(m_page->bar(),
             {said({"停止导出？", "Stop exporting?", "Arrêter l’export ?"}),
              said({"已导出的照片会保留。", "Photos that are already exported stay.",
@@ -481,10 +498,13 @@ void MainWindow::closeEvent(QCloseEvent *event)
             });
         return;
     }
-    if (currentPage() == m_collage && m_collage->studio() && m_collage->studio()->canUndo() && !m_closing) {
-        event->ignore();
+    if (currentPage() == m_collage && m_collage->studio() && !m_closing) {
         m_collage->askToClose();
-        return;
+        // An empty studio is left at once; an arranged board asks first.
+        if (currentPage() == m_collage) {
+            event->ignore();
+            return;
+        }
     }
     if (currentPage() == m_handwriting && m_handwriting->hasUnsavedInk() && !m_closing) {
         event->ignore();
@@ -506,7 +526,9 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
         return;
     }
     if (event->key() == Qt::Key_Escape && currentPage() == m_page) {
-        if (m_services.editor.model.busy()) {
+        if (state().colorTaker()) {
+            state().endPicking();
+        } else if (m_services.editor.model.busy()) {
             m_services.editor.imports.cancel();
         } else if (m_page->exportShown()) {
             m_page->showExport(false);
@@ -534,13 +556,21 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
                   : backgroundWanted() ? DropVeil::Offer::Background
                                        : DropVeil::Offer::Photos,
                   count);
-    // Even what cannot be used is accepted, or the drag would not tell when it leaves.
-    event->acceptProposedAction();
+    m_dropUsable = count > 0;
+    acceptDrag(event);
 }
 
 void MainWindow::dragMoveEvent(QDragMoveEvent *event)
 {
-    event->acceptProposedAction();
+    acceptDrag(event);
+}
+
+void MainWindow::acceptDrag(QDropEvent *event) const
+{
+    // What cannot be used is accepted for nothing: the pointer says so, and the drag tells when it leaves.
+    event->setDropAction(m_dropUsable || currentPage() == m_collage ? event->proposedAction()
+                                                                    : Qt::IgnoreAction);
+    event->accept();
 }
 
 void MainWindow::dragLeaveEvent(QDragLeaveEvent *)

@@ -78,6 +78,8 @@ private:
     void connectState();
     void modelChanged(EditorModel::Changes changes);
     void updateActions();
+    bool overlayOpen() const;
+    void acceptDrag(QDropEvent *event) const;
     void showPage(QWidget *page);
     void import(const QStringList &files, ImportMode mode, ImportSource source);
     bool backgroundWanted() const;
@@ -106,6 +108,7 @@ private:
     QTemporaryDir m_pasted;
     int m_pastes = 0;
     bool m_closing = false;
+    bool m_dropUsable = false;
 };
 
 } // namespace tarnovel

@@ -1,7 +1,6 @@
 #include "app/window/ToolPanel.h"
 
 #include <QBoxLayout>
-#include <QEvent>
 #include <QPainter>
 #include <QStackedWidget>
 
@@ -63,7 +62,7 @@ ToolPanel::ToolPanel(const EditorContext &context)
     footer->setContentsMargins(inset, 0, inset, 0);
     footer->setSpacing(8);
     m_applyToAll->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    m_applyToAll->setToolTip(u"Ctrl+Return"_s);
+    m_applyToAll->setHint([] { return u"Ctrl+Return"_s; });
     m_saveStyle->setKeyHint(u"Ctrl+S"_s);
     footer->addWidget(m_applyToAll, 1);
     footer->addWidget(m_saveStyle);
@@ -133,14 +132,6 @@ void ToolPanel::showTool()
     m_pages->setCurrentWidget(m_areas.at(index));
     m_title->setPhrase(said(toolRows.at(index).title));
     m_reset->setVisible(shown->canReset());
-}
-
-void ToolPanel::changeEvent(QEvent *event)
-{
-    if (event->type() == QEvent::LanguageChange) {
-        m_applyToAll->setToolTip(u"Ctrl+Return"_s);
-    }
-    QWidget::changeEvent(event);
 }
 
 void ToolPanel::paintEvent(QPaintEvent *)
