@@ -63,8 +63,10 @@ bool CollageGestures::grabDivider(QPointF point)
     if (!found || !m_studio.editable()) {
         return false;
     }
-    const QPointF place = placeOf(*found, m_studio.design().node.node(found->path)->ratio);
+    const double ratio = m_studio.design().node.node(found->path)->ratio;
+    const QPointF place = placeOf(*found, ratio);
     m_divider = found->id();
+    m_ratioLabel = CollageGeometry::ratioText(ratio);
     m_grip = place - point;
     m_lastSnapped = CollageGeometry::dragDivider(*found, place).snapped;
     m_dividerBegun = false;
@@ -74,7 +76,7 @@ bool CollageGestures::grabDivider(QPointF point)
 void CollageGestures::dragDivider(QPointF point)
 {
     const std::optional<CollageDivider> held = m_divider ? divider(*m_divider) : std::nullopt;
-    if (!held || !isFinite(point) || !m_studio.editable()) {
+    if (!held || !isFinite(point) || !m_studio.editable() || over(m_dividerBegun)) {
         return;
     }
     const CollageGeometry::Drag drag = CollageGeometry::dragDivider(*held, point + m_grip);
@@ -86,8 +88,7 @@ void CollageGestures::dragDivider(QPointF point)
     CollageDesign design = m_studio.design();
     design.node.setRatio(held->path, drag.ratio);
     if (design != m_studio.design() && !m_dividerBegun) {
-        m_studio.checkpoint();
-        m_dividerBegun = true;
+        begin(m_dividerBegun);
     }
     m_studio.update(design);
 }
@@ -106,9 +107,13 @@ QString CollageGestures::nudgeDivider(const QString &id, double share)
         return {};
     }
     CollageDesign design = m_studio.design();
-    const double ratio = design.node.node(held->path)->ratio + share;
-    design.node.setRatio(held->path, CollageGeometry::heldRatio(ratio));
-    m_studio.change(design, u"divider "_s + id);
+    const double old = design.node.node(held->path)->ratio;
+    const double ratio = CollageGeometry::heldRatio(old + share);
+    // A layout of many cells has dividers outside the limits: those do not jump against the key.
+    if ((ratio - old) * share > 0) {
+        design.node.setRatio(held->path, ratio);
+        m_studio.change(design, u"divider "_s + id);
+    }
     return CollageGeometry::ratioText(m_studio.design().node.node(held->path)->ratio);
 }
 
@@ -136,13 +141,27 @@ CollageCell CollageGestures::moved(int slot, const CollageCell &from, QPointF tr
     return cell;
 }
 
+bool CollageGestures::over(bool begun) const
+{
+    return begun && m_studio.steps() != m_stepsThen;
+}
+
+void CollageGestures::begin(bool &begun)
+{
+    m_studio.checkpoint();
+    m_stepsThen = m_studio.steps();
+    begun = true;
+}
+
 void CollageGestures::setCell(int slot, const CollageCell &cell, bool &begun)
 {
+    if (over(begun)) {
+        return;
+    }
     CollageDesign design = m_studio.design();
     design.cells[slot] = cell;
     if (design != m_studio.design() && !begun) {
-        m_studio.checkpoint();
-        begun = true;
+        begin(begun);
     }
     m_studio.update(design);
 }

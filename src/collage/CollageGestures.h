@@ -60,6 +60,9 @@ private:
     /// The cell with its photo moved.
     CollageCell moved(int slot, const CollageCell &from, QPointF translation,
                       CollageEdits::CentrePull pull) const;
+    /// Whether the gesture at hand has been undone, or cut short by another step.
+    bool over(bool begun) const;
+    void begin(bool &begun);
     void setCell(int slot, const CollageCell &cell, bool &begun);
 
     CollageStudio &m_studio;
@@ -70,6 +73,7 @@ private:
     bool m_lastSnapped = false;
     bool m_dividerBegun = false;
     int m_snapTick = 0;
+    int m_stepsThen = 0;
     std::optional<Start> m_pan;
     bool m_panBegun = false;
     std::optional<Start> m_pinch;

@@ -268,6 +268,7 @@ void CollageStudio::checkpoint()
     if (!editable()) {
         return;
     }
+    ++m_steps;
     m_sliders.end();
     m_undo.append(m_design);
     if (m_undo.size() > mostSteps) {
@@ -277,8 +278,24 @@ void CollageStudio::checkpoint()
     tell(HistoryChanged);
 }
 
+std::optional<int> CollageStudio::selectionIn(const CollageDesign &design) const
+{
+    if (!m_selected || !hasSlot(*m_selected)) {
+        return std::nullopt;
+    }
+    const QUuid photo = m_design.cells.at(*m_selected).photo;
+    for (qsizetype i = 0; i < design.cells.size(); ++i) {
+        if (design.cells.at(i).photo == photo) {
+            return static_cast<int>(i);
+        }
+    }
+    // Another photo in the same cell keeps it selected; a photo that has left takes its selection along.
+    return design.cells.size() == m_design.cells.size() ? m_selected : std::nullopt;
+}
+
 void CollageStudio::adopt(const CollageDesign &design)
 {
+    const std::optional<int> selected = selectionIn(design);
     m_design = design;
     QList<QUuid> photos;
     for (const CollageCell &cell : design.cells) {
@@ -289,8 +306,8 @@ void CollageStudio::adopt(const CollageDesign &design)
         m_picked = photos;
         changes |= PhotosChanged;
     }
-    if (m_selected && !hasSlot(*m_selected)) {
-        m_selected.reset();
+    if (m_selected != selected) {
+        m_selected = selected;
         changes |= SelectionChanged;
     }
     m_images.show(photosOf(design), m_photos.tiles());
@@ -319,6 +336,7 @@ void CollageStudio::change(const CollageDesign &design, const QString &key)
 
 void CollageStudio::move(QList<CollageDesign> &from, QList<CollageDesign> &to)
 {
+    ++m_steps;
     to.append(m_design);
     m_sliders.end();
     adopt(from.takeLast());

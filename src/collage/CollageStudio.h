@@ -140,6 +140,8 @@ public:
     bool canUndo() const { return editable() && !m_undo.isEmpty(); }
     bool canRedo() const { return editable() && !m_redo.isEmpty(); }
     void undo();
+    /// Changes with every step that is taken, undone or redone.
+    int steps() const { return m_steps; }
     void redo();
     /// Begins a step, for a change that consists of several updates.
     void checkpoint();
@@ -179,6 +181,8 @@ private:
     QList<PhotoItem> photosOf(const CollageDesign &design) const;
     CollagePlan boardPlan() const;
     CollageView view(const CollageDesign &design, const CollagePlan &plan) const;
+    /// The cell of the selected photo in another design.
+    std::optional<int> selectionIn(const CollageDesign &design) const;
     void adopt(const CollageDesign &design);
     bool hasSlot(int slot) const { return slot >= 0 && slot < m_design.cells.size(); }
     /// Asks for a selection when there is none.
@@ -201,6 +205,7 @@ private:
     QList<CollageDesign> m_undo;
     QList<CollageDesign> m_redo;
     std::optional<int> m_selected;
+    int m_steps = 0;
     QSizeF m_stage{900, 900};
     double m_devicePixelRatio = 1;
     int m_limitNotice = 0;

@@ -81,10 +81,6 @@ void CollageStudio::swapCells(int slot, int other)
     CollageDesign design = m_design;
     design.cells.swapItemsAt(slot, other);
     change(design);
-    if (m_selected == slot || m_selected == other) {
-        m_selected = m_selected == slot ? other : slot;
-        tell(SelectionChanged);
-    }
 }
 
 void CollageStudio::replacePhoto(int slot, const QUuid &photo)
@@ -104,9 +100,15 @@ void CollageStudio::replacePhoto(int slot, const QUuid &photo)
 
 void CollageStudio::replacePhoto(int slot, const QString &path)
 {
-    m_photos.open({path}, [this, slot](const QList<QUuid> &photos, qsizetype unreadable) {
-        if (!photos.isEmpty()) {
-            replacePhoto(slot, photos.first());
+    if (m_choosing || !hasSlot(slot)) {
+        return;
+    }
+    // Cells may be swapped while the file is opened: what it is to replace is the photo.
+    m_photos.open({path}, [this, old = m_design.cells.at(slot).photo](const QList<QUuid> &photos,
+                                                                      qsizetype unreadable) {
+        const qsizetype place = m_picked.indexOf(old);
+        if (!photos.isEmpty() && place >= 0) {
+            replacePhoto(static_cast<int>(place), photos.first());
         }
         if (unreadable > 0) {
             filesUnreadable(unreadable);

@@ -45,6 +45,43 @@ TEST_F(Dividers, FollowTheFingerAndSnapOnce)
     EXPECT_FALSE(m_studio.canUndo());
 }
 
+TEST_F(Dividers, OfManyCellsDoNotJumpAgainstTheKey)
+{
+    open({0, 1, 2, 3, 4, 5, 6, 7, 8});
+    m_studio.choosePreset(u"row"_s);
+    const CollageDesign before = m_studio.design();
+    const QString first = m_studio.layout().dividers.first().id();
+    m_gestures.nudgeDivider(first, -0.01);
+    EXPECT_EQ(m_studio.design(), before);
+    m_gestures.nudgeDivider(first, 0.01);
+    EXPECT_NE(m_studio.design(), before);
+}
+
+TEST_F(Dividers, ADragThatIsUndoneIsOver)
+{
+    open({3, 0, 4});
+    const CollageDivider root = m_studio.layout().dividers.first();
+    const double middle = root.parent.top() + 90;
+    ASSERT_TRUE(m_gestures.grabDivider({root.position, middle}));
+    m_gestures.dragDivider({root.position - 40, middle});
+    m_studio.undo();
+    m_gestures.dragDivider({root.position - 80, middle});
+    EXPECT_DOUBLE_EQ(rootRatio(), 0.62);
+    EXPECT_TRUE(m_studio.canRedo());
+}
+
+TEST_F(Views, TheSelectionStaysWithItsPhoto)
+{
+    open({3, 0, 4, 5});
+    m_studio.select(2);
+    const QUuid photo = photoOf(2);
+    m_studio.toggle(photoOf(0));
+    ASSERT_TRUE(m_studio.selected());
+    EXPECT_EQ(photoOf(*m_studio.selected()), photo);
+    m_studio.toggle(photo);
+    EXPECT_FALSE(m_studio.selected());
+}
+
 TEST_F(Dividers, OfAnInnerSplitAnswerInTheirPartOnly)
 {
     open({3, 0, 4});

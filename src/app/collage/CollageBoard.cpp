@@ -199,10 +199,10 @@ void CollageBoard::paintMissing(QPainter &painter, const CollageView &view) cons
         if (view.images.contains(slot)) {
             continue;
         }
-        const QRectF cell = rect.translated(origin);
-        painter.fillRect(cell, theme().surfaceMuted);
+        // The cell shows its paper; only what is wrong with it is said here.
         if (m_studio.unreadable(slot)) {
-            Icons::draw(painter, "warn", cell.center() - QPointF(10, 10), 20, theme().danger);
+            Icons::draw(painter, "warn", rect.translated(origin).center() - QPointF(10, 10), 20,
+                        Theme::light().danger);
         }
     }
 }

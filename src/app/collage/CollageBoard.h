@@ -12,6 +12,7 @@
 #include "collage/CollageGestures.h"
 
 class QNativeGestureEvent;
+class QPinchGesture;
 
 namespace tarnovel {
 
@@ -110,6 +111,7 @@ private:
     void setTarget(std::optional<int> slot);
     std::optional<int> dropSlot(const QDropEvent *event) const;
     void takeColor(QPointF position);
+    void pinch(const QPinchGesture &fingers);
     bool nativeGesture(QNativeGestureEvent *event);
 
     EditorContext m_context;
@@ -119,6 +121,8 @@ private:
     std::optional<Lift> m_lift;
     std::optional<int> m_target;
     QBasicTimer m_longPress;
+    /// The cell under two fingers.
+    std::optional<int> m_pinched;
     /// The read-out of a divider that the keyboard moved.
     QString m_nudged;
     QBasicTimer m_nudgeEnd;

@@ -79,7 +79,6 @@ void CollageBoard::mousePressEvent(QMouseEvent *event)
     const QPointF point = position - boardRect().topLeft();
     if (m_gestures.grabDivider(point)) {
         moveTo(itemAt(position.toPoint()));
-        m_gestures.dragDivider(point);
     } else if (const std::optional<int> slot = slotAt(position)) {
         moveTo(*slot);
         m_press = {*slot, position};
@@ -219,6 +218,24 @@ bool CollageBoard::nativeGesture(QNativeGestureEvent *event)
     return true;
 }
 
+void CollageBoard::pinch(const QPinchGesture &fingers)
+{
+    // The first finger's pan ends where the second one lands.
+    m_longPress.stop();
+    m_press.reset();
+    m_gestures.endPan();
+    if (!m_pinched) {
+        m_pinched = slotAt(mapFromGlobal(fingers.centerPoint()));
+    }
+    if (m_pinched) {
+        m_gestures.pinchPhoto(*m_pinched, fingers.totalScaleFactor());
+    }
+    if (fingers.state() == Qt::GestureFinished || fingers.state() == Qt::GestureCanceled) {
+        m_gestures.endPinch();
+        m_pinched.reset();
+    }
+}
+
 bool CollageBoard::event(QEvent *event)
 {
     if (event->type() == QEvent::NativeGesture) {
@@ -227,13 +244,7 @@ bool CollageBoard::event(QEvent *event)
     if (event->type() == QEvent::Gesture) {
         const auto *gestures = static_cast<QGestureEvent *>(event);
         if (const auto *fingers = static_cast<QPinchGesture *>(gestures->gesture(Qt::PinchGesture))) {
-            m_longPress.stop();
-            const std::optional<int> slot = slotAt(fingers->startCenterPoint());
-            if (slot && fingers->state() == Qt::GestureUpdated) {
-                m_gestures.pinchPhoto(*slot, fingers->totalScaleFactor());
-            } else if (fingers->state() != Qt::GestureStarted) {
-                m_gestures.endPinch();
-            }
+            pinch(*fingers);
             return true;
         }
     }

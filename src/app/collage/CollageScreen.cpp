@@ -68,7 +68,7 @@ void CollageScreen::begin()
     column->addWidget(m_pages, 1);
     m_column->addWidget(m_visit);
     m_visit->show();
-    connect(m_bar, &CollageBar::closeAsked, this, &CollageScreen::askToClose);
+    connect(m_bar, &CollageBar::closeAsked, this, [this] { askToClose(); });
     connect(m_chooser, &CollageChooser::filesAsked, this, &CollageScreen::chooseFiles);
     connect(m_photos, &PhotoColumn::filesAsked, this, &CollageScreen::chooseFiles);
     connect(m_board, &CollageBoard::replaceAsked, this, &CollageScreen::replaceFromFile);
@@ -171,13 +171,22 @@ void CollageScreen::replaceFromFile(int slot)
     });
 }
 
-void CollageScreen::askToClose()
+void CollageScreen::askToClose(const std::function<void()> &then)
 {
     if (!m_studio) {
         return;
     }
-    if (!m_arranged) {
+    const auto leaveThen = [this, then] {
         leave();
+        if (then) {
+            then();
+        }
+    };
+    if (!m_arranged) {
+        leaveThen();
+        return;
+    }
+    if (m_question) {
         return;
     }
     m_question = ask(m_bar->closeButton(),
@@ -185,7 +194,7 @@ void CollageScreen::askToClose()
                       said({"版式和调整不会保留。", "Its layout and adjustments will be lost.",
                             "Sa mise en page et ses réglages seront perdus."}),
                       said({"放弃", "Discard", "Abandonner"})},
-                     [this] { leave(); });
+                     leaveThen);
 }
 
 void CollageScreen::leave()

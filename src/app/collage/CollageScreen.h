@@ -37,7 +37,8 @@ public:
     /// Files that were dropped on the window: they join the photos on offer and those chosen.
     void addFiles(const QStringList &paths);
     /// Leaves, after a question if an arranged board would be lost.
-    void askToClose();
+    /// `then` is called once the visit has ended.
+    void askToClose(const std::function<void()> &then = {});
 
     /// Null before the first visit and after each.
     CollageStudio *studio() const { return m_studio.get(); }

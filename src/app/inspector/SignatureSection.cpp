@@ -12,9 +12,14 @@ namespace tarnovel {
 
 namespace {
 
-constexpr double usualWidth = 0.42;
-constexpr double usualX = 0.5;
-constexpr double usualY = 0.9;
+/// Of records that say nothing.
+constexpr double absentWidth = 0.42;
+constexpr double absentX = 0.5;
+constexpr double absentY = 0.9;
+/// As the handwriting page saves it.
+constexpr double writtenWidth = 1;
+constexpr double writtenX = 0.5;
+constexpr double writtenY = 0.5;
 
 Slider::Range position(double usual)
 {
@@ -51,9 +56,9 @@ SignatureSection::SignatureSection(const EditorContext &context) : Section(conte
     controls->addWidget(makeRule());
     m_size = new Slider(
         said({"大小", "Size", "Taille"}),
-        {.low = 2, .high = 100, .step = 1, .decimals = 0, .unit = u" %"_s, .usual = usualWidth * 100});
-    m_x = new Slider(said({"水平位置", "Horizontal position", "Position horizontale"}), position(usualX));
-    m_y = new Slider(said({"垂直位置", "Vertical position", "Position verticale"}), position(usualY));
+        {.low = 2, .high = 100, .step = 1, .decimals = 0, .unit = u" %"_s, .usual = writtenWidth * 100});
+    m_x = new Slider(said({"水平位置", "Horizontal position", "Position horizontale"}), position(writtenX));
+    m_y = new Slider(said({"垂直位置", "Vertical position", "Position verticale"}), position(writtenY));
     for (Slider *slider : {m_size, m_x, m_y}) {
         controls->addWidget(slider);
         connect(slider, &Slider::released, this, [this] { edits().endSlide(); });
@@ -92,18 +97,19 @@ void SignatureSection::display(const PhotoItem &photo)
                                : said({"书写…", "Write…", "Écrire…"}));
     if (present) {
         m_well->setPicture(model().previews().handwriting);
-        m_size->setValue(settings.handwritingWidth.value_or(usualWidth) * 100);
-        m_x->setValue(settings.handwritingX.value_or(usualX) * 100);
-        m_y->setValue(settings.handwritingY.value_or(usualY) * 100);
+        m_size->setValue(settings.handwritingWidth.value_or(absentWidth) * 100);
+        m_x->setValue(settings.handwritingX.value_or(absentX) * 100);
+        m_y->setValue(settings.handwritingY.value_or(absentY) * 100);
     }
 }
 
 void SignatureSection::reset()
 {
+    // Where it was written: over the whole frame.
     edits().step([](FrameSettings &settings) {
-        settings.handwritingX.reset();
-        settings.handwritingY.reset();
-        settings.handwritingWidth.reset();
+        settings.handwritingX = writtenX;
+        settings.handwritingY = writtenY;
+        settings.handwritingWidth = writtenWidth;
     });
 }
 

@@ -10,6 +10,7 @@
 #include <QShortcut>
 #include <QStackedLayout>
 #include <QThreadPool>
+#include <QTimer>
 
 #include "app/Wording.h"
 #include "app/canvas/CanvasView.h"
@@ -499,12 +500,9 @@ void MainWindow::closeEvent(QCloseEvent *event)
         return;
     }
     if (currentPage() == m_collage && m_collage->studio() && !m_closing) {
-        m_collage->askToClose();
-        // An empty studio is left at once; an arranged board asks first.
-        if (currentPage() == m_collage) {
-            event->ignore();
-            return;
-        }
+        event->ignore();
+        m_collage->askToClose([this] { QTimer::singleShot(0, this, [this] { close(); }); });
+        return;
     }
     if (currentPage() == m_handwriting && m_handwriting->hasUnsavedInk() && !m_closing) {
         event->ignore();
