@@ -229,6 +229,29 @@ TEST_F(CollageScreenTest, ALongPressLiftsACellAndDroppingItSwaps)
     EXPECT_TRUE(m_closed.isEmpty());
 }
 
+TEST_F(CollageScreenTest, TwoFingersZoomTheCellUnderThem)
+{
+    openBoard({0, 1, 2, 3});
+    const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+    const QPoint centre = middle(1);
+    const QPoint arm(20, 0);
+    QTest::touchEvent(&board(), screen.get())
+        .press(0, centre - arm, &board())
+        .press(1, centre + arm, &board());
+    for (int i = 1; i <= 8; ++i) {
+        const QPoint wider = arm * (8 + i) / 8;
+        QTest::touchEvent(&board(), screen.get())
+            .move(0, centre - wider, &board())
+            .move(1, centre + wider, &board());
+    }
+    QTest::touchEvent(&board(), screen.get())
+        .release(0, centre - 2 * arm, &board())
+        .release(1, centre + 2 * arm, &board());
+    EXPECT_GT(cell(1).zoom, 1.3);
+    EXPECT_EQ(cell(1).offset, QSizeF(0, 0)) << "two fingers do not pan";
+    EXPECT_EQ(cell(0).zoom, 1);
+}
+
 TEST_F(CollageScreenTest, EveryCellAndDividerIsReachedAndMovedByKeys)
 {
     openBoard({0, 3, 4});
