@@ -141,6 +141,10 @@ void HandwritingController::endStroke()
     }
     m_path->finish();
     const auto stroke = std::make_shared<const DryStroke>(std::exchange(m_stroke, {}), m_path->path());
+    if (!InkRenderer::marks(*stroke, m_referenceSize)) {
+        penCancel(); // written beside the page, where nothing is kept
+        return;
+    }
     m_path.reset();
     m_page.add(stroke);
     Q_EMIT inkChanged(m_surface.dry(*stroke));

@@ -182,6 +182,24 @@ TEST_F(Tools, WriteInTheirOwnWayAndMoveWithoutWriting)
     EXPECT_EQ(m_studio.drawing().size(), 2);
 }
 
+TEST_F(Tools, LeaveNothingBesideThePage)
+{
+    m_studio.setWidth(24);
+    write({-60, 300}, {-60, 300});
+    write({1300, 300}, {1200, 1500});
+    write({-200, 40}, {40, -200}); // about the corner: only the bounds of it meet the page
+    EXPECT_TRUE(m_studio.isEmpty());
+    EXPECT_FALSE(m_studio.canUndo());
+    EXPECT_FALSE(m_studio.save());
+    QImage bare(m_studio.ink().size(), m_studio.ink().format());
+    bare.fill(Qt::transparent);
+    EXPECT_EQ(m_studio.ink(), bare);
+    write({-8, 300}, {-8, 500}); // the nib reaches in
+    EXPECT_EQ(m_studio.drawing().size(), 1);
+    write({-100, 700}, {1200, 700});
+    EXPECT_EQ(m_studio.drawing().size(), 2);
+}
+
 TEST_F(Tools, EraseByTheToolOrTheOtherEndOfThePen)
 {
     write({100, 100}, {400, 100});
