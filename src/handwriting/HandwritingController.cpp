@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "language/AppLanguage.h"
 
@@ -114,7 +115,9 @@ void HandwritingController::penUp(const InkSample &sample)
 
 void HandwritingController::penCancel()
 {
-    m_eraserAt.reset();
+    if (std::exchange(m_eraserAt, std::nullopt)) {
+        drawingChanged(m_page.takeErasingBack());
+    }
     if (m_path) {
         m_path.reset();
         Q_EMIT inkChanged(m_surface.abandon());

@@ -62,7 +62,7 @@ public:
     void penDown(const InkSample &sample, PenEnd end = PenEnd::Tip);
     void penMove(const InkSample &sample);
     void penUp(const InkSample &sample);
-    /// The stroke was none after all: a second finger has come down.
+    /// The stroke was none after all: a second finger has come down. What it erased is back.
     void penCancel();
     bool penIsDown() const { return m_path || m_eraserAt; }
 

@@ -225,6 +225,36 @@ TEST_F(Tools, EraseByTheToolOrTheOtherEndOfThePen)
     EXPECT_EQ(m_studio.drawing().size(), 2);
 }
 
+TEST_F(Tools, GiveBackWhatAGestureErased)
+{
+    write({100, 100}, {400, 100});
+    write({100, 200}, {400, 200});
+    write({100, 300}, {400, 300});
+    m_studio.undo();
+    const InkDrawing before = m_studio.drawing();
+    const QImage shown = m_studio.ink();
+    m_studio.setTool(HandwritingTool::eraser);
+    m_studio.penDown({{250, 80}, 0});
+    m_studio.penMove({{250, 150}, 0.01});
+    m_studio.penMove({{250, 220}, 0.02});
+    EXPECT_TRUE(m_studio.isEmpty());
+    m_studio.penCancel();
+    EXPECT_FALSE(m_studio.penIsDown());
+    EXPECT_EQ(m_studio.drawing(), before);
+    EXPECT_EQ(m_studio.ink(), shown);
+    m_studio.redo();
+    EXPECT_EQ(m_studio.drawing().size(), 3);
+    // A touch that met no ink has nothing to give back.
+    m_studio.penDown({{250, 600}, 0});
+    m_studio.penCancel();
+    EXPECT_EQ(m_studio.drawing().size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        m_studio.undo();
+    }
+    EXPECT_TRUE(m_studio.isEmpty());
+    EXPECT_FALSE(m_studio.canUndo());
+}
+
 TEST_F(Tools, ShowTheInkOfTheViewAtEveryZoom)
 {
     m_studio.setTool(HandwritingTool::fountain);
