@@ -224,6 +224,29 @@ TEST_F(HandwritingScreenTest, ATabletPenPressesAndItsOtherEndErases)
     EXPECT_EQ(studio().tool(), HandwritingTool::signature);
 }
 
+TEST_F(HandwritingScreenTest, ThePenTakesOverFromAPalmThatRestsFirst)
+{
+    const QPointingDevice tip = tablet(QPointingDevice::PointerType::Pen);
+    touch({{at(0.6, 0.8), Finger::Down}});
+    touch({{at(0.62, 0.8), Finger::Moves}});
+    EXPECT_TRUE(studio().penIsDown());
+    pen(QEvent::TabletPress, at(0.2, 0.5), 0.5, tip);
+    touch({{at(0.64, 0.8), Finger::Moves}});
+    pen(QEvent::TabletMove, at(0.3, 0.5), 0.5, tip);
+    pen(QEvent::TabletRelease, at(0.4, 0.5), 0, tip);
+    // The palm slides away after the pen.
+    touch({{at(0.66, 0.8), Finger::Moves}});
+    EXPECT_FALSE(studio().penIsDown());
+    touch({{at(0.68, 0.8), Finger::Up}});
+    ASSERT_EQ(drawing().size(), 1);
+    const QList<InkSample> samples = drawing().first()->stroke.samples;
+    ASSERT_EQ(samples.size(), 3);
+    EXPECT_TRUE(samples.first().pressure);
+    touch({{at(0.2, 0.8), Finger::Down}});
+    touch({{at(0.3, 0.8), Finger::Up}});
+    EXPECT_EQ(drawing().size(), 2);
+}
+
 TEST_F(HandwritingScreenTest, OneFingerWritesAndTwoMoveThePage)
 {
     touch({{at(0.2, 0.5), Finger::Down}});

@@ -220,6 +220,14 @@ void InkCanvas::letGo(Device device, const InkSample &sample)
     showCursor();
 }
 
+void InkCanvas::dropFinger()
+{
+    if (holds(Device::Finger)) {
+        m_studio->penCancel();
+        m_hold.reset();
+    }
+}
+
 bool InkCanvas::takeColor(QPointF position)
 {
     if (!m_state.colorTaker() || !m_studio) {
@@ -282,6 +290,7 @@ void InkCanvas::tabletEvent(QTabletEvent *event)
                          : HandwritingController::PenEnd::Tip;
     switch (event->type()) {
     case QEvent::TabletPress:
+        dropFinger();
         if (event->button() == Qt::MiddleButton) {
             take(Device::Tablet, Grip::Move, sampleOf(*event), end);
         } else if (event->button() == Qt::LeftButton && !takeColor(event->position())) {
@@ -329,7 +338,7 @@ bool InkCanvas::touch(const QTouchEvent &event)
         m_pinched = false;
     } else if (holds(Device::Finger)) {
         follow(Device::Finger, sample);
-    } else if (!m_pinched && !takeColor(finger.position())) {
+    } else if (finger.state() == QEventPoint::Pressed && !m_pinched && !takeColor(finger.position())) {
         take(Device::Finger, Grip::Write, sample, HandwritingController::PenEnd::Tip);
     }
     return true;

@@ -69,6 +69,8 @@ private:
     void take(Device device, Grip grip, const InkSample &sample, HandwritingController::PenEnd end);
     void follow(Device device, const InkSample &sample);
     void letGo(Device device, const InkSample &sample);
+    /// The finger's touch was a hand that came to rest before its pen.
+    void dropFinger();
     bool holds(Device device) const { return m_hold && m_hold->device == device; }
     /// A report of the pointer at a place of the view.
     InkSample sampleAt(QPointF position, const QInputEvent &event) const;
