@@ -282,6 +282,25 @@ TEST_F(HandwritingScreenTest, OneFingerWritesAndTwoMoveThePage)
     EXPECT_EQ(drawing().size(), 2); // what lies over the page is not written on
 }
 
+TEST_F(HandwritingScreenTest, APenThatEndsAPinchLeavesNothingOfIt)
+{
+    const QPointingDevice tip = tablet(QPointingDevice::PointerType::Pen);
+    touch({{{600, 300}, Finger::Down}, {{700, 300}, Finger::Down}});
+    pen(QEvent::TabletPress, at(0.2, 0.5), 0.5, tip);
+    touch({{{600, 300}, Finger::Up}, {{700, 300}, Finger::Up}});
+    pen(QEvent::TabletRelease, at(0.4, 0.5), 0, tip);
+    ASSERT_EQ(drawing().size(), 1);
+    touch({{{500, 300}, Finger::Down}, {{800, 300}, Finger::Down}});
+    EXPECT_DOUBLE_EQ(studio().viewport().relativeZoom(), 1); // a pinch of its own
+    pen(QEvent::TabletPress, at(0.2, 0.6), 0.5, tip);
+    touch({{{500, 300}, Finger::Up}, {{800, 300}, Finger::Up}});
+    pen(QEvent::TabletRelease, at(0.4, 0.6), 0, tip);
+    touch({{at(0.2, 0.8), Finger::Down}});
+    touch({{at(0.4, 0.8), Finger::Moves}});
+    touch({{at(0.4, 0.8), Finger::Up}});
+    EXPECT_EQ(drawing().size(), 3);
+}
+
 TEST_F(HandwritingScreenTest, TheWheelThePlusKeyAndTheSpaceBarMoveThePage)
 {
     const auto wheel = [this](QPoint by, Qt::KeyboardModifiers keys) {

@@ -311,13 +311,13 @@ void InkCanvas::tabletEvent(QTabletEvent *event)
 bool InkCanvas::touch(const QTouchEvent &event)
 {
     if (!m_studio || holds(Device::Tablet) || holds(Device::Mouse)) {
+        m_pinch.reset();
         return true; // the hand that holds the pen lies on the page
     }
     if (event.type() == QEvent::TouchCancel) {
         m_studio->penCancel();
         m_hold.reset();
         m_pinch.reset();
-        m_pinched = false;
         return true;
     }
     QList<QEventPoint> down;
@@ -335,10 +335,9 @@ bool InkCanvas::touch(const QTouchEvent &event)
     const InkSample sample = sampleAt(finger.position(), event);
     if (down.isEmpty()) {
         letGo(Device::Finger, sample);
-        m_pinched = false;
     } else if (holds(Device::Finger)) {
         follow(Device::Finger, sample);
-    } else if (finger.state() == QEventPoint::Pressed && !m_pinched && !takeColor(finger.position())) {
+    } else if (finger.state() == QEventPoint::Pressed && !takeColor(finger.position())) {
         take(Device::Finger, Grip::Write, sample, HandwritingController::PenEnd::Tip);
     }
     return true;
@@ -350,7 +349,6 @@ void InkCanvas::pinch(const QList<QEventPoint> &down)
         m_studio->penCancel();
         m_hold.reset();
     }
-    m_pinched = true;
     const QPointF between = down.at(1).position() - down.at(0).position();
     const Pinch now = {{down.at(0).id(), down.at(1).id()},
                        (down.at(0).position() + down.at(1).position()) / 2,

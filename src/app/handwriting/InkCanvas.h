@@ -93,8 +93,6 @@ private:
     /// Of the mouse, that took hold.
     Qt::MouseButton m_button = Qt::NoButton;
     std::optional<Pinch> m_pinch;
-    /// Two fingers were down: what is left of them does not write.
-    bool m_pinched = false;
     double m_ratio = 0;
     double m_cursorDiameter = -1;
 };
