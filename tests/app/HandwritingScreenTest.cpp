@@ -333,6 +333,25 @@ TEST_F(HandwritingScreenTest, TheWheelThePlusKeyAndTheSpaceBarMoveThePage)
     EXPECT_TRUE(button(u"125 %"_s));
 }
 
+TEST_F(HandwritingScreenTest, TheSpaceBarDoesNotEndAStroke)
+{
+    QTest::mousePress(canvas(), Qt::LeftButton, {}, at(0.2, 0.5).toPoint());
+    QTest::mouseMove(canvas(), at(0.3, 0.5).toPoint());
+    QTest::keyPress(canvas(), Qt::Key_Space);
+    EXPECT_FALSE(studio().moving());
+    EXPECT_TRUE(studio().penIsDown());
+    QTest::mouseMove(canvas(), at(0.5, 0.5).toPoint());
+    QTest::keyRelease(canvas(), Qt::Key_Space);
+    QTest::mouseRelease(canvas(), Qt::LeftButton, {}, at(0.6, 0.5).toPoint());
+    ASSERT_EQ(drawing().size(), 1);
+    const double end = drawing().first()->stroke.samples.last().position.x();
+    EXPECT_NEAR(end / studio().viewport().reference().width(), 0.6, 0.005);
+    QTest::keyPress(canvas(), Qt::Key_Space);
+    EXPECT_TRUE(studio().moving());
+    QTest::keyRelease(canvas(), Qt::Key_Space);
+    EXPECT_FALSE(studio().moving());
+}
+
 TEST_F(HandwritingScreenTest, KeysReachEveryToolFromTheWholeScreen)
 {
     auto *tools = m_screen.findChild<HandwritingTools *>();
