@@ -170,7 +170,8 @@ InkSample InkCanvas::sampleAt(QPointF position, const QInputEvent &event) const
 InkSample InkCanvas::sampleOf(const QTabletEvent &event) const
 {
     InkSample sample = sampleAt(event.position(), event);
-    if (event.device()->hasCapability(QInputDevice::Capability::Pressure)) {
+    if (event.device()->hasCapability(QInputDevice::Capability::Pressure) &&
+        std::isfinite(event.pressure())) {
         sample.pressure = std::clamp(event.pressure(), 0.0, 1.0);
     }
     sample.tilt = QPointF(event.xTilt(), event.yTilt());
