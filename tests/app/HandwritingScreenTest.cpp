@@ -352,6 +352,30 @@ TEST_F(HandwritingScreenTest, TheSpaceBarDoesNotEndAStroke)
     EXPECT_FALSE(studio().moving());
 }
 
+TEST_F(HandwritingScreenTest, ShowsTranslucentInkAsItIsSaved)
+{
+    const QPoint place = at(0.5, 0.5).toPoint();
+    const auto seen = [&] { return canvas()->grab().toImage().pixelColor(place); };
+    waitFor([&] { return seen().saturation() > 100; });
+    const QColor photo = seen();
+    studio().setTool(HandwritingTool::marker);
+    studio().setWidth(24);
+    studio().setFinish(HandwritingFinish::rainbow);
+    drag(at(0.3, 0.5), at(0.7, 0.5));
+    m_clock.advance(std::chrono::milliseconds(38));
+    ASSERT_TRUE(waitFor([&] { return !studio().preview().isNull(); }));
+    const QSize page = studio().viewport().reference().toSize();
+    const QImage saved = finishedImage(drawing(), {HandwritingFinish::rainbow, {}}, page, 1);
+    const QColor ink = saved.pixelColor(page.width() / 2, page.height() / 2);
+    ASSERT_NEAR(ink.alphaF(), 0.5, 0.02);
+    const auto over = [&ink](int above, int below) {
+        return ink.alphaF() * above + (1 - ink.alphaF()) * below;
+    };
+    EXPECT_NEAR(seen().red(), over(ink.red(), photo.red()), 6);
+    EXPECT_NEAR(seen().green(), over(ink.green(), photo.green()), 6);
+    EXPECT_NEAR(seen().blue(), over(ink.blue(), photo.blue()), 6);
+}
+
 TEST_F(HandwritingScreenTest, KeysReachEveryToolFromTheWholeScreen)
 {
     auto *tools = m_screen.findChild<HandwritingTools *>();

@@ -324,6 +324,47 @@ TEST_F(Preview, ComesAfterAPauseAtHalfSize)
               finishedImage(m_studio.drawing(), {HandwritingFinish::rainbow, softBlack}, {1050, 1400}, 0.5));
 }
 
+TEST_F(Preview, LeavesItsStrokesOutOfTheInk)
+{
+    const auto blank = [this] {
+        QImage image(m_studio.ink().size(), m_studio.ink().format());
+        image.fill(Qt::transparent);
+        return m_studio.ink() == image;
+    };
+    m_studio.setTool(HandwritingTool::marker);
+    m_studio.setFinish(HandwritingFinish::glitter);
+    write({100, 100}, {400, 300});
+    EXPECT_FALSE(blank()); // there is no picture yet
+    m_clock.advance(38ms);
+    EXPECT_TRUE(waitFor([&] { return !m_studio.preview().isNull(); }));
+    EXPECT_TRUE(blank());
+
+    m_studio.penDown({{100, 300}, 0});
+    m_studio.penMove({{400, 100}, 0.1});
+    EXPECT_FALSE(blank());
+    m_studio.penCancel();
+    EXPECT_TRUE(blank());
+
+    // What has dried since the picture was made lies above it until the next one.
+    const double zoom = m_studio.viewport().minimumZoom();
+    write({100, 500}, {400, 300});
+    m_studio.zoomTo(2 * zoom, {300, 300});
+    m_studio.zoomTo(zoom, {300, 300});
+    const QPointF first = m_studio.viewport().toView({250, 200}) * 2;
+    const QPointF second = m_studio.viewport().toView({250, 400}) * 2;
+    EXPECT_EQ(m_studio.ink().pixel(first.toPoint()), 0U);
+    EXPECT_GT(qAlpha(m_studio.ink().pixel(second.toPoint())), 100);
+    m_clock.advance(38ms);
+    EXPECT_TRUE(waitFor(blank));
+    m_studio.undo();
+    m_studio.redo();
+    EXPECT_TRUE(blank());
+
+    m_studio.setFinish(HandwritingFinish::color);
+    EXPECT_GT(qAlpha(m_studio.ink().pixel(first.toPoint())), 100);
+    EXPECT_GT(qAlpha(m_studio.ink().pixel(second.toPoint())), 100);
+}
+
 TEST_F(Saving, AnEmptyPageChangesNothing)
 {
     const FrameSettings before = m_model.current()->settings;

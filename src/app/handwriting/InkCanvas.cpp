@@ -441,6 +441,10 @@ void InkCanvas::paintPage(QPainter &painter, const QRectF &page, const QRect &di
         const bool small = m_studio->viewport().zoom() * ratio <= 0.5;
         painter.drawImage(page, small ? m_halfReference : m_reference);
     }
+    if (!m_studio->preview().isNull()) {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(page, m_studio->preview());
+    }
     // One pixel of the ink is one of the device.
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
@@ -450,10 +454,6 @@ void InkCanvas::paintPage(QPainter &painter, const QRectF &page, const QRect &di
                              .intersected(m_studio->ink().rect());
     painter.drawImage(pixels.topLeft(), m_studio->ink(), pixels);
     painter.restore();
-    if (!m_studio->preview().isNull()) {
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(page, m_studio->preview());
-    }
     painter.restore();
 }
 
