@@ -31,7 +31,7 @@ void EffectPreview::refresh(const InkDrawing &drawing, const FinishStyle &style,
     m_stop.request_stop();
     m_stop = {};
     if (style.finish == HandwritingFinish::color) {
-        show({});
+        show({}, {});
     } else if (moment == Moment::AtOnce) {
         render(drawing, style);
     } else {
@@ -53,21 +53,22 @@ void EffectPreview::render(const InkDrawing &drawing, const FinishStyle &style)
         }
         QMetaObject::invokeMethod(
             this,
-            [this, image, stop] {
+            [this, image, drawing, stop] {
                 if (!stop.stop_requested()) {
-                    show(image);
+                    show(image, drawing);
                 }
             },
             Qt::QueuedConnection);
     });
 }
 
-void EffectPreview::show(const QImage &image)
+void EffectPreview::show(const QImage &image, const InkDrawing &drawing)
 {
     if (image.isNull() && m_image.isNull()) {
         return;
     }
     m_image = image;
+    m_drawing = drawing;
     Q_EMIT changed();
 }
 

@@ -28,17 +28,20 @@ public:
 
     /// Lies over the whole reference. Null when the strokes on screen are the preview themselves.
     const QImage &image() const { return m_image; }
+    /// The strokes that `image` shows.
+    const InkDrawing &drawing() const { return m_drawing; }
 
 Q_SIGNALS:
     void changed();
 
 private:
     void render(const InkDrawing &drawing, const FinishStyle &style);
-    void show(const QImage &image);
+    void show(const QImage &image, const InkDrawing &drawing);
 
     Clock &m_clock;
     QSizeF m_referenceSize;
     QImage m_image;
+    InkDrawing m_drawing;
     std::unique_ptr<PendingCall> m_pause;
     std::stop_source m_stop;
     QThreadPool m_thread;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_set>
+#include <utility>
 
 #include "language/AppLanguage.h"
 
@@ -21,7 +23,7 @@ HandwritingController::HandwritingController(EditorModel &model, Clock &clock, Q
       m_preview(clock, referenceSize),
       m_save(model)
 {
-    connect(&m_preview, &EffectPreview::changed, this, [this] { tell(PreviewChanged); });
+    connect(&m_preview, &EffectPreview::changed, this, &HandwritingController::previewChanged);
     connect(&m_viewRender, &InkViewRender::ready, this, [this](const QImage &dry) {
         m_surface.sharpen(dry);
         if (m_path) {
@@ -60,8 +62,8 @@ void HandwritingController::setFinish(HandwritingFinish finish)
 {
     endStroke();
     m_finish.finish = finish;
-    m_surface.setRainbow(finish == HandwritingFinish::rainbow ? std::optional(m_referenceSize)
-                                                              : std::nullopt);
+    m_surface.setRainbow(rainbowPage());
+    m_above.setRainbow(rainbowPage());
     Q_EMIT inkChanged(ink().rect());
     refreshPreview(EffectPreview::Moment::AtOnce);
     tell(ToolChanged);
@@ -101,9 +103,15 @@ void HandwritingController::penMove(const InkSample &sample)
     }
     m_stroke.samples.append(sample);
     m_path->append(sample);
-    if (const QRect pixels = m_surface.write(m_stroke, *m_path); !pixels.isEmpty()) {
+    if (const QRect pixels = write(); !pixels.isEmpty()) {
         Q_EMIT inkChanged(pixels);
     }
+}
+
+QRect HandwritingController::write()
+{
+    const QRect pixels = m_surface.write(m_stroke, *m_path);
+    return preview().isNull() ? pixels : pixels | m_above.write(m_stroke, *m_path);
 }
 
 void HandwritingController::penUp(const InkSample &sample)
@@ -114,10 +122,12 @@ void HandwritingController::penUp(const InkSample &sample)
 
 void HandwritingController::penCancel()
 {
-    m_eraserAt.reset();
+    if (std::exchange(m_eraserAt, std::nullopt)) {
+        drawingChanged(m_page.takeErasingBack());
+    }
     if (m_path) {
         m_path.reset();
-        Q_EMIT inkChanged(m_surface.abandon());
+        Q_EMIT inkChanged(m_surface.abandon() | m_above.abandon());
     }
 }
 
@@ -141,9 +151,17 @@ void HandwritingController::endStroke()
     }
     m_path->finish();
     const auto stroke = std::make_shared<const DryStroke>(std::exchange(m_stroke, {}), m_path->path());
+    if (!InkRenderer::marks(*stroke, m_referenceSize)) {
+        penCancel(); // written beside the page, where nothing is kept
+        return;
+    }
     m_path.reset();
     m_page.add(stroke);
-    Q_EMIT inkChanged(m_surface.dry(*stroke));
+    QRect pixels = m_surface.dry(*stroke);
+    if (!preview().isNull()) {
+        pixels |= m_above.dry(*stroke);
+    }
+    Q_EMIT inkChanged(pixels);
     sharpenLater();
     refreshPreview(EffectPreview::Moment::AfterAPause);
     tell(HistoryChanged);
@@ -171,6 +189,9 @@ void HandwritingController::drawingChanged(const QRectF &region)
 {
     if (region.isNull()) {
         return;
+    }
+    if (!preview().isNull()) {
+        m_above.redraw(region, notPreviewed());
     }
     if (const QRect pixels = m_surface.redraw(region, drawing()); !pixels.isEmpty()) {
         Q_EMIT inkChanged(pixels);
@@ -217,11 +238,41 @@ void HandwritingController::viewChanged()
         m_surface.stretchTo(view);
         sharpenLater();
     }
+    if (!preview().isNull()) {
+        m_above.setView(view, notPreviewed());
+    }
     if (m_path) {
-        m_surface.write(m_stroke, *m_path);
+        write();
     }
     Q_EMIT inkChanged(ink().rect());
     tell(ViewportChanged);
+}
+
+void HandwritingController::previewChanged()
+{
+    m_above = {};
+    if (!preview().isNull()) {
+        m_above.setRainbow(rainbowPage());
+        m_above.setView(m_surface.view(), notPreviewed());
+        if (m_path) {
+            m_above.write(m_stroke, *m_path);
+        }
+    }
+    tell(PreviewChanged);
+}
+
+InkDrawing HandwritingController::notPreviewed() const
+{
+    const InkDrawing &shown = m_preview.drawing();
+    const std::unordered_set<std::shared_ptr<const DryStroke>> there(shown.begin(), shown.end());
+    InkDrawing rest = drawing();
+    rest.removeIf([&there](const auto &stroke) { return there.contains(stroke); });
+    return rest;
+}
+
+std::optional<QSizeF> HandwritingController::rainbowPage() const
+{
+    return finish() == HandwritingFinish::rainbow ? std::optional(m_referenceSize) : std::nullopt;
 }
 
 bool HandwritingController::isQuicklyDrawn() const

@@ -15,8 +15,8 @@
 namespace tarnovel {
 
 /// One session of the handwriting studio: tools, strokes, what the screen shows of them, and saving. A screen
-/// draws, in this order and clipped to `viewport().referenceRect()`: the reference, `ink()` over the whole
-/// view, `preview()` over the reference. It lives on the interface thread.
+/// draws, in this order and clipped to `viewport().referenceRect()`: the reference, `preview()` over it,
+/// `ink()` over the whole view. It lives on the interface thread.
 class HandwritingController : public QObject {
     Q_OBJECT
 
@@ -62,7 +62,7 @@ public:
     void penDown(const InkSample &sample, PenEnd end = PenEnd::Tip);
     void penMove(const InkSample &sample);
     void penUp(const InkSample &sample);
-    /// The stroke was none after all: a second finger has come down.
+    /// The stroke was none after all: a second finger has come down. What it erased is back.
     void penCancel();
     bool penIsDown() const { return m_path || m_eraserAt; }
 
@@ -81,9 +81,10 @@ public:
     void zoomTo(double zoom, QPointF anchor);
     void pan(QPointF by);
 
-    /// The strokes in device pixels, for the whole view.
-    const QImage &ink() const { return m_surface.image(); }
-    /// The finish over them, to be stretched over the whole reference; null for none.
+    /// The strokes in device pixels, for the whole view; those that `preview()` shows already are left out,
+    /// or translucent ink would lie there twice.
+    const QImage &ink() const { return preview().isNull() ? m_surface.image() : m_above.image(); }
+    /// Strokes with their finish, to be stretched over the whole reference; null for none.
     const QImage &preview() const { return m_preview.image(); }
 
     /// Writes the signature into the library and gives it to the current photo, as one undo step. False, with
@@ -105,6 +106,10 @@ private:
     void endStroke();
     void drawingChanged(const QRectF &region);
     void viewChanged();
+    void previewChanged();
+    InkDrawing notPreviewed() const;
+    std::optional<QSizeF> rainbowPage() const;
+    QRect write();
     bool isQuicklyDrawn() const;
     void sharpenLater();
     void refreshPreview(EffectPreview::Moment moment);
@@ -124,6 +129,8 @@ private:
     HandwritingViewport m_viewport;
     double m_devicePixelRatio = 1;
     InkSurface m_surface;
+    /// What lies above the preview, while there is one.
+    InkSurface m_above;
     InkViewRender m_viewRender;
     EffectPreview m_preview;
     SignatureSave m_save;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <unordered_set>
+#include <utility>
 
 namespace tarnovel {
 
@@ -128,10 +129,20 @@ QRectF InkPage::erase(QPointF from, QPointF to, double radius)
         return {};
     }
     if (!m_erasing) {
+        m_redoBefore = m_redo;
         step();
         m_erasing = true;
     }
     return replace(left);
+}
+
+QRectF InkPage::takeErasingBack()
+{
+    if (!std::exchange(m_erasing, false)) {
+        return {};
+    }
+    m_redo = std::exchange(m_redoBefore, {});
+    return replace(m_undo.takeLast());
 }
 
 } // namespace tarnovel

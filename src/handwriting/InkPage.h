@@ -24,6 +24,8 @@ public:
     void beginErasing() { m_erasing = false; }
     /// Takes away every stroke that a round eraser of this radius touches on its way.
     QRectF erase(QPointF from, QPointF to, double radius);
+    /// What was erased since `beginErasing` was not meant: drawing and history are as they were then.
+    QRectF takeErasingBack();
 
 private:
     QRectF replace(const InkDrawing &drawing);
@@ -33,6 +35,8 @@ private:
     QList<InkDrawing> m_undo;
     QList<InkDrawing> m_redo;
     bool m_erasing = false;
+    /// What could be redone before the erasing.
+    QList<InkDrawing> m_redoBefore;
 };
 
 /// Whether a disc of this radius that goes from one place straight to the other touches the path.

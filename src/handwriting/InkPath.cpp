@@ -35,6 +35,18 @@ double distance(QPointF a, QPointF b)
     return std::hypot(a.x() - b.x(), a.y() - b.y());
 }
 
+/// Without the pressure or the tilt that a driver reports as no number; these would pass every clamp.
+InkSample sensible(InkSample sample)
+{
+    if (sample.pressure && !std::isfinite(*sample.pressure)) {
+        sample.pressure.reset();
+    }
+    if (!std::isfinite(sample.tilt.x()) || !std::isfinite(sample.tilt.y())) {
+        sample.tilt = {};
+    }
+    return sample;
+}
+
 /// Tangents of the centripetal Catmull-Rom curve at its two inner points.
 struct Tangents {
     QPointF from;
@@ -124,12 +136,12 @@ void InkPathBuilder::append(const InkSample &sample)
     if (!std::isfinite(sample.position.x()) || !std::isfinite(sample.position.y())) {
         return;
     }
-    InkSample held = sample;
+    InkSample held = sensible(sample);
     held.position = {std::clamp(sample.position.x(), -farthest, farthest),
                      std::clamp(sample.position.y(), -farthest, farthest)};
     const SmoothSample smooth = m_smoother.next(held);
     m_speed = smooth.speed;
-    m_pressed = sample.pressure.has_value();
+    m_pressed = held.pressure.has_value();
     m_points.resize(m_settled);
     m_length = m_settledLength;
     const Node node = nodeOf(smooth);

@@ -52,7 +52,7 @@ public:
     /// The stroke's samples are not looked at.
     explicit InkPathBuilder(const InkStroke &stroke);
 
-    /// A position that is not finite is left out.
+    /// A position that is not finite is left out; such a pressure or tilt counts as none.
     void append(const InkSample &sample);
     /// The pen was lifted: a flick tapers. Nothing may follow.
     void finish();

@@ -31,6 +31,9 @@ namespace InkRenderer {
 /// in device pixels. Device pixels lie at reference coordinates times `scale`.
 void draw(QImage &target, QPoint origin, double scale, const DryStroke &stroke, const QRect &clip);
 
+/// Whether any of the stroke's ink falls on a page of this size.
+bool marks(const DryStroke &stroke, QSizeF page);
+
 /// The drawing on a transparent image of a rectangle in reference coordinates, whose corner is taken to the
 /// nearest device pixel. Throws OperationCancelled between strokes.
 QImage render(const InkDrawing &drawing, const QRectF &rect, double scale, const std::stop_token &stop = {});

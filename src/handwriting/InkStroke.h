@@ -27,7 +27,7 @@ struct InkSample {
     QPointF position;
     /// Time since any fixed moment. Repeated or falling times count as an ordinary device's interval.
     double seconds = 0;
-    /// 0…1; none for a device that has no such sense.
+    /// 0…1; none, or not finite, for a device that has no such sense.
     std::optional<double> pressure = {};
     /// Lean of the pen from upright along x and y, in degrees.
     QPointF tilt = {};

@@ -224,6 +224,29 @@ TEST_F(HandwritingScreenTest, ATabletPenPressesAndItsOtherEndErases)
     EXPECT_EQ(studio().tool(), HandwritingTool::signature);
 }
 
+TEST_F(HandwritingScreenTest, ThePenTakesOverFromAPalmThatRestsFirst)
+{
+    const QPointingDevice tip = tablet(QPointingDevice::PointerType::Pen);
+    touch({{at(0.6, 0.8), Finger::Down}});
+    touch({{at(0.62, 0.8), Finger::Moves}});
+    EXPECT_TRUE(studio().penIsDown());
+    pen(QEvent::TabletPress, at(0.2, 0.5), 0.5, tip);
+    touch({{at(0.64, 0.8), Finger::Moves}});
+    pen(QEvent::TabletMove, at(0.3, 0.5), 0.5, tip);
+    pen(QEvent::TabletRelease, at(0.4, 0.5), 0, tip);
+    // The palm slides away after the pen.
+    touch({{at(0.66, 0.8), Finger::Moves}});
+    EXPECT_FALSE(studio().penIsDown());
+    touch({{at(0.68, 0.8), Finger::Up}});
+    ASSERT_EQ(drawing().size(), 1);
+    const QList<InkSample> samples = drawing().first()->stroke.samples;
+    ASSERT_EQ(samples.size(), 3);
+    EXPECT_TRUE(samples.first().pressure);
+    touch({{at(0.2, 0.8), Finger::Down}});
+    touch({{at(0.3, 0.8), Finger::Up}});
+    EXPECT_EQ(drawing().size(), 2);
+}
+
 TEST_F(HandwritingScreenTest, OneFingerWritesAndTwoMoveThePage)
 {
     touch({{at(0.2, 0.5), Finger::Down}});
@@ -259,6 +282,25 @@ TEST_F(HandwritingScreenTest, OneFingerWritesAndTwoMoveThePage)
     EXPECT_EQ(drawing().size(), 2); // what lies over the page is not written on
 }
 
+TEST_F(HandwritingScreenTest, APenThatEndsAPinchLeavesNothingOfIt)
+{
+    const QPointingDevice tip = tablet(QPointingDevice::PointerType::Pen);
+    touch({{{600, 300}, Finger::Down}, {{700, 300}, Finger::Down}});
+    pen(QEvent::TabletPress, at(0.2, 0.5), 0.5, tip);
+    touch({{{600, 300}, Finger::Up}, {{700, 300}, Finger::Up}});
+    pen(QEvent::TabletRelease, at(0.4, 0.5), 0, tip);
+    ASSERT_EQ(drawing().size(), 1);
+    touch({{{500, 300}, Finger::Down}, {{800, 300}, Finger::Down}});
+    EXPECT_DOUBLE_EQ(studio().viewport().relativeZoom(), 1); // a pinch of its own
+    pen(QEvent::TabletPress, at(0.2, 0.6), 0.5, tip);
+    touch({{{500, 300}, Finger::Up}, {{800, 300}, Finger::Up}});
+    pen(QEvent::TabletRelease, at(0.4, 0.6), 0, tip);
+    touch({{at(0.2, 0.8), Finger::Down}});
+    touch({{at(0.4, 0.8), Finger::Moves}});
+    touch({{at(0.4, 0.8), Finger::Up}});
+    EXPECT_EQ(drawing().size(), 3);
+}
+
 TEST_F(HandwritingScreenTest, TheWheelThePlusKeyAndTheSpaceBarMoveThePage)
 {
     const auto wheel = [this](QPoint by, Qt::KeyboardModifiers keys) {
@@ -289,6 +331,49 @@ TEST_F(HandwritingScreenTest, TheWheelThePlusKeyAndTheSpaceBarMoveThePage)
     QTest::keyClick(canvas(), '+');
     EXPECT_DOUBLE_EQ(viewport.relativeZoom(), 1.25);
     EXPECT_TRUE(button(u"125 %"_s));
+}
+
+TEST_F(HandwritingScreenTest, TheSpaceBarDoesNotEndAStroke)
+{
+    QTest::mousePress(canvas(), Qt::LeftButton, {}, at(0.2, 0.5).toPoint());
+    QTest::mouseMove(canvas(), at(0.3, 0.5).toPoint());
+    QTest::keyPress(canvas(), Qt::Key_Space);
+    EXPECT_FALSE(studio().moving());
+    EXPECT_TRUE(studio().penIsDown());
+    QTest::mouseMove(canvas(), at(0.5, 0.5).toPoint());
+    QTest::keyRelease(canvas(), Qt::Key_Space);
+    QTest::mouseRelease(canvas(), Qt::LeftButton, {}, at(0.6, 0.5).toPoint());
+    ASSERT_EQ(drawing().size(), 1);
+    const double end = drawing().first()->stroke.samples.last().position.x();
+    EXPECT_NEAR(end / studio().viewport().reference().width(), 0.6, 0.005);
+    QTest::keyPress(canvas(), Qt::Key_Space);
+    EXPECT_TRUE(studio().moving());
+    QTest::keyRelease(canvas(), Qt::Key_Space);
+    EXPECT_FALSE(studio().moving());
+}
+
+TEST_F(HandwritingScreenTest, ShowsTranslucentInkAsItIsSaved)
+{
+    const QPoint place = at(0.5, 0.5).toPoint();
+    const auto seen = [&] { return canvas()->grab().toImage().pixelColor(place); };
+    waitFor([&] { return seen().saturation() > 100; });
+    const QColor photo = seen();
+    studio().setTool(HandwritingTool::marker);
+    studio().setWidth(24);
+    studio().setFinish(HandwritingFinish::rainbow);
+    drag(at(0.3, 0.5), at(0.7, 0.5));
+    m_clock.advance(std::chrono::milliseconds(38));
+    ASSERT_TRUE(waitFor([&] { return !studio().preview().isNull(); }));
+    const QSize page = studio().viewport().reference().toSize();
+    const QImage saved = finishedImage(drawing(), {HandwritingFinish::rainbow, {}}, page, 1);
+    const QColor ink = saved.pixelColor(page.width() / 2, page.height() / 2);
+    ASSERT_NEAR(ink.alphaF(), 0.5, 0.02);
+    const auto over = [&ink](int above, int below) {
+        return ink.alphaF() * above + (1 - ink.alphaF()) * below;
+    };
+    EXPECT_NEAR(seen().red(), over(ink.red(), photo.red()), 6);
+    EXPECT_NEAR(seen().green(), over(ink.green(), photo.green()), 6);
+    EXPECT_NEAR(seen().blue(), over(ink.blue(), photo.blue()), 6);
 }
 
 TEST_F(HandwritingScreenTest, KeysReachEveryToolFromTheWholeScreen)

@@ -65,6 +65,26 @@ TEST(Marker, IsOneEvenLayerHoweverItCrossesItself)
     EXPECT_NEAR(qAlpha(twice.pixel(360, 200)), 191, 2);
 }
 
+TEST(EveryPen, TakesWhatIsNoNumberForAbsent)
+{
+    for (const InkPen pen : allPens) {
+        const InkStroke plain = eight(pen, 8, 300, 60);
+        const InkPath expected = InkPath::of(plain);
+        for (const double odd :
+             {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+              -std::numeric_limits<double>::infinity()}) {
+            InkStroke stroke = plain;
+            for (InkSample &sample : stroke.samples) {
+                sample.pressure = odd;
+                sample.tilt = {10, odd};
+            }
+            const InkPath path = InkPath::of(stroke);
+            EXPECT_EQ(path.points, expected.points);
+            EXPECT_EQ(path.bounds, expected.bounds);
+        }
+    }
+}
+
 TEST(Fountain, AnswersToPressureSpeedDirectionAndFlick)
 {
     const auto inked = [](InkStroke stroke, std::optional<double> pressure) {

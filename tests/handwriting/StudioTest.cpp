@@ -182,6 +182,24 @@ TEST_F(Tools, WriteInTheirOwnWayAndMoveWithoutWriting)
     EXPECT_EQ(m_studio.drawing().size(), 2);
 }
 
+TEST_F(Tools, LeaveNothingBesideThePage)
+{
+    m_studio.setWidth(24);
+    write({-60, 300}, {-60, 300});
+    write({1300, 300}, {1200, 1500});
+    write({-200, 40}, {40, -200}); // about the corner: only the bounds of it meet the page
+    EXPECT_TRUE(m_studio.isEmpty());
+    EXPECT_FALSE(m_studio.canUndo());
+    EXPECT_FALSE(m_studio.save());
+    QImage bare(m_studio.ink().size(), m_studio.ink().format());
+    bare.fill(Qt::transparent);
+    EXPECT_EQ(m_studio.ink(), bare);
+    write({-8, 300}, {-8, 500}); // the nib reaches in
+    EXPECT_EQ(m_studio.drawing().size(), 1);
+    write({-100, 700}, {1200, 700});
+    EXPECT_EQ(m_studio.drawing().size(), 2);
+}
+
 TEST_F(Tools, EraseByTheToolOrTheOtherEndOfThePen)
 {
     write({100, 100}, {400, 100});
@@ -205,6 +223,36 @@ TEST_F(Tools, EraseByTheToolOrTheOtherEndOfThePen)
     EXPECT_TRUE(m_studio.canUndo());
     m_studio.redo();
     EXPECT_EQ(m_studio.drawing().size(), 2);
+}
+
+TEST_F(Tools, GiveBackWhatAGestureErased)
+{
+    write({100, 100}, {400, 100});
+    write({100, 200}, {400, 200});
+    write({100, 300}, {400, 300});
+    m_studio.undo();
+    const InkDrawing before = m_studio.drawing();
+    const QImage shown = m_studio.ink();
+    m_studio.setTool(HandwritingTool::eraser);
+    m_studio.penDown({{250, 80}, 0});
+    m_studio.penMove({{250, 150}, 0.01});
+    m_studio.penMove({{250, 220}, 0.02});
+    EXPECT_TRUE(m_studio.isEmpty());
+    m_studio.penCancel();
+    EXPECT_FALSE(m_studio.penIsDown());
+    EXPECT_EQ(m_studio.drawing(), before);
+    EXPECT_EQ(m_studio.ink(), shown);
+    m_studio.redo();
+    EXPECT_EQ(m_studio.drawing().size(), 3);
+    // A touch that met no ink has nothing to give back.
+    m_studio.penDown({{250, 600}, 0});
+    m_studio.penCancel();
+    EXPECT_EQ(m_studio.drawing().size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        m_studio.undo();
+    }
+    EXPECT_TRUE(m_studio.isEmpty());
+    EXPECT_FALSE(m_studio.canUndo());
 }
 
 TEST_F(Tools, ShowTheInkOfTheViewAtEveryZoom)
@@ -274,6 +322,47 @@ TEST_F(Preview, ComesAfterAPauseAtHalfSize)
     EXPECT_EQ(shown, last + 1);
     EXPECT_EQ(m_studio.preview(),
               finishedImage(m_studio.drawing(), {HandwritingFinish::rainbow, softBlack}, {1050, 1400}, 0.5));
+}
+
+TEST_F(Preview, LeavesItsStrokesOutOfTheInk)
+{
+    const auto blank = [this] {
+        QImage image(m_studio.ink().size(), m_studio.ink().format());
+        image.fill(Qt::transparent);
+        return m_studio.ink() == image;
+    };
+    m_studio.setTool(HandwritingTool::marker);
+    m_studio.setFinish(HandwritingFinish::glitter);
+    write({100, 100}, {400, 300});
+    EXPECT_FALSE(blank()); // there is no picture yet
+    m_clock.advance(38ms);
+    EXPECT_TRUE(waitFor([&] { return !m_studio.preview().isNull(); }));
+    EXPECT_TRUE(blank());
+
+    m_studio.penDown({{100, 300}, 0});
+    m_studio.penMove({{400, 100}, 0.1});
+    EXPECT_FALSE(blank());
+    m_studio.penCancel();
+    EXPECT_TRUE(blank());
+
+    // What has dried since the picture was made lies above it until the next one.
+    const double zoom = m_studio.viewport().minimumZoom();
+    write({100, 500}, {400, 300});
+    m_studio.zoomTo(2 * zoom, {300, 300});
+    m_studio.zoomTo(zoom, {300, 300});
+    const QPointF first = m_studio.viewport().toView({250, 200}) * 2;
+    const QPointF second = m_studio.viewport().toView({250, 400}) * 2;
+    EXPECT_EQ(m_studio.ink().pixel(first.toPoint()), 0U);
+    EXPECT_GT(qAlpha(m_studio.ink().pixel(second.toPoint())), 100);
+    m_clock.advance(38ms);
+    EXPECT_TRUE(waitFor(blank));
+    m_studio.undo();
+    m_studio.redo();
+    EXPECT_TRUE(blank());
+
+    m_studio.setFinish(HandwritingFinish::color);
+    EXPECT_GT(qAlpha(m_studio.ink().pixel(first.toPoint())), 100);
+    EXPECT_GT(qAlpha(m_studio.ink().pixel(second.toPoint())), 100);
 }
 
 TEST_F(Saving, AnEmptyPageChangesNothing)

@@ -370,7 +370,8 @@ bool HandwritingScreen::act(const QKeyEvent &key)
 
 void HandwritingScreen::hold(bool moving)
 {
-    if (!m_studio || moving == m_held || (moving && m_studio->moving())) {
+    // The thumb that meets the space bar amid a stroke does not end it.
+    if (!m_studio || moving == m_held || (moving && (m_studio->moving() || m_studio->penIsDown()))) {
         return;
     }
     m_held = moving;

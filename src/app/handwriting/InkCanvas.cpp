@@ -170,7 +170,8 @@ InkSample InkCanvas::sampleAt(QPointF position, const QInputEvent &event) const
 InkSample InkCanvas::sampleOf(const QTabletEvent &event) const
 {
     InkSample sample = sampleAt(event.position(), event);
-    if (event.device()->hasCapability(QInputDevice::Capability::Pressure)) {
+    if (event.device()->hasCapability(QInputDevice::Capability::Pressure) &&
+        std::isfinite(event.pressure())) {
         sample.pressure = std::clamp(event.pressure(), 0.0, 1.0);
     }
     sample.tilt = QPointF(event.xTilt(), event.yTilt());
@@ -218,6 +219,14 @@ void InkCanvas::letGo(Device device, const InkSample &sample)
     }
     m_hold.reset();
     showCursor();
+}
+
+void InkCanvas::dropFinger()
+{
+    if (holds(Device::Finger)) {
+        m_studio->penCancel();
+        m_hold.reset();
+    }
 }
 
 bool InkCanvas::takeColor(QPointF position)
@@ -282,6 +291,7 @@ void InkCanvas::tabletEvent(QTabletEvent *event)
                          : HandwritingController::PenEnd::Tip;
     switch (event->type()) {
     case QEvent::TabletPress:
+        dropFinger();
         if (event->button() == Qt::MiddleButton) {
             take(Device::Tablet, Grip::Move, sampleOf(*event), end);
         } else if (event->button() == Qt::LeftButton && !takeColor(event->position())) {
@@ -302,13 +312,13 @@ void InkCanvas::tabletEvent(QTabletEvent *event)
 bool InkCanvas::touch(const QTouchEvent &event)
 {
     if (!m_studio || holds(Device::Tablet) || holds(Device::Mouse)) {
+        m_pinch.reset();
         return true; // the hand that holds the pen lies on the page
     }
     if (event.type() == QEvent::TouchCancel) {
         m_studio->penCancel();
         m_hold.reset();
         m_pinch.reset();
-        m_pinched = false;
         return true;
     }
     QList<QEventPoint> down;
@@ -326,10 +336,9 @@ bool InkCanvas::touch(const QTouchEvent &event)
     const InkSample sample = sampleAt(finger.position(), event);
     if (down.isEmpty()) {
         letGo(Device::Finger, sample);
-        m_pinched = false;
     } else if (holds(Device::Finger)) {
         follow(Device::Finger, sample);
-    } else if (!m_pinched && !takeColor(finger.position())) {
+    } else if (finger.state() == QEventPoint::Pressed && !takeColor(finger.position())) {
         take(Device::Finger, Grip::Write, sample, HandwritingController::PenEnd::Tip);
     }
     return true;
@@ -341,7 +350,6 @@ void InkCanvas::pinch(const QList<QEventPoint> &down)
         m_studio->penCancel();
         m_hold.reset();
     }
-    m_pinched = true;
     const QPointF between = down.at(1).position() - down.at(0).position();
     const Pinch now = {{down.at(0).id(), down.at(1).id()},
                        (down.at(0).position() + down.at(1).position()) / 2,
@@ -433,6 +441,10 @@ void InkCanvas::paintPage(QPainter &painter, const QRectF &page, const QRect &di
         const bool small = m_studio->viewport().zoom() * ratio <= 0.5;
         painter.drawImage(page, small ? m_halfReference : m_reference);
     }
+    if (!m_studio->preview().isNull()) {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(page, m_studio->preview());
+    }
     // One pixel of the ink is one of the device.
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
@@ -442,10 +454,6 @@ void InkCanvas::paintPage(QPainter &painter, const QRectF &page, const QRect &di
                              .intersected(m_studio->ink().rect());
     painter.drawImage(pixels.topLeft(), m_studio->ink(), pixels);
     painter.restore();
-    if (!m_studio->preview().isNull()) {
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(page, m_studio->preview());
-    }
     painter.restore();
 }
 

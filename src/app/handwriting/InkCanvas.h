@@ -69,6 +69,8 @@ private:
     void take(Device device, Grip grip, const InkSample &sample, HandwritingController::PenEnd end);
     void follow(Device device, const InkSample &sample);
     void letGo(Device device, const InkSample &sample);
+    /// The finger's touch was a hand that came to rest before its pen.
+    void dropFinger();
     bool holds(Device device) const { return m_hold && m_hold->device == device; }
     /// A report of the pointer at a place of the view.
     InkSample sampleAt(QPointF position, const QInputEvent &event) const;
@@ -91,8 +93,6 @@ private:
     /// Of the mouse, that took hold.
     Qt::MouseButton m_button = Qt::NoButton;
     std::optional<Pinch> m_pinch;
-    /// Two fingers were down: what is left of them does not write.
-    bool m_pinched = false;
     double m_ratio = 0;
     double m_cursorDiameter = -1;
 };
