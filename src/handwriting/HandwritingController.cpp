@@ -302,12 +302,13 @@ bool HandwritingController::save()
     if (isEmpty() || saving()) {
         return false;
     }
-    m_save.start([drawing = drawing(), style = m_finish, size = m_referenceSize] {
-        // Without a finish each stroke keeps the colour that it was written in.
-        return style.finish == HandwritingFinish::color
-                   ? InkRenderer::render(drawing, QRectF({0, 0}, size), 1)
-                   : finishedImage(drawing, style, size, 1);
-    });
+    m_save.start(
+        [drawing = drawing(), style = m_finish, size = m_referenceSize](const std::stop_token &stop) {
+            // Without a finish each stroke keeps the colour that it was written in.
+            return style.finish == HandwritingFinish::color
+                       ? InkRenderer::render(drawing, QRectF({0, 0}, size), 1, stop)
+                       : finishedImage(drawing, style, size, 1, stop);
+        });
     tell(SavingChanged);
     return true;
 }

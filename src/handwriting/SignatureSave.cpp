@@ -5,6 +5,7 @@
 #include <QFile>
 
 #include "base/AtomicFile.h"
+#include "base/Cancellation.h"
 #include "base/Uuid.h"
 #include "imaging/ImageEncoder.h"
 
@@ -39,32 +40,36 @@ SignatureSave::SignatureSave(EditorModel &model) : m_model(model)
 
 SignatureSave::~SignatureSave()
 {
+    m_stop.request_stop();
     m_thread.waitForDone();
     if (m_running && !m_written.file.isEmpty()) {
         QFile::remove(m_model.libraryFolder() + u'/' + m_written.file);
     }
 }
 
-void SignatureSave::start(std::function<QImage()> render)
+void SignatureSave::start(Render render)
 {
     if (m_running) {
         return;
     }
     m_running = true;
     m_photo = m_model.selected();
-    m_thread.start([this, render = std::move(render), folder = m_model.libraryFolder()] {
-        m_written = write(render, folder); // read elsewhere only when this thread rests
-        QMetaObject::invokeMethod(
-            this, [this, written = m_written] { settle(written); }, Qt::QueuedConnection);
-    });
+    m_thread.start(
+        [this, render = std::move(render), folder = m_model.libraryFolder(), stop = m_stop.get_token()] {
+            m_written = write(render, folder, stop); // read elsewhere only when this thread rests
+            QMetaObject::invokeMethod(
+                this, [this, written = m_written] { settle(written); }, Qt::QueuedConnection);
+        });
 }
 
-SignatureSave::Written SignatureSave::write(const std::function<QImage()> &render, const QString &folder)
+SignatureSave::Written SignatureSave::write(const Render &render, const QString &folder,
+                                            const std::stop_token &stop)
 {
     Written written;
     try {
-        const QImage image = render();
-        const QByteArray bytes = encodePng(image);
+        const QImage image = render(stop);
+        const QByteArray bytes = encodePng(image, stop);
+        throwIfCancelled(stop);
         const QString name = u"handwriting-"_s + uuidText(QUuid::createUuid()) + u".png"_s;
         try {
             replaceFile(folder + u'/' + name, bytes);
@@ -76,7 +81,7 @@ SignatureSave::Written SignatureSave::write(const std::function<QImage()> &rende
         written.file = name;
         written.aspect = static_cast<double>(image.width()) / image.height();
     } catch (const std::exception &) {
-        return {}; // told as a save that failed
+        return {}; // told as a save that failed, when anybody still waits for it
     }
     return written;
 }

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <stop_token>
 
 #include <QImage>
 #include <QObject>
@@ -24,11 +25,13 @@ class SignatureSave : public QObject {
 
 public:
     explicit SignatureSave(EditorModel &model);
-    /// Waits for a save that is under way; one that has not reached the photo by now leaves no file.
+    /// Stops a save that is under way; one that has not reached the photo by now leaves no file.
     ~SignatureSave() override;
 
+    /// It may throw OperationCancelled once its token asks to stop.
+    using Render = std::function<QImage(const std::stop_token &)>;
     /// `render` is called on another thread. Nothing happens while a save is under way.
-    void start(std::function<QImage()> render);
+    void start(Render render);
     bool running() const { return m_running; }
 
 Q_SIGNALS:
@@ -40,13 +43,14 @@ private:
         QString file;
         double aspect = 1;
     };
-    static Written write(const std::function<QImage()> &render, const QString &folder);
+    static Written write(const Render &render, const QString &folder, const std::stop_token &stop);
     void settle(const Written &written);
 
     EditorModel &m_model;
     bool m_running = false;
     std::optional<QUuid> m_photo;
     Written m_written;
+    std::stop_source m_stop;
     QThreadPool m_thread;
 };
 

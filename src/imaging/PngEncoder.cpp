@@ -4,6 +4,7 @@
 
 #include <spng.h>
 
+#include "base/Cancellation.h"
 #include "imaging/ImageEncoder.h"
 
 namespace tarnovel {
@@ -25,7 +26,7 @@ void check(int failed)
 
 } // namespace
 
-QByteArray encodePng(const QImage &image)
+QByteArray encodePng(const QImage &image, const std::stop_token &stop)
 {
     const bool alpha = image.hasAlphaChannel();
     const QImage::Format rowFormat = alpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888;
@@ -47,6 +48,7 @@ QByteArray encodePng(const QImage &image)
     const size_t rowBytes = static_cast<size_t>(image.width()) * (alpha ? 4 : 3);
     int failed = 0;
     for (int y = 0; y < image.height() && failed == 0; ++y) {
+        throwIfCancelled(stop);
         // One row at a time: a second picture in another format would only be memory to fill.
         const QImage row(image.constScanLine(y), image.width(), 1, image.bytesPerLine(), image.format());
         failed = spng_encode_row(context.get(), row.convertToFormat(rowFormat).constBits(), rowBytes);

@@ -168,6 +168,17 @@ TEST_F(HandwritingScreenTest, WritesWithTheMouseAndTakesItBack)
     EXPECT_TRUE(canvas()->hasFocus()); // clicks beside the page leave it the keyboard
 }
 
+TEST_F(HandwritingScreenTest, AClickBesideThePageIsNoSignature)
+{
+    const QPointF beside = canvas()->pageRect().topLeft() / 2;
+    QTest::mouseClick(canvas(), Qt::LeftButton, {}, beside.toPoint());
+    EXPECT_TRUE(studio().isEmpty());
+    EXPECT_FALSE(m_screen.hasUnsavedInk());
+    QTest::mouseClick(button(u"Done"_s), Qt::LeftButton);
+    EXPECT_EQ(m_closed, 1);
+    EXPECT_FALSE(m_model.canUndo());
+}
+
 TEST_F(HandwritingScreenTest, PaintsOnlyWhatAStrokeChanges)
 {
     struct Watch : QObject {

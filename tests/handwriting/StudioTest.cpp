@@ -1,9 +1,15 @@
+#include <atomic>
+#include <thread>
+
+#include <QDeadlineTimer>
 #include <QRegularExpression>
 
+#include "base/Cancellation.h"
 #include "editor/EditorWorld.h"
 #include "handwriting/HandwritingController.h"
 #include "handwriting/HandwritingReference.h"
 #include "handwriting/Strokes.h"
+#include "imaging/ImageEncoder.h"
 #include "language/AppLanguage.h"
 
 using namespace Qt::StringLiterals;
@@ -478,6 +484,32 @@ TEST_F(Saving, AStudioThatClosesLeavesNoFile)
         closing.penUp({{600, 1200}, 0.2});
         EXPECT_TRUE(closing.save());
     }
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(QDir(m_library).entryList({u"handwriting-*"_s}).isEmpty());
+    EXPECT_EQ(signature(), QString());
+}
+
+TEST_F(Saving, AStudioThatClosesStopsTheWriting)
+{
+    std::atomic<bool> begun = false;
+    std::atomic<bool> stopped = false;
+    {
+        SignatureSave closing(m_model);
+        closing.start([&](const std::stop_token &stop) {
+            begun = true;
+            const QDeadlineTimer patience(5s);
+            while (!stop.stop_requested() && !patience.hasExpired()) {
+                std::this_thread::yield();
+            }
+            stopped = stop.stop_requested();
+            QImage image(100, 100, QImage::Format_ARGB32_Premultiplied);
+            image.fill(Qt::black);
+            EXPECT_THROW(encodePng(image, stop), OperationCancelled);
+            return image;
+        });
+        EXPECT_TRUE(waitFor([&] { return begun.load(); }));
+    }
+    EXPECT_TRUE(stopped);
     QCoreApplication::processEvents();
     EXPECT_TRUE(QDir(m_library).entryList({u"handwriting-*"_s}).isEmpty());
     EXPECT_EQ(signature(), QString());
