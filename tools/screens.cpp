@@ -338,10 +338,8 @@ public:
                 for (const QSize size : {QSize(1100, 720), QSize(1440, 920)}) {
                     setLanguageSources(
                         {[language] { return QString::fromLatin1(language); }, [] { return QStringList(); }});
-                    QEvent change(QEvent::LanguageChange);
                     applyTheme(dark);
-                    world.window().actions().retranslate();
-                    QApplication::sendEvent(&world.window(), &change);
+                    world.window().retranslate();
                     world.window().resize(size);
                     world.window().show();
                     for (const Screen &screen : screens) {

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "app/canvas/CanvasView.h"
+#include "app/collage/CollageScreen.h"
 #include "app/export/ExportPanel.h"
 #include "app/inspector/TextSection.h"
 #include "app/kit/Button.h"
@@ -18,6 +19,7 @@
 #include "app/window/HomeScreen.h"
 #include "app/window/ToolPanel.h"
 #include "app/window/ToolRail.h"
+#include "collage/CollageStudio.h"
 #include "render/BuiltInTemplate.h"
 #include "support/AppWorld.h"
 
@@ -349,12 +351,35 @@ TEST_F(EditorWindow, SpeaksTheChosenLanguageAtOnce)
     m_world->import({photo(u"one"_s)});
     EXPECT_TRUE(named<Button>(u"Export"_s));
     setLanguageSources({[] { return u"french"_s; }, [] { return QStringList(); }});
-    window().actions();
-    QEvent change(QEvent::LanguageChange);
-    QApplication::sendEvent(&window(), &change);
+    window().retranslate();
     EXPECT_TRUE(named<Button>(u"Appliquer à tout"_s));
     EXPECT_EQ(page().rail()->itemName(0), u"Modèles"_s);
     setLanguageSources({});
+}
+
+TEST_F(EditorWindow, StoppingAnExportToQuitStillAsksForABoard)
+{
+    QStringList files;
+    for (int i = 0; i < 9; ++i) {
+        files.append(photo(QString::number(i), {3000, 2000}));
+    }
+    m_world->import(files);
+    m_world->answers().folder = m_folder.filePath(u"out"_s);
+    QDir().mkpath(m_world->answers().folder);
+    page().showExport(true);
+    click(named<Button>(u"Export 9 photos to folder…"_s));
+    window().showCollage();
+    CollageStudio &studio = *window().collage()->studio();
+    studio.toggle(model().photos().at(0).id);
+    studio.toggle(model().photos().at(1).id);
+    studio.start();
+    studio.setGap(0.05);
+    ASSERT_TRUE(page().exporting()->working());
+    window().close();
+    click(named<Button>(u"Stop and quit"_s));
+    EXPECT_TRUE(window().isVisible());
+    click(named<Button>(u"Discard"_s));
+    EXPECT_TRUE(waitFor([this] { return !window().isVisible(); }));
 }
 
 TEST_F(EditorWindow, NamesEveryControlForScreenReaders)

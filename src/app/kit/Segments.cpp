@@ -64,9 +64,6 @@ QSize Segments::sizeHint() const
 void Segments::paintGround(QPainter &painter)
 {
     Paint::rounded(painter, rect(), 8, theme().surfaceMuted);
-    if (hasFocus() && cursor() >= 0) {
-        return;
-    }
 }
 
 void Segments::paintItem(QPainter &painter, int index, const State &state)

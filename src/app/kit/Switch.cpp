@@ -68,12 +68,10 @@ void Switch::paintEvent(QPaintEvent *)
     const double knob = 16;
     const double x = isChecked() ? box.right() - knob - 2 : box.left() + 2;
     Paint::rounded(painter, {x, box.top() + 2, knob, knob}, knob / 2,
-                   look.dark && isChecked() ? look.onAccent : QColor(look.dark ? 0xECEAE6 : 0xFFFFFF));
+                   look.dark && isChecked() ? look.onAccent : (look.dark ? look.ink : look.surface));
     if (hasFocus() && keyboardFocusVisible()) {
-        const QRectF inside = box.adjusted(4, 4, -4, -4);
         Paint::focusRing(painter, left ? box.adjusted(0, 0, -4, 0) : box.adjusted(4, 0, 0, 0), 10,
                          look.surface);
-        Q_UNUSED(inside)
     }
     painter.setPen(isEnabled() ? look.ink : look.disabled);
     painter.setFont(font());

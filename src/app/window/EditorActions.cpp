@@ -29,7 +29,6 @@ constexpr std::array<Row, static_cast<size_t>(Act::Count)> rows = {{
     {{"使用指南", "Guide", "Guide"}, "F1"},
     {{"设置", "Settings", "Réglages"}, "Ctrl+,"},
     {{"粘贴照片", "Paste photos", "Coller des photos"}, "Ctrl+V"},
-    {{"移除这张照片", "Remove this photo", "Retirer cette photo"}, ""},
 }};
 
 } // namespace

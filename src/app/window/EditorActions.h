@@ -25,7 +25,6 @@ enum class Act {
     Guide,
     Settings,
     Paste,
-    Remove,
     Count
 };
 

@@ -116,11 +116,6 @@ SampleFrames::SampleFrames(QWidget *parent) : QWidget(parent)
     setFixedSize(460, 400);
 }
 
-void SampleFrames::changeEvent(QEvent *event)
-{
-    QWidget::changeEvent(event);
-}
-
 void SampleFrames::paintEvent(QPaintEvent *)
 {
     if (m_ratio != devicePixelRatioF()) {

@@ -93,7 +93,6 @@ void MainWindow::connectActions()
     m_actions->connectTo(Act::Guide, [this] { showSettings(); });
     m_actions->connectTo(Act::Settings, [this] { showSettings(); });
     when(Act::Paste, &MainWindow::paste);
-    when(Act::Remove, &MainWindow::askRemove);
 }
 
 void MainWindow::connectState()
@@ -219,11 +218,6 @@ void MainWindow::showCollage()
     m_collage->begin();
 }
 
-HandwritingScreen *MainWindow::handwriting() const
-{
-    return m_handwriting;
-}
-
 void MainWindow::showHandwriting()
 {
     if (!m_handwriting) {
@@ -288,8 +282,8 @@ void MainWindow::updateActions()
     m_actions->setEnabled(Act::Paste, onPage && model.photos().size() < EditorModel::mostPhotos);
     m_actions->setEnabled(Act::Undo, editing && model.canUndo());
     m_actions->setEnabled(Act::Redo, editing && model.canRedo());
-    for (const Act act : {Act::Export, Act::ApplyToAll, Act::SaveStyle, Act::PreviewSet, Act::Manage,
-                          Act::Collage, Act::Remove}) {
+    for (const Act act :
+         {Act::Export, Act::ApplyToAll, Act::SaveStyle, Act::PreviewSet, Act::Manage, Act::Collage}) {
         m_actions->setEnabled(act, editing && photo);
     }
     m_actions->setEnabled(Act::Guide, onPage);
@@ -482,34 +476,30 @@ void MainWindow::changeEvent(QEvent *event)
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    if (m_page->exporting()->working() && !m_closing) {
+    if (m_page->exporting()->working() && !m_mayStopExport) {
         event->ignore();
         if (overlayOpen()) {
             return;
         }
-        showEditor();
-        ask(m_page->bar(),
+        ask(currentPage(),
             {said({"停止导出？", "Stop exporting?", "Arrêter l’export ?"}),
              said({"已导出的照片会保留。", "Photos that are already exported stay.",
                    "Les photos déjà exportées restent."}),
              said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
             [this] {
-                m_closing = true;
+                m_mayStopExport = true;
                 close();
             });
         return;
     }
-    if (currentPage() == m_collage && m_collage->studio() && !m_closing) {
+    if (currentPage() == m_collage && m_collage->studio()) {
         event->ignore();
-        m_collage->askToClose([this] { QTimer::singleShot(0, this, [this] { close(); }); });
+        m_collage->askToClose([this] { QTimer::singleShot(0, this, &QWidget::close); });
         return;
     }
-    if (currentPage() == m_handwriting && m_handwriting->hasUnsavedInk() && !m_closing) {
+    if (currentPage() == m_handwriting && m_handwriting->hasUnsavedInk()) {
         event->ignore();
-        m_handwriting->leave([this] {
-            m_closing = true;
-            close();
-        });
+        m_handwriting->leave([this] { close(); });
         return;
     }
     m_placement.remember();

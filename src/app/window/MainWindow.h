@@ -47,9 +47,7 @@ public:
     void openPhotos(const QStringList &photos);
 
     CollageScreen *collage() const;
-    HandwritingScreen *handwriting() const;
     EditorPage *page() const { return m_page; }
-    EditorActions &actions() { return *m_actions; }
     Toast *toast() const { return m_toast; }
     EditorState &state() { return m_services.editor.state; }
     void showManage();
@@ -57,6 +55,8 @@ public:
     void showCollage();
     void showHandwriting();
     Overlay *showSettings();
+    /// Shows every text in the language that holds now.
+    void retranslate();
     /// Back to the editor, or home when nothing is left.
     void showEditor();
     QWidget *currentPage() const;
@@ -90,7 +90,6 @@ private:
     void showFolderSuccess();
     void showLibrarySuccess();
     void placeToast();
-    void retranslate();
 
     WindowServices m_services;
     std::unique_ptr<EditorActions> m_actions;
@@ -107,7 +106,7 @@ private:
     /// Pictures from the clipboard wait here for their import.
     QTemporaryDir m_pasted;
     int m_pastes = 0;
-    bool m_closing = false;
+    bool m_mayStopExport = false;
     bool m_dropUsable = false;
 };
 
