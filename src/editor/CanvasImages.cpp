@@ -25,19 +25,6 @@ PhotoPlacement wholePlacement(const PhotoItem &item, QSize canvas)
     return placement;
 }
 
-/// Like placedRegion(), but reaching past the canvas.
-PlacedRegion wholeRegion(const PhotoPlacement &placement)
-{
-    const QRect pixels = (placement.shown & placement.whole).toAlignedRect();
-    const QRectF &whole = placement.whole;
-    if (pixels.isEmpty() || whole.isEmpty()) {
-        return {};
-    }
-    return {pixels,
-            {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
-             pixels.width() / whole.width(), pixels.height() / whole.height()}};
-}
-
 bool sameSize(const QRectF &a, const QRectF &b)
 {
     return std::abs(a.width() - b.width()) < 1e-6 && std::abs(a.height() - b.height()) < 1e-6;
@@ -89,11 +76,8 @@ PhotoImage CanvasImages::photoAtHand(const Wanted &wanted, bool &exact) const
     const QPointF way = placement.whole.topLeft() - m_ready.placement.whole.topLeft();
     const QPoint grid(qRound(way.x()), qRound(way.y()));
     const QRect pixels = m_ready.pixels.translated(grid);
-    const QRectF &whole = placement.whole;
     exact = QPointF(way - grid).manhattanLength() < 1e-6;
-    return {m_ready.photo.image,
-            {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
-             pixels.width() / whole.width(), pixels.height() / whole.height()}};
+    return {m_ready.photo.image, extentOf(pixels, placement.whole)};
 }
 
 CompositionImages CanvasImages::images(const PhotoItem &item, QSize canvas, const Previews &previews)
@@ -130,12 +114,8 @@ CanvasImages::Ready CanvasImages::make(const Wanted &wanted, Ready old)
     Ready ready = std::move(old);
     const PhotoPlacement placement = wholePlacement(wanted.item, canvas);
     if (!wanted.previews.photo.isNull()) {
-        const PlacedRegion region = wholeRegion(placement);
-        // Asked of a canvas that begins where the photo does: the resampler is not to cut it.
-        const QPointF shift = QPointF(region.pixels.topLeft());
-        const PhotoPlacement moved{placement.whole.translated(-shift), placement.shown.translated(-shift)};
-        ready.photo = placedPhoto(wanted.previews.photo, moved, region.pixels.size());
-        ready.photo.extent = region.extent;
+        const PlacedRegion region = placedRegion(placement);
+        ready.photo = placedPhoto(wanted.previews.photo, region);
         ready.pixels = region.pixels;
         ready.placement = placement;
         ready.photoKey = wanted.previews.photo.cacheKey();

@@ -11,7 +11,6 @@ namespace tarnovel {
 namespace {
 
 constexpr int photoPixels = 1400;
-constexpr int blurSourcePixels = 500;
 constexpr int backdropPixels = 1200;
 constexpr int logoPixels = 600;
 constexpr int signaturePixels = 1200;
@@ -101,7 +100,7 @@ void PreviewLoader::loadBackground(const PhotoItem &item)
             Q_EMIT changed();
         };
         whenDone<QImage>(
-            m_pipeline.read(item.file, blurSourcePixels, m_stop.get_token()),
+            m_pipeline.read(item.file, ImagePipeline::blurSourcePixels, m_stop.get_token()),
             [this, failed](const QImage &source) {
                 whenDone<QImage>(
                     m_pipeline.blurred(source, m_stop.get_token()),

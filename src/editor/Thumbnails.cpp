@@ -20,8 +20,6 @@ namespace {
 constexpr int keptBytes = 96'000'000;
 /// The sizes at which photos are kept; a larger thumbnail takes the next.
 constexpr std::array<int, 3> sourcePixels = {400, 800, 1600};
-/// What the blurred backdrop is made from, as on the canvas.
-constexpr int blurSourcePixels = 500;
 constexpr int companionPixels = 400;
 /// A full session in the strip, on the pages and in the cards, twice.
 constexpr size_t mostEntries = 400;
@@ -121,7 +119,7 @@ std::vector<Thumbnails::Source> Thumbnails::sourcesOf(const PhotoItem &item, QSi
     std::vector<Source> sources(4);
     sources[0] = source(item.file, sourceSize(canvas));
     if (!film && settings.background == Backdrop::blur) {
-        sources[1] = source(item.file, blurSourcePixels);
+        sources[1] = source(item.file, ImagePipeline::blurSourcePixels);
         sources[1].key += u" blurred"_s;
         sources[1].blurred = true;
     } else if (!film && settings.background == Backdrop::image && settings.backgroundFile) {

@@ -32,7 +32,6 @@ namespace tarnovel {
 
 namespace {
 
-constexpr int blurSourcePixels = 500;
 constexpr double blurSigma = 22;
 constexpr int backdropPixels = 1200;
 constexpr int logoPixels = 1500;

@@ -51,6 +51,8 @@ public:
     /// Up to three colours of a photo, remembered for the last hundred files.
     QFuture<QList<Ink>> primaryColors(const QString &file, std::stop_token stop = {});
 
+    /// The longer side of what a blurred backdrop is made from, on screen and in exports.
+    static constexpr int blurSourcePixels = 500;
     /// The picture for a blurred backdrop, of the same size.
     QFuture<QImage> blurred(const QImage &image, std::stop_token stop = {});
 

@@ -14,27 +14,36 @@ QImage resamplable(const QImage &image)
 
 } // namespace
 
-PlacedRegion placedRegion(const PhotoPlacement &placement, QSize canvas)
+QRectF extentOf(const QRect &pixels, const QRectF &whole)
 {
-    const QRectF &whole = placement.whole;
-    const QRect pixels = (placement.shown & whole & QRectF({}, QSizeF(canvas))).toAlignedRect();
-    if (whole.isEmpty() || pixels.isEmpty()) {
-        return {};
-    }
-    return {pixels,
-            {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
-             pixels.width() / whole.width(), pixels.height() / whole.height()}};
+    return {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
+            pixels.width() / whole.width(), pixels.height() / whole.height()};
 }
 
-PhotoImage placedPhoto(const QImage &photo, const PhotoPlacement &placement, QSize canvas)
+PlacedRegion placedRegion(const PhotoPlacement &placement)
 {
-    const PlacedRegion region = placedRegion(placement, canvas);
+    const QRect pixels = (placement.shown & placement.whole).toAlignedRect();
+    return pixels.isEmpty() ? PlacedRegion() : PlacedRegion{pixels, extentOf(pixels, placement.whole)};
+}
+
+PlacedRegion placedRegion(const PhotoPlacement &placement, QSize canvas)
+{
+    return placedRegion({placement.whole, placement.shown & QRectF({}, QSizeF(canvas))});
+}
+
+PhotoImage placedPhoto(const QImage &photo, const PlacedRegion &region)
+{
     if (region.pixels.isEmpty() || photo.isNull()) {
         return {};
     }
     const QRectF source(region.extent.x() * photo.width(), region.extent.y() * photo.height(),
                         region.extent.width() * photo.width(), region.extent.height() * photo.height());
     return {resampled(resamplable(photo), source, region.pixels.size()), region.extent};
+}
+
+PhotoImage placedPhoto(const QImage &photo, const PhotoPlacement &placement, QSize canvas)
+{
+    return placedPhoto(photo, placedRegion(placement, canvas));
 }
 
 QImage coveringPicture(const QImage &picture, QSize canvas)

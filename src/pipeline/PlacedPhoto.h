@@ -14,8 +14,16 @@ struct PlacedRegion {
     QRectF extent;
 };
 
-/// Empty for a photo that the canvas does not show.
+/// The part of a photo lying at `whole` that these pixels cover.
+QRectF extentOf(const QRect &pixels, const QRectF &whole);
+
+/// Everything of the photo that shows, on the canvas and past it; empty when nothing does.
+PlacedRegion placedRegion(const PhotoPlacement &placement);
+/// What of it lies on the canvas.
 PlacedRegion placedRegion(const PhotoPlacement &placement, QSize canvas);
+
+/// A photo resampled to the pixels of a region. May run on any thread.
+PhotoImage placedPhoto(const QImage &photo, const PlacedRegion &region);
 
 /// What of `photo` a canvas shows, resampled so that its pixels lie on the canvas's. May run on any thread.
 PhotoImage placedPhoto(const QImage &photo, const PhotoPlacement &placement, QSize canvas);
