@@ -25,6 +25,8 @@ using namespace Qt::StringLiterals;
 namespace tarnovel::bench {
 namespace {
 
+using namespace app;
+
 constexpr int photoCount = 9;
 constexpr int repaints = 120;
 

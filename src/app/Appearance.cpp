@@ -15,7 +15,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -119,4 +119,4 @@ void Appearance::apply()
                                                   : chosen == AppearanceChoice::dark);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

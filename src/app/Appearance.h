@@ -8,7 +8,7 @@
 
 class QDBusVariant;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 enum class AppearanceChoice { system, light, dark };
 
@@ -37,4 +37,4 @@ private:
     std::optional<bool> m_desktopDark;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

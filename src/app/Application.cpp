@@ -23,7 +23,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -146,4 +146,4 @@ int runEditor(int argc, char **argv)
     return QApplication::exec();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -65,4 +65,4 @@ FileChooser FileChooser::dialogs()
     return chooser;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

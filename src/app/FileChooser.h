@@ -6,7 +6,7 @@
 
 class QWidget;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// Asks the user for files and folders with the desktop's own dialog, without stopping the window. `chosen`
 /// is called with what was chosen, or not at all. Tests put their own in its place.
@@ -22,4 +22,4 @@ struct FileChooser {
     static FileChooser dialogs();
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -16,7 +16,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel::Sharing {
+namespace tarnovel::app::Sharing {
 
 namespace {
 
@@ -97,4 +97,4 @@ void sendMail(const QStringList &files)
     QDBusConnection::sessionBus().asyncCall(call);
 }
 
-} // namespace tarnovel::Sharing
+} // namespace tarnovel::app::Sharing

@@ -3,7 +3,7 @@
 #include <QStringList>
 
 /// Handing finished files to the rest of the desktop.
-namespace tarnovel::Sharing {
+namespace tarnovel::app::Sharing {
 
 /// Puts the files on the clipboard, to be pasted into a folder or a message.
 void copyFiles(const QStringList &files);
@@ -16,4 +16,4 @@ bool canSendMail();
 /// Opens a new message with the files attached.
 void sendMail(const QStringList &files);
 
-} // namespace tarnovel::Sharing
+} // namespace tarnovel::app::Sharing

@@ -26,7 +26,7 @@
 using namespace Qt::StringLiterals;
 using namespace std::string_view_literals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -283,4 +283,4 @@ int runCommandLine(int argc, char **argv)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 void setFormat(ExportOptions &options, const QString &format, const std::optional<QString> &maxMb)
 {
@@ -61,4 +61,4 @@ void makeFolder(const QString &folder)
                                              "Impossible de créer ce dossier."})};
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -7,7 +7,7 @@
 
 #include "pipeline/ExportOptions.h"
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 /// Something that stops a whole command before its first photo.
 struct Refusal {
@@ -35,4 +35,4 @@ private:
     QTemporaryDir m_folder;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

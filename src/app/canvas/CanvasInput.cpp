@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -322,4 +322,4 @@ bool CanvasView::event(QEvent *event)
     return QWidget::event(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -9,7 +9,7 @@
 #include "app/kit/Theme.h"
 #include "language/AppLanguage.h"
 
-namespace tarnovel::CanvasMarks {
+namespace tarnovel::app::CanvasMarks {
 
 namespace {
 
@@ -121,4 +121,4 @@ Handle handleAt(QPointF position, const QRectF &box)
     return Handle::None;
 }
 
-} // namespace tarnovel::CanvasMarks
+} // namespace tarnovel::app::CanvasMarks

@@ -8,7 +8,7 @@
 class QPainter;
 
 /// What is drawn over the picture for the hand; none of it is exported.
-namespace tarnovel::CanvasMarks {
+namespace tarnovel::app::CanvasMarks {
 
 enum class Handle { None, Corner, Knob };
 
@@ -24,4 +24,4 @@ void paintSelection(QPainter &painter, const QRectF &box, bool keyboard);
 /// The handle at a position that is turned back like the layer.
 Handle handleAt(QPointF position, const QRectF &box);
 
-} // namespace tarnovel::CanvasMarks
+} // namespace tarnovel::app::CanvasMarks

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -246,4 +246,4 @@ void CanvasView::focusOutEvent(QFocusEvent *event)
     QWidget::focusOutEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

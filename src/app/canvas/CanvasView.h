@@ -13,7 +13,7 @@
 class QNativeGestureEvent;
 class QPinchGesture;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 struct Theme;
 
@@ -97,4 +97,4 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

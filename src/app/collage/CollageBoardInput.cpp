@@ -14,7 +14,7 @@
 #include "app/collage/CellMenu.h"
 #include "app/collage/CollageBoard.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -445,4 +445,4 @@ void CollageBoard::dropEvent(QDropEvent *event)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -17,7 +17,7 @@
 #include "app/kit/Overlay.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -289,4 +289,4 @@ bool CollageScreen::event(QEvent *event)
     return QWidget::event(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -27,7 +27,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -415,4 +415,4 @@ void ExportPanel::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(0, y), QPointF(width(), y));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -8,7 +8,7 @@
 
 class QVBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -87,4 +87,4 @@ private:
     Label *m_error;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

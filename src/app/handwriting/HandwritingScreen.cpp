@@ -18,7 +18,7 @@
 #include "pipeline/ImagePipeline.h"
 #include "pipeline/WhenFinished.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -427,4 +427,4 @@ void HandwritingScreen::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), theme().canvas);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

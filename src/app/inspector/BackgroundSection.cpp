@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -159,4 +159,4 @@ void BackgroundSection::reset()
     model().loadPreview();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 BorderSection::BorderSection(const EditorContext &context) : Section(context)
 {
@@ -90,4 +90,4 @@ void BorderSection::reset()
     model().loadPreview();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -111,4 +111,4 @@ void CameraSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

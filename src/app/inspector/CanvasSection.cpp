@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -118,4 +118,4 @@ void CanvasSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

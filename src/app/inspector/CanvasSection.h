@@ -3,7 +3,7 @@
 #include "app/inspector/Section.h"
 #include "app/kit/CardGrid.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class NumberField;
 
@@ -40,4 +40,4 @@ private:
     NumberField *m_height;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -172,4 +172,4 @@ void FilmSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

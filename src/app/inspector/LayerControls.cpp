@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -145,4 +145,4 @@ void LayerPlace::display(const PhotoItem &photo, const TextLayer &layer)
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -111,4 +111,4 @@ void LayerList::keyPressEvent(QKeyEvent *event)
     Items::keyPressEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -3,7 +3,7 @@
 #include "app/kit/Items.h"
 #include "model/FrameSettings.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// The texts of a frame, one a row, with an eye each.
 class LayerList : public Items {
@@ -33,4 +33,4 @@ private:
     QList<TextLayer> m_layers;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -99,4 +99,4 @@ void LogoSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class LayerPlace;
@@ -32,4 +32,4 @@ private:
     LayerPlace *m_place;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

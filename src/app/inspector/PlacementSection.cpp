@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -81,4 +81,4 @@ void PlacementSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

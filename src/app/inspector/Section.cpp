@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -163,4 +163,4 @@ void Section::addHint(const char *icon, Phrase phrase)
     m_column->addWidget(makeHint(icon, std::move(phrase)));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -8,7 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -113,4 +113,4 @@ void SignatureSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class PictureWell;
@@ -29,4 +29,4 @@ private:
     Slider *m_y;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -219,4 +219,4 @@ void StockPicker::setStock(const QString &stock)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -109,4 +109,4 @@ void StylesSection::display(const PhotoItem &)
     m_autoApply->show(model().autoApplyLastStyle());
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -75,4 +75,4 @@ void TemplatesSection::display(const PhotoItem &photo)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -18,7 +18,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -258,4 +258,4 @@ void TextSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class ColorDots;
@@ -47,4 +47,4 @@ int fontIndex(const TextLayer &layer);
 std::optional<QString> fontAt(int index);
 Segments *makeFontSegments();
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -210,4 +210,4 @@ void Button::timerEvent(QTimerEvent *)
     update();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -9,7 +9,7 @@
 
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -131,4 +131,4 @@ bool CardGrid::event(QEvent *event)
     return Items::event(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -291,4 +291,4 @@ void ColorPicker::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -4,7 +4,7 @@
 
 #include "app/kit/Field.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 
@@ -94,4 +94,4 @@ private:
     Field *m_hex;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -16,7 +16,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -228,4 +228,4 @@ void NumberField::focusInEvent(QFocusEvent *event)
     QTimer::singleShot(0, this, &QLineEdit::selectAll);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

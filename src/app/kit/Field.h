@@ -4,7 +4,7 @@
 
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A line of text to type in.
 class Field : public QLineEdit {
@@ -81,4 +81,4 @@ private:
     double m_value = 0;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -124,4 +124,4 @@ void FocusRing::paintEvent(QPaintEvent *)
                      radius.isValid() ? radius.toInt() : usualRadius, theme().surface);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -3,7 +3,7 @@
 #include <QPointer>
 #include <QWidget>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// Whether the user is moving with the keyboard at the moment: rings of focus show only then.
 bool keyboardFocusVisible();
@@ -25,4 +25,4 @@ private:
     QPointer<QWidget> m_target;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -12,7 +12,7 @@
 #include "app/kit/Focus.h"
 #include "app/kit/ItemsAccessible.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -291,4 +291,4 @@ bool Items::event(QEvent *event)
     return QWidget::event(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A group of things to choose from that is one stop of the Tab key: arrows move inside. Screen readers see
 /// each item by its name.
@@ -98,4 +98,4 @@ private:
     QBasicTimer m_longPress;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -12,7 +12,7 @@
 #include "app/kit/Shadow.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -194,4 +194,4 @@ void Overlay::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 
 class QVBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A card over its window: a popover beside a control, or a sheet over a veil. It takes the keyboard and
 /// gives it back; Esc and, for a popover, a click outside close it.
@@ -75,4 +75,4 @@ struct TextQuestion {
 Overlay *askText(QWidget *anchor, const TextQuestion &question,
                  std::function<QString(const QString &)> accept);
 
-} // namespace tarnovel
+} // namespace tarnovel::app

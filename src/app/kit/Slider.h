@@ -5,7 +5,7 @@
 #include "app/kit/Field.h"
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A slider's track and knob.
 class SliderTrack : public QSlider {
@@ -83,4 +83,4 @@ private:
     bool m_showing = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -9,7 +9,7 @@
 #include "app/kit/Focus.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -89,4 +89,4 @@ void Switch::changeEvent(QEvent *event)
     QCheckBox::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -4,7 +4,7 @@
 
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A row with a text and a switch at its right end; the whole row takes the click.
 class Switch : public QCheckBox {
@@ -39,4 +39,4 @@ private:
     Side m_side;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -18,7 +18,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -307,4 +307,4 @@ void ManagePhotos::paintEvent(QPaintEvent *)
     Paint::hairline(painter, footer.topLeft(), QPointF(width(), footer.top()));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -16,7 +16,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -376,4 +376,4 @@ void SetPreview::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), theme().canvas);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -20,7 +20,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -305,4 +305,4 @@ Overlay *showSettings(QWidget *window, const EditorContext &context, Appearance 
     return sheet;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -64,4 +64,4 @@ void EditorActions::retranslate()
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

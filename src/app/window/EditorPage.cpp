@@ -15,7 +15,7 @@
 #include "app/window/ToolRail.h"
 #include "app/window/TopBar.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -163,4 +163,4 @@ void EditorPage::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), theme().canvas);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,13 +7,16 @@ class QStackedWidget;
 class QBoxLayout;
 
 namespace tarnovel {
+class PhotoLibrary;
+}
+
+namespace tarnovel::app {
 
 class CanvasView;
 class EditorActions;
 class ExportPanel;
 class FilmStrip;
 class HomeScreen;
-class PhotoLibrary;
 class ToolPanel;
 class ToolRail;
 class TopBar;
@@ -63,4 +66,4 @@ private:
     ExportPanel *m_export;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel::FileDrops {
+namespace tarnovel::app::FileDrops {
 
 namespace {
 
@@ -47,4 +47,4 @@ bool hasFiles(const QMimeData *data)
     return std::any_of(urls.begin(), urls.end(), [](const QUrl &url) { return url.isLocalFile(); });
 }
 
-} // namespace tarnovel::FileDrops
+} // namespace tarnovel::app::FileDrops

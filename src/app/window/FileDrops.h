@@ -4,7 +4,7 @@
 
 class QMimeData;
 
-namespace tarnovel::FileDrops {
+namespace tarnovel::app::FileDrops {
 
 /// The files of a drag or a clipboard that may be pictures, as paths. Folders give the pictures directly in
 /// them.
@@ -13,4 +13,4 @@ QStringList pictures(const QMimeData *data);
 /// Whether the drag carries files at all.
 bool hasFiles(const QMimeData *data);
 
-} // namespace tarnovel::FileDrops
+} // namespace tarnovel::app::FileDrops

@@ -19,7 +19,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -417,4 +417,4 @@ void FilmStrip::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(0, 0), QPointF(width(), 0));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 #include "app/EditorContext.h"
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -87,4 +87,4 @@ private:
     Button *m_remove;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -5,7 +5,7 @@
 
 #include "app/EditorContext.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -73,4 +73,4 @@ private:
     Label *m_summary;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

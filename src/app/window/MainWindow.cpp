@@ -38,7 +38,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 MainWindow::MainWindow(const WindowServices &services)
     : m_services(services),
@@ -233,7 +233,7 @@ void MainWindow::showHandwriting()
 
 Overlay *MainWindow::showSettings()
 {
-    return tarnovel::showSettings(this, m_services.editor, m_services.appearance, [this] {
+    return app::showSettings(this, m_services.editor, m_services.appearance, [this] {
         m_services.languageChosen();
         retranslate();
     });
@@ -581,4 +581,4 @@ void MainWindow::dropEvent(QDropEvent *event)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -14,6 +14,10 @@
 class QStackedLayout;
 
 namespace tarnovel {
+class PhotoLibrary;
+}
+
+namespace tarnovel::app {
 
 class CollageScreen;
 class DropVeil;
@@ -22,7 +26,6 @@ class EditorPage;
 class HandwritingScreen;
 class ManagePhotos;
 class Overlay;
-class PhotoLibrary;
 class SetPreview;
 
 /// What the window works with; all of it outlives it.
@@ -110,4 +113,4 @@ private:
     bool m_dropUsable = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -22,7 +22,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -142,4 +142,4 @@ void ToolPanel::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(0, height() - footerHeight), QPointF(width(), height() - footerHeight));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

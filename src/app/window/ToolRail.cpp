@@ -5,7 +5,7 @@
 #include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -76,4 +76,4 @@ void ToolRail::paintItem(QPainter &painter, int index, const State &state)
                      itemName(index));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

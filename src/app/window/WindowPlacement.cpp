@@ -8,7 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -71,4 +71,4 @@ void WindowPlacement::sizeFirstWindow()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

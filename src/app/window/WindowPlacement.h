@@ -6,7 +6,7 @@
 
 class QWidget;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// Where the window stands: as it was left, and on the first start of all at a size that shows the program
 /// well.
@@ -29,4 +29,4 @@ private:
     Preferences &m_preferences;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app
