@@ -72,7 +72,7 @@ SingleInstance::~SingleInstance()
     }
 }
 
-bool SingleInstance::acquire(const QStringList &photos)
+bool SingleInstance::acquire(const QStringList &photos, const QString &activationToken)
 {
     // The kernel lets go of the lock when its process ends, however it ends; what the file holds means
     // nothing.
@@ -87,7 +87,7 @@ bool SingleInstance::acquire(const QStringList &photos)
         if (m_lock >= 0 && flock(m_lock, LOCK_EX | LOCK_NB) == 0) {
             return listen();
         }
-        if (handOver(photos)) {
+        if (handOver(photos, activationToken)) {
             m_handedOver = true;
             return false;
         }
@@ -107,7 +107,7 @@ bool SingleInstance::listen()
     return true;
 }
 
-bool SingleInstance::handOver(const QStringList &photos) const
+bool SingleInstance::handOver(const QStringList &photos, const QString &activationToken) const
 {
     QLocalSocket socket;
     socket.connectToServer(m_socketPath);
@@ -116,7 +116,7 @@ bool SingleInstance::handOver(const QStringList &photos) const
     }
     QByteArray message;
     QDataStream packing(&message, QIODevice::WriteOnly);
-    packing << absolutePaths(photos);
+    packing << absolutePaths(photos) << activationToken;
     QDataStream sending(&socket);
     sending << message;
     // The owner answers once it has read everything.
@@ -140,11 +140,12 @@ void SingleInstance::receive()
                 return;
             }
             QStringList photos;
+            QString activationToken;
             QDataStream unpacking(message);
-            unpacking >> photos;
+            unpacking >> photos >> activationToken;
             socket->write("k");
             socket->flush();
-            Q_EMIT photosReceived(photos);
+            Q_EMIT photosReceived(photos, activationToken);
         });
     }
 }

@@ -10,7 +10,15 @@ namespace tarnovel::app::FileDrops {
 /// them.
 QStringList pictures(const QMimeData *data);
 
+/// The same for paths, where a file is taken as it is: whoever names it means it.
+QStringList pictures(const QStringList &paths);
+
+/// The absolute path that an argument of the program means, which may be a path or a file:// address.
+QString pathOf(const QString &argument);
+
 /// Whether the drag carries files at all.
 bool hasFiles(const QMimeData *data);
+/// Whether it carries something on the web instead.
+bool hasWebAddress(const QMimeData *data);
 
 } // namespace tarnovel::app::FileDrops
