@@ -116,6 +116,9 @@ void CollageBoard::mouseMoveEvent(QMouseEvent *event)
 
 void CollageBoard::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
     m_longPress.stop();
     m_gestures.releaseDivider();
     m_gestures.endPan();

@@ -299,6 +299,8 @@ void ExportPanel::showRun()
         option->setEnabled(!busy);
     }
     m_limit->setEnabled(!busy && !m_choices.png);
+    // The keyboard goes with the button that takes the other's place.
+    const bool held = m_start->hasFocus() || m_cancel->hasFocus();
     m_progressBox->setVisible(busy);
     m_start->setVisible(!busy);
     m_start->setEnabled(!busy && m_context.model.current());
@@ -322,6 +324,9 @@ void ExportPanel::showRun()
     m_error->setVisible(!busy && !error.isEmpty());
     m_error->setPhrase([text = QString(error)]() mutable { return text; });
     m_openSettings->setVisible(!busy && toLibrary() && m_library.denied());
+    if (held && !(busy ? m_cancel : m_start)->hasFocus()) {
+        (busy ? m_cancel : m_start)->setFocus(Qt::OtherFocusReason);
+    }
     Q_EMIT progressed();
 }
 

@@ -34,6 +34,8 @@ protected:
 
 private:
     double ratioOf(int index) const;
+    /// The preset, with the ratio that holds where the preset does not name it.
+    QString nameOf(int index) const;
 
     RatioTiles *m_tiles;
     NumberField *m_width;

@@ -22,14 +22,18 @@ public:
 
 Q_SIGNALS:
     void visibilityAsked(int index);
+    /// The pointer has chosen the row; arrows do not say so.
+    void rowClicked(int index);
 
 protected:
     void paintItem(QPainter &painter, int index, const State &state) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QRect eyeRect(int index) const;
+    int titleWidth() const;
     QList<TextLayer> m_layers;
 };
 

@@ -23,7 +23,8 @@ protected:
 
 private:
     PictureWell *m_well;
-    QWidget *m_hint;
+    QWidget *m_empty;
+    QWidget *m_change;
     Button *m_choose;
     Button *m_remove;
     QWidget *m_controls;

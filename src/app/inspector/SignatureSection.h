@@ -21,6 +21,8 @@ protected:
 
 private:
     PictureWell *m_well;
+    QWidget *m_empty;
+    QWidget *m_change;
     Button *m_write;
     Button *m_remove;
     QWidget *m_controls;

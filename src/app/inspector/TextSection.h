@@ -32,6 +32,7 @@ private:
     QString shownLayer(const PhotoItem &photo) const;
 
     LayerList *m_list;
+    Button *m_camera;
     QWidget *m_editor;
     Field *m_text;
     Segments *m_font;

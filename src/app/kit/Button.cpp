@@ -4,8 +4,10 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QPainter>
 
+#include "app/kit/Focus.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Spinner.h"
 #include "app/kit/Theme.h"
@@ -182,6 +184,18 @@ void Button::paintEvent(QPaintEvent *)
         painter.drawText(QRectF(x + textWidth + keyGap, 0, keyWidth, height()),
                          Qt::AlignLeft | Qt::AlignVCenter, m_key);
     }
+}
+
+void Button::keyPressEvent(QKeyEvent *event)
+{
+    // Of itself a button takes Enter in a dialog only.
+    if (isEnterKey(*event)) {
+        if (!event->isAutoRepeat()) {
+            click();
+        }
+        return;
+    }
+    QPushButton::keyPressEvent(event);
 }
 
 void Button::changeEvent(QEvent *event)

@@ -78,6 +78,7 @@ protected:
     bool event(QEvent *event) override;
 
     int hovered() const { return m_hovered; }
+    int pressedItem() const { return m_pressed; }
     /// The press that is under way will neither choose nor ask: it has become a drag.
     void cancelPress();
     /// Where the End key goes.

@@ -4,6 +4,7 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QPainter>
 
 #include "app/kit/Focus.h"
@@ -77,6 +78,17 @@ void Switch::paintEvent(QPaintEvent *)
     painter.setFont(font());
     const QRectF room(left ? 0 : track.width() + gap, 0, width() - track.width() - gap, height());
     painter.drawText(room, textFlags, text());
+}
+
+void Switch::keyPressEvent(QKeyEvent *event)
+{
+    if (isEnterKey(*event)) {
+        if (!event->isAutoRepeat()) {
+            click();
+        }
+        return;
+    }
+    QCheckBox::keyPressEvent(event);
 }
 
 void Switch::changeEvent(QEvent *event)

@@ -29,6 +29,7 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
     bool hitButton(const QPoint &position) const override { return rect().contains(position); }
 

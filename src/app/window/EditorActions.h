@@ -25,6 +25,9 @@ enum class Act {
     Guide,
     Settings,
     Paste,
+    Close,
+    Quit,
+    FullScreen,
     Count
 };
 

@@ -11,6 +11,7 @@
 #include "app/FileChooser.h"
 #include "app/window/WindowPlacement.h"
 
+class QMimeData;
 class QStackedLayout;
 
 namespace tarnovel {
@@ -47,7 +48,7 @@ public:
     ~MainWindow() override;
 
     /// Brings photos in, as another start of the program or the command line asks.
-    void openPhotos(const QStringList &photos);
+    void openPhotos(const QStringList &photos, const QString &activationToken = {});
 
     CollageScreen *collage() const;
     EditorPage *page() const { return m_page; }
@@ -87,6 +88,8 @@ private:
     void import(const QStringList &files, ImportMode mode, ImportSource source);
     bool backgroundWanted() const;
     void paste();
+    /// Takes the picture itself, where no file of it is at hand. False when there is none.
+    bool importImage(const QMimeData *carried, const QString &name);
     void askRemove();
     void askStyleName();
     void applyToAll();
