@@ -40,6 +40,7 @@
 namespace {
 
 using namespace tarnovel;
+using namespace tarnovel::app;
 using namespace Qt::StringLiterals;
 
 /// A library of its own, filled with the photos of the command line in different looks, as a finished set

@@ -1,5 +1,6 @@
 #include "app/Application.h"
 
+#include <array>
 #include <cstdio>
 #include <mutex>
 
@@ -8,13 +9,15 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFileInfo>
+#include <QLibraryInfo>
 #include <QStyleFactory>
+#include <QTranslator>
 
 #include "app/Appearance.h"
 #include "app/EditorContext.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
+#include "app/window/FileDrops.h"
 #include "app/window/MainWindow.h"
 #include "editor/SingleInstance.h"
 #include "export/ExportFileLifetime.h"
@@ -23,7 +26,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -68,14 +71,36 @@ QString privateTemporaryFolder()
 
 QStringList photosOf(const QStringList &arguments)
 {
-    QStringList photos;
+    QStringList paths;
     for (const QString &argument : arguments.mid(1)) {
         if (argument != u"--"_s) {
-            photos.append(QFileInfo(argument).absoluteFilePath());
+            paths.append(FileDrops::pathOf(argument));
         }
     }
-    return photos;
+    return FileDrops::pictures(paths);
 }
+
+/// Qt's own texts, as of its file dialog, in the language that holds now.
+class QtTexts {
+public:
+    QtTexts() { load(); }
+    ~QtTexts() { QCoreApplication::removeTranslator(&m_translator); }
+    QtTexts(const QtTexts &) = delete;
+    QtTexts &operator=(const QtTexts &) = delete;
+
+    void load()
+    {
+        static constexpr std::array files = {"qtbase_zh_CN", "", "qtbase_fr"};
+        const QString file = QString::fromLatin1(files.at(static_cast<size_t>(currentLanguage())));
+        QCoreApplication::removeTranslator(&m_translator);
+        if (!file.isEmpty() && m_translator.load(file, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+            QCoreApplication::installTranslator(&m_translator);
+        }
+    }
+
+private:
+    QTranslator m_translator;
+};
 
 bool hasDisplay()
 {
@@ -93,6 +118,8 @@ int complain(const Text &text)
 
 int runEditor(int argc, char **argv)
 {
+    // Before the platform takes it for a window that a second start never shows.
+    const QString activationToken = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
     Preferences preferences;
     LanguagePreference language(preferences);
     setLanguageSources(
@@ -117,7 +144,7 @@ int runEditor(int argc, char **argv)
     const QString library = LibraryPaths::root();
     const QStringList photos = photosOf(QApplication::arguments());
     SingleInstance instance(library);
-    if (!instance.acquire(photos)) {
+    if (!instance.acquire(photos, activationToken)) {
         return instance.handedOver() ? 0
                                      : complain({"Tarnovel 已在运行，但没有响应。",
                                                  "Tarnovel is running already, but does not answer.",
@@ -133,17 +160,21 @@ int runEditor(int argc, char **argv)
     ImportFlow imports(model, pipeline);
     Thumbnails thumbnails(pipeline);
     EditorState state;
+    QtTexts texts;
     Appearance appearance(preferences);
     PicturesFolder pictures;
     MainWindow window({{model, edits, imports, thumbnails, pipeline, preferences, clock, state},
                        appearance,
-                       FileChooser::dialogs(),
+                       FileChooser::dialogs(preferences),
                        pictures,
-                       [&language] { language.reload(); }});
+                       [&language, &texts] {
+                           language.reload();
+                           texts.load();
+                       }});
     QObject::connect(&instance, &SingleInstance::photosReceived, &window, &MainWindow::openPhotos);
     window.show();
     window.openPhotos(photos);
     return QApplication::exec();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -19,7 +19,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -293,4 +293,4 @@ int runLayouts(const QString &count, bool json)
     return 0;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -28,7 +28,7 @@
 using namespace Qt::StringLiterals;
 using namespace std::string_view_literals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -292,4 +292,4 @@ int runCommandLine(int argc, char **argv)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -26,7 +26,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -363,4 +363,4 @@ int runExport(const ExportRequest &request, const Interruption &interruption)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -7,7 +7,7 @@
 
 #include "language/AppLanguage.h"
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 /// What the arguments ask for; CLI11 fills it.
 struct Arguments {
@@ -297,4 +297,4 @@ private:
     CLI::App *m_stocks = nullptr;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

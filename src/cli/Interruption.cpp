@@ -4,7 +4,7 @@
 #include <ctime>
 #include <pthread.h>
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -51,4 +51,4 @@ int Interruption::exitStatus() const
     return m_signal == 0 ? 0 : 128 + m_signal;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -17,7 +17,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -131,4 +131,4 @@ int runStocks(bool json)
     return printTable(rows, json);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 void setFormat(ExportOptions &options, const QString &format, const std::optional<QString> &maxMb)
 {
@@ -66,4 +66,4 @@ void makeFolder(const QString &folder)
                                              "Impossible de créer ce dossier."})};
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

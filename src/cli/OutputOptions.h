@@ -8,7 +8,7 @@
 #include "base/ScratchFolder.h"
 #include "pipeline/ExportOptions.h"
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 /// Something that stops a whole command before its first photo.
 struct Refusal {
@@ -36,4 +36,4 @@ private:
     std::unique_ptr<ScratchFolder> m_folder;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -85,10 +85,11 @@ void CollageStudio::toggle(const QUuid &photo)
         return;
     }
     ++m_selectTick;
-    tell(PhotosChanged);
+    // Whoever hears of the photos reads the layouts that go with them.
     if (!m_choosing) {
         rebuild(LayoutChoice::Keep);
     }
+    tell(PhotosChanged);
 }
 
 void CollageStudio::clearPicked()
@@ -111,10 +112,10 @@ void CollageStudio::addFiles(const QStringList &paths)
     m_photos.open(paths, [this](const QList<QUuid> &photos, qsizetype unreadable) {
         if (!m_saving && pick(photos)) {
             ++m_selectTick;
-            tell(PhotosChanged);
             if (!m_choosing) {
                 rebuild(LayoutChoice::Keep);
             }
+            tell(PhotosChanged);
         }
         if (unreadable > 0) {
             filesUnreadable(unreadable);

@@ -214,20 +214,25 @@ TEST_F(Instances, HandTheirPhotosToTheFirst)
     SingleInstance first(m_library);
     ASSERT_TRUE(first.acquire({}));
     QStringList received;
+    QString leave;
     QObject::connect(&first, &SingleInstance::photosReceived, &first,
-                     [&](const QStringList &photos) { received = photos; });
+                     [&](const QStringList &photos, const QString &token) {
+                         received = photos;
+                         leave = token;
+                     });
     // The second one waits for an answer, so the first has to live on another thread's time.
     bool owner = true;
     bool handed = false;
     std::jthread second([&] {
         SingleInstance other(m_library);
-        owner = other.acquire({u"relative.jpg"_s, u"/tmp/été.jpg"_s});
+        owner = other.acquire({u"relative.jpg"_s, u"/tmp/été.jpg"_s}, u"come to the front"_s);
         handed = other.handedOver();
     });
     EXPECT_TRUE(waitFor([&] { return received.size() == 2; }));
     second.join();
     EXPECT_FALSE(owner);
     EXPECT_TRUE(handed);
+    EXPECT_EQ(leave, u"come to the front"_s);
     EXPECT_EQ(received,
               (QStringList{QDir::current().absoluteFilePath(u"relative.jpg"_s), u"/tmp/été.jpg"_s}));
     SingleInstance elsewhere(m_folder.path());

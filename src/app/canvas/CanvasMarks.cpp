@@ -9,7 +9,7 @@
 #include "app/kit/Theme.h"
 #include "language/AppLanguage.h"
 
-namespace tarnovel::CanvasMarks {
+namespace tarnovel::app::CanvasMarks {
 
 namespace {
 
@@ -89,6 +89,26 @@ QRegion guideRegion(const QRectF &frame)
     return region;
 }
 
+void paintPlaceholder(QPainter &painter, const QRectF &box, const QFont &font, const QString &name, bool dark)
+{
+    constexpr QSizeF around(12, 4);
+    QColor color = dark ? QColor(Qt::white) : marks().disabled;
+    if (dark) {
+        color.setAlphaF(0.55F);
+    }
+    QPen pen(color, 1);
+    pen.setDashPattern({4, 3});
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    const QRectF outer =
+        box.adjusted(-around.width(), -around.height(), around.width(), around.height()).toAlignedRect();
+    painter.drawRoundedRect(outer.adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
+    painter.setPen(color);
+    painter.setFont(font);
+    painter.drawText(outer, Qt::AlignCenter, name);
+}
+
 void paintSelection(QPainter &painter, const QRectF &box, bool keyboard)
 {
     painter.setRenderHint(QPainter::Antialiasing);
@@ -121,4 +141,4 @@ Handle handleAt(QPointF position, const QRectF &box)
     return Handle::None;
 }
 
-} // namespace tarnovel::CanvasMarks
+} // namespace tarnovel::app::CanvasMarks

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFont>
 #include <QRectF>
 #include <QRegion>
 
@@ -8,7 +9,7 @@
 class QPainter;
 
 /// What is drawn over the picture for the hand; none of it is exported.
-namespace tarnovel::CanvasMarks {
+namespace tarnovel::app::CanvasMarks {
 
 enum class Handle { None, Corner, Knob };
 
@@ -19,9 +20,12 @@ void paintGuides(QPainter &painter, const QRectF &frame, CentreSnap snap);
 QRegion guideRegion(const QRectF &frame);
 
 /// The box around a chosen layer with its handles; the painter is turned with the layer.
+/// The name of an empty text in dashes, over a ground that is dark or not.
+void paintPlaceholder(QPainter &painter, const QRectF &box, const QFont &font, const QString &name,
+                      bool dark);
 void paintSelection(QPainter &painter, const QRectF &box, bool keyboard);
 
 /// The handle at a position that is turned back like the layer.
 Handle handleAt(QPointF position, const QRectF &box);
 
-} // namespace tarnovel::CanvasMarks
+} // namespace tarnovel::app::CanvasMarks

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -293,4 +293,4 @@ void CollageChooser::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(0, top), QPointF(width(), top));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

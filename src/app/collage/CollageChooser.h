@@ -6,7 +6,7 @@
 
 class QHBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -95,4 +95,4 @@ private:
     Button *m_make;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

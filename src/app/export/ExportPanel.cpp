@@ -25,7 +25,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -316,6 +316,8 @@ void ExportPanel::showRun()
         option->setEnabled(!busy);
     }
     m_limit->setEnabled(!busy && !m_choices.png);
+    // The keyboard goes with the button that takes the other's place.
+    const bool held = m_start->hasFocus() || m_cancel->hasFocus();
     m_progressBox->setVisible(busy);
     m_start->setVisible(!busy);
     m_start->setEnabled(!busy && m_context.model.current());
@@ -335,6 +337,9 @@ void ExportPanel::showRun()
                                    "Vous pouvez continuer à éditer."});
     });
     m_cancel->setVisible(!saving);
+    if (held && !problem() && !(busy ? m_cancel : m_start)->hasFocus()) {
+        (busy ? m_cancel : m_start)->setFocus(Qt::OtherFocusReason);
+    }
     m_photo->setPhrase([name = run().current() ? run().current()->name : QString(),
                         width = panelWidth / 2 - inset, label = m_photo] {
         return label->fontMetrics().elidedText(name, Qt::ElideMiddle, width);
@@ -480,4 +485,4 @@ void ExportPanel::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(0, y), QPointF(width(), y));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -8,7 +8,7 @@
 
 class QVBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -100,4 +100,4 @@ private:
     bool m_intoLibrary = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

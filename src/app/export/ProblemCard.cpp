@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -125,4 +125,4 @@ void ProblemCard::focusDefault()
     (m_retry->isHidden() ? m_skip : m_retry)->setFocus();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -6,7 +6,7 @@
 #include "app/EditorContext.h"
 #include "export/ExportRun.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -42,4 +42,4 @@ private:
     Button *m_retry;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

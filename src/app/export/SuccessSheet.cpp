@@ -20,7 +20,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -130,28 +130,29 @@ QHBoxLayout *buttons(Overlay *sheet, const Success &success, std::function<void(
     QObject::connect(folder, &QPushButton::clicked, sheet,
                      [path = success.folder, files = success.files] { Sharing::showInFolder(path, files); });
     auto *copy = new Button(Button::Kind::Secondary,
-                            tarnovel::said({"复制文件", "Copy files", "Copier les fichiers"}), "manage");
+                            app::said({"复制文件", "Copy files", "Copier les fichiers"}), "manage");
     QObject::connect(copy, &QPushButton::clicked, sheet, [files = success.files, said = std::move(said)] {
         Sharing::copyFiles(files);
         said(localized({"文件已复制，可粘贴到任何地方。", "Files copied. Paste them anywhere.",
                         "Fichiers copiés. Collez-les où vous voulez."}));
     });
-    auto *done = new Button(Button::Kind::Primary, tarnovel::said({"完成", "Done", "Terminé"}));
+    auto *done = new Button(Button::Kind::Primary, app::said({"完成", "Done", "Terminé"}));
     QObject::connect(done, &QPushButton::clicked, sheet, &Overlay::close);
     QList<Button *> list = {folder, copy};
-    if (Sharing::canSendMail()) {
-        auto *mail = new Button(Button::Kind::Secondary, tarnovel::said({"邮件…", "E-mail…", "E-mail…"}));
-        QObject::connect(mail, &QPushButton::clicked, sheet,
-                         [files = success.files] { Sharing::sendMail(files); });
-        list.append(mail);
-    }
+    auto *mail = new Button(Button::Kind::Secondary, app::said({"邮件…", "E-mail…", "E-mail…"}));
+    QObject::connect(mail, &QPushButton::clicked, sheet,
+                     [files = success.files] { Sharing::sendMail(files); });
+    Sharing::askForMail(mail, [mail] { mail->show(); });
+    list.append(mail);
     list.append(done);
     for (Button *button : list) {
         button->setHeight(40);
         row->addWidget(button);
     }
     row->addStretch();
-    done->setFocus();
+    mail->hide();
+    sheet->setDefaultButton(done);
+    sheet->startOn(done);
     return row;
 }
 
@@ -179,7 +180,7 @@ Overlay *showSuccess(QWidget *window, const Success &success, std::function<void
     if (success.quote) {
         const PhotographyQuote quote = *success.quote;
         column->addWidget(centred(new Label(Type::Quote, [quote] {
-            return localized({"“", "“", "« "}) + quote.text(currentLanguage()) + localized({"”", "”", " »"});
+            return localized({"“", "“", "« "}) + quote.text(currentLanguage()) + localized({"”", "”", " »"});
         })));
         column->addSpacing(4);
         column->addWidget(centred(new Label(
@@ -193,12 +194,7 @@ Overlay *showSuccess(QWidget *window, const Success &success, std::function<void
     column->addLayout(buttons(sheet, success, std::move(said)));
     sheet->setCardSize({sheetWidth, 0});
     sheet->open();
-    for (Button *button : sheet->findChildren<Button *>()) {
-        if (button->accessibleName() == localized({"完成", "Done", "Terminé"})) {
-            button->setFocus();
-        }
-    }
     return sheet;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -11,7 +11,7 @@
 
 class QWidget;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Overlay;
 
@@ -32,4 +32,4 @@ struct Success {
 /// Opens the summary over the window, with what can be done with the files next.
 Overlay *showSuccess(QWidget *window, const Success &success, std::function<void(const QString &)> said);
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -18,7 +18,7 @@
 #include "pipeline/ImagePipeline.h"
 #include "pipeline/WhenFinished.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -189,7 +189,7 @@ void HandwritingScreen::leave(std::function<void()> then)
         return;
     }
     ask(m_bar->closeButton(),
-        {said({"放弃这次书写？", "Discard what you wrote?", "Abandonner ce que vous avez écrit ?"}),
+        {said({"放弃这次书写？", "Discard what you wrote?", "Abandonner ce que vous avez écrit ?"}),
          said({"笔画尚未保存，离开后无法恢复。", "The strokes are not saved, and leaving cannot be undone.",
                "Les traits ne sont pas enregistrés et seront perdus."}),
          said({"放弃", "Discard", "Abandonner"})},
@@ -427,4 +427,4 @@ void HandwritingScreen::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), theme().canvas);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -10,7 +10,7 @@
 #include "app/EditorContext.h"
 #include "handwriting/HandwritingController.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class HandwritingBar;
@@ -84,4 +84,4 @@ private:
     ZoomControl *m_zoom;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -17,7 +17,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -256,4 +256,4 @@ void HandwritingTools::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

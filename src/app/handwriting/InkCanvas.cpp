@@ -16,7 +16,7 @@
 #include "app/kit/Shadow.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -485,4 +485,4 @@ void InkCanvas::focusOutEvent(QFocusEvent *event)
     QWidget::focusOutEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -33,6 +33,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
     save->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(save, &QPushButton::clicked, &context.state, &EditorState::saveStyleAsked);
     column()->addWidget(save);
+    save->setObjectName(u"savePreset"_s);
     column()->addSpacing(16);
     m_grid = new CardGrid({.count = [this] { return static_cast<int>(model().presets().size()); },
                            .name = [this](int index) { return model().presets().at(index).name; },
@@ -44,6 +45,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
                           tile, columns);
     m_grid->setName(said({"我的风格", "My styles", "Mes styles"}));
     column()->addWidget(m_grid);
+    m_grid->setObjectName(u"styles"_s);
     m_empty = makeHint("info", said({"还没有保存的风格。调好一张照片，然后保存。",
                                      "No saved styles yet. Frame a photo as you like it, then save.",
                                      "Aucun style enregistré. Réglez une photo, puis enregistrez."}));
@@ -56,6 +58,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
     m_autoApply = new Switch(said({"新照片使用上次的风格", "Apply last style to new photos",
                                    "Appliquer le dernier style aux nouvelles photos"}));
     column()->addWidget(m_autoApply);
+    m_autoApply->setObjectName(u"autoApply"_s);
     connect(m_autoApply, &Switch::toggledByUser, &context.model, &EditorModel::setAutoApplyLastStyle);
     connect(m_grid, &Items::chosen, this, [this](int index) {
         SavedPreset preset = model().presets().at(index);
@@ -75,7 +78,7 @@ void StylesSection::askDelete(int index)
 {
     const SavedPreset preset = model().presets().at(index);
     const Phrase title = [name = preset.name] {
-        return localized({"删除“", "Delete “", "Supprimer « "}) + name + localized({"”？", "”?", " » ?"});
+        return localized({"删除“", "Delete “", "Supprimer « "}) + name + localized({"”？", "”?", " » ?"});
     };
     Overlay *overlay =
         ask(m_grid,
@@ -109,4 +112,4 @@ void StylesSection::display(const PhotoItem &)
     m_autoApply->show(model().autoApplyLastStyle());
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class CardGrid;
 class Label;
@@ -29,4 +29,4 @@ private:
     Switch *m_autoApply;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 #include "app/kit/Label.h"
 #include "app/kit/Overlay.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -94,4 +94,4 @@ Overlay *askText(QWidget *anchor, const TextQuestion &question,
     return overlay;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

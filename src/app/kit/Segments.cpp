@@ -9,7 +9,7 @@
 #include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -102,4 +102,4 @@ void Segments::paintItem(QPainter &painter, int index, const State &state)
     painter.drawText(text, Qt::AlignCenter | Qt::TextWordWrap, itemName(index));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

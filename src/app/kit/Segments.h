@@ -5,7 +5,7 @@
 #include "app/kit/Items.h"
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A row of two to five choices of which one holds.
 class Segments : public Items {
@@ -35,4 +35,4 @@ private:
     std::vector<const char *> m_icons;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -10,7 +10,7 @@
 #include "app/kit/Field.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 Stepper::Stepper(Phrase name, int low, int high, QWidget *parent)
     : QWidget(parent),
@@ -68,4 +68,4 @@ void Stepper::paintEvent(QPaintEvent *)
     Paint::rounded(painter, rect(), 8, theme().surfaceMuted);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -18,7 +18,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -242,8 +242,8 @@ void ManagePhotos::refresh()
         return localized({"共 ", "", ""}) + QString::number(total) +
                localized({" / 50 张", " of 50 photos", " photos sur 50"});
     });
-    m_remove->setPhrase(counted(picked, {"移除 %1 张照片", "Remove %1 photo", "Retirer %1 photo"},
-                                {"移除 %1 张照片", "Remove %1 photos", "Retirer %1 photos"}));
+    m_remove->setPhrase(counted(picked, {"移除 %1 张照片", "Remove %1 photo", "Retirer %1 photo"},
+                                {"移除 %1 张照片", "Remove %1 photos", "Retirer %1 photos"}));
     m_remove->setEnabled(picked > 0);
     m_deselect->setEnabled(picked > 0);
     m_clear->setEnabled(total > 0);
@@ -257,15 +257,15 @@ void ManagePhotos::askRemove()
         return;
     }
     ask(m_remove,
-        {counted(picked, {"移除 %1 张照片？", "Remove %1 photo?", "Retirer %1 photo ?"},
-                 {"移除 %1 张照片？", "Remove %1 photos?", "Retirer %1 photos ?"}),
+        {counted(picked, {"移除 %1 张照片？", "Remove %1 photo?", "Retirer %1 photo ?"},
+                 {"移除 %1 张照片？", "Remove %1 photos?", "Retirer %1 photos ?"}),
          counted(picked,
                  {"从本次编辑中移除？原照片仍在原文件夹中。",
                   "Remove from this editing session? The original stays in its folder.",
-                  "Retirer de cette session ? L’original reste dans son dossier."},
+                  "Retirer de cette session ? L’original reste dans son dossier."},
                  {"从本次编辑中移除？原照片仍在原文件夹中。",
                   "Remove from this editing session? The originals stay in their folders.",
-                  "Retirer de cette session ? Les originaux restent dans leurs dossiers."}),
+                  "Retirer de cette session ? Les originaux restent dans leurs dossiers."}),
          said({"移除", "Remove", "Retirer"})},
         [this] {
             m_context.model.removePhotos(m_grid->picked());
@@ -307,4 +307,4 @@ void ManagePhotos::paintEvent(QPaintEvent *)
     Paint::hairline(painter, footer.topLeft(), QPointF(width(), footer.top()));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -16,7 +16,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -191,7 +191,9 @@ void PostGrid::movePhoto(int from, int to)
 
 void PostGrid::mousePressEvent(QMouseEvent *event)
 {
-    m_press = event->position().toPoint();
+    if (event->button() == Qt::LeftButton) {
+        m_press = event->position().toPoint();
+    }
     Items::mousePressEvent(event);
 }
 
@@ -216,6 +218,9 @@ void PostGrid::mouseMoveEvent(QMouseEvent *event)
 
 void PostGrid::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
     m_press.reset();
     const int from = std::exchange(m_lifted, -1);
     const int to = std::exchange(m_target, -1);
@@ -278,7 +283,7 @@ void CoverView::paintEvent(QPaintEvent *)
     const qsizetype dots = std::min<qsizetype>(m_context.model.photos().size(), manyDots);
     double x = box.center().x() - static_cast<double>(dots) * 11 / 2;
     for (qsizetype i = 0; i < dots; ++i) {
-        Paint::rounded(painter, {x, box.bottom() + 24, 6, 6}, 3, i == 0 ? theme().accent : theme().hairline);
+        Paint::rounded(painter, {x, box.bottom() + 24, 6, 6}, 3, i == 0 ? theme().accent : theme().controlLine);
         x += 11;
     }
 }
@@ -290,7 +295,7 @@ SetPreview::SetPreview(const EditorContext &context)
       m_hint(new Label(Type::Body,
                        said({"第一张是帖子的封面。键盘：Alt + 方向键。",
                              "The first photo is the cover of the post. Keyboard: Alt + arrows.",
-                             "La première photo est la couverture. Clavier : Alt + flèches."}),
+                             "La première photo est la couverture. Clavier : Alt + flèches."}),
                        Label::Tone::Secondary)),
       m_cover(new CoverView(context)),
       m_card(new Card),
@@ -376,4 +381,4 @@ void SetPreview::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), theme().canvas);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

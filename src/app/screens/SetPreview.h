@@ -5,7 +5,7 @@
 #include "app/EditorContext.h"
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Label;
 class ScrollArea;
@@ -97,4 +97,4 @@ private:
     ScrollArea *m_area;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

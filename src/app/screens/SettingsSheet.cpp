@@ -20,7 +20,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -147,7 +147,7 @@ QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
     auto *which = new Label(
         Type::Label,
         [] {
-            return localized({"系统语言：", "System language: ", "Langue du système : "}) +
+            return localized({"系统语言：", "System language: ", "Langue du système : "}) +
                    systemLanguageName();
         },
         Label::Tone::Secondary);
@@ -266,6 +266,7 @@ QWidget *makeGuide(Overlay *sheet)
     auto *close =
         new Button(Button::Kind::Ghost, said({"关闭", "Close", "Fermer"}), "close", Button::Face::IconOnly);
     QObject::connect(close, &QPushButton::clicked, sheet, &Overlay::close);
+    sheet->setDefaultButton(close);
     head->addWidget(close);
     column->addLayout(head);
     column->addSpacing(16);
@@ -305,4 +306,4 @@ Overlay *showSettings(QWidget *window, const EditorContext &context, Appearance 
     return sheet;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

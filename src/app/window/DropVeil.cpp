@@ -7,7 +7,7 @@
 #include "app/kit/Theme.h"
 #include "language/AppLanguage.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -99,4 +99,4 @@ void DropVeil::paintEvent(QPaintEvent *)
                      Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, detail(m_offer));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -24,7 +24,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -244,10 +244,15 @@ QWidget *HomeScreen::makeContinueCard()
     column->addStretch();
     row->addLayout(column, 1);
     row->addWidget(new SessionRow(m_context));
-    auto *go = new Button(Button::Kind::Secondary, said({"继续", "Continue", "Reprendre"}));
-    connect(go, &QPushButton::clicked, this, &HomeScreen::continueAsked);
-    row->addWidget(go);
+    m_go = new Button(Button::Kind::Secondary, said({"继续", "Continue", "Reprendre"}));
+    connect(m_go, &QPushButton::clicked, this, &HomeScreen::continueAsked);
+    row->addWidget(m_go);
     return card;
+}
+
+void HomeScreen::takeKeyboard()
+{
+    (m_continue->isHidden() ? m_add : m_go)->setFocus(Qt::OtherFocusReason);
 }
 
 QWidget *HomeScreen::addButton() const
@@ -304,4 +309,4 @@ void HomeScreen::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), theme().canvas);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

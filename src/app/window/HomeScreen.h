@@ -5,7 +5,7 @@
 
 #include "app/EditorContext.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -50,6 +50,8 @@ public:
     /// Offers the stored session again.
     void refresh();
     QWidget *addButton() const;
+    /// The keyboard starts on what one most likely wants: to go on, or to begin.
+    void takeKeyboard();
 
 Q_SIGNALS:
     void continueAsked();
@@ -69,8 +71,9 @@ private:
     QWidget *m_continue;
     QWidget *m_privacy;
     Button *m_add;
+    Button *m_go;
     Switch *m_autoApply;
     Label *m_summary;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -19,6 +19,7 @@
 #include "app/export/ExportPanel.h"
 #include "app/export/SuccessSheet.h"
 #include "app/handwriting/HandwritingScreen.h"
+#include "app/kit/Accessible.h"
 #include "app/kit/Button.h"
 #include "app/kit/Focus.h"
 #include "app/kit/Overlay.h"
@@ -38,7 +39,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 MainWindow::MainWindow(const WindowServices &services)
     : m_services(services),
@@ -50,6 +51,8 @@ MainWindow::MainWindow(const WindowServices &services)
       m_toast(new Toast(this))
 {
     setWindowTitle(u"Tarnovel"_s);
+    setAccessibleName(windowTitle());
+    setAccessibleRole(*this, QAccessible::Window);
     setAcceptDrops(true);
     m_pages->setContentsMargins(0, 0, 0, 0);
     m_pages->addWidget(m_page);
@@ -64,11 +67,13 @@ MainWindow::MainWindow(const WindowServices &services)
             if (currentPage() == m_page && !m_page->atHome() && !overlayOpen()) {
                 m_page->showExport(false);
                 state().setTool(toolRows.at(i).tool);
+                m_page->showDrawer(true);
             }
         });
     }
     m_placement.restore();
     updateActions();
+    m_page->home()->takeKeyboard();
 }
 
 MainWindow::~MainWindow() = default;
@@ -93,6 +98,10 @@ void MainWindow::connectActions()
     m_actions->connectTo(Act::Guide, [this] { showSettings(); });
     m_actions->connectTo(Act::Settings, [this] { showSettings(); });
     when(Act::Paste, &MainWindow::paste);
+    // One window is the whole program.
+    m_actions->connectTo(Act::Close, [this] { close(); });
+    m_actions->connectTo(Act::Quit, [this] { close(); });
+    m_actions->connectTo(Act::FullScreen, [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
 }
 
 void MainWindow::connectState()
@@ -233,7 +242,7 @@ void MainWindow::showHandwriting()
 
 Overlay *MainWindow::showSettings()
 {
-    return tarnovel::showSettings(this, m_services.editor, m_services.appearance, [this] {
+    return app::showSettings(this, m_services.editor, m_services.appearance, [this] {
         m_services.languageChosen();
         retranslate();
     });
@@ -290,12 +299,16 @@ void MainWindow::updateActions()
     m_actions->setEnabled(Act::Settings, onPage);
 }
 
-void MainWindow::openPhotos(const QStringList &photos)
+void MainWindow::openPhotos(const QStringList &photos, const QString &activationToken)
 {
     if (!photos.isEmpty()) {
         import(photos, ImportMode::Photos, ImportSource::Files);
     }
     if (isVisible()) {
+        if (!activationToken.isEmpty()) {
+            // Where windows may not push themselves to the front, the platform looks here for leave to.
+            qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
+        }
         setWindowState(windowState() & ~Qt::WindowMinimized);
         raise();
         activateWindow();
@@ -330,23 +343,30 @@ void MainWindow::paste()
         import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
         return;
     }
-    const QImage image = qvariant_cast<QImage>(copied->imageData());
-    if (image.isNull() || !m_pasted.isValid()) {
+    if (!importImage(copied, localized({"粘贴的图片", "Pasted picture", "Image collée"}))) {
         state().say(localized({"剪贴板里没有图片。", "There is no picture on the clipboard.",
                                "Il n’y a pas d’image dans le presse-papiers."}),
                     Toast::Kind::Plain);
-        return;
     }
-    const QString name = localized({"粘贴的图片", "Pasted picture", "Image collée"});
+}
+
+bool MainWindow::importImage(const QMimeData *carried, const QString &name)
+{
+    const QImage image = qvariant_cast<QImage>(carried->imageData());
+    if (image.isNull() || !m_pasted.isValid()) {
+        return false;
+    }
+    const ImportMode mode = backgroundWanted() ? ImportMode::Background : ImportMode::Photos;
     const QString path = m_pasted.filePath(u"%1 %2.png"_s.arg(name).arg(++m_pastes));
-    QThreadPool::globalInstance()->start([window = QPointer<MainWindow>(this), image, path] {
+    QThreadPool::globalInstance()->start([window = QPointer<MainWindow>(this), image, path, mode] {
         const bool saved = image.save(path, "PNG", 90);
-        QMetaObject::invokeMethod(qApp, [window, path, saved] {
+        QMetaObject::invokeMethod(qApp, [window, path, saved, mode] {
             if (saved && window) {
-                window->import({path}, ImportMode::Photos, ImportSource::Files);
+                window->import({path}, mode, ImportSource::Files);
             }
         });
     });
+    return true;
 }
 
 void MainWindow::askRemove()
@@ -485,7 +505,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
             return;
         }
         ask(currentPage(),
-            {said({"停止导出？", "Stop exporting?", "Arrêter l’export ?"}),
+            {said({"停止导出？", "Stop exporting?", "Arrêter l’export ?"}),
              said({"已导出的照片会保留。", "Photos that are already exported stay.",
                    "Les photos déjà exportées restent."}),
              said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
@@ -523,6 +543,8 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
             m_services.editor.imports.cancel();
         } else if (m_page->exportShown()) {
             m_page->showExport(false);
+        } else if (m_page->drawerShown()) {
+            m_page->showDrawer(false);
         }
         return;
     }
@@ -531,23 +553,24 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!FileDrops::hasFiles(event->mimeData())) {
-        return;
-    }
-    if (currentPage() == m_collage) {
+    const QMimeData *carried = event->mimeData();
+    if (currentPage() == m_collage && FileDrops::hasFiles(carried)) {
         event->acceptProposedAction();
         return;
     }
-    if (currentPage() != m_page) {
+    const bool files = FileDrops::hasFiles(carried);
+    const bool image = !files && carried->hasImage();
+    if (currentPage() != m_page || !(files || image || FileDrops::hasWebAddress(carried))) {
         return;
     }
-    const qsizetype count = FileDrops::pictures(event->mimeData()).size();
+    const qsizetype count = image ? 1 : FileDrops::pictures(carried).size();
     m_veil->setGeometry(m_page->dropArea());
     m_veil->offer(count == 0           ? DropVeil::Offer::Nothing
                   : backgroundWanted() ? DropVeil::Offer::Background
                                        : DropVeil::Offer::Photos,
                   count);
-    m_dropUsable = count > 0;
+    // An address may be let go of here, to be told why it cannot be used.
+    m_dropUsable = count > 0 || !files;
     acceptDrag(event);
 }
 
@@ -572,16 +595,21 @@ void MainWindow::dragLeaveEvent(QDragLeaveEvent *)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     m_veil->hide();
-    const QStringList files = FileDrops::pictures(event->mimeData());
+    const QMimeData *carried = event->mimeData();
+    const QStringList files = FileDrops::pictures(carried);
     if (currentPage() == m_collage) {
         m_collage->addFiles(files);
-        event->acceptProposedAction();
-        return;
-    }
-    if (!files.isEmpty()) {
+    } else if (!files.isEmpty()) {
         import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
-        event->acceptProposedAction();
+    } else if (FileDrops::hasFiles(carried)) {
+        return;
+    } else if (!importImage(carried, localized({"拖入的图片", "Dropped picture", "Image déposée"}))) {
+        state().say(localized({"无法从网址添加照片，请先保存图片。",
+                               "Web addresses cannot be added. Save the picture first.",
+                               "Impossible d’ajouter une adresse web. Enregistrez d’abord l’image."}),
+                    Toast::Kind::Error);
     }
+    event->acceptProposedAction();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

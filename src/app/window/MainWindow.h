@@ -11,9 +11,14 @@
 #include "app/FileChooser.h"
 #include "app/window/WindowPlacement.h"
 
+class QMimeData;
 class QStackedLayout;
 
 namespace tarnovel {
+class PhotoLibrary;
+}
+
+namespace tarnovel::app {
 
 class CollageScreen;
 class DropVeil;
@@ -22,7 +27,6 @@ class EditorPage;
 class HandwritingScreen;
 class ManagePhotos;
 class Overlay;
-class PhotoLibrary;
 class SetPreview;
 
 /// What the window works with; all of it outlives it.
@@ -44,7 +48,7 @@ public:
     ~MainWindow() override;
 
     /// Brings photos in, as another start of the program or the command line asks.
-    void openPhotos(const QStringList &photos);
+    void openPhotos(const QStringList &photos, const QString &activationToken = {});
 
     CollageScreen *collage() const;
     EditorPage *page() const { return m_page; }
@@ -84,6 +88,8 @@ private:
     void import(const QStringList &files, ImportMode mode, ImportSource source);
     bool backgroundWanted() const;
     void paste();
+    /// Takes the picture itself, where no file of it is at hand. False when there is none.
+    bool importImage(const QMimeData *carried, const QString &name);
     void askRemove();
     void askStyleName();
     void applyToAll();
@@ -110,4 +116,4 @@ private:
     bool m_dropUsable = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -103,4 +103,4 @@ void TopBar::paintEvent(QPaintEvent *)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -4,7 +4,7 @@
 
 class QAction;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 
@@ -42,4 +42,4 @@ private:
     Button *m_export;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app
