@@ -9,18 +9,25 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QLibraryInfo>
 #include <QStyleFactory>
+#include <QTimer>
 #include <QTranslator>
 
 #include "app/Appearance.h"
 #include "app/EditorContext.h"
+#include "app/ProgramEnd.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
 #include "app/window/FileDrops.h"
 #include "app/window/MainWindow.h"
+#include "base/Log.h"
+#include "base/ScratchFolder.h"
 #include "editor/SingleInstance.h"
 #include "export/ExportFileLifetime.h"
+#include "export/ExportReviewPolicy.h"
 #include "export/PhotoLibrary.h"
 #include "model/LibraryPaths.h"
 
@@ -29,6 +36,10 @@ using namespace Qt::StringLiterals;
 namespace tarnovel::app {
 
 namespace {
+
+constexpr Text unansweredText = {"Tarnovel 已在运行，但没有响应。",
+                                 "Tarnovel is running already, but does not answer.",
+                                 "Tarnovel est déjà ouvert, mais ne répond pas."};
 
 /// The language preference as other threads read it.
 class LanguagePreference {
@@ -66,14 +77,17 @@ QString privateTemporaryFolder()
         return path;
     }
     // Somebody else has taken the name.
-    return LibraryPaths::root() + u"/../Exports"_s;
+    return LibraryPaths::root() + u"/Temporary"_s;
 }
 
 QStringList photosOf(const QStringList &arguments)
 {
     QStringList paths;
+    bool named = false;
     for (const QString &argument : arguments.mid(1)) {
-        if (argument != u"--"_s) {
+        if (argument == u"--"_s && !named) {
+            named = true;
+        } else if (named || !ExportReviewPolicy::isAutomation(argument)) {
             paths.append(FileDrops::pathOf(argument));
         }
     }
@@ -114,11 +128,29 @@ int complain(const Text &text)
     return 1;
 }
 
+/// Whether to ask the window that owns the library once more.
+bool askUnanswered()
+{
+    complain(unansweredText);
+    QMessageBox box(QMessageBox::Warning, u"Tarnovel"_s, localized(unansweredText));
+    box.setInformativeText(localized({"请在另一个窗口中关闭 Tarnovel，或结束没有响应的程序，然后重试。照片仍在原处。",
+                                      "Close Tarnovel in its other window, or end the program that does not "
+                                      "answer, then try again. Your photos are where they were.",
+                                      "Fermez Tarnovel dans son autre fenêtre, ou arrêtez le programme qui ne "
+                                      "répond pas, puis réessayez. Vos photos n’ont pas bougé."}));
+    const QAbstractButton *again =
+        box.addButton(localized({"重试", "Try again", "Réessayer"}), QMessageBox::AcceptRole);
+    box.addButton(localized({"关闭", "Close", "Fermer"}), QMessageBox::RejectRole);
+    box.exec();
+    return box.clickedButton() == again;
+}
+
 } // namespace
 
 int runEditor(int argc, char **argv)
 {
     // Before the platform takes it for a window that a second start never shows.
+    installLog();
     const QString activationToken = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
     Preferences preferences;
     LanguagePreference language(preferences);
@@ -144,13 +176,14 @@ int runEditor(int argc, char **argv)
     const QString library = LibraryPaths::root();
     const QStringList photos = photosOf(QApplication::arguments());
     SingleInstance instance(library);
-    if (!instance.acquire(photos, activationToken)) {
-        return instance.handedOver() ? 0
-                                     : complain({"Tarnovel 已在运行，但没有响应。",
-                                                 "Tarnovel is running already, but does not answer.",
-                                                 "Tarnovel est déjà ouvert, mais ne répond pas."});
+    while (!instance.acquire(photos, activationToken)) {
+        if (instance.handedOver() || !askUnanswered()) {
+            return instance.handedOver() ? 0 : 1;
+        }
     }
-    const QString temporary = privateTemporaryFolder() + u"/Exports"_s;
+    // Folders of pasted pictures as older versions named them, which nobody holds.
+    ScratchFolder::sweep(u"Tarnovel-"_s, 86'400);
+    const QString temporary = privateTemporaryFolder();
     ExportFileLifetime::prepare(temporary);
     ImagePipeline pipeline(library, temporary);
     SessionWriter writer(library);
@@ -172,8 +205,10 @@ int runEditor(int argc, char **argv)
                            texts.load();
                        }});
     QObject::connect(&instance, &SingleInstance::photosReceived, &window, &MainWindow::openPhotos);
+    const ProgramEnd end([&window] { window.saveNow(); });
     window.show();
     window.openPhotos(photos);
+    QTimer::singleShot(0, &window, &MainWindow::offerDrafts);
     return QApplication::exec();
 }
 

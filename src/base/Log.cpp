@@ -61,7 +61,10 @@ void take(QtMsgType type, const QMessageLogContext &context, const QString &mess
 
 void installLog()
 {
-    theLog().before = qInstallMessageHandler(take);
+    const QtMessageHandler before = qInstallMessageHandler(take);
+    if (before != take) {
+        theLog().before = before;
+    }
 }
 
 void printLog()

@@ -39,6 +39,9 @@ EditorModel::EditorModel(const EditorServices &services, Load load)
         m_cleanupCandidates = std::move(loaded.cleanupCandidates);
         m_setAside = SetAsideSessions::in(services.libraryFolder);
         m_setAsideFiles = SetAsideSessions::neededFiles(services.libraryFolder);
+        if (loaded.decoded) {
+            removeBroughtBack();
+        }
         m_saves = std::make_unique<SaveScheduler>(services.writer, services.clock,
                                                   [this](bool done) { saved(done); });
         loadPreview();
@@ -477,6 +480,18 @@ EditorModel::Restored EditorModel::restore(const SetAsideSession &document)
     tell(PresetsChanged);
     scheduleSave(SaveScheduler::Moment::AtOnce);
     return result;
+}
+
+/// The program may have ended between the save that brought a document's photos back and the document's removal.
+void EditorModel::removeBroughtBack()
+{
+    for (const SetAsideSession &document : QList(m_setAside)) {
+        const SalvagedSession all = SetAsideSessions::salvage(document, m_services.libraryFolder);
+        const Session left = restorable(document).session;
+        if (all.whole() && !all.session.photos.isEmpty() && left.photos.isEmpty() && left.presets.isEmpty()) {
+            removeDocument(document.path);
+        }
+    }
 }
 
 void EditorModel::discard(const SetAsideSession &document)

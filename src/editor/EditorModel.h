@@ -169,6 +169,7 @@ private:
     void bringBack(const EditSnapshot &step);
     void edited();
     void removeDocument(const QString &path);
+    void removeBroughtBack();
     void selectFirst();
     void saved(bool done);
     void tell(Changes changes) { Q_EMIT changed(changes); }

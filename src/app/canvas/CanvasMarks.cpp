@@ -1,5 +1,6 @@
 #include "app/canvas/CanvasMarks.h"
 
+#include <algorithm>
 #include <array>
 
 #include <QFontMetrics>
@@ -56,6 +57,22 @@ void paintPill(QPainter &painter, QPointF bottomCentre)
 }
 
 } // namespace
+
+void paintNotice(QPainter &painter, const QRectF &frame, const QString &text)
+{
+    constexpr int iconSize = 16;
+    const QFont font = typeFont(Type::Label);
+    const double room = std::max(frame.width() - 32, 0.0);
+    const QString shown = QFontMetrics(font).elidedText(text, Qt::ElideRight, static_cast<int>(room) - 44);
+    const double width = QFontMetrics(font).horizontalAdvance(shown) + 44;
+    const QRectF pill(frame.center().x() - width / 2, frame.bottom() - 40, width, 28);
+    Paint::rounded(painter, pill, 14, theme().surface);
+    Paint::outline(painter, pill, 14, theme().danger);
+    Icons::draw(painter, "warn", pill.topLeft() + QPointF(10, 6), iconSize, theme().danger);
+    painter.setPen(theme().danger);
+    painter.setFont(font);
+    painter.drawText(pill.adjusted(32, 0, -10, 0), Qt::AlignVCenter | Qt::AlignLeft, shown);
+}
 
 void paintGuides(QPainter &painter, const QRectF &frame, CentreSnap snap)
 {

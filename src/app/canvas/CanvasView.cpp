@@ -172,6 +172,9 @@ void CanvasView::paintEvent(QPaintEvent *event)
     if (m_context.model.previews().photo.isNull()) {
         paintLoading(painter, frame);
     }
+    if (const QList<FramePicture> &missing = m_context.model.previews().missing; !missing.isEmpty()) {
+        CanvasMarks::paintNotice(painter, frame, missingPicture(missing.first()));
+    }
     paintPlaceholders(painter, frame);
     paintGuides(painter, frame);
     paintSelection(painter, frame);

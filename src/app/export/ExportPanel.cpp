@@ -20,6 +20,7 @@
 #include "app/kit/Theme.h"
 #include "export/ExportNames.h"
 #include "export/ExportReviewPolicy.h"
+#include "language/Plural.h"
 #include "pipeline/ExportOptions.h"
 #include "pipeline/PipelineError.h"
 
@@ -117,9 +118,9 @@ void ExportPanel::addOptions(QVBoxLayout *column)
     m_destination->setName(said({"位置", "Destination", "Destination"}));
     group(said({"位置", "Destination", "Destination"}), m_destination);
     m_which = new Segments({[this] {
-                                return localized({"全部 ", "All ", "Les "}) +
-                                       QString::number(m_context.model.photos().size()) +
-                                       localized({" 张", " photos", " photos"});
+                                return counted(m_context.model.photos().size(),
+                                               {"全部 %1 张", "The photo", "La photo"},
+                                               {"全部 %1 张", "All %1 photos", "Les %1 photos"});
                             },
                             said({"仅这一张", "This photo", "Cette photo"})});
     m_which->setName(said({"照片", "Photos", "Photos"}));

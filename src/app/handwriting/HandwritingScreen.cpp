@@ -14,6 +14,8 @@
 #include "app/kit/Button.h"
 #include "app/kit/Overlay.h"
 #include "app/kit/Theme.h"
+#include "base/Json.h"
+#include "base/Log.h"
 #include "handwriting/HandwritingReference.h"
 #include "pipeline/ImagePipeline.h"
 #include "pipeline/WhenFinished.h"
@@ -126,6 +128,32 @@ bool HandwritingScreen::begin()
     display(everything);
     m_canvas->setFocus();
     return true;
+}
+
+bool HandwritingScreen::resume(const QByteArray &draft)
+{
+    InkDraft kept;
+    try {
+        kept = readInkDraft(draft);
+    } catch (const JsonError &error) {
+        qCWarning(logApp) << "a draft cannot be read:" << error.what();
+        return false;
+    }
+    if (!m_context.model.photo(kept.photo)) {
+        return false;
+    }
+    end();
+    m_context.model.select(kept.photo);
+    if (!begin()) {
+        return false;
+    }
+    m_studio->resume(kept);
+    return true;
+}
+
+QByteArray HandwritingScreen::draft()
+{
+    return m_studio ? m_studio->draft(m_photo) : QByteArray();
 }
 
 void HandwritingScreen::connectStudio()

@@ -64,6 +64,7 @@ void CameraSection::addRow(Row &row, const Text &title)
     row.text->setObjectName(id + u"Text"_s);
     connect(row.visible, &Switch::toggledByUser, this, [this, id](bool on) {
         edits().step([&id, on](FrameSettings &settings) { layerIn(settings, id).visible = on; });
+        model().scheduleSave(SaveScheduler::Moment::AtOnce);
     });
     connect(row.text, &QLineEdit::textEdited, this, [this, id](const QString &text) {
         edits().slide(u"text "_s + id, [&id, &text](FrameSettings &settings) {

@@ -17,6 +17,7 @@ namespace {
 
 constexpr QSize tile(80, 96);
 constexpr int columns = 3;
+const QString keepTextsKey = QStringLiteral("keepCameraTexts");
 
 /// What a record that came from the style remembers of it.
 QString styleId(const SavedPreset &preset)
@@ -55,6 +56,14 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
                                           "Appuyez longuement sur une carte de style pour la supprimer."}));
     column()->addWidget(m_deleteHint);
     column()->addSpacing(8);
+    m_keepTexts = new Switch(said({"保留每张照片的相机文字", "Keep each photo’s camera texts",
+                                   "Garder les textes d’appareil de chaque photo"}));
+    m_keepTexts->setObjectName(u"keepCameraTexts"_s);
+    column()->addWidget(m_keepTexts);
+    connect(m_keepTexts, &Switch::toggledByUser, this, [this](bool on) {
+        this->context().preferences.setValue(keepTextsKey, on);
+        m_grid->reload();
+    });
     m_autoApply = new Switch(said({"新照片使用上次的风格", "Apply last style to new photos",
                                    "Appliquer le dernier style aux nouvelles photos"}));
     column()->addWidget(m_autoApply);
@@ -62,6 +71,9 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
     connect(m_autoApply, &Switch::toggledByUser, &context.model, &EditorModel::setAutoApplyLastStyle);
     connect(m_grid, &Items::chosen, this, [this](int index) {
         SavedPreset preset = model().presets().at(index);
+        if (const PhotoItem *photo = model().current()) {
+            preset.settings = applied(preset, *photo);
+        }
         // So that the card stays marked while the photo is refined.
         preset.settings.templateID = styleId(preset);
         model().applyPreset(preset);
@@ -98,8 +110,19 @@ QImage StylesSection::card(int index, QSize roomPx) const
         return {};
     }
     const SavedPreset &preset = model().presets().at(index);
-    return context().thumbnails.image(u"style "_s + preset.id.toString(), styled(*photo, preset.settings, 0),
-                                      roomPx);
+    PhotoItem shown = *photo;
+    shown.settings = applied(preset, *photo);
+    return context().thumbnails.image(u"style "_s + preset.id.toString(), shown, roomPx);
+}
+
+FrameSettings StylesSection::applied(const SavedPreset &preset, const PhotoItem &photo) const
+{
+    if (context().preferences.boolean(keepTextsKey, true)) {
+        return styled(photo, preset.settings, 0).settings;
+    }
+    FrameSettings settings = preset.settings;
+    settings.normalize();
+    return settings;
 }
 
 void StylesSection::display(const PhotoItem &)
@@ -109,6 +132,13 @@ void StylesSection::display(const PhotoItem &)
     m_deleteHint->setVisible(!none);
     m_empty->setVisible(none);
     m_grid->reload();
+    m_keepTexts->setVisible(!none);
+    m_keepTexts->show(context().preferences.boolean(keepTextsKey, true));
+    // The keyboard begins at the style that was used last.
+    const SavedPreset *preferred = model().preferredPreset();
+    if (preferred && m_grid->cursor() < 0) {
+        m_grid->setCursorItem(static_cast<int>(preferred - model().presets().constData()));
+    }
     m_autoApply->show(model().autoApplyLastStyle());
 }
 

@@ -70,6 +70,10 @@ struct Question {
 };
 Overlay *ask(QWidget *anchor, const Question &question, std::function<void()> confirmed);
 
+/// The same where nothing need go: the confirmation is the default, and a second way out stands beside Cancel.
+Overlay *askTwoWays(QWidget *anchor, const Question &question, std::function<void()> confirmed,
+                    const Phrase &second, std::function<void()> secondChosen);
+
 /// Asks for a line of text. `accept` returns a complaint, or nothing when it has taken the text.
 struct TextQuestion {
     Phrase title;

@@ -13,6 +13,7 @@
 #include "app/kit/Shadow.h"
 #include "app/kit/Theme.h"
 #include "app/screens/PageBar.h"
+#include "language/Plural.h"
 
 using namespace Qt::StringLiterals;
 
@@ -315,10 +316,7 @@ SetPreview::SetPreview(const EditorContext &context)
     }
     m_count->setParent(m_card);
     m_count->setAlignment(Qt::AlignRight);
-    m_count->setPhrase([this] {
-        return QString::number(m_context.model.photos().size()) +
-               localized({" 张照片", " photos", " photos"});
-    });
+    m_count->setPhrase([this] { return countedPhotos(m_context.model.photos().size()); });
     m_area->setParent(m_card);
     m_area->setWidgetResizable(false);
     m_area->hold(m_grid);

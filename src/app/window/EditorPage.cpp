@@ -84,7 +84,7 @@ EditorPage::EditorPage(const EditorContext &context, EditorActions &actions, con
     });
     connect(m_export, &ExportPanel::closeAsked, this, [this] { showExport(false); });
     connect(m_export, &ExportPanel::progressed, this,
-            [this] { m_bar->setExportProgress(m_export->progress()); });
+            [this] { m_bar->setExportProgress(m_export->progress(), m_export->problem().has_value()); });
     showHome();
 }
 

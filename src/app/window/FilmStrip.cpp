@@ -219,6 +219,17 @@ void StripView::paintAddTile(QPainter &painter, const QRect &tile, const State &
     }
 }
 
+/// A mark at the corner of a frame that lacks one of its pictures.
+void paintBadge(QPainter &painter, const QRect &tile)
+{
+    constexpr int size = 18;
+    const QRectF badge(tile.right() - size / 2.0 - 2, tile.top() - 4, size, size);
+    Paint::rounded(painter, badge, size / 2.0, theme().danger);
+    painter.setFont(typeFont(Type::Label));
+    painter.setPen(theme().onDanger);
+    painter.drawText(badge, Qt::AlignCenter, u"!"_s);
+}
+
 void StripView::paintItem(QPainter &painter, int index, const State &state)
 {
     const Theme &look = theme();
@@ -251,6 +262,9 @@ void StripView::paintItem(QPainter &painter, int index, const State &state)
         painter.drawImage(tile, image);
         painter.setClipping(false);
         Paint::outline(painter, tile, 3, look.rim);
+    }
+    if (!image.isNull() && m_context.thumbnails.incomplete(photo)) {
+        paintBadge(painter, tile);
     }
     if (state.hovered && !state.chosen) {
         Paint::outline(painter, QRectF(tile).adjusted(-3, -3, 3, 3), 6, look.hairline, 2);

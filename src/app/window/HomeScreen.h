@@ -9,6 +9,7 @@ namespace tarnovel::app {
 
 class Button;
 class Label;
+class RecoveryCard;
 class Switch;
 
 /// Three framed photos that show what the program does.
@@ -68,12 +69,14 @@ private:
 
     EditorContext m_context;
     QWidget *m_drop;
+    RecoveryCard *m_recovery;
     QWidget *m_continue;
     QWidget *m_privacy;
     Button *m_add;
     Button *m_go;
     Switch *m_autoApply;
     Label *m_summary;
+    SampleFrames *m_samples;
 };
 
 } // namespace tarnovel::app

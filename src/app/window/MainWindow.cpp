@@ -2,15 +2,12 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QCloseEvent>
+#include <QFileInfo>
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QPainter>
 #include <QShortcut>
 #include <QStackedLayout>
-#include <QThreadPool>
-#include <QTimer>
 
 #include "app/Wording.h"
 #include "app/canvas/CanvasView.h"
@@ -30,12 +27,13 @@
 #include "app/window/DropVeil.h"
 #include "app/window/EditorActions.h"
 #include "app/window/EditorPage.h"
-#include "app/window/FileDrops.h"
 #include "app/window/FilmStrip.h"
 #include "app/window/HomeScreen.h"
 #include "app/window/ToolPanel.h"
 #include "app/window/TopBar.h"
+#include "app/window/WindowClosing.h"
 #include "export/PhotoLibrary.h"
+#include "language/Plural.h"
 
 using namespace Qt::StringLiterals;
 
@@ -72,6 +70,7 @@ MainWindow::MainWindow(const WindowServices &services)
         });
     }
     m_placement.restore();
+    m_closing = std::make_unique<WindowClosing>(*this, m_services.editor);
     updateActions();
     m_page->home()->takeKeyboard();
 }
@@ -88,8 +87,8 @@ void MainWindow::connectActions()
         showEditor();
         m_page->showExport(!m_page->exportShown());
     });
-    m_actions->connectTo(Act::Undo, [this] { m_services.editor.model.undo(); });
-    m_actions->connectTo(Act::Redo, [this] { m_services.editor.model.redo(); });
+    m_actions->connectTo(Act::Undo, [this] { m_services.editor.model.undoVisibly(); });
+    m_actions->connectTo(Act::Redo, [this] { m_services.editor.model.redoVisibly(); });
     when(Act::ApplyToAll, &MainWindow::applyToAll);
     when(Act::SaveStyle, &MainWindow::askStyleName);
     when(Act::Collage, &MainWindow::showCollage);
@@ -150,6 +149,30 @@ void MainWindow::connectState()
             showEditor();
         }
     });
+}
+
+HandwritingScreen *MainWindow::handwriting() const
+{
+    return m_handwriting;
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    event->setAccepted(m_closing->mayClose());
+    if (event->isAccepted()) {
+        m_placement.remember();
+    }
+}
+
+void MainWindow::saveNow()
+{
+    m_closing->saveNow();
+    m_placement.remember();
+}
+
+void MainWindow::offerDrafts()
+{
+    m_closing->offerDrafts();
 }
 
 CollageScreen *MainWindow::collage() const
@@ -220,24 +243,42 @@ void MainWindow::showCollage()
 {
     if (!m_collage) {
         m_collage = new CollageScreen(m_services.editor, m_services.chooser);
-        connect(m_collage, &CollageScreen::closeAsked, this, &MainWindow::showEditor);
-        connect(m_collage, &CollageScreen::finished, this, &MainWindow::showEditor);
+        for (const auto ended : {&CollageScreen::closeAsked, &CollageScreen::finished}) {
+            connect(m_collage, ended, this, &MainWindow::showEditor);
+            connect(m_collage, ended, this, [this] { m_closing->forgetDraft(Drafts::Kind::Collage); });
+        }
     }
     showPage(m_collage);
     m_collage->begin();
 }
 
-void MainWindow::showHandwriting()
+HandwritingScreen &MainWindow::handwritingScreen()
 {
     if (!m_handwriting) {
         m_handwriting = new HandwritingScreen(m_services.editor);
-        connect(m_handwriting, &HandwritingScreen::closeAsked, this, &MainWindow::showEditor);
-        connect(m_handwriting, &HandwritingScreen::finished, this, &MainWindow::showEditor);
+        for (const auto ended : {&HandwritingScreen::closeAsked, &HandwritingScreen::finished}) {
+            connect(m_handwriting, ended, this, &MainWindow::showEditor);
+            connect(m_handwriting, ended, this,
+                    [this] { m_closing->forgetDraft(Drafts::Kind::Handwriting); });
+        }
     }
-    showPage(m_handwriting);
-    if (!m_handwriting->begin()) {
+    return *m_handwriting;
+}
+
+void MainWindow::showHandwriting()
+{
+    HandwritingScreen &screen = handwritingScreen();
+    showPage(&screen);
+    if (!screen.begin()) {
         showEditor();
     }
+}
+
+bool MainWindow::resumeHandwriting(const QByteArray &draft)
+{
+    HandwritingScreen &screen = handwritingScreen();
+    showPage(&screen);
+    return screen.resume(draft);
 }
 
 Overlay *MainWindow::showSettings()
@@ -299,76 +340,6 @@ void MainWindow::updateActions()
     m_actions->setEnabled(Act::Settings, onPage);
 }
 
-void MainWindow::openPhotos(const QStringList &photos, const QString &activationToken)
-{
-    if (!photos.isEmpty()) {
-        import(photos, ImportMode::Photos, ImportSource::Files);
-    }
-    if (isVisible()) {
-        if (!activationToken.isEmpty()) {
-            // Where windows may not push themselves to the front, the platform looks here for leave to.
-            qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
-        }
-        setWindowState(windowState() & ~Qt::WindowMinimized);
-        raise();
-        activateWindow();
-    }
-}
-
-void MainWindow::import(const QStringList &files, ImportMode mode, ImportSource source)
-{
-    if (files.isEmpty()) {
-        return;
-    }
-    ImportRequest request;
-    request.paths = files;
-    request.mode = mode;
-    request.source = source;
-    m_services.editor.imports.start(request);
-}
-
-bool MainWindow::backgroundWanted() const
-{
-    const PhotoItem *photo = m_services.editor.model.current();
-    return photo && !m_page->atHome() && !m_page->exportShown() &&
-           m_services.editor.state.tool() == Tool::Background &&
-           photo->settings.background == Backdrop::image;
-}
-
-void MainWindow::paste()
-{
-    const QMimeData *copied = QApplication::clipboard()->mimeData();
-    const QStringList files = FileDrops::pictures(copied);
-    if (!files.isEmpty()) {
-        import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
-        return;
-    }
-    if (!importImage(copied, localized({"粘贴的图片", "Pasted picture", "Image collée"}))) {
-        state().say(localized({"剪贴板里没有图片。", "There is no picture on the clipboard.",
-                               "Il n’y a pas d’image dans le presse-papiers."}),
-                    Toast::Kind::Plain);
-    }
-}
-
-bool MainWindow::importImage(const QMimeData *carried, const QString &name)
-{
-    const QImage image = qvariant_cast<QImage>(carried->imageData());
-    if (image.isNull() || !m_pasted.isValid()) {
-        return false;
-    }
-    const ImportMode mode = backgroundWanted() ? ImportMode::Background : ImportMode::Photos;
-    const QString path = m_pasted.filePath(u"%1 %2.png"_s.arg(name).arg(++m_pastes));
-    QThreadPool::globalInstance()->start([window = QPointer<MainWindow>(this), image, path, mode] {
-        const bool saved = image.save(path, "PNG", 90);
-        QMetaObject::invokeMethod(qApp, [window, path, saved, mode] {
-            if (saved && window) {
-                window->import({path}, mode, ImportSource::Files);
-            }
-        });
-    });
-    return true;
-}
-
 void MainWindow::askRemove()
 {
     if (!m_services.editor.model.current()) {
@@ -414,11 +385,9 @@ void MainWindow::applyToAll()
         return;
     }
     model.applyToAll();
-    const QString count = QString::number(model.photos().size());
-    state().say(model.photos().size() == 1
-                    ? localized({"风格已应用。", "Style applied.", "Style appliqué."})
-                    : localized({"风格已应用到 ", "Style applied to ", "Style appliqué aux "}) + count +
-                          localized({" 张照片。", " photos.", " photos."}),
+    state().say(counted(model.photos().size(), {"风格已应用。", "Style applied.", "Style appliqué."},
+                        {"风格已应用到 %1 张照片。", "Style applied to %1 photos.",
+                         "Style appliqué aux %1 photos."}),
                 Toast::Kind::Done);
 }
 
@@ -497,39 +466,6 @@ void MainWindow::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
-void MainWindow::closeEvent(QCloseEvent *event)
-{
-    if (m_page->exporting()->working() && !m_mayStopExport) {
-        event->ignore();
-        if (overlayOpen()) {
-            return;
-        }
-        ask(currentPage(),
-            {said({"停止导出？", "Stop exporting?", "Arrêter l’export ?"}),
-             said({"已导出的照片会保留。", "Photos that are already exported stay.",
-                   "Les photos déjà exportées restent."}),
-             said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
-            [this] {
-                m_mayStopExport = true;
-                close();
-            });
-        return;
-    }
-    if (currentPage() == m_collage && m_collage->studio()) {
-        event->ignore();
-        m_collage->askToClose([this] { QTimer::singleShot(0, this, &QWidget::close); });
-        return;
-    }
-    if (currentPage() == m_handwriting && m_handwriting->hasUnsavedInk()) {
-        event->ignore();
-        m_handwriting->leave([this] { close(); });
-        return;
-    }
-    m_placement.remember();
-    m_services.editor.model.flush();
-    event->accept();
-}
-
 void MainWindow::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_F6 && currentPage() == m_page) {
@@ -549,67 +485,6 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
         return;
     }
     QWidget::keyPressEvent(event);
-}
-
-void MainWindow::dragEnterEvent(QDragEnterEvent *event)
-{
-    const QMimeData *carried = event->mimeData();
-    if (currentPage() == m_collage && FileDrops::hasFiles(carried)) {
-        event->acceptProposedAction();
-        return;
-    }
-    const bool files = FileDrops::hasFiles(carried);
-    const bool image = !files && carried->hasImage();
-    if (currentPage() != m_page || !(files || image || FileDrops::hasWebAddress(carried))) {
-        return;
-    }
-    const qsizetype count = image ? 1 : FileDrops::pictures(carried).size();
-    m_veil->setGeometry(m_page->dropArea());
-    m_veil->offer(count == 0           ? DropVeil::Offer::Nothing
-                  : backgroundWanted() ? DropVeil::Offer::Background
-                                       : DropVeil::Offer::Photos,
-                  count);
-    // An address may be let go of here, to be told why it cannot be used.
-    m_dropUsable = count > 0 || !files;
-    acceptDrag(event);
-}
-
-void MainWindow::dragMoveEvent(QDragMoveEvent *event)
-{
-    acceptDrag(event);
-}
-
-void MainWindow::acceptDrag(QDropEvent *event) const
-{
-    // What cannot be used is accepted for nothing: the pointer says so, and the drag tells when it leaves.
-    event->setDropAction(m_dropUsable || currentPage() == m_collage ? event->proposedAction()
-                                                                    : Qt::IgnoreAction);
-    event->accept();
-}
-
-void MainWindow::dragLeaveEvent(QDragLeaveEvent *)
-{
-    m_veil->hide();
-}
-
-void MainWindow::dropEvent(QDropEvent *event)
-{
-    m_veil->hide();
-    const QMimeData *carried = event->mimeData();
-    const QStringList files = FileDrops::pictures(carried);
-    if (currentPage() == m_collage) {
-        m_collage->addFiles(files);
-    } else if (!files.isEmpty()) {
-        import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
-    } else if (FileDrops::hasFiles(carried)) {
-        return;
-    } else if (!importImage(carried, localized({"拖入的图片", "Dropped picture", "Image déposée"}))) {
-        state().say(localized({"无法从网址添加照片，请先保存图片。",
-                               "Web addresses cannot be added. Save the picture first.",
-                               "Impossible d’ajouter une adresse web. Enregistrez d’abord l’image."}),
-                    Toast::Kind::Error);
-    }
-    event->acceptProposedAction();
 }
 
 } // namespace tarnovel::app

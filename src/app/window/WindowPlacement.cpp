@@ -2,11 +2,12 @@
 
 #include <algorithm>
 
-#include <QLoggingCategory>
 #include <QScreen>
 #include <QTimer>
 #include <QWidget>
 #include <QWindow>
+
+#include "base/Log.h"
 
 using namespace Qt::StringLiterals;
 
@@ -117,11 +118,11 @@ void WindowPlacement::sizeFirstWindow()
     wanted.moveCenter(old.center());
     wanted.moveTo(std::max(wanted.x(), 0), std::max(wanted.y(), 0));
     const QRect frame = held(wanted, available(), this->frame());
-    qInfo().noquote() << u"Kesmar window from "_s + text(old) + u" to "_s + text(frame);
+    qCInfo(logApp).noquote() << u"Kesmar window from "_s + text(old) + u" to "_s + text(frame);
     m_window.setGeometry(frame);
     QTimer::singleShot(answerMs, this, [this, frame] {
         if (m_window.size() != frame.size()) {
-            qInfo().noquote() << u"Kesmar window resize: "_s + u"the window manager keeps "_s +
+            qCInfo(logApp).noquote() << u"Kesmar window resize: "_s + u"the window manager keeps "_s +
                                      text(m_window.geometry());
         }
     });
