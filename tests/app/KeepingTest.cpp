@@ -102,7 +102,7 @@ TEST_F(KeepingWindow, ClosingInMidImportKeepsWhatHasComeIn)
     for (int i = 0; i < 30; ++i) {
         paths.append(photo(QString::number(i)));
     }
-    window().openPhotos(paths, {});
+    m_world->context().imports.start({.paths = paths});
     ASSERT_TRUE(waitFor([this] { return model().importProgress().startsWith(u"4 "_s); }));
     window().close();
     ASSERT_TRUE(window().isVisible());
