@@ -34,6 +34,9 @@ constexpr int topDistance = 104;
 constexpr int cardGap = 24;
 constexpr int sideMargin = 24;
 constexpr int shownPhotos = 6;
+constexpr int leastTop = 12;
+constexpr int mostShrink = 112;
+constexpr QSize samplesSize(460, 400);
 
 class Card : public QWidget {
 public:
@@ -113,7 +116,8 @@ QString spokenTime(const QDateTime &time)
 
 SampleFrames::SampleFrames(QWidget *parent) : QWidget(parent)
 {
-    setFixedSize(460, 400);
+    setFixedWidth(samplesSize.width());
+    setMinimumHeight(samplesSize.height() - mostShrink);
 }
 
 void SampleFrames::paintEvent(QPaintEvent *)
@@ -127,6 +131,10 @@ void SampleFrames::paintEvent(QPaintEvent *)
     }
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const double scale = std::min(double(height()) / samplesSize.height(), 1.0);
+    painter.translate(width() / 2.0, height() / 2.0);
+    painter.scale(scale, scale);
+    painter.translate(-samplesSize.width() / 2.0, -samplesSize.height() / 2.0);
     for (size_t i = 0; i < samples.size(); ++i) {
         const Sample &sample = samples.at(i);
         painter.save();
@@ -281,10 +289,12 @@ void HomeScreen::place()
     const bool two = !m_continue->isHidden();
     const int needed = dropCard.height() + (two ? cardGap + continueHeight : 0);
     const int room = height() - 56;
-    const int top = std::max(std::min(topDistance, (room - needed) / 2), 16);
+    // In a low window the card gives way.
+    const int high = dropCard.height() - std::clamp(needed + 2 * leastTop - room, 0, mostShrink);
+    const int top = std::max(std::min(topDistance, (room - needed) / 2), leastTop);
     const int left = (width() - wide) / 2;
-    m_drop->setGeometry(left, top, wide, dropCard.height());
-    m_continue->setGeometry(left, top + dropCard.height() + cardGap, wide, continueHeight);
+    m_drop->setGeometry(left, top, wide, high);
+    m_continue->setGeometry(left, top + high + cardGap, wide, continueHeight);
     const auto *privacy = m_privacy->findChild<Label *>();
     const int wanted = privacy->fontMetrics().horizontalAdvance(privacy->text()) + 32;
     const int privacyWidth = std::min(wanted, width() - 2 * sideMargin);
