@@ -227,7 +227,7 @@ int makeCollage(const CollageRequest &request, const Interruption &interruption)
                                        interruption.token())
                               .result());
         } catch (const PipelineFailure &failure) {
-            throw Refusal{photo, errorDescription(failure.error())};
+            throw Refusal{photo, errorDescription(failure)};
         }
         sizes.append(photos.last().size());
     }
@@ -242,7 +242,7 @@ int makeCollage(const CollageRequest &request, const Interruption &interruption)
         }
     } catch (const PipelineFailure &failure) {
         const QString culprit = failure.file().isEmpty() ? request.file : failure.file();
-        throw Refusal{culprit, errorDescription(failure.error())};
+        throw Refusal{culprit, errorDescription(failure)};
     } catch (const FileError &error) {
         throw Refusal{request.file, errorDescription(error)};
     }

@@ -14,12 +14,14 @@
 #include <QGuiApplication>
 #include <QStandardPaths>
 
+#include "base/Log.h"
 #include "cli/CollageCommand.h"
 #include "cli/Console.h"
 #include "cli/ExportCommand.h"
 #include "cli/Grammar.h"
 #include "cli/Interruption.h"
 #include "cli/ListCommands.h"
+#include "export/ExportReviewPolicy.h"
 #include "language/AppLanguage.h"
 #include "model/Preferences.h"
 
@@ -227,6 +229,7 @@ void prepareQt()
             Console::complain(message);
         }
     });
+    installLog();
 }
 
 } // namespace
@@ -237,6 +240,9 @@ bool isCommand(int argc, char **argv)
         return false;
     }
     const std::string_view first = argv[1];
+    if (first.starts_with('-') && ExportReviewPolicy::isAutomation(fromArgument(argv[1]))) {
+        return false; // the editor, started by a machine
+    }
     if (first.starts_with('-') || std::ranges::find(commands, first) != commands.end()) {
         return true;
     }
@@ -271,6 +277,9 @@ int runCommandLine(int argc, char **argv)
     }
     if (end != argv + argc) {
         arguments.photos.insert(arguments.photos.end(), end + 1, argv + argc);
+    }
+    if (arguments.verbose) {
+        printLog();
     }
     const Interruption interruption;
     const QGuiApplication application(argc, argv);

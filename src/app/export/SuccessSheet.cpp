@@ -97,6 +97,19 @@ QString shortPath(const QString &folder)
     return folder.startsWith(home + u'/') ? u"~"_s + folder.mid(home.size()) : folder;
 }
 
+/// "Skipped: DSCF2711, DSCF2712 and 3 more".
+QString skippedText(const QStringList &names)
+{
+    constexpr qsizetype mostNames = 4;
+    const QString named = names.first(std::min(mostNames, names.size())).join(localized({"、", ", ", ", "}));
+    const qsizetype more = names.size() - mostNames;
+    return localized({"已跳过：", "Skipped: ", "Ignorées\u202f: "}) + named +
+           (more > 0 ? localized({" 等 %1 张", " and %1 more", " et %1 de plus"})
+                           .replace(u"%1"_s,
+                                    QString::number(currentLanguage() == AppLanguage::chinese ? names.size() : more))
+                     : QString());
+}
+
 Label *centred(Label *label)
 {
     label->setAlignment(Qt::AlignHCenter);
@@ -157,6 +170,11 @@ Overlay *showSuccess(QWidget *window, const Success &success, std::function<void
     auto *path = new Label(
         Type::Body, [text = shortPath(success.folder)] { return text; }, Label::Tone::Secondary);
     column->addWidget(centred(path));
+    if (!success.skipped.isEmpty()) {
+        column->addSpacing(8);
+        column->addWidget(centred(new Label(
+            Type::BodyStrong, [names = success.skipped] { return skippedText(names); }, Label::Tone::Danger)));
+    }
     column->addSpacing(28);
     column->addWidget(new Thumbs(success.thumbnails));
     if (success.quote) {
@@ -168,7 +186,11 @@ Overlay *showSuccess(QWidget *window, const Success &success, std::function<void
         column->addWidget(centred(new Label(
             Type::Label, [quote] { return quote.author(currentLanguage()); }, Label::Tone::Secondary)));
     }
-    column->addSpacing(32);
+    if (success.hint) {
+        column->addSpacing(16);
+        column->addWidget(centred(new Label(Type::Label, success.hint, Label::Tone::Secondary)));
+    }
+    column->addSpacing(success.hint ? 12 : 32);
     column->addLayout(buttons(sheet, success, std::move(said)));
     sheet->setCardSize({sheetWidth, 0});
     sheet->open();

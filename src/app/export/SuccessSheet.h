@@ -20,6 +20,10 @@ struct Success {
     Phrase heading;
     QString folder;
     QStringList files;
+    /// The names of photos that were left out.
+    QStringList skipped;
+    /// Of the library's summary: what else can be done with the files.
+    Phrase hint;
     /// Asked for again whenever the sheet is painted: they arrive after the files.
     std::function<QList<QImage>()> thumbnails;
     std::optional<PhotographyQuote> quote;

@@ -358,6 +358,7 @@ void MainWindow::showFolderSuccess()
     const qsizetype count = result->files.size();
     m_success = showSuccess(this,
                             {[count] { return ExportTexts::exported(count); }, result->folder, result->files,
+                             result->skipped, {},
                              [panel] {
                                  const std::optional<ExportResult> &now = panel->folderExport().result();
                                  return now ? now->thumbnails : QList<QImage>();
@@ -377,7 +378,9 @@ void MainWindow::showLibrarySuccess()
     m_success =
         showSuccess(this,
                     {[] { return LibraryExport::savedText(); }, QFileInfo(run.saved().first()).absolutePath(),
-                     run.saved(), [&run] { return run.thumbnails(); }, run.quote()},
+                     run.saved(), run.run().skippedNames(),
+                     [] { return Wording::local(LibraryExport::shareText()); },
+                     [&run] { return run.thumbnails(); }, run.quote()},
                     [this](const QString &text) { state().say(text, Toast::Kind::Done); });
     connect(&run, &LibraryExport::changed, m_success, qOverload<>(&QWidget::update));
 }
