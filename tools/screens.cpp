@@ -164,11 +164,13 @@ QList<Screen> editorScreens()
                                 world.window().grab(QRect(200 + 40 * i, 100, 300, 400)).toImage());
                         }
                         return closing(showSuccess(&world.window(),
-                                                   {[] { return ExportTexts::exported(12); },
-                                                    QDir::homePath() + u"/Pictures/Autumn set"_s,
-                                                    {u"/tmp/a.jpg"_s},
-                                                    [thumbnails] { return thumbnails; },
-                                                    PhotographyQuotes::all()[9]},
+                                                   {.heading = [] { return ExportTexts::exported(12); },
+                                                    .folder = QDir::homePath() + u"/Pictures/Autumn set"_s,
+                                                    .files = {u"/tmp/a.jpg"_s},
+                                                    .skipped = {},
+                                                    .hint = {},
+                                                    .thumbnails = [thumbnails] { return thumbnails; },
+                                                    .quote = PhotographyQuotes::all()[9]},
                                                    [](const QString &) {}));
                     }});
     screens.append({u"settings"_s, [](World &world) { return closing(world.window().showSettings()); }});
@@ -444,7 +446,7 @@ int main(int argc, char **argv)
     camera.take(one, {editorScreens().first()}, u"one"_s);
     World fifty(arguments, 50);
     fifty.window().showEditor();
-    camera.take(fifty, editorScreens().mid(0, 1) + editorScreens().mid(15, 2), u"fifty"_s);
+    camera.take(fifty, editorScreens().mid(0, 1) + editorScreens().mid(18, 2), u"fifty"_s);
     std::printf("%d pictures\n", camera.taken());
     return 0;
 }
