@@ -9,19 +9,23 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QProcess>
+#include <QWheelEvent>
 
 #include "app/canvas/CanvasView.h"
 #include "app/collage/CollageBoard.h"
 #include "app/collage/CollageScreen.h"
 #include "app/collage/LayoutStrip.h"
 #include "app/export/ExportPanel.h"
+#include "app/export/SizeChoice.h"
 #include "app/inspector/Section.h"
 #include "app/kit/Button.h"
 #include "app/kit/Focus.h"
 #include "app/kit/Overlay.h"
+#include "app/kit/Segments.h"
 #include "app/kit/Switch.h"
 #include "app/kit/Theme.h"
 #include "app/screens/ManagePhotos.h"
+#include "app/screens/SetPreview.h"
 #include "app/window/FileDrops.h"
 #include "app/window/FilmStrip.h"
 #include "app/window/HomeScreen.h"
@@ -149,9 +153,95 @@ TEST_F(Shell, TakesASessionByKeyboardAloneFromEmptyToExported)
     press(Qt::Key_Return);
     EXPECT_TRUE(page().exporting()->isAncestorOf(QApplication::focusWidget())) << "on Cancel meanwhile";
     ASSERT_TRUE(waitFor([this] { return overlay() != nullptr; }));
-    EXPECT_EQ(QDir(m_world->answers().folder).entryList(QDir::Files).size(), 2);
+    const QStringList files = QDir(m_world->answers().folder).entryList(QDir::Files);
+    EXPECT_EQ(files.size(), 2);
+    // One before Done, the files are copied.
+    for (Button *button : overlay()->findChildren<Button *>()) {
+        if (button->objectName() == u"copyFiles"_s) {
+            click(button);
+        }
+    }
+    EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->urls().size(), 2);
+    press(Qt::Key_Tab);
     press(Qt::Key_Return);
     EXPECT_EQ(overlay(), nullptr);
+}
+
+TEST_F(Shell, TheWheelMakesThePhotoLargerAndSmaller)
+{
+    showPhotos(1);
+    const double before = settings().scale;
+    const auto turn = [&](int by) {
+        CanvasView *canvas = page().canvas();
+        const QPointF at = canvas->rect().center();
+        QWheelEvent event(at, canvas->mapToGlobal(at), {}, {0, by}, {}, Qt::ControlModifier,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(canvas, &event);
+    };
+    turn(-240);
+    EXPECT_LT(settings().scale, before);
+    turn(480);
+    EXPECT_GT(settings().scale, before);
+}
+
+TEST_F(Shell, TheSetIsReorderedByHandAndByKeys)
+{
+    showPhotos(4);
+    window().showSetPreview();
+    auto *grid = window().currentPage()->findChild<PostGrid *>();
+    const QList<PhotoItem> before = model().photos();
+    drag(grid, grid->itemRect(0).center(), grid->itemRect(2).center() - grid->itemRect(0).center());
+    EXPECT_EQ(model().photos().at(2).id, before.at(0).id);
+    grid->setFocus();
+    grid->setCursorItem(2);
+    press(Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(model().photos().at(1).id, before.at(0).id);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(window().currentPage(), &page());
+}
+
+TEST_F(Shell, ManagingRemovesThePickedAndClearsAll)
+{
+    showPhotos(4);
+    window().showManage();
+    auto *grid = window().currentPage()->findChild<ManageGrid *>();
+    const QUuid second = model().photos().at(1).id;
+    click(grid, grid->itemRect(1).center());
+    press(Qt::Key_Delete);
+    press(Qt::Key_Tab);
+    press(Qt::Key_Return);
+    EXPECT_EQ(model().photos().size(), 3);
+    EXPECT_EQ(model().photo(second), nullptr);
+    click(control<Button>(u"clearAll"_s));
+    press(Qt::Key_Return);
+    EXPECT_EQ(model().photos().size(), 3) << "the question starts on Cancel";
+    click(control<Button>(u"clearAll"_s));
+    press(Qt::Key_Tab);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(model().photos().isEmpty());
+    EXPECT_TRUE(page().atHome());
+}
+
+TEST_F(Shell, ChoicesAreKept)
+{
+    showPhotos(1);
+    page().showExport(true);
+    auto *sizes = page().exporting()->findChild<SizeChoice *>();
+    const int other = sizes->current() == 0 ? 1 : 0;
+    click(sizes, sizes->itemRect(other).center());
+    page().showExport(false);
+    page().showExport(true);
+    EXPECT_EQ(sizes->current(), other);
+    EXPECT_EQ(ExportChoices::stored(m_world->preferences()).resolution,
+              static_cast<int>(ExportTexts::sizes().at(other).value));
+    page().showExport(false);
+    window().showSettings();
+    auto *languages = overlay()->findChild<Segments *>();
+    const std::array names = {u"chinese"_s, u"english"_s, u"french"_s};
+    for (int i = 0; i < 3; ++i) {
+        click(languages, languages->itemRect(i + 1).center());
+        EXPECT_EQ(m_world->preferences().value(u"language"_s).toString(), names.at(static_cast<size_t>(i)));
+    }
 }
 
 TEST_F(Shell, WindowKeysCloseQuitAndFill)

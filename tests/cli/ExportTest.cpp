@@ -287,7 +287,7 @@ TEST(Export, SaysOfEachPhotoWhyItCannotBeRead)
     // A name that is not UTF-8 cannot even be written as an argument of Qt's.
     QProcess shell;
     shell.setWorkingDirectory(program.path(QString()));
-    shell.start(u"bash"_s, {u"-c"_s, u"printf x >$'a\\xff.jpg'; LANG=C \"$0\" inspect $'a\\xff.jpg'"_s,
+    shell.start(u"bash"_s, {u"-c"_s, u"printf x >$'a\\xff.jpg'; LANG=C \"$0\" inspect $'a\\xff.jpg'; rm $'a\\xff.jpg'"_s,
                             Program::executable()});
     ASSERT_TRUE(shell.waitForFinished(30'000));
     EXPECT_TRUE(shell.readAllStandardError().contains("The file’s name is not UTF-8. Rename it first."));

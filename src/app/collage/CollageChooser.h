@@ -52,7 +52,7 @@ public:
     bool itemEnabled(int index) const override { return index < studio().total(); }
     bool itemChosen(int) const override { return false; }
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    QSize minimumSizeHint() const override;
 
 protected:
     void paintItem(QPainter &painter, int index, const State &state) override;

@@ -123,7 +123,7 @@ void ExportPanel::addOptions(QVBoxLayout *column)
                                                {"全部 %1 张", "All %1 photos", "Les %1 photos"});
                             },
                             said({"仅这一张", "This photo", "Cette photo"})});
-    m_which->setName(said({"照片", "Photos", "Photos"}));
+    m_which->setName(said({"要导出的照片", "Photos to export", "Photos à exporter"}));
     group(said({"照片", "Photos", "Photos"}), m_which);
     m_size = new SizeChoice;
     m_size->setName([] { return ExportTexts::sizeGroup(); });

@@ -131,6 +131,7 @@ QHBoxLayout *buttons(Overlay *sheet, const Success &success, std::function<void(
                      [path = success.folder, files = success.files] { Sharing::showInFolder(path, files); });
     auto *copy = new Button(Button::Kind::Secondary,
                             app::said({"复制文件", "Copy files", "Copier les fichiers"}), "manage");
+    copy->setObjectName(u"copyFiles"_s);
     QObject::connect(copy, &QPushButton::clicked, sheet, [files = success.files, said = std::move(said)] {
         Sharing::copyFiles(files);
         said(localized({"文件已复制，可粘贴到任何地方。", "Files copied. Paste them anywhere.",

@@ -96,11 +96,8 @@ TextSection::TextSection(const EditorContext &context) : Section(context)
     column()->addSpacing(4);
     m_camera = new Button(Button::Kind::Link, {}, "camera");
     m_camera->setObjectName(u"cameraInfo"_s);
-    auto *links = new QHBoxLayout;
-    links->addWidget(add);
-    links->addStretch();
-    links->addWidget(m_camera);
-    column()->addLayout(links);
+    column()->addWidget(add);
+    column()->addWidget(m_camera);
     connect(m_camera, &QPushButton::clicked, this, [this] { this->context().state.setTool(Tool::Camera); });
     add->setObjectName(u"addText"_s);
     addRule();

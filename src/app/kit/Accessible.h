@@ -29,7 +29,7 @@ protected:
 /// To be called by the constructor of a widget that is Speaking.
 void installAccessible();
 
-/// What a widget is to a screen reader, where Qt cannot know it.
+/// What a widget is to a screen reader, where Qt cannot know it. Before the widget gets its name.
 void setAccessibleRole(QWidget &widget, QAccessible::Role role);
 
 /// To be called after each change of a Speaking widget's value.

@@ -61,6 +61,16 @@ QSize Segments::sizeHint() const
     return {264, tall() ? tallHeight : rowHeight};
 }
 
+void Segments::resizeEvent(QResizeEvent *event)
+{
+    // The height was asked for at another width.
+    if (tall() != m_wasTall) {
+        m_wasTall = tall();
+        updateGeometry();
+    }
+    Items::resizeEvent(event);
+}
+
 void Segments::paintGround(QPainter &painter)
 {
     Paint::rounded(painter, rect(), 8, theme().surfaceMuted);

@@ -27,10 +27,12 @@ public:
 protected:
     void paintGround(QPainter &painter) override;
     void paintItem(QPainter &painter, int index, const State &state) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     /// Two lines where a name is wider than its segment.
     bool tall() const;
+    bool m_wasTall = false;
     std::vector<Phrase> m_names;
     std::vector<const char *> m_icons;
 };

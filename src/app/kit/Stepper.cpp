@@ -25,7 +25,7 @@ Stepper::Stepper(Phrase name, int low, int high, QWidget *parent)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
-    m_field->setFixedWidth(36);
+    m_field->setFixedWidth(40);
     m_field->setHeight(32);
     m_field->setAlignment(Qt::AlignCenter);
     m_field->setTextMargins(0, 0, 0, 0);

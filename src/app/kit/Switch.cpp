@@ -27,7 +27,7 @@ Switch::Switch(Phrase phrase, Side side, QWidget *parent)
     setFont(typeFont(Type::Body));
     setAccessibleName(text());
     setProperty("paintsFocus", true);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     connect(this, &QCheckBox::clicked, this, &Switch::toggledByUser);

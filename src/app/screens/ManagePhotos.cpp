@@ -165,6 +165,7 @@ ManagePhotos::ManagePhotos(const EditorContext &context)
     auto *bar = new PageBar(said({"管理照片", "Manage photos", "Gérer les photos"}));
     bar->addAction(m_selectAll);
     bar->addAction(m_clear);
+    m_clear->setObjectName(u"clearAll"_s);
     column->addWidget(bar);
     m_area->hold(m_grid);
     column->addWidget(m_area, 1);

@@ -34,11 +34,13 @@ constexpr int topDistance = 104;
 /// With a kept session below it, the drop card is lower and begins higher.
 constexpr int lowDropHeight = 376;
 constexpr int lowTopDistance = 48;
+/// What the drop card gives way to at the most.
 constexpr int leastDropHeight = 200;
-constexpr int leastTop = 16;
 constexpr int cardGap = 24;
 constexpr int sideMargin = 24;
 constexpr int shownPhotos = 6;
+constexpr int leastTop = 12;
+constexpr QSize samplesSize(460, 400);
 
 class Card : public QWidget {
 public:
@@ -100,10 +102,8 @@ QImage framed(const Sample &sample, double ratio)
     return image;
 }
 
-/// What the samples are laid out in.
-constexpr QSize room(460, 400);
 /// A card lower than this is too low for them.
-constexpr int leastSampleHeight = 300;
+constexpr int leastSampleHeight = 240;
 
 QDateTime dateTime(SecondsSince2001 seconds)
 {
@@ -129,7 +129,7 @@ QString spokenTime(const QDateTime &time)
 
 SampleFrames::SampleFrames(QWidget *parent) : QWidget(parent)
 {
-    setFixedWidth(room.width());
+    setFixedWidth(samplesSize.width());
     setMinimumHeight(0);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
 }
@@ -145,7 +145,10 @@ void SampleFrames::paintEvent(QPaintEvent *)
     }
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.translate(0, (height() - room.height()) / 2.0);
+    const double scale = std::min(double(height()) / samplesSize.height(), 1.0);
+    painter.translate(width() / 2.0, height() / 2.0);
+    painter.scale(scale, scale);
+    painter.translate(-samplesSize.width() / 2.0, -samplesSize.height() / 2.0);
     for (size_t i = 0; i < samples.size(); ++i) {
         const Sample &sample = samples.at(i);
         painter.save();

@@ -49,8 +49,8 @@ MainWindow::MainWindow(const WindowServices &services)
       m_toast(new Toast(this))
 {
     setWindowTitle(u"Tarnovel"_s);
-    setAccessibleName(windowTitle());
     setAccessibleRole(*this, QAccessible::Window);
+    setAccessibleName(windowTitle());
     setAcceptDrops(true);
     m_pages->setContentsMargins(0, 0, 0, 0);
     m_pages->addWidget(m_page);
