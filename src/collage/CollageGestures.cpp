@@ -21,6 +21,11 @@ QPointF placeOf(const CollageDivider &divider, double ratio)
     return {parent.x() + ratio * parent.width(), parent.y() + ratio * parent.height()};
 }
 
+bool isOutsideLimits(double ratio)
+{
+    return CollageGeometry::heldRatio(ratio) != ratio;
+}
+
 double zoomed(double zoom, double factor)
 {
     return std::clamp(zoom * factor, 1.0, CollageEdits::largestZoom);
@@ -67,7 +72,8 @@ bool CollageGestures::grabDivider(QPointF point)
     const QPointF place = placeOf(*found, ratio);
     m_divider = found->id();
     m_ratioLabel = CollageGeometry::ratioText(ratio);
-    m_grip = place - point;
+    m_ratioThen = ratio;
+    m_grabbedAt = point;
     m_lastSnapped = CollageGeometry::dragDivider(*found, place).snapped;
     m_dividerBegun = false;
     return true;
@@ -79,7 +85,15 @@ void CollageGestures::dragDivider(QPointF point)
     if (!held || !isFinite(point) || !m_studio.editable() || over(m_dividerBegun)) {
         return;
     }
-    const CollageGeometry::Drag drag = CollageGeometry::dragDivider(*held, point + m_grip);
+    const QPointF way = point - m_grabbedAt;
+    const double along = held->axis == CollageAxis::horizontal ? way.x() : way.y();
+    const double ratio = m_ratioThen + along / std::max(held->shared, 1.0);
+    if (isOutsideLimits(m_ratioThen) &&
+        CollageGeometry::heldRatio(ratio) == CollageGeometry::heldRatio(m_ratioThen)) {
+        // A layout of many cells has dividers outside the limits: those stay until the finger is inside.
+        return;
+    }
+    const CollageGeometry::Drag drag = CollageGeometry::dragDivider(*held, placeOf(*held, ratio));
     if (drag.snapped && !m_lastSnapped) {
         ++m_snapTick;
     }

@@ -67,8 +67,9 @@ private:
 
     CollageStudio &m_studio;
     std::optional<QString> m_divider;
-    /// From the finger to the place that gives the divider the ratio it has.
-    QPointF m_grip;
+    /// Where and at which ratio the divider was taken hold of.
+    QPointF m_grabbedAt;
+    double m_ratioThen = 0.5;
     std::optional<QString> m_ratioLabel;
     bool m_lastSnapped = false;
     bool m_dividerBegun = false;

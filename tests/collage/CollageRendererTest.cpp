@@ -88,6 +88,19 @@ TEST(CollagePlan, HasTheFinishedSizes)
     EXPECT_NEAR(strip.inner.height() / strip.size.height(), 24.0 / 35, 1e-12);
 }
 
+TEST(CollagePlan, CutsAStripIntoFramesOf36Millimetres)
+{
+    for (int count = 2; count <= 6; ++count) {
+        const CollagePlan strip = CollagePlan::of(design(count, u"filmstrip"_s), 2400);
+        const double unit = strip.size.height() / 35.0;
+        for (const auto &[slot, cell] : strip.layout.cells) {
+            // The output's sides are whole pixels, so its length misses 38 mm a frame by a little.
+            EXPECT_NEAR(cell.width() / unit, 36, 0.1) << count << ' ' << slot;
+            EXPECT_NEAR(cell.left() / unit, 1 + 38 * slot, 0.1 * (slot + 1)) << count << ' ' << slot;
+        }
+    }
+}
+
 TEST(CollageRenderer, ShowsThePannedPartInItsFrame)
 {
     CollageDesign made = design(2, u"h2"_s);
