@@ -273,9 +273,11 @@ CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
     if (settings.style == FrameStyle::film) {
         images.background = {};
     } else if (settings.background == Backdrop::blur) {
-        images.background = gaussianBlurred(decoded(item.file, blurSourcePixels, stop), blurSigma);
+        images.background =
+            coveringPicture(gaussianBlurred(decoded(item.file, blurSourcePixels, stop), blurSigma), canvas);
     } else if (settings.background == Backdrop::image && settings.backgroundFile) {
-        images.background = companion(*settings.backgroundFile, backdropPixels, stop);
+        images.background =
+            coveringPicture(companion(*settings.backgroundFile, backdropPixels, stop), canvas);
     }
     throwIfCancelled(stop);
     // Logo and signature are decoded at the size they are drawn at: the painter scales down badly.

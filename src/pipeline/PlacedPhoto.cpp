@@ -8,6 +8,9 @@ namespace {
 
 QImage resamplable(const QImage &image)
 {
+    if (image.depth() == 64) {
+        return image; // a blurred one
+    }
     return image.hasAlphaChannel() ? image.convertToFormat(QImage::Format_ARGB32_Premultiplied)
                                    : image.convertToFormat(QImage::Format_RGB32);
 }
