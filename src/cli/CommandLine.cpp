@@ -222,8 +222,9 @@ void prepareQt()
 {
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     setenv("LC_ALL", "C.UTF-8", 1);
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
-        if (type == QtFatalMsg) {
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &message) {
+        const bool ours = context.category && std::string_view(context.category).starts_with("tarnovel");
+        if (type == QtFatalMsg || (ours && type == QtWarningMsg)) {
             Console::complain(message);
         }
     });
