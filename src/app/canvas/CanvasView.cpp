@@ -1,5 +1,7 @@
 #include "app/canvas/CanvasView.h"
 
+#include <QEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QTransform>
 
