@@ -100,9 +100,11 @@ CollageRequest collageRequest(const Grammar &grammar, const Arguments &arguments
     request.edgeText = given(command, "--edge-text", arguments.edgeText);
     request.startNumber = given(command, "--start-number", arguments.startNumber);
     request.noNumbers = arguments.noNumbers;
-    request.format = fromArgument(arguments.format);
+    request.format = given(command, "--format", arguments.format);
+    request.size = given(command, "--size", arguments.size);
     request.maxMb = given(command, "--max-mb", arguments.maxMb);
     request.json = arguments.json;
+    request.quiet = arguments.quiet;
     return request;
 }
 

@@ -140,7 +140,10 @@ struct Pictures {
         }
         if (signature) {
             settings.handwritingFile = absolute(*signature);
+            // Over the whole frame, as the studio's own are: their empty parts are transparent.
             settings.handwritingAspect = signatureAspect;
+            settings.handwritingX = settings.handwritingY = 0.5;
+            settings.handwritingWidth = 1.0;
         }
     }
 };
