@@ -26,11 +26,6 @@ bool isOutsideLimits(double ratio)
     return CollageGeometry::heldRatio(ratio) != ratio;
 }
 
-double zoomed(double zoom, double factor)
-{
-    return std::clamp(zoom * factor, 1.0, CollageEdits::largestZoom);
-}
-
 } // namespace
 
 std::optional<CollageDivider> CollageGestures::divider(const QString &id) const
@@ -155,6 +150,21 @@ CollageCell CollageGestures::moved(int slot, const CollageCell &from, QPointF tr
     return cell;
 }
 
+CollageCell CollageGestures::zoomed(int slot, const CollageCell &from, double factor,
+                                    std::optional<QPointF> anchor) const
+{
+    const double zoom = std::clamp(from.zoom * factor, 1.0, CollageEdits::largestZoom);
+    const std::map<int, QRectF> cells = m_studio.layout().cells;
+    const auto rect = cells.find(slot);
+    const PhotoItem *photo = m_studio.photo(from.photo);
+    if (anchor && rect != cells.end() && photo) {
+        return CollageEdits::zoomedAt(from, photo->size(), rect->second, zoom, *anchor);
+    }
+    CollageCell cell = from;
+    cell.zoom = zoom;
+    return cell;
+}
+
 bool CollageGestures::over(bool begun) const
 {
     return begun && m_studio.steps() != m_stepsThen;
@@ -210,7 +220,7 @@ void CollageGestures::nudgePhoto(int slot, QPointF translation)
     m_studio.change(design, u"pan "_s + QString::number(slot));
 }
 
-void CollageGestures::pinchPhoto(int slot, double magnification)
+void CollageGestures::pinchPhoto(int slot, double magnification, std::optional<QPointF> anchor)
 {
     if (!hasCell(slot) || !std::isfinite(magnification) || !m_studio.editable()) {
         return;
@@ -220,17 +230,19 @@ void CollageGestures::pinchPhoto(int slot, double magnification)
         m_pinchBegun = false;
     }
     CollageCell cell = m_studio.design().cells.at(slot);
-    cell.zoom = zoomed(m_pinch->cell.zoom, magnification);
+    const CollageCell made = zoomed(slot, m_pinch->cell, magnification, anchor);
+    cell.zoom = made.zoom;
+    cell.offset = anchor ? made.offset : cell.offset;
     setCell(slot, cell, m_pinchBegun);
 }
 
-void CollageGestures::zoomPhoto(int slot, double factor)
+void CollageGestures::zoomPhoto(int slot, double factor, std::optional<QPointF> anchor)
 {
     if (!hasCell(slot) || !std::isfinite(factor)) {
         return;
     }
     CollageDesign design = m_studio.design();
-    design.cells[slot].zoom = zoomed(design.cells.at(slot).zoom, factor);
+    design.cells[slot] = zoomed(slot, design.cells.at(slot), factor, anchor);
     m_studio.change(design, u"zoom "_s + QString::number(slot));
 }
 

@@ -203,5 +203,37 @@ TEST_F(Views, ZoomFromOneToFour)
     EXPECT_EQ(zoom(), 2);
 }
 
+TEST_F(Views, KeepWhatLiesUnderThePointerWhenZoomed)
+{
+    const QRectF rect(100, 50, 200, 150);
+    const QSizeF photo(300, 300);
+    CollageCell cell;
+    cell.zoom = 1.5;
+    cell.offset = {0.4, -0.3};
+    const QPointF anchor(170, 110);
+    const auto fraction = [&](const CollageCell &each) {
+        const QRectF whole = cellPlacement(each, photo, rect).whole;
+        return QPointF((anchor.x() - whole.x()) / whole.width(), (anchor.y() - whole.y()) / whole.height());
+    };
+    for (const double zoom : {1.6, 2.5, 4.0}) {
+        const CollageCell made = CollageEdits::zoomedAt(cell, photo, rect, zoom, anchor);
+        EXPECT_EQ(made.zoom, zoom);
+        EXPECT_NEAR(fraction(made).x(), fraction(cell).x(), 1e-9);
+        EXPECT_NEAR(fraction(made).y(), fraction(cell).y(), 1e-9);
+    }
+    // At its smallest the photo fills the window, and no edge comes into it.
+    const CollageCell smallest = CollageEdits::zoomedAt(cell, photo, rect, 1, {300, 200});
+    EXPECT_TRUE(cellPlacement(smallest, photo, rect).whole.adjusted(-1e-6, -1e-6, 1e-6, 1e-6).contains(rect));
+
+    open({0, 1});
+    const QPointF middle = m_studio.layout().cells.at(1).center();
+    m_gestures.zoomPhoto(1, 2, middle + QPointF(30, 20));
+    const QSizeF offset = m_studio.design().cells.at(1).offset;
+    EXPECT_LT(offset.width(), 0); // what lies right of the middle is drawn to the left
+    EXPECT_LT(offset.height(), 0);
+    m_gestures.pinchPhoto(1, 1.5, middle);
+    EXPECT_EQ(m_studio.design().cells.at(1).zoom, 3);
+}
+
 } // namespace
 } // namespace tarnovel::test
