@@ -34,8 +34,8 @@ namespace {
 
 constexpr double blurSigma = 22;
 constexpr int backdropPixels = 1200;
-constexpr int logoPixels = 1500;
-constexpr int signaturePixels = 2400;
+constexpr int logoPixelsDecoded = 1500;
+constexpr int signaturePixelsDecoded = 2400;
 constexpr int palettePixels = 120;
 constexpr int testDecodePixels = 100;
 constexpr qsizetype mostPalettes = 100;
@@ -280,21 +280,22 @@ CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
             coveringPicture(companion(*settings.backgroundFile, backdropPixels, stop), canvas);
     }
     throwIfCancelled(stop);
-    // Logo and signature are decoded at the size they are drawn at: the painter scales down badly.
+    // Logo and signature are resampled to the pixels that they cover, as the photo is: the painter scales
+    // badly.
     const TextLayer *logo = settings.layer(u"watermark"_s);
-    if (logo && logo->visible && logo->imageFile) {
-        const int drawn = longSide(CompositionRenderer::textRect(*logo, canvas).size());
+    if (const QSize size = logoPixels(item, canvas); !size.isEmpty()) {
+        const int most = std::min(edge, logoPixelsDecoded);
         images.watermark =
-            companion(*logo->imageFile, std::max(1, std::min({edge, logoPixels, drawn})), stop);
+            scaledPicture(companion(*logo->imageFile, std::min(most, longSide(size)), stop), size);
     }
     if (settings.handwritingFile) {
-        // Its own aspect decides on its size where the settings have none, so it may be scaled once more when
-        // drawn.
+        // Its own aspect decides on its size where the settings have none.
         const double widest = settings.handwritingWidth.value_or(0.42) * canvas.width();
         const double aspect = std::max(settings.handwritingAspect.value_or(1), 0.1);
         const int drawn = longSide({widest, settings.handwritingAspect ? widest / aspect : widest});
-        images.handwriting =
-            companion(*settings.handwritingFile, std::max(1, std::min({edge, signaturePixels, drawn})), stop);
+        const QImage picture = companion(*settings.handwritingFile,
+                                         std::max(1, std::min({edge, signaturePixelsDecoded, drawn})), stop);
+        images.handwriting = scaledPicture(picture, signaturePixels(item, picture.size(), canvas));
     }
     return images;
 }

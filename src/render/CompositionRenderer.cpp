@@ -153,6 +153,23 @@ void drawPlacedPhoto(QPainter &painter, const PhotoItem &item, const FrameSettin
     drawPhoto(painter, photo, placement);
 }
 
+/// A picture in its rectangle. One that has been made for just these pixels is copied to the nearest of them.
+void drawPicture(QPainter &painter, const QRectF &rect, const QImage &picture)
+{
+    const QTransform device = painter.deviceTransform();
+    const QRectF pixels = device.mapRect(rect);
+    const bool fits = isUpright(device) && std::abs(pixels.width() - picture.width()) < 1 &&
+                      std::abs(pixels.height() - picture.height()) < 1;
+    if (!fits) {
+        painter.drawImage(rect, picture);
+        return;
+    }
+    painter.save();
+    painter.setTransform(device.inverted() * painter.transform());
+    painter.drawImage(QPoint(qRound(pixels.left()), qRound(pixels.top())), picture);
+    painter.restore();
+}
+
 void drawText(QPainter &painter, const TextLayer &layer, const FrameSettings &settings, QSizeF size)
 {
     const double scale = typeScale(layer, size);
@@ -192,7 +209,7 @@ void drawLayer(QPainter &painter, const TextLayer &layer, const FrameSettings &s
         painter.save();
         painter.translate(rect.center());
         painter.rotate(degrees(layer));
-        painter.drawImage(centred({}, rect.size()), watermark);
+        drawPicture(painter, centred({}, rect.size()), watermark);
         painter.restore();
     } else {
         drawText(painter, layer, settings, size);
@@ -354,7 +371,7 @@ void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &setting
         drawPlacedPhoto(painter, item, settings, size, images.photo);
     }
     if (settings.handwritingFile && !images.handwriting.isNull()) {
-        painter.drawImage(handwritingRect(settings, images.handwriting.size(), size), images.handwriting);
+        drawPicture(painter, handwritingRect(settings, images.handwriting.size(), size), images.handwriting);
     }
     for (const TextLayer &layer : settings.layers) {
         drawLayer(painter, layer, settings, size, images.watermark);

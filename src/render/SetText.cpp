@@ -27,16 +27,29 @@ bool hasOutlines(const QRawFont &font)
            !font.fontTable("CFF2").isEmpty();
 }
 
-/// Colour pictures are set in their own family: where another one has the character too, it would come first.
-QList<QTextLayout::FormatRange> pictureFormats(const QString &text)
-{
+/// A text as it is laid out.
+struct Prepared {
+    QString text;
     QList<QTextLayout::FormatRange> formats;
+};
+
+/// Colour pictures are set in their own family: where another one has the character too, it would come first.
+/// The selectors that made them pictures go: the family's own table of sequences has none.
+Prepared prepared(const QString &text)
+{
+    Prepared made;
+    qsizetype done = 0;
     for (const TextStretch &stretch : emojiStretches(text)) {
+        made.text += QStringView(text).mid(done, stretch.start - done);
+        const qsizetype start = made.text.size();
+        made.text += text.mid(stretch.start, stretch.length).remove(QChar(0xFE0F));
+        done = stretch.start + stretch.length;
         QTextCharFormat format;
         format.setFontFamilies({Fonts::emojiFamily()});
-        formats.append({stretch.start, stretch.length, format});
+        made.formats.append({static_cast<int>(start), static_cast<int>(made.text.size() - start), format});
     }
-    return formats;
+    made.text += QStringView(text).mid(done);
+    return made;
 }
 
 /// A zero's outline without what stands in its counter: the outermost two of its contours.
@@ -74,12 +87,13 @@ SetText::SetText(const QString &text, const QFont &font, Box box, Zero zero)
     lines.replace(u'\r', QChar::LineSeparator);
     lines.replace(u'\n', QChar::LineSeparator);
 
-    QTextLayout layout(lines, font);
+    const Prepared set = prepared(lines);
+    QTextLayout layout(set.text, font);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     option.setUseDesignMetrics(true);
     layout.setTextOption(option);
-    layout.setFormats(pictureFormats(lines));
+    layout.setFormats(set.formats);
     layout.setCacheEnabled(true);
 
     std::vector<QTextLine> fitting;

@@ -26,6 +26,20 @@ TextLayer textLayer(const QString &text)
     return layer;
 }
 
+/// The lengths of the runs of one colour along a line of pixels.
+std::vector<std::pair<QColor, int>> runs(const QImage &image, QPoint from, QPoint step)
+{
+    std::vector<std::pair<QColor, int>> found;
+    for (QPoint at = from; image.rect().contains(at); at += step) {
+        const QColor color = image.pixelColor(at);
+        if (found.empty() || found.back().first != color) {
+            found.push_back({color, 0});
+        }
+        ++found.back().second;
+    }
+    return found;
+}
+
 TEST(PhotoPlacement, CinemaFillsItsBandAndFollowsTheSlider)
 {
     PhotoItem item = photoItem(1000, 1000);
@@ -204,6 +218,56 @@ TEST(Draw, ShadesTextOnlyInTheCinema)
     EXPECT_LT(darkest(FrameStyle::cinema), 200);
 }
 
+TEST(Draw, DropsASubtitlesShadowStraightBelow)
+{
+    PhotoItem item = photoItem(0, 0);
+    item.settings.style = FrameStyle::cinema;
+    item.settings.layers = {textLayer(u"████"_s)};
+    item.settings.layers[0].ink = {1, 1, 1};
+    const QImage canvas = drawn(item, {1000, 1000}, {});
+    // A block of white whose edges the shadow, 0.0012 × 1000 px lower, leaves by as much more below.
+    const auto shade = [&canvas](QPoint from, QPoint step) {
+        QPoint at = from;
+        while (canvas.rect().contains(at) && canvas.pixelColor(at).value() > 250) {
+            at += step;
+        }
+        double sum = 0;
+        for (int i = 0; i < 12 && canvas.rect().contains(at); ++i, at += step) {
+            sum += 1 - canvas.pixelColor(at).valueF();
+        }
+        return sum;
+    };
+    const QPoint middle =
+        CompositionRenderer::textRect(item.settings.layers[0], {1000, 1000}).center().toPoint();
+    const double above = shade(middle, {0, -1});
+    const double below = shade(middle, {0, 1});
+    // A blurred edge leaves 0.85 of σ ÷ √(2π) pixels in the shade, one moved by d about 0.85 · d ÷ 2 more or
+    // less.
+    EXPECT_NEAR(below - above, 0.85 * 1.2, 0.35);
+    EXPECT_NEAR(shade(middle, {-1, 0}), shade(middle, {1, 0}), 0.1);
+}
+
+TEST(Draw, PlacesTheSignatureWhereTheSettingsSay)
+{
+    PhotoItem item = photoItem(0, 0);
+    QImage ink(200, 100, QImage::Format_ARGB32_Premultiplied);
+    ink.fill(Qt::black);
+    item.settings.handwritingFile = u"signature.png"_s;
+    item.settings.handwritingX = 0.2;
+    item.settings.handwritingY = 0.3;
+    item.settings.handwritingWidth = 0.1;
+    item.settings.handwritingAspect = 4;
+    const QImage canvas = drawn(item, {1000, 1000}, {.handwriting = ink});
+    // 100 × 25 around (200, 300).
+    const auto across = runs(canvas, {0, 300}, {1, 0});
+    ASSERT_EQ(across.size(), 3U);
+    EXPECT_EQ(across[0].second, 150);
+    EXPECT_EQ(across[1].second, 100);
+    const auto down = runs(canvas, {200, 0}, {0, 1});
+    ASSERT_GE(down.size(), 3U);
+    EXPECT_NEAR(down[0].second, 287, 1);
+}
+
 TEST(Draw, PlacesTheSignatureByItsDefaults)
 {
     PhotoItem item = photoItem(0, 0);
@@ -272,20 +336,6 @@ TEST(Draw, ShowsNoLineAroundAPhotoWithoutBorder)
             }
         }
     }
-}
-
-/// The lengths of the runs of one colour along a line of pixels.
-std::vector<std::pair<QColor, int>> runs(const QImage &image, QPoint from, QPoint step)
-{
-    std::vector<std::pair<QColor, int>> found;
-    for (QPoint at = from; image.rect().contains(at); at += step) {
-        const QColor color = image.pixelColor(at);
-        if (found.empty() || found.back().first != color) {
-            found.push_back({color, 0});
-        }
-        ++found.back().second;
-    }
-    return found;
 }
 
 TEST(Draw, PutsBordersOnWholePixelsEquallyWideAllRound)

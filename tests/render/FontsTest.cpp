@@ -117,6 +117,21 @@ TEST(Draw, SetsEmojiInColourInEveryFace)
     }
 }
 
+TEST(Draw, SetsASequenceAsOnePicture)
+{
+    // A keycap, a family and a flag are as wide as a sun; set apart, they would be two or three times as
+    // wide.
+    const auto width = [](const QString &text) {
+        TextLayer made = layer(u"title"_s, {}, text);
+        return CompositionRenderer::textRect(made, {1000, 1000}).width();
+    };
+    const double sun = width(u"☀\uFE0F"_s);
+    for (const QString &text : {u"1\uFE0F\u20E3"_s, u"#\uFE0F\u20E3"_s, u"👩\u200D👧\u200D👦"_s, u"🇫🇷"_s,
+                                u"❤\uFE0F\u200D🔥"_s, u"👍🏽"_s}) {
+        EXPECT_NEAR(width(text), sun, 0.1 * sun) << text.toStdString();
+    }
+}
+
 TEST(Draw, LeavesOutTypeTooSmallToBeSeen)
 {
     PhotoItem item = photoItem(0, 0);
