@@ -9,9 +9,9 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QLibraryInfo>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QLibraryInfo>
 #include <QStyleFactory>
 #include <QTimer>
 #include <QTranslator>
@@ -133,11 +133,12 @@ bool askUnanswered()
 {
     complain(unansweredText);
     QMessageBox box(QMessageBox::Warning, u"Tarnovel"_s, localized(unansweredText));
-    box.setInformativeText(localized({"请在另一个窗口中关闭 Tarnovel，或结束没有响应的程序，然后重试。照片仍在原处。",
-                                      "Close Tarnovel in its other window, or end the program that does not "
-                                      "answer, then try again. Your photos are where they were.",
-                                      "Fermez Tarnovel dans son autre fenêtre, ou arrêtez le programme qui ne "
-                                      "répond pas, puis réessayez. Vos photos n’ont pas bougé."}));
+    box.setInformativeText(
+        localized({"请在另一个窗口中关闭 Tarnovel，或结束没有响应的程序，然后重试。照片仍在原处。",
+                   "Close Tarnovel in its other window, or end the program that does not "
+                   "answer, then try again. Your photos are where they were.",
+                   "Fermez Tarnovel dans son autre fenêtre, ou arrêtez le programme qui ne "
+                   "répond pas, puis réessayez. Vos photos n’ont pas bougé."}));
     const QAbstractButton *again =
         box.addButton(localized({"重试", "Try again", "Réessayer"}), QMessageBox::AcceptRole);
     box.addButton(localized({"关闭", "Close", "Fermer"}), QMessageBox::RejectRole);

@@ -37,10 +37,10 @@ void noteSignal(int signal)
 ProgramEnd::ProgramEnd(std::function<void()> save) : m_save(std::move(save))
 {
     static const bool registered = std::atexit([] {
-        if (lastSave) {
-            std::exchange(lastSave, nullptr)();
-        }
-    }) == 0;
+                                       if (lastSave) {
+                                           std::exchange(lastSave, nullptr)();
+                                       }
+                                   }) == 0;
     if (!registered || pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
         qCWarning(logApp) << "ends of the program cannot be watched";
         return;
@@ -57,8 +57,9 @@ ProgramEnd::ProgramEnd(std::function<void()> save) : m_save(std::move(save))
     // Where a file may not grow on, or nobody reads, the write that fails says so.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
-    connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager &) { m_save(); },
-            Qt::DirectConnection);
+    connect(
+        qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager &) { m_save(); },
+        Qt::DirectConnection);
 }
 
 ProgramEnd::~ProgramEnd()

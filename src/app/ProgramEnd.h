@@ -9,7 +9,8 @@
 namespace tarnovel::app {
 
 /// The ends of the program that nobody in the window asks for: a signal, the end of the desktop's session, a
-/// display that goes away. `save` is called before each, once. One lives at a time, as long as what `save` needs.
+/// display that goes away. `save` is called before each, once. One lives at a time, as long as what `save`
+/// needs.
 class ProgramEnd : public QObject {
     Q_OBJECT
 

@@ -213,7 +213,8 @@ QString publishFile(const QString &source, const QString &folder, const std::fun
     return staged.publish([&nameFor](qsizetype, int attempt) { return nameFor(attempt); }).constFirst();
 }
 
-StagedFiles::StagedFiles(QString folder, Audience audience) : m_folder(std::move(folder)), m_audience(audience)
+StagedFiles::StagedFiles(QString folder, Audience audience)
+    : m_folder(std::move(folder)), m_audience(audience)
 {
 }
 

@@ -55,7 +55,8 @@ void requireFinite(const Json &value, const std::string &path)
     }
 }
 
-/// Builds a document as the parser meets it. The library's own builder looks each key up among those before it.
+/// Builds a document as the parser meets it. The library's own builder looks each key up among those before
+/// it.
 class DocumentBuilder : public nlohmann::json_sax<Json> {
 public:
     Json root;

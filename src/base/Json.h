@@ -41,8 +41,8 @@ struct PartialJson {
 };
 PartialJson parseJsonUpToFault(const QByteArray &bytes);
 
-/// The bytes of a document's file. Its size is looked at before it is read: a FileError for a file that cannot
-/// be read or is none, a JsonError for one of more than 64 MB.
+/// The bytes of a document's file. Its size is looked at before it is read: a FileError for a file that
+/// cannot be read or is none, a JsonError for one of more than 64 MB.
 QByteArray readJsonFile(const QString &path);
 
 /// The document without white space. Numbers are written so that reading them gives the same bits.

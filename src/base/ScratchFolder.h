@@ -4,8 +4,8 @@
 
 namespace tarnovel {
 
-/// A folder among the temporary files that only this user can look into. It goes with this object; what a killed
-/// program left is told by the lock that a living one holds on its folder.
+/// A folder among the temporary files that only this user can look into. It goes with this object; what a
+/// killed program left is told by the lock that a living one holds on its folder.
 class ScratchFolder {
 public:
     /// Makes `PREFIXxxxxxx` in the system's temporary folder, after sweeping those that were left. Throws a

@@ -176,27 +176,70 @@ CollageDesign designFrom(const CollageRequest &request, const QList<QSizeF> &siz
     return design;
 }
 
+/// What a file's ending stands for; none for any other than those of the two formats.
+std::optional<QString> formatOf(const QString &file)
+{
+    const QString ending = QFileInfo(file).suffix().toLower();
+    if (ending == u"png"_s) {
+        return u"png"_s;
+    }
+    return ending == u"jpg"_s || ending == u"jpeg"_s ? std::optional(u"jpeg"_s) : std::nullopt;
+}
+
+void checkFile(const QString &file)
+{
+    if (file.isEmpty()) {
+        throw UsageError{localized(
+            {"缺少 -o 文件。", "The file is missing: -o FILE.", "Il manque le fichier\u202f: -o FICHIER."})};
+    }
+    if (file.endsWith(u'/') || QFileInfo(file).isDir()) {
+        throw UsageError{localized({"-o 应为文件，而不是文件夹：", "-o takes a file, not a folder: ",
+                                    "-o prend un fichier, pas un dossier\u202f: "}) +
+                         file};
+    }
+    if (!formatOf(file)) {
+        throw UsageError{localized({"-o 的文件名应以 .jpg、.jpeg 或 .png 结尾：",
+                                    "-o takes a name that ends in .jpg, .jpeg or .png: ",
+                                    "-o prend un nom en .jpg, .jpeg ou .png\u202f: "}) +
+                         file};
+    }
+}
+
 ExportOptions optionsFrom(const CollageRequest &request)
 {
     ExportOptions options;
-    setFormat(options, request.format, request.maxMb);
+    setFormat(options, request.format ? *request.format : *formatOf(request.file), request.maxMb);
     return options;
 }
 
-/// "name.jpg", then "name-2.jpg" and so on.
+int longEdgeFrom(const CollageRequest &request)
+{
+    constexpr int shortest = 720;
+    constexpr int longest = 4096;
+    if (!request.size) {
+        return CollageOutput::longEdge;
+    }
+    bool number = false;
+    const int pixels = request.size->toInt(&number);
+    if (!number || pixels < shortest || pixels > longest) {
+        throw wrongValue(u"--size"_s, *request.size);
+    }
+    return pixels;
+}
+
+/// "name.jpg", then "name-2.jpg" and so on, in the folder as the user wrote it.
 QString publish(const QString &source, const QString &file)
 {
     const QFileInfo goal(file);
-    return publishFile(source, goal.path(), [&goal](int attempt) {
-        if (attempt == 0) {
-            return goal.fileName();
-        }
-        const QString suffix = goal.suffix().isEmpty() ? QString() : u'.' + goal.suffix();
-        return goal.completeBaseName() + u'-' + QString::number(attempt + 1) + suffix;
+    const QString made = publishFile(source, goal.path(), [&goal](int attempt) {
+        return attempt == 0
+                   ? goal.fileName()
+                   : goal.completeBaseName() + u'-' + QString::number(attempt + 1) + u'.' + goal.suffix();
     });
+    return file.left(file.lastIndexOf(u'/') + 1) + QFileInfo(made).fileName();
 }
 
-void report(const CollageDesign &design, const QString &path, const ExportedFile &made)
+void report(const CollageDesign &design, int longEdge, const QString &path, const ExportedFile &made)
 {
     Json line;
     line["file"] = jsonText(path);
@@ -205,7 +248,7 @@ void report(const CollageDesign &design, const QString &path, const ExportedFile
     line["bytes"] = made.bytes;
     line["layout"] = jsonText(design.preset.id);
     line["cells"] = Json::object();
-    for (const auto &[slot, cell] : CollagePlan::of(design, CollageOutput::longEdge).layout.cells) {
+    for (const auto &[slot, cell] : CollagePlan::of(design, longEdge).layout.cells) {
         line["cells"][std::to_string(slot)] = {cell.x(), cell.y(), cell.width(), cell.height()};
     }
     Console::print(QString::fromUtf8(writeJson(line)));
@@ -214,6 +257,7 @@ void report(const CollageDesign &design, const QString &path, const ExportedFile
 int makeCollage(const CollageRequest &request, const Interruption &interruption)
 {
     const ExportOptions options = optionsFrom(request);
+    const int longEdge = longEdgeFrom(request);
     // A try with any photos finds what is wrong with the options before a file is opened.
     designFrom(request, QList<QSizeF>(request.photos.size(), QSizeF(3, 2)));
     const TemporaryFolder temporary;
@@ -234,11 +278,18 @@ int makeCollage(const CollageRequest &request, const Interruption &interruption)
     const CollageDesign design = designFrom(request, sizes);
     makeFolder(QFileInfo(request.file).path());
     try {
-        const QImage image = CollageOutput::render(pipeline, design, photos, interruption.token());
+        ProgressBar bar(static_cast<int>(photos.size()) + 1, request.quiet);
+        const auto step = [&bar, &request](int drawn) {
+            bar.show(drawn, QFileInfo(request.photos.value(drawn, request.file)).fileName());
+        };
+        const QImage image =
+            CollageOutput::render(pipeline, design, photos, interruption.token(), {longEdge, step});
+        step(static_cast<int>(photos.size()));
         const ExportedFile made = pipeline.exportImage(image, options, interruption.token()).result();
         const QString path = publish(made.path, request.file);
+        bar.clear();
         if (request.json) {
-            report(design, path, made);
+            report(design, longEdge, path, made);
         }
     } catch (const PipelineFailure &failure) {
         const QString culprit = failure.file().isEmpty() ? request.file : failure.file();
@@ -257,10 +308,7 @@ int runCollage(const CollageRequest &request, const Interruption &interruption)
         throw UsageError{localized({"拼图需要 2 到 9 张照片。", "A collage takes 2 to 9 photos.",
                                     "Un collage prend 2 à 9 photos."})};
     }
-    if (request.file.isEmpty()) {
-        throw UsageError{localized(
-            {"缺少 -o 文件。", "The file is missing: -o FILE.", "Il manque le fichier\u202f: -o FICHIER."})};
-    }
+    checkFile(request.file);
     try {
         return makeCollage(request, interruption);
     } catch (const Refusal &refusal) {
@@ -275,9 +323,9 @@ int runLayouts(const QString &count, bool json)
 {
     bool number = false;
     const int photos = count.toInt(&number);
-    if (!number || photos < fewestPhotos || photos > mostPhotos) {
-        throw UsageError{localized({"拼图需要 2 到 9 张照片。", "A collage takes 2 to 9 photos.",
-                                    "Un collage prend 2 à 9 photos."})};
+    if (!number || photos < 1 || photos > mostPhotos) {
+        throw UsageError{localized({"布局适用于 1 到 9 张照片。", "Layouts are for 1 to 9 photos.",
+                                    "Les dispositions sont pour 1 à 9 photos."})};
     }
     for (const CollagePreset &preset : CollagePreset::all(photos)) {
         Json object;

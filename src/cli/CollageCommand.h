@@ -26,9 +26,13 @@ struct CollageRequest {
     std::optional<QString> edgeText;
     std::optional<QString> startNumber;
     bool noNumbers = false;
-    QString format = QStringLiteral("jpeg");
+    /// What the file's ending says when absent.
+    std::optional<QString> format;
+    /// The long edge in pixels.
+    std::optional<QString> size;
     std::optional<QString> maxMb;
     bool json = false;
+    bool quiet = false;
 };
 
 /// Returns the exit status. Throws a UsageError before anything is written.

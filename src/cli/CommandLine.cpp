@@ -102,9 +102,11 @@ CollageRequest collageRequest(const Grammar &grammar, const Arguments &arguments
     request.edgeText = given(command, "--edge-text", arguments.edgeText);
     request.startNumber = given(command, "--start-number", arguments.startNumber);
     request.noNumbers = arguments.noNumbers;
-    request.format = fromArgument(arguments.format);
+    request.format = given(command, "--format", arguments.format);
+    request.size = given(command, "--size", arguments.size);
     request.maxMb = given(command, "--max-mb", arguments.maxMb);
     request.json = arguments.json;
+    request.quiet = arguments.quiet;
     return request;
 }
 
@@ -224,8 +226,9 @@ void prepareQt()
 {
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     setenv("LC_ALL", "C.UTF-8", 1);
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
-        if (type == QtFatalMsg) {
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &message) {
+        const bool ours = context.category && std::string_view(context.category).starts_with("tarnovel");
+        if (type == QtFatalMsg || (ours && type == QtWarningMsg)) {
             Console::complain(message);
         }
     });

@@ -174,9 +174,7 @@ private:
         addStyleOptions();
         addOutputOptions();
         addJson(m_export);
-        m_export->add_flag(
-            "-q,--quiet", m_arguments.quiet,
-            inThisLanguage({"不显示进度", "No progress on standard error", "Pas de progression"}));
+        addQuiet(*m_export);
     }
 
     void addStyleOptions()
@@ -221,8 +219,13 @@ private:
         addSpacing(collage);
         addCells(collage);
         addFilmEdge(collage);
-        addFormat(collage);
+        addOption(collage, "--size", m_arguments.size, "LONGEDGE",
+                  {"长边像素，720 到 4096，默认 2400", "Long edge in pixels, 720 to 4096; 2400 by default",
+                   "Grand côté en pixels, 720 à 4096, 2400 par défaut"});
+        addFormat(collage, {"默认按文件名的结尾", "by default what the file’s ending says",
+                            "par défaut selon la fin du nom"});
         addJson(m_collage);
+        addQuiet(collage);
     }
 
     void addSpacing(CLI::App &collage)
@@ -269,10 +272,16 @@ private:
                          inThisLanguage({"不印编号", "Print no frame numbers", "Sans numéros de vue"}));
     }
 
-    void addFormat(CLI::App &command)
+    void addQuiet(CLI::App &command)
     {
-        addOption(command, "--format", m_arguments.format, "jpeg|png",
-                  {"默认 jpeg", "jpeg by default", "jpeg par défaut"});
+        command.add_flag(
+            "-q,--quiet", m_arguments.quiet,
+            inThisLanguage({"不显示进度", "No progress on standard error", "Pas de progression"}));
+    }
+
+    void addFormat(CLI::App &command, const Text &byDefault)
+    {
+        addOption(command, "--format", m_arguments.format, "jpeg|png", byDefault);
         addOption(command, "--max-mb", m_arguments.maxMb, "N",
                   {"JPEG 大小上限，单位 MB（1,000,000 字节）", "JPEG size limit in MB of 1,000,000 bytes",
                    "Taille maximale du JPEG en Mo (1 000 000 octets)"});
@@ -284,7 +293,7 @@ private:
                   {"1080（短边）、original 或长边像素，默认 4096",
                    "1080 (short edge), original or a long edge in pixels; 4096 by default",
                    "1080 (petit côté), original ou grand côté en pixels ; 4096 par défaut"});
-        addFormat(*m_export);
+        addFormat(*m_export, {"默认 jpeg", "jpeg by default", "jpeg par défaut"});
     }
 
     Arguments &m_arguments;

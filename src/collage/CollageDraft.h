@@ -18,8 +18,8 @@ struct CollageDraft {
 
 QByteArray writeCollageDraft(const CollageDraft &draft);
 
-/// Throws a JsonError with its path for anything that is missing or malformed, also for a layout that does not
-/// exist.
+/// Throws a JsonError with its path for anything that is missing or malformed, also for a layout that does
+/// not exist.
 CollageDraft readCollageDraft(const QByteArray &document);
 
 } // namespace tarnovel

@@ -71,4 +71,28 @@ QSizeF panned(const CollageCell &cell, QSizeF photo, const QRectF &rect, QPointF
             pannedBy(cell.offset.height(), translation.y(), overflow.height(), pull)};
 }
 
+CollageCell zoomedAt(const CollageCell &cell, QSizeF photo, const QRectF &rect, double zoom, QPointF anchor)
+{
+    const PhotoPlacement before = cellPlacement(cell, photo, rect);
+    CollageCell made = cell;
+    made.zoom = zoom;
+    if (before.whole.isEmpty()) {
+        return made;
+    }
+    const QSizeF size = before.whole.size() * (zoom / cell.zoom);
+    const auto offset = [](double from, double length, double newLength, double at, double shown,
+                           double window) {
+        const double left = at - (at - from) * newLength / length;
+        const double overflow = newLength - window;
+        return overflow < 1
+                   ? 0.0
+                   : std::clamp(2 * (left + newLength / 2 - shown - window / 2) / overflow, -1.0, 1.0);
+    };
+    made.offset = {offset(before.whole.left(), before.whole.width(), size.width(), anchor.x(),
+                          before.shown.left(), before.shown.width()),
+                   offset(before.whole.top(), before.whole.height(), size.height(), anchor.y(),
+                          before.shown.top(), before.shown.height())};
+    return made;
+}
+
 } // namespace tarnovel::CollageEdits

@@ -40,6 +40,10 @@ enum class CentrePull { On, Off };
 QSizeF panned(const CollageCell &cell, QSizeF photo, const QRectF &rect, QPointF translation,
               CentrePull pull);
 
+/// The cell at another zoom, with the place of the photo that lies at `anchor` kept there as far as the photo
+/// still fills its window.
+CollageCell zoomedAt(const CollageCell &cell, QSizeF photo, const QRectF &rect, double zoom, QPointF anchor);
+
 } // namespace CollageEdits
 
 } // namespace tarnovel

@@ -40,25 +40,43 @@ namespace CollageGeometry {
 
 namespace {
 
+bool isSplit(const CollageNode &node)
+{
+    return node.axis && node.children.size() == 2;
+}
+
+/// The gaps along one axis inside a node: those of its own split and of children that go on the same way.
+int gapsAlong(CollageAxis axis, const CollageNode &node)
+{
+    return isSplit(node) && *node.axis == axis
+               ? 1 + gapsAlong(axis, node.children.at(0)) + gapsAlong(axis, node.children.at(1))
+               : 0;
+}
+
 void layOut(const CollageNode &node, const QRectF &rect, double gap, const CollagePath &path,
             CollageLayout &layout)
 {
-    if (!node.axis || node.children.size() != 2) {
+    if (!isSplit(node)) {
         layout.cells[node.slot] = rect;
         return;
     }
     const bool horizontal = *node.axis == CollageAxis::horizontal;
-    const double available = std::max((horizontal ? rect.width() : rect.height()) - gap, 0.0);
-    const double first = available * node.ratio;
+    const double length = horizontal ? rect.width() : rect.height();
     const double start = horizontal ? rect.x() : rect.y();
-    layout.dividers.append({path, *node.axis, rect, start + first + gap / 2});
-    const auto part = [&](double from, double length) {
-        return horizontal ? QRectF(from, rect.y(), length, rect.height())
-                          : QRectF(rect.x(), from, rect.width(), length);
+    const int firstGaps = gapsAlong(*node.axis, node.children.at(0));
+    const int gaps = gapsAlong(*node.axis, node);
+    // Gaps that would need more than there is share it, and the cells have no length.
+    const double held = std::min(gap, length / gaps);
+    const double shared = std::max(length - held * gaps, 0.0);
+    const double first = shared * node.ratio + held * firstGaps;
+    layout.dividers.append({path, *node.axis, rect, start + first + held / 2, shared});
+    const auto part = [&](double from, double partLength) {
+        return horizontal ? QRectF(from, rect.y(), partLength, rect.height())
+                          : QRectF(rect.x(), from, rect.width(), partLength);
     };
     layOut(node.children.at(0), part(start, first), gap, path + CollagePath{0}, layout);
-    layOut(node.children.at(1), part(start + first + gap, available - first), gap, path + CollagePath{1},
-           layout);
+    layOut(node.children.at(1), part(start + first + held, std::max(length - first - held, 0.0)), gap,
+           path + CollagePath{1}, layout);
 }
 
 } // namespace

@@ -18,6 +18,8 @@ struct CollageDivider {
     QRectF parent;
     /// The middle of the gap: an x for a horizontal split, a y for a vertical one.
     double position = 0;
+    /// The length that the two children share by the ratio: the parent's without the gaps along the axis.
+    double shared = 0;
 
     /// The path's steps joined by "-"; empty for the root.
     QString id() const;
@@ -34,7 +36,8 @@ struct CollageLayout {
 /// One geometry for board, thumbnails and result.
 namespace CollageGeometry {
 
-/// The gap is taken out once a split; where it is wider than the rectangle, the children have no length.
+/// Before a split shares out its length, the gaps of all splits that go on along its axis are taken out, so
+/// that the cells of a chain are equal. Where the gaps need more than there is, the cells have no length.
 CollageLayout layout(const CollageNode &node, const QRectF &rect, double gap);
 
 /// What a divider dragged to a point does to its split.

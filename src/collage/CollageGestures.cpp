@@ -21,9 +21,9 @@ QPointF placeOf(const CollageDivider &divider, double ratio)
     return {parent.x() + ratio * parent.width(), parent.y() + ratio * parent.height()};
 }
 
-double zoomed(double zoom, double factor)
+bool isOutsideLimits(double ratio)
 {
-    return std::clamp(zoom * factor, 1.0, CollageEdits::largestZoom);
+    return CollageGeometry::heldRatio(ratio) != ratio;
 }
 
 } // namespace
@@ -67,7 +67,8 @@ bool CollageGestures::grabDivider(QPointF point)
     const QPointF place = placeOf(*found, ratio);
     m_divider = found->id();
     m_ratioLabel = CollageGeometry::ratioText(ratio);
-    m_grip = place - point;
+    m_ratioThen = ratio;
+    m_grabbedAt = point;
     m_lastSnapped = CollageGeometry::dragDivider(*found, place).snapped;
     m_dividerBegun = false;
     return true;
@@ -79,7 +80,15 @@ void CollageGestures::dragDivider(QPointF point)
     if (!held || !isFinite(point) || !m_studio.editable() || over(m_dividerBegun)) {
         return;
     }
-    const CollageGeometry::Drag drag = CollageGeometry::dragDivider(*held, point + m_grip);
+    const QPointF way = point - m_grabbedAt;
+    const double along = held->axis == CollageAxis::horizontal ? way.x() : way.y();
+    const double ratio = m_ratioThen + along / std::max(held->shared, 1.0);
+    if (isOutsideLimits(m_ratioThen) &&
+        CollageGeometry::heldRatio(ratio) == CollageGeometry::heldRatio(m_ratioThen)) {
+        // A layout of many cells has dividers outside the limits: those stay until the finger is inside.
+        return;
+    }
+    const CollageGeometry::Drag drag = CollageGeometry::dragDivider(*held, placeOf(*held, ratio));
     if (drag.snapped && !m_lastSnapped) {
         ++m_snapTick;
     }
@@ -141,6 +150,21 @@ CollageCell CollageGestures::moved(int slot, const CollageCell &from, QPointF tr
     return cell;
 }
 
+CollageCell CollageGestures::zoomed(int slot, const CollageCell &from, double factor,
+                                    std::optional<QPointF> anchor) const
+{
+    const double zoom = std::clamp(from.zoom * factor, 1.0, CollageEdits::largestZoom);
+    const std::map<int, QRectF> cells = m_studio.layout().cells;
+    const auto rect = cells.find(slot);
+    const PhotoItem *photo = m_studio.photo(from.photo);
+    if (anchor && rect != cells.end() && photo) {
+        return CollageEdits::zoomedAt(from, photo->size(), rect->second, zoom, *anchor);
+    }
+    CollageCell cell = from;
+    cell.zoom = zoom;
+    return cell;
+}
+
 bool CollageGestures::over(bool begun) const
 {
     return begun && m_studio.steps() != m_stepsThen;
@@ -196,7 +220,7 @@ void CollageGestures::nudgePhoto(int slot, QPointF translation)
     m_studio.change(design, u"pan "_s + QString::number(slot));
 }
 
-void CollageGestures::pinchPhoto(int slot, double magnification)
+void CollageGestures::pinchPhoto(int slot, double magnification, std::optional<QPointF> anchor)
 {
     if (!hasCell(slot) || !std::isfinite(magnification) || !m_studio.editable()) {
         return;
@@ -206,17 +230,19 @@ void CollageGestures::pinchPhoto(int slot, double magnification)
         m_pinchBegun = false;
     }
     CollageCell cell = m_studio.design().cells.at(slot);
-    cell.zoom = zoomed(m_pinch->cell.zoom, magnification);
+    const CollageCell made = zoomed(slot, m_pinch->cell, magnification, anchor);
+    cell.zoom = made.zoom;
+    cell.offset = anchor ? made.offset : cell.offset;
     setCell(slot, cell, m_pinchBegun);
 }
 
-void CollageGestures::zoomPhoto(int slot, double factor)
+void CollageGestures::zoomPhoto(int slot, double factor, std::optional<QPointF> anchor)
 {
     if (!hasCell(slot) || !std::isfinite(factor)) {
         return;
     }
     CollageDesign design = m_studio.design();
-    design.cells[slot].zoom = zoomed(design.cells.at(slot).zoom, factor);
+    design.cells[slot] = zoomed(slot, design.cells.at(slot), factor, anchor);
     m_studio.change(design, u"zoom "_s + QString::number(slot));
 }
 

@@ -42,11 +42,12 @@ public:
     /// With the arrow keys; steps in quick succession are one.
     void nudgePhoto(int slot, QPointF translation);
 
-    /// `magnification` is relative to the gesture's beginning.
-    void pinchPhoto(int slot, double magnification);
+    /// `magnification` is relative to the gesture's beginning. What lies at `anchor` stays there; without one
+    /// the cell's pan stays.
+    void pinchPhoto(int slot, double magnification, std::optional<QPointF> anchor = {});
     void endPinch() { m_pinch.reset(); }
     /// With the wheel or keys; steps in quick succession are one.
-    void zoomPhoto(int slot, double factor);
+    void zoomPhoto(int slot, double factor, std::optional<QPointF> anchor = {});
 
 private:
     struct Start {
@@ -60,6 +61,7 @@ private:
     /// The cell with its photo moved.
     CollageCell moved(int slot, const CollageCell &from, QPointF translation,
                       CollageEdits::CentrePull pull) const;
+    CollageCell zoomed(int slot, const CollageCell &from, double factor, std::optional<QPointF> anchor) const;
     /// Whether the gesture at hand has been undone, or cut short by another step.
     bool over(bool begun) const;
     void begin(bool &begun);
@@ -67,8 +69,9 @@ private:
 
     CollageStudio &m_studio;
     std::optional<QString> m_divider;
-    /// From the finger to the place that gives the divider the ratio it has.
-    QPointF m_grip;
+    /// Where and at which ratio the divider was taken hold of.
+    QPointF m_grabbedAt;
+    double m_ratioThen = 0.5;
     std::optional<QString> m_ratioLabel;
     bool m_lastSnapped = false;
     bool m_dividerBegun = false;

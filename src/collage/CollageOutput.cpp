@@ -8,14 +8,17 @@
 namespace tarnovel::CollageOutput {
 
 QImage render(ImagePipeline &pipeline, const CollageDesign &design, const QList<PhotoItem> &photos,
-              const std::stop_token &stop)
+              const std::stop_token &stop, const RenderOptions &options)
 {
-    const CollagePlan plan = CollagePlan::of(design, longEdge);
+    const CollagePlan plan = CollagePlan::of(design, options.longEdge);
     std::map<int, QSizeF> sizes;
     std::map<int, PhotoImage> images;
     for (const auto &[slot, rect] : plan.layout.cells) {
         if (slot >= photos.size() || slot >= design.cells.size()) {
             continue;
+        }
+        if (options.progress) {
+            options.progress(static_cast<int>(images.size()));
         }
         const PhotoItem &photo = photos.at(slot);
         sizes[slot] = photo.size();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <stop_token>
 
@@ -19,11 +20,18 @@ namespace CollageOutput {
 /// The long edge of a finished collage, in pixels.
 constexpr int longEdge = 2400;
 
+struct RenderOptions {
+    /// In pixels.
+    int longEdge = CollageOutput::longEdge;
+    /// Called with the number of photos drawn so far, before each.
+    std::function<void(int)> progress = {};
+};
+
 /// Draws the collage from its photos' files, each decoded straight to its cell. `photos` are in slot order.
 /// Waits for the image service, so it is not for the interface thread. Throws what the service's futures
 /// throw; a PipelineFailure names the photo's file.
 QImage render(ImagePipeline &pipeline, const CollageDesign &design, const QList<PhotoItem> &photos,
-              const std::stop_token &stop);
+              const std::stop_token &stop, const RenderOptions &options = {});
 
 /// A finished collage in the library, which no session refers to yet.
 struct Saved {

@@ -66,7 +66,10 @@ void drawCell(QPainter &painter, const CollageCell &cell, const QRectF &rect, do
         painter.setClipPath(rounded, Qt::IntersectClip);
     }
     if (const auto paper = cellPaper(cell.frame)) {
-        painter.fillRect(rect, *paper);
+        const QTransform device = painter.deviceTransform();
+        painter.fillRect(
+            device.inverted().mapRect(QRectF(CompositionRenderer::devicePixels(device.mapRect(rect)))),
+            *paper);
     }
     if (photo) {
         CompositionRenderer::drawPhoto(painter, *photo, cellPlacement(cell, photoSize, rect));

@@ -215,6 +215,7 @@ CollageLayout CollageStudio::layout() const
     for (CollageDivider &divider : layout.dividers) {
         divider.parent = inPoints(divider.parent);
         divider.position /= m_devicePixelRatio;
+        divider.shared /= m_devicePixelRatio;
     }
     return layout;
 }

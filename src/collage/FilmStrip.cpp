@@ -25,8 +25,9 @@ void drawPerforations(QPainter &painter, double lengthMm)
         return;
     }
     for (double x = firstHoleMm; x + FilmMarks::holeMm.width() < lengthMm; x += FilmMarks::pitchMm) {
-        FilmMarks::drawHole(painter, {x, FilmMarks::holeInsetMm});
-        FilmMarks::drawHole(painter, {x, filmWidthMm - FilmMarks::holeInsetMm - FilmMarks::holeMm.height()});
+        FilmMarks::drawHole(painter, {x, FilmMarks::holeInsetMm}, false);
+        FilmMarks::drawHole(painter, {x, filmWidthMm - FilmMarks::holeInsetMm - FilmMarks::holeMm.height()},
+                            false);
     }
 }
 

@@ -5,8 +5,6 @@
 
 #include "pipeline/PlacedPhoto.h"
 
-using namespace Qt::StringLiterals;
-
 namespace tarnovel {
 
 namespace {
@@ -30,25 +28,14 @@ bool sameSize(const QRectF &a, const QRectF &b)
     return std::abs(a.width() - b.width()) < 1e-6 && std::abs(a.height() - b.height()) < 1e-6;
 }
 
-/// The pixels that the logo is drawn with on the canvas; empty where it is not drawn.
 QSize logoSize(const PhotoItem &item, QSize canvas, const QImage &picture)
 {
-    const TextLayer *logo = item.settings.layer(u"watermark"_s);
-    if (!logo || !logo->visible || picture.isNull()) {
-        return {};
-    }
-    return CompositionRenderer::textRect(*logo, canvas).size().toSize().expandedTo({1, 1});
+    return picture.isNull() ? QSize() : logoPixels(item, canvas);
 }
 
 QSize signatureSize(const PhotoItem &item, QSize canvas, const QImage &picture)
 {
-    if (!item.settings.handwritingFile || picture.isNull()) {
-        return {};
-    }
-    return CompositionRenderer::handwritingRect(item.settings, picture.size(), canvas)
-        .size()
-        .toSize()
-        .expandedTo({1, 1});
+    return signaturePixels(item, picture.size(), canvas);
 }
 
 } // namespace

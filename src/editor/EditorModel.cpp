@@ -482,7 +482,8 @@ EditorModel::Restored EditorModel::restore(const SetAsideSession &document)
     return result;
 }
 
-/// The program may have ended between the save that brought a document's photos back and the document's removal.
+/// The program may have ended between the save that brought a document's photos back and the document's
+/// removal.
 void EditorModel::removeBroughtBack()
 {
     for (const SetAsideSession &document : QList(m_setAside)) {

@@ -13,8 +13,8 @@
 #include "editor/SaveScheduler.h"
 #include "model/Preferences.h"
 #include "model/Session.h"
-#include "model/SetAsideSessions.h"
 #include "model/SessionWriter.h"
+#include "model/SetAsideSessions.h"
 #include "pipeline/ImagePipeline.h"
 
 namespace tarnovel {

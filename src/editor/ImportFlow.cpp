@@ -26,11 +26,12 @@ QString truncatedText(qsizetype added)
         return localized({"一次最多编辑 50 张，未添加照片。", "Up to 50 photos per session. None was added.",
                           "50 photos maximum par session. Aucune n’a été ajoutée."});
     }
-    return counted(added,
-                   {"一次最多编辑 50 张，已添加前 %1 张。", "Up to 50 photos per session. Added the first %1.",
-                    "50 photos maximum par session. La première a été ajoutée."},
-                   {"一次最多编辑 50 张，已添加前 %1 张。", "Up to 50 photos per session. Added the first %1.",
-                    "50 photos maximum par session. Les %1 premières ont été ajoutées."});
+    return counted(
+        added,
+        {"一次最多编辑 50 张，已添加前 %1 张。", "Up to 50 photos per session. Added the first %1.",
+         "50 photos maximum par session. La première a été ajoutée."},
+        {"一次最多编辑 50 张，已添加前 %1 张。", "Up to 50 photos per session. Added the first %1.",
+         "50 photos maximum par session. Les %1 premières ont été ajoutées."});
 }
 
 QString unreadableText(qsizetype count, ImportSource source)
@@ -39,11 +40,12 @@ QString unreadableText(qsizetype count, ImportSource source)
         return counted(count, {"%1 个文件无法读取。", "%1 file could not be read.", "%1 fichier illisible."},
                        {"%1 个文件无法读取。", "%1 files could not be read.", "%1 fichiers illisibles."});
     }
-    return counted(count,
-                   {"%1 张照片无法读取，其余已导入。", "%1 photo could not be read. The others were imported.",
-                    "%1 photo n’a pas pu être lue. Les autres ont été importées."},
-                   {"%1 张照片无法读取，其余已导入。", "%1 photos could not be read. The others were imported.",
-                    "%1 photos n’ont pas pu être lues. Les autres ont été importées."});
+    return counted(
+        count,
+        {"%1 张照片无法读取，其余已导入。", "%1 photo could not be read. The others were imported.",
+         "%1 photo n’a pas pu être lue. Les autres ont été importées."},
+        {"%1 张照片无法读取，其余已导入。", "%1 photos could not be read. The others were imported.",
+         "%1 photos n’ont pas pu être lues. Les autres ont été importées."});
 }
 
 QString colon()
@@ -157,7 +159,8 @@ void ImportFlow::step()
     const qsizetype room =
         m_request.mode == ImportMode::Photos ? EditorModel::mostPhotos - m_model.photos().size() : 1;
     const bool full = m_items.size() >= room;
-    if (m_stop.stop_requested() || full || !m_summary.stopped.isEmpty() || m_index >= m_request.paths.size()) {
+    if (m_stop.stop_requested() || full || !m_summary.stopped.isEmpty() ||
+        m_index >= m_request.paths.size()) {
         m_summary.truncated =
             full && m_request.mode == ImportMode::Photos && m_index < m_request.paths.size();
         m_summary.cancelled = m_stop.stop_requested();

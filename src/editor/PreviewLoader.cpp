@@ -77,7 +77,8 @@ void PreviewLoader::load(const PhotoItem &item)
         m_previews.handwriting = {};
     }
     if (item.settings.handwritingFile) {
-        request(FramePicture::Signature, *item.settings.handwritingFile, signaturePixels, &Previews::handwriting);
+        request(FramePicture::Signature, *item.settings.handwritingFile, signaturePixels,
+                &Previews::handwriting);
     } else {
         m_previews.handwriting = {};
     }

@@ -28,9 +28,9 @@ namespace {
 constexpr int patienceMs = 1000;
 constexpr qint64 largestMessage = 4'000'000;
 
-/// Under what name the owner of a library listens: one of the kernel's own, which no folder of the session has
-/// to agree on, which a killed owner leaves nothing of, and which a full disk cannot refuse. Two users, or two
-/// libraries, never meet.
+/// Under what name the owner of a library listens: one of the kernel's own, which no folder of the session
+/// has to agree on, which a killed owner leaves nothing of, and which a full disk cannot refuse. Two users,
+/// or two libraries, never meet.
 QString socketName(const QString &libraryFolder)
 {
     const QFileInfo library(libraryFolder);
@@ -74,8 +74,8 @@ SingleInstance::~SingleInstance()
     }
 }
 
-/// Whether nobody else owns the library. The lock is the folder's own, so that it needs no room on the disk; the
-/// kernel lets go of it when its process ends, however it ends.
+/// Whether nobody else owns the library. The lock is the folder's own, so that it needs no room on the disk;
+/// the kernel lets go of it when its process ends, however it ends.
 bool SingleInstance::lock()
 {
     if (m_lock < 0) {
@@ -104,7 +104,8 @@ bool SingleInstance::acquire(const QStringList &photos, const QString &activatio
         if (lock() && listen()) {
             return true;
         }
-        if (handOver(photos, activationToken, static_cast<int>(std::max<qint64>(patienceMs - timer.elapsed(), 1)))) {
+        if (handOver(photos, activationToken,
+                     static_cast<int>(std::max<qint64>(patienceMs - timer.elapsed(), 1)))) {
             m_handedOver = true;
             return false;
         }

@@ -214,6 +214,9 @@ void Thumbnails::draw()
         job.images.photo = placedPhoto(
             job.photo, CompositionRenderer::photoPlacement(job.item, settings, job.canvas), job.canvas);
         job.images.background = coveringPicture(job.images.background, job.canvas);
+        job.images.watermark = scaledPicture(job.images.watermark, logoPixels(job.item, job.canvas));
+        job.images.handwriting = scaledPicture(
+            job.images.handwriting, signaturePixels(job.item, job.images.handwriting.size(), job.canvas));
         QImage image(job.canvas, QImage::Format_RGB32);
         image.fill(Qt::white);
         {

@@ -111,13 +111,12 @@ QString cancelButton()
 
 QString cancelled(qsizetype written)
 {
-    return counted(written,
-                   {"已取消。已导出的 %1 张保留在文件夹中。",
-                    "Cancelled. %1 exported photo remains in the folder.",
-                    "Annulé. %1 photo exportée reste dans le dossier."},
-                   {"已取消。已导出的 %1 张保留在文件夹中。",
-                    "Cancelled. %1 exported photos remain in the folder.",
-                    "Annulé. %1 photos exportées restent dans le dossier."});
+    return counted(
+        written,
+        {"已取消。已导出的 %1 张保留在文件夹中。", "Cancelled. %1 exported photo remains in the folder.",
+         "Annulé. %1 photo exportée reste dans le dossier."},
+        {"已取消。已导出的 %1 张保留在文件夹中。", "Cancelled. %1 exported photos remain in the folder.",
+         "Annulé. %1 photos exportées restent dans le dossier."});
 }
 
 QString failed(const QString &description)

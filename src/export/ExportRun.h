@@ -33,8 +33,8 @@ public:
     explicit ExportRun(ImagePipeline &pipeline);
     ~ExportRun() override;
 
-    /// What a run does besides rendering; all are called on the interface thread but `deliver`. Each may start
-    /// the next run.
+    /// What a run does besides rendering; all are called on the interface thread but `deliver`. Each may
+    /// start the next run.
     struct Steps {
         /// Takes a finished temporary file of the photo at this index, on a thread that may wait for the
         /// disk.

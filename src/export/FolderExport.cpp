@@ -84,8 +84,8 @@ void FolderExport::fail(const QString &error)
 
 void FolderExport::finish()
 {
-    m_result = ExportResult{QUuid::createUuid(), m_folder, m_written, m_run.skippedNames(), {},
-                            PhotographyQuotes::random()};
+    m_result = ExportResult{QUuid::createUuid(),  m_folder, m_written,
+                            m_run.skippedNames(), {},       PhotographyQuotes::random()};
     addThumbnails();
     Q_EMIT changed();
 }

@@ -71,9 +71,9 @@ void LibraryExport::start(const QList<PhotoItem> &photos, const ExportOptions &o
         QMetaObject::invokeMethod(
             this,
             [this, access, refusal] {
-                m_refusal =
-                    refusal ? refusal->path() + localized({"：", ": ", "\u202f: "}) + errorDescription(*refusal)
-                            : QString();
+                m_refusal = refusal ? refusal->path() + localized({"：", ": ", "\u202f: "}) +
+                                          errorDescription(*refusal)
+                                    : QString();
                 begin(access);
             },
             Qt::QueuedConnection);

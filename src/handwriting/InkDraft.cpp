@@ -50,8 +50,8 @@ QList<InkSample> unpacked(const JsonReader &reader)
         if (!std::isnan(pressure)) {
             sample.pressure = pressure;
         }
-        for (const double value : {sample.position.x(), sample.position.y(), sample.seconds, sample.tilt.x(),
-                                   sample.tilt.y()}) {
+        for (const double value :
+             {sample.position.x(), sample.position.y(), sample.seconds, sample.tilt.x(), sample.tilt.y()}) {
             if (!std::isfinite(value)) {
                 reader.fail("not a finite number");
             }
@@ -97,7 +97,8 @@ InkDraft readInkDraft(const QByteArray &document)
     const JsonReader reader(json);
     InkDraft draft;
     draft.photo = uuidFromText(reader.member("photo").text()).value_or(QUuid());
-    draft.finish = handwritingFinishFromName(reader.member("finish").text()).value_or(HandwritingFinish::color);
+    draft.finish =
+        handwritingFinishFromName(reader.member("finish").text()).value_or(HandwritingFinish::color);
     for (const JsonReader &each : reader.member("strokes").elements()) {
         const std::vector<JsonReader> color = each.member("color").elements();
         if (color.size() != 3) {

@@ -144,13 +144,36 @@ void InkPathBuilder::append(const InkSample &sample)
     m_pressed = held.pressure.has_value();
     m_points.resize(m_settled);
     m_length = m_settledLength;
-    const Node node = nodeOf(smooth);
-    if (m_nodes.empty() || distance(node.position, m_nodes.back().position) * m_zoom >= leastStepPx) {
-        addNode(node);
-    }
+    Node node = nodeOf(smooth);
     Node tip = node;
     tip.position = held.position;
+    const bool isNode = !m_lastCalm || distance(node.position, *m_lastCalm) * m_zoom >= leastStepPx;
+    if (!m_lastCalm && !m_pressed) {
+        m_pathSmoother.emplace(m_zoom);
+    }
+    if (isNode) {
+        m_lastCalm = node.position;
+    }
+    if (!m_pathSmoother) {
+        if (isNode) {
+            addNode(node);
+            settle();
+        }
+        addTail(tip);
+        return;
+    }
+    m_pathSmoother->append(tip, node.position, isNode);
+    for (const Node &final : m_pathSmoother->takeFinal()) {
+        addNode(final);
+        settle();
+    }
+    // What may still change is drawn on approval.
+    const std::vector<Node> nodes = m_nodes;
+    for (const Node &next : m_pathSmoother->rest()) {
+        addNode(next);
+    }
     addTail(tip);
+    m_nodes = nodes;
 }
 
 void InkPathBuilder::addNode(const Node &node)
@@ -158,16 +181,20 @@ void InkPathBuilder::addNode(const Node &node)
     const size_t count = m_nodes.size();
     if (count >= 2) {
         addCurve(count > 2 ? &m_nodes[count - 3] : nullptr, m_nodes[count - 2], m_nodes[count - 1], &node);
-        for (size_t i = std::max<size_t>(m_settled, 1); i < m_points.size(); ++i) {
-            m_settledBounds |= swept(m_points[i - 1], m_points[i]);
-        }
-        m_settled = m_points.size();
-        m_settledLength = m_length;
     }
     m_nodes.push_back(node);
     if (m_nodes.size() > 3) {
         m_nodes.erase(m_nodes.begin());
     }
+}
+
+void InkPathBuilder::settle()
+{
+    for (size_t i = std::max<size_t>(m_settled, 1); i < m_points.size(); ++i) {
+        m_settledBounds |= swept(m_points[i - 1], m_points[i]);
+    }
+    m_settled = m_points.size();
+    m_settledLength = m_length;
 }
 
 void InkPathBuilder::addTail(const Node &tip)

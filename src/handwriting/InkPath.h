@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include <QRectF>
 
 #include "handwriting/InkStroke.h"
+#include "handwriting/PathSmoother.h"
 #include "handwriting/StrokeSmoother.h"
 
 namespace tarnovel {
@@ -45,8 +47,9 @@ struct InkPath {
     static InkPath of(const InkStroke &stroke);
 };
 
-/// Derives the course from samples as they arrive: smoothed, then joined by a centripetal Catmull-Rom curve,
-/// whose points never swing past the samples. The course always ends at the newest sample.
+/// Derives the course from samples as they arrive: smoothed (along the path, where the device feels no
+/// pressure and so reports whole pixels), then joined by a centripetal Catmull-Rom curve, whose points never
+/// swing past the samples. The course always ends at the newest sample.
 class InkPathBuilder {
 public:
     /// The stroke's samples are not looked at.
@@ -65,13 +68,10 @@ public:
     bool isEmpty() const { return m_points.empty(); }
 
 private:
-    struct Node {
-        QPointF position;
-        double radius = 0;
-        double flow = 1;
-    };
+    using Node = CourseNode;
     Node nodeOf(const SmoothSample &smooth) const;
     void addNode(const Node &node);
+    void settle();
     void addTail(const Node &tip);
     void addCurve(const Node *before, const Node &from, const Node &to, const Node *after);
     void addPoint(const Node &node);
@@ -81,6 +81,10 @@ private:
     double m_width;
     double m_zoom;
     StrokeSmoother m_smoother;
+    /// Of a device without pressure; found out by the first sample.
+    std::optional<PathSmoother> m_pathSmoother;
+    /// The last position that became a node, without tremor.
+    std::optional<QPointF> m_lastCalm;
     /// Never more than the last three.
     std::vector<Node> m_nodes;
     std::vector<InkPoint> m_points;

@@ -129,7 +129,8 @@ void PooledBuffer::giveBack(void *block)
 
 QImage pooledImage(QSize size, QImage::Format format)
 {
-    const qsizetype stride = (qsizetype(size.width()) * 4 + 63) / 64 * 64;
+    const qsizetype stride =
+        (qsizetype(size.width()) * QImage::toPixelFormat(format).bitsPerPixel() / 8 + 63) / 64 * 64;
     PooledBuffer buffer(static_cast<size_t>(stride) * static_cast<size_t>(size.height()));
     uint8_t *block = buffer.release();
     return QImage(block, size.width(), size.height(), stride, format, &PooledBuffer::giveBack, block);

@@ -14,6 +14,7 @@
 #include "imaging/ImageFile.h"
 #include "imaging/JpegSegments.h"
 #include "imaging/PngChunks.h"
+#include "imaging/VipsDecoder.h"
 
 namespace tarnovel {
 namespace {
@@ -82,7 +83,17 @@ Exiv2::ExifData readExif(const QString &path)
             return decoded(chunks.exif);
         }
     }
-    return readByParser(path, file.format());
+    if (file.format() != PictureFormat::Heif && file.format() != PictureFormat::Avif) {
+        return readByParser(path, file.format());
+    }
+    // The parser misses the block where a file keeps it in some of the ways that the decoder knows.
+    Exiv2::ExifData data;
+    try {
+        data = readByParser(path, file.format());
+    } catch (const std::exception &) {
+        data.clear();
+    }
+    return data.empty() ? decoded(readVipsExif(file)) : data;
 }
 
 const Exiv2::Value *find(const Exiv2::ExifData &data, const char *key)

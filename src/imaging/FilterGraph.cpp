@@ -33,7 +33,7 @@ zimg_image_format format(const GraphKey &key, QSize size, zimg_pixel_type_e type
 
 zimg_filter_graph *build(const GraphKey &key)
 {
-    zimg_image_format source = format(key, key.source, ZIMG_PIXEL_BYTE);
+    zimg_image_format source = format(key, key.source, key.deepSource ? ZIMG_PIXEL_WORD : ZIMG_PIXEL_BYTE);
     source.subsample_w = key.subsampleX;
     source.subsample_h = key.subsampleY;
     source.active_region.left = key.active.x();

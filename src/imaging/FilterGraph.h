@@ -9,7 +9,7 @@
 
 namespace tarnovel {
 
-/// What a Lanczos-3 graph from 8-bit planes to 16-bit planes depends on.
+/// What a Lanczos-3 graph from 8-bit or 16-bit planes to 16-bit planes depends on.
 struct GraphKey {
     zimg_color_family_e family = ZIMG_COLOR_GREY;
     QSize source;
@@ -17,6 +17,7 @@ struct GraphKey {
     unsigned subsampleY = 0;
     QRectF active;
     QSize target;
+    bool deepSource = false;
 
     bool operator==(const GraphKey &) const = default;
 };

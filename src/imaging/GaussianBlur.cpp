@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <new>
 
@@ -17,6 +18,16 @@ constexpr double widestSigma = 1500;
 constexpr int smallestReducedSide = 100;
 // Where the kernel ends, in parts of its centre: with a larger part the tails that are missing show as a rim.
 constexpr double smallestAmplitude = 0.01;
+
+QImage::Format deepFormat(const QImage &image)
+{
+    return image.hasAlphaChannel() ? QImage::Format_RGBA64_Premultiplied : QImage::Format_RGBX64;
+}
+
+uint16_t deepLevel(float level)
+{
+    return static_cast<uint16_t>(std::clamp(level * 257 + 0.5F, 0.0F, 65535.0F));
+}
 
 QImage blurredDirectly(const QImage &image, double sigma)
 {
@@ -43,18 +54,16 @@ QImage blurredDirectly(const QImage &image, double sigma)
         vips_error_clear();
         throw std::bad_alloc();
     }
-    QImage result = pooledImage(image.size(), image.format());
     const bool alpha = image.hasAlphaChannel();
+    QImage result = pooledImage(image.size(), deepFormat(image));
     for (int y = 0; y < result.height(); ++y) {
-        uint8_t *row = result.scanLine(y);
+        auto *pixel = reinterpret_cast<uint16_t *>(result.scanLine(y));
         const float *exact = static_cast<const float *>(memory.get()) + y * rowBytes;
-        std::transform(exact, exact + rowBytes, row, [](float level) {
-            return static_cast<uint8_t>(std::clamp(level + 0.5F, 0.0F, 255.0F));
-        });
-        for (uint8_t *pixel = row; pixel < row + rowBytes; pixel += 4) {
-            pixel[3] = alpha ? pixel[3] : 255;
-            for (int channel = 0; channel < 3; ++channel) {
-                pixel[channel] = std::min(pixel[channel], pixel[3]);
+        for (int x = 0; x < result.width(); ++x, pixel += 4, exact += 4) {
+            constexpr std::array<int, 4> place = {2, 1, 0, 3}; // of red, green, blue and alpha
+            pixel[3] = alpha ? deepLevel(exact[3]) : 0xffff;
+            for (size_t channel = 0; channel < 3; ++channel) {
+                pixel[channel] = std::min(deepLevel(exact[place[channel]]), pixel[3]);
             }
         }
     }
@@ -69,7 +78,7 @@ QImage gaussianBlurred(const QImage &image, double sigma)
         image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
     QImage source = image.format() == format ? image : image.convertToFormat(format);
     if (source.isNull() || !(sigma >= smallestSigma)) {
-        return source;
+        return source.convertToFormat(deepFormat(source));
     }
     // Beyond this the picture is one colour in all but name, and the kernel longer than the library takes.
     const double held = std::min({sigma, 4.0 * std::max(source.width(), source.height()) + 1, widestSigma});
@@ -81,7 +90,7 @@ QImage gaussianBlurred(const QImage &image, double sigma)
     const QSize small(std::max(1, static_cast<int>(std::lround(source.width() / factor))),
                       std::max(1, static_cast<int>(std::lround(source.height() / factor))));
     const QImage less = blurredDirectly(resampled(source, QRectF(source.rect()), small), held / factor);
-    return resampled(less, QRectF(less.rect()), source.size());
+    return resampledDeep(less, QRectF(less.rect()), source.size());
 }
 
 } // namespace tarnovel

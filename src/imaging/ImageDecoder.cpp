@@ -3,17 +3,21 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <optional>
+#include <utility>
 
 #include <QTransform>
 
 #include "base/Cancellation.h"
 #include "imaging/ColorProfile.h"
+#include "imaging/HeifColor.h"
 #include "imaging/ImageError.h"
 #include "imaging/ImageFile.h"
 #include "imaging/ImageLimits.h"
 #include "imaging/JpegPlanes.h"
 #include "imaging/JpegSegments.h"
 #include "imaging/PngChunks.h"
+#include "imaging/TiffDirectory.h"
 #include "imaging/VipsDecoder.h"
 
 namespace tarnovel {
@@ -21,11 +25,26 @@ namespace {
 
 constexpr int longestTargetSide = 32'000;
 
-/// A header, and the profile that a JPEG file keeps beside it.
+/// A header, the profile that a JPEG file keeps beside it, and the colours that a file states otherwise,
+/// which hold where it has no profile.
 struct Opened {
     ImageHeader header;
     QByteArray profile;
+    std::optional<QColorSpace::NamedColorSpace> stated;
 };
+
+/// The colours of a picture in code points, where they are others than sRGB and no wider than a screen's.
+std::optional<QColorSpace::NamedColorSpace> statedColors(const ImageFile &file)
+{
+    // Of ITU-T H.273: the primaries of Display P3; the transfer of sRGB, or one left open.
+    constexpr int displayP3 = 12;
+    constexpr int srgbTransfer = 13;
+    constexpr int unspecified = 2;
+    const CodedColor coded = readCodedColor(file).value_or(CodedColor());
+    const bool isP3 =
+        coded.primaries == displayP3 && (coded.transfer == srgbTransfer || coded.transfer == unspecified);
+    return isP3 ? std::optional(QColorSpace::DisplayP3) : std::nullopt;
+}
 
 Opened inspect(const ImageFile &file)
 {
@@ -37,12 +56,18 @@ Opened inspect(const ImageFile &file)
         opened.header.storedSize = segments.size;
         opened.header.orientation = exifOrientation(segments.exif);
         opened.profile = segments.profile;
+        if (saysAdobeRgb(segments.exif)) {
+            opened.stated = QColorSpace::AdobeRgb;
+        }
     } else {
         const VipsHeader header = readVipsHeader(file);
         opened.header.storedSize = header.size;
         opened.header.orientation = file.format() == PictureFormat::Png
                                         ? exifOrientation(readPngChunks(file).exif)
                                         : header.orientation;
+        if (file.format() == PictureFormat::Heif || file.format() == PictureFormat::Avif) {
+            opened.stated = statedColors(file);
+        }
     }
     return opened;
 }
@@ -91,6 +116,13 @@ void checkData(const ImageFile &file, const std::stop_token &stop)
     }
 }
 
+QImage inSrgb(QImage image, const QByteArray &profile, const Opened &opened)
+{
+    return profile.isEmpty() && opened.profile.isEmpty() && opened.stated
+               ? convertedToSrgb(std::move(image), *opened.stated)
+               : convertedToSrgb(std::move(image), profile);
+}
+
 QImage decode(const ImageFile &file, const Opened &opened, const QRectF &region, QSize size,
               const std::stop_token &stop)
 {
@@ -100,11 +132,11 @@ QImage decode(const ImageFile &file, const Opened &opened, const QRectF &region,
     QImage image;
     if (file.format() == PictureFormat::Jpeg && inspectJpeg(file) == JpegLayout::Planes) {
         image = decodeJpegPlanes(file, stored, storedTarget, stop);
-        image = convertedToSrgb(std::move(image), opened.profile);
+        image = inSrgb(std::move(image), opened.profile, opened);
     } else {
         checkData(file, stop);
         VipsPixels pixels = decodeWithVips(file, stored, storedTarget, stop);
-        image = convertedToSrgb(std::move(pixels.image), pixels.profile);
+        image = inSrgb(std::move(pixels.image), pixels.profile, opened);
     }
     throwIfCancelled(stop);
     return upright(image, orientation);

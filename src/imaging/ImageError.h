@@ -8,7 +8,8 @@ namespace tarnovel {
 /// chosen where the error is shown.
 class ImageError : public QException {
 public:
-    enum class Cause { Missing, Unsupported, TooLarge, Damaged };
+    /// `SmallPreview`: the file holds its picture in a raw form, and only a thumbnail to be read.
+    enum class Cause { Missing, Unsupported, TooLarge, Damaged, SmallPreview };
 
     ImageError(Cause cause, const QByteArray &detail) : m_cause(cause), m_detail(detail) {}
     void raise() const override { throw *this; }

@@ -8,6 +8,7 @@
 
 #include "imaging/BufferPool.h"
 #include "imaging/ImageEncoder.h"
+#include "imaging/SrgbProfile.h"
 
 namespace tarnovel {
 namespace {
@@ -22,6 +23,24 @@ QImage opaque(const QImage &image)
                    image.format() <= QImage::Format_ARGB32_Premultiplied
                ? image
                : image.convertToFormat(QImage::Format_RGB32);
+}
+
+/// The file with the sRGB profile behind its JFIF segment, where readers expect it.
+QByteArray withProfile(QByteArrayView file)
+{
+    constexpr qsizetype jfifEnd = 20; // the start marker, and a segment of 18 bytes without a thumbnail
+    const QByteArray profile = srgbProfile();
+    const auto length = static_cast<quint16>(profile.size() + 16);
+    QByteArray made;
+    made.reserve(file.size() + length + 2);
+    made.append(file.first(jfifEnd));
+    made.append("\xff\xe2", 2);
+    made.append(static_cast<char>(length >> 8U));
+    made.append(static_cast<char>(length & 0xffU));
+    made.append(QByteArray("ICC_PROFILE\0\x01\x01", 14));
+    made.append(profile);
+    made.append(file.sliced(jfifEnd));
+    return made;
 }
 
 /// A picture's YCbCr planes at one subsampling.
@@ -97,7 +116,7 @@ QByteArray JpegEncoder::encode(double quality)
                                 &size, hundredths, TJFLAG_ACCURATEDCT | TJFLAG_NOREALLOC) != 0) {
         throw std::bad_alloc();
     }
-    return QByteArray(reinterpret_cast<const char *>(bytes), static_cast<qsizetype>(size));
+    return withProfile(QByteArrayView(bytes, static_cast<qsizetype>(size)));
 }
 
 } // namespace tarnovel

@@ -1,6 +1,11 @@
 #include "imaging/PixelRows.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+
+#include "base/OrderedDither.h"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -64,6 +69,23 @@ void packYcbcrEight(const uint16_t *luma, const uint16_t *cb, const uint16_t *cr
     storeEight(_mm_srai_epi16(red, 6), _mm_srai_epi16(green, 6), _mm_srai_epi16(blue, 6), packed);
 }
 #endif
+
+/// The dither of a row as what is added to samples of 255 · 65536 ÷ 255 units a level before they are cut.
+std::array<uint32_t, ditherSide> addends(RowPlace place)
+{
+    std::array<uint32_t, ditherSide> row{};
+    for (unsigned i = 0; i < ditherSide; ++i) {
+        const auto &thresholds = ditherThresholds.at(static_cast<unsigned>(place.y) % ditherSide);
+        row.at(i) = thresholds.at((static_cast<unsigned>(place.x) + i) % ditherSide) * 1024U + 512U;
+    }
+    return row;
+}
+
+/// 65535 is 255 levels: (sample · 255) ÷ 65536 falls short of a whole level by less than the least addend.
+uint32_t dithered(uint16_t sample, uint32_t addend)
+{
+    return (sample * 255U + addend) >> 16U;
+}
 
 void store(uint8_t red, uint8_t green, uint8_t blue, uint8_t *packed)
 {
@@ -129,6 +151,70 @@ void takeChannel(const uint8_t *packed, int step, int offset, int count, uint8_t
     const uint8_t *from = packed + offset;
     for (int i = 0; i < count; ++i) {
         plane[i] = from[i * step];
+    }
+}
+
+void packRgbDithered(const uint16_t *red, const uint16_t *green, const uint16_t *blue, int count,
+                     RowPlace place, uint8_t *packed)
+{
+    const std::array<uint32_t, ditherSide> row = addends(place);
+    auto *pixels = reinterpret_cast<uint32_t *>(packed);
+    const auto pixel = [&](int i, unsigned column) {
+        const uint32_t addend = row[column];
+        return 0xff000000U | dithered(red[i], addend) << 16U | dithered(green[i], addend) << 8U |
+               dithered(blue[i], addend);
+    };
+    int i = 0;
+    for (; i + ditherSide <= count; i += ditherSide) {
+        for (int k = 0; k < ditherSide; ++k) {
+            pixels[i + k] = pixel(i + k, static_cast<unsigned>(k));
+        }
+    }
+    for (; i < count; ++i) {
+        pixels[i] = pixel(i, static_cast<unsigned>(i) % ditherSide);
+    }
+}
+
+void packAlphaDithered(const uint16_t *alpha, int count, RowPlace place, uint8_t *packed)
+{
+    const std::array<uint32_t, ditherSide> row = addends(place);
+    for (int i = 0; i < count; ++i) {
+        uint8_t *pixel = packed + i * 4;
+        const auto opacity =
+            static_cast<uint8_t>(dithered(alpha[i], row[static_cast<unsigned>(i) % ditherSide]));
+        for (int channel = 0; channel < 3; ++channel) {
+            pixel[channel] = std::min(pixel[channel], opacity);
+        }
+        pixel[3] = opacity;
+    }
+}
+
+void packDeepRgb(const uint16_t *red, const uint16_t *green, const uint16_t *blue, int count,
+                 uint16_t *packed)
+{
+    for (int i = 0; i < count; ++i) {
+        packed[i * 4] = red[i];
+        packed[i * 4 + 1] = green[i];
+        packed[i * 4 + 2] = blue[i];
+        packed[i * 4 + 3] = 0xffff;
+    }
+}
+
+void packDeepAlpha(const uint16_t *alpha, int count, uint16_t *packed)
+{
+    for (int i = 0; i < count; ++i) {
+        for (int channel = 0; channel < 3; ++channel) {
+            packed[i * 4 + channel] = std::min(packed[i * 4 + channel], alpha[i]);
+        }
+        packed[i * 4 + 3] = alpha[i];
+    }
+}
+
+void takeDeepChannel(const uint8_t *packed, int step, int offset, int count, uint16_t *plane)
+{
+    const uint8_t *from = packed + offset;
+    for (int i = 0; i < count; ++i) {
+        std::memcpy(plane + i, from + static_cast<ptrdiff_t>(i) * step, sizeof(uint16_t));
     }
 }
 

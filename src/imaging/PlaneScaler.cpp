@@ -47,13 +47,14 @@ private:
 /// Receives the rows of a run and writes them to the target's pixels.
 class Packer {
 public:
-    enum class Kind { Grey, Ycbcr, Rgb, Alpha };
+    enum class Kind { Grey, Ycbcr, Rgb, Alpha, DitheredRgb, DitheredAlpha, DeepRgb, DeepAlpha };
 
     Packer(Kind kind, const RowRing &ring, QImage &target, const QRect &part, const std::stop_token &stop)
         : m_kind(kind),
           m_ring(ring),
           m_bits(target.bits()),
           m_stride(target.bytesPerLine()),
+          m_pixelBytes(target.depth() / 8),
           m_part(part),
           m_stop(stop)
     {
@@ -75,7 +76,9 @@ private:
         };
         const int count = static_cast<int>(right - left);
         uint8_t *packed = m_bits + (m_part.top() + static_cast<ptrdiff_t>(row)) * m_stride +
-                          (m_part.left() + static_cast<ptrdiff_t>(left)) * 4;
+                          (m_part.left() + static_cast<ptrdiff_t>(left)) * m_pixelBytes;
+        const RowPlace place{m_part.left() + static_cast<int>(left), m_part.top() + static_cast<int>(row)};
+        auto *deep = reinterpret_cast<uint16_t *>(packed);
         switch (m_kind) {
         case Kind::Grey:
             packGrey(samples(0), count, packed);
@@ -89,6 +92,18 @@ private:
         case Kind::Alpha:
             packAlpha(samples(0), count, packed);
             break;
+        case Kind::DitheredRgb:
+            packRgbDithered(samples(0), samples(1), samples(2), count, place, packed);
+            break;
+        case Kind::DitheredAlpha:
+            packAlphaDithered(samples(0), count, place, packed);
+            break;
+        case Kind::DeepRgb:
+            packDeepRgb(samples(0), samples(1), samples(2), count, deep);
+            break;
+        case Kind::DeepAlpha:
+            packDeepAlpha(samples(0), count, deep);
+            break;
         }
         return 0;
     }
@@ -97,6 +112,7 @@ private:
     const RowRing &m_ring;
     uint8_t *m_bits;
     ptrdiff_t m_stride;
+    int m_pixelBytes;
     QRect m_part;
     const std::stop_token &m_stop;
 };
@@ -125,12 +141,19 @@ struct Unpacker {
         const int last = std::clamp(width - origin.x(), first, right);
         for (int plane = 0; plane < planes; ++plane) {
             const int offset = offsets[static_cast<size_t>(plane)];
-            uint8_t *to = ring.row(plane, row);
-            std::memset(to + left, line[offset], static_cast<size_t>(first - left));
-            takeChannel(line + static_cast<ptrdiff_t>(origin.x() + first) * source.step, source.step, offset,
-                        last - first, to + first);
-            std::memset(to + last, line[static_cast<ptrdiff_t>(width - 1) * source.step + offset],
-                        static_cast<size_t>(right - last));
+            const uint8_t *inside = line + static_cast<ptrdiff_t>(origin.x() + first) * source.step;
+            const uint8_t *lastPixel = line + static_cast<ptrdiff_t>(width - 1) * source.step + offset;
+            if (source.deep) {
+                auto *to = reinterpret_cast<uint16_t *>(ring.row(plane, row));
+                std::fill(to + left, to + first, *reinterpret_cast<const uint16_t *>(line + offset));
+                takeDeepChannel(inside, source.step, offset, last - first, to + first);
+                std::fill(to + last, to + right, *reinterpret_cast<const uint16_t *>(lastPixel));
+            } else {
+                uint8_t *to = ring.row(plane, row);
+                std::memset(to + left, line[offset], static_cast<size_t>(first - left));
+                takeChannel(inside, source.step, offset, last - first, to + first);
+                std::memset(to + last, *lastPixel, static_cast<size_t>(right - last));
+            }
         }
     }
 };
@@ -206,12 +229,18 @@ AxisPlan planAxis(double extent, double regionStart, double regionLength, int ta
 
 void repeatEdges(QImage &image, const QRect &part)
 {
-    for (int y = part.top(); y <= part.bottom(); ++y) {
-        auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
+    const auto fillSides = [&](auto *row) {
         std::fill(row, row + part.left(), row[part.left()]);
         std::fill(row + part.right() + 1, row + image.width(), row[part.right()]);
+    };
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        if (image.depth() == 64) {
+            fillSides(reinterpret_cast<quint64 *>(image.scanLine(y)));
+        } else {
+            fillSides(reinterpret_cast<QRgb *>(image.scanLine(y)));
+        }
     }
-    const auto rowBytesUsed = static_cast<size_t>(image.width()) * 4;
+    const auto rowBytesUsed = static_cast<size_t>(image.width()) * static_cast<size_t>(image.depth() / 8);
     for (int y = 0; y < part.top(); ++y) {
         std::memcpy(image.scanLine(y), image.constScanLine(part.top()), rowBytesUsed);
     }
@@ -239,10 +268,14 @@ void scalePlanes(const PlanarSource &source, const QRectF &active, QImage &targe
     process(run, *FilterGraph::forKey(run.key), input, nullptr, target, part, stop);
 }
 
-QImage scalePacked(const PackedSource &source, const QRectF &region, QSize size, const std::stop_token &stop)
+QImage scalePacked(const PackedSource &source, const QRectF &region, QSize size, const std::stop_token &stop,
+                   DeepPixels deep)
 {
     const bool hasAlpha = source.offset[3] >= 0;
-    const QImage::Format format = hasAlpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
+    const bool kept = source.deep && deep == DeepPixels::Kept;
+    const QImage::Format format =
+        kept ? (hasAlpha ? QImage::Format_RGBA64_Premultiplied : QImage::Format_RGBX64)
+             : (hasAlpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
     const bool inside = QRectF(QPointF(), QSizeF(source.size)).contains(region);
     const QRect whole = inside ? region.toRect() : QRect();
     if (QRectF(whole) == region && whole.size() == size && source.step == 4 && source.offset[0] == 2) {
@@ -257,9 +290,10 @@ QImage scalePacked(const PackedSource &source, const QRectF &region, QSize size,
 
     const auto scale = [&](zimg_color_family_e family, int planes, std::array<int, 3> offsets,
                            Packer::Kind kind) {
-        const Run run{{family, window, 0, 0, active, part.size()}, planes, kind};
+        const Run run{{family, window, 0, 0, active, part.size(), source.deep}, planes, kind};
         const std::shared_ptr<const FilterGraph> graph = FilterGraph::forKey(run.key);
-        const RowRing ring(planes, window.width(), window.height(), graph->inputRows(), sizeof(uint8_t));
+        const RowRing ring(planes, window.width(), window.height(), graph->inputRows(),
+                           source.deep ? sizeof(uint16_t) : sizeof(uint8_t));
         zimg_image_buffer_const input{};
         input.version = ZIMG_API_VERSION;
         for (int plane = 0; plane < planes; ++plane) {
@@ -270,9 +304,15 @@ QImage scalePacked(const PackedSource &source, const QRectF &region, QSize size,
         Unpacker unpacker{source, ring, QPoint(x.windowBegin, y.windowBegin), offsets, planes};
         process(run, *graph, input, &unpacker, target, part, stop);
     };
-    scale(ZIMG_COLOR_RGB, 3, {source.offset[0], source.offset[1], source.offset[2]}, Packer::Kind::Rgb);
+    using Kind = Packer::Kind;
+    const auto kind = [&](Kind eight, Kind dithered, Kind whole16) {
+        return !source.deep ? eight : kept ? whole16 : dithered;
+    };
+    scale(ZIMG_COLOR_RGB, 3, {source.offset[0], source.offset[1], source.offset[2]},
+          kind(Kind::Rgb, Kind::DitheredRgb, Kind::DeepRgb));
     if (hasAlpha) {
-        scale(ZIMG_COLOR_GREY, 1, {source.offset[3], 0, 0}, Packer::Kind::Alpha);
+        scale(ZIMG_COLOR_GREY, 1, {source.offset[3], 0, 0},
+              kind(Kind::Alpha, Kind::DitheredAlpha, Kind::DeepAlpha));
     }
     repeatEdges(target, part);
     return target;

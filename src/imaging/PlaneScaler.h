@@ -40,14 +40,20 @@ struct PlanarSource {
     int subsampleY = 0;
 };
 
-/// Pixels of 3 or 4 bytes, `offset` giving the place of red, green, blue and alpha (−1: none) in each.
+/// Pixels of 3 or 4 samples. `step` is the bytes of a pixel, `offset` the place of red, green, blue and alpha
+/// (−1: none) in each, in bytes.
 struct PackedSource {
     const uint8_t *bits = nullptr;
     ptrdiff_t stride = 0;
     QSize size;
     int step = 4;
     std::array<int, 4> offset{2, 1, 0, -1};
+    /// Whether a sample is 16 bits, 65535 being full, instead of 8.
+    bool deep = false;
 };
+
+/// How the pixels of a deep source come back: in eight bits with ordered dither, or as they are.
+enum class DeepPixels { Dithered, Kept };
 
 /// Resamples `active` (in samples of the first plane) with Lanczos-3 into the pixels `part` of the target, an
 /// RGB32 image. Throws OperationCancelled, and std::bad_alloc where the library cannot.
@@ -55,9 +61,10 @@ void scalePlanes(const PlanarSource &source, const QRectF &active, QImage &targe
                  const std::stop_token &stop);
 
 /// Resamples `region` of the source, edges going on outside it, to an image of exactly `size`: RGB32, or
-/// ARGB32_Premultiplied where the source has alpha (its colours premultiplied). Throws like scalePlanes.
+/// ARGB32_Premultiplied where the source has alpha (its colours premultiplied); RGBX64 or
+/// RGBA64_Premultiplied where the pixels of a deep source are kept. Throws like scalePlanes.
 QImage scalePacked(const PackedSource &source, const QRectF &region, QSize size,
-                   const std::stop_token &stop = {});
+                   const std::stop_token &stop = {}, DeepPixels deep = DeepPixels::Dithered);
 
 /// Fills what lies outside `part` with its nearest pixels.
 void repeatEdges(QImage &image, const QRect &part);

@@ -13,6 +13,9 @@ namespace {
 // Beyond this level a file gets a few parts in a hundred smaller and takes several times as long.
 constexpr int compressionLevel = 1;
 
+// The rendering intent that an sRGB chunk names for photographs.
+constexpr int perceptualIntent = 0;
+
 struct FreeContext {
     void operator()(spng_ctx *context) const { spng_ctx_free(context); }
 };
@@ -40,6 +43,7 @@ QByteArray encodePng(const QImage &image, const std::stop_token &stop)
     header.bit_depth = 8;
     header.color_type = alpha ? SPNG_COLOR_TYPE_TRUECOLOR_ALPHA : SPNG_COLOR_TYPE_TRUECOLOR;
     check(spng_set_ihdr(context.get(), &header));
+    check(spng_set_srgb(context.get(), perceptualIntent));
     check(spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1));
     check(spng_set_option(context.get(), SPNG_IMG_COMPRESSION_LEVEL, compressionLevel));
     check(spng_set_option(context.get(), SPNG_FILTER_CHOICE, SPNG_FILTER_CHOICE_SUB));

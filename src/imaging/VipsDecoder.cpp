@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <optional>
 
 #include <unistd.h>
 
@@ -9,6 +11,7 @@
 #include "imaging/ImageError.h"
 #include "imaging/ImageLimits.h"
 #include "imaging/PlaneScaler.h"
+#include "imaging/TiffDirectory.h"
 #include "imaging/VipsRuntime.h"
 
 namespace tarnovel {
@@ -38,8 +41,23 @@ VipsImagePtr checked(int failed, VipsImage *const &made)
     return VipsImagePtr(made);
 }
 
+/// The page of a TIFF file that is its picture. Throws for a file of nothing but previews.
+int pageOf(const ImageFile &file)
+{
+    const std::optional<int> page = findTiffPicture(TiffDirectories([&file](qint64 at, qint64 count) {
+                                        return file.read(at, count);
+                                    })).page;
+    // A raw file whose first directory looks like any picture's gives itself away by these two letters.
+    constexpr qint64 rawMarkAt = 8;
+    if (!page || file.read(rawMarkAt, 2) == "CR") {
+        throw ImageError(ImageError::Cause::SmallPreview, "nothing but a preview");
+    }
+    return *page;
+}
+
 VipsImagePtr load(const ImageFile &file, const std::stop_token &stop = {})
 {
+    const int page = file.format() == PictureFormat::Tiff ? pageOf(file) : 0;
     ensureVips();
     throwIfCancelled(stop);
     // A descriptor's copies share its position.
@@ -71,7 +89,8 @@ VipsImagePtr load(const ImageFile &file, const std::stop_token &stop = {})
         call(vips_webpload_source);
         break;
     case PictureFormat::Tiff:
-        call(vips_tiffload_source);
+        failed = vips_tiffload_source(source.get(), &made, "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
+                                      VIPS_FAIL_ON_ERROR, "page", page, static_cast<void *>(nullptr));
         break;
     }
     return checked(failed, made);
@@ -96,15 +115,38 @@ void checkWholeDecode(const ImageFile &file, VipsImage *image)
     }
 }
 
-QByteArray profileOf(VipsImage *image)
+QByteArray blobOf(VipsImage *image, const char *name)
 {
     const void *data = nullptr;
     size_t length = 0;
-    if (vips_image_get_typeof(image, VIPS_META_ICC_NAME) == 0 ||
-        vips_image_get_blob(image, VIPS_META_ICC_NAME, &data, &length) != 0) {
+    if (vips_image_get_typeof(image, name) == 0 || vips_image_get_blob(image, name, &data, &length) != 0) {
         return {};
     }
     return QByteArray(static_cast<const char *>(data), static_cast<qsizetype>(length));
+}
+
+bool isRgb(VipsInterpretation kind)
+{
+    return kind == VIPS_INTERPRETATION_sRGB || kind == VIPS_INTERPRETATION_RGB16 ||
+           kind == VIPS_INTERPRETATION_RGB;
+}
+
+/// Whether the pixels are to stay in 16 bits until their profile has been applied.
+bool staysDeep(VipsImage *image, const QByteArray &profile)
+{
+    return image->BandFmt == VIPS_FORMAT_USHORT && image->Bands >= 3 && !profile.isEmpty() &&
+           isRgb(vips_image_guess_interpretation(image));
+}
+
+/// Drops what there is beside red, green, blue and alpha.
+VipsImagePtr fourBands(VipsImagePtr image)
+{
+    if (image->Bands > 4) {
+        VipsImage *made = nullptr;
+        const int failed = vips_extract_band(image.get(), &made, 0, "n", 4, static_cast<void *>(nullptr));
+        image = checked(failed, made);
+    }
+    return image;
 }
 
 /// A picture of red, green, blue and perhaps alpha in bytes, still in the profile `profile` if that is not
@@ -112,13 +154,15 @@ QByteArray profileOf(VipsImage *image)
 VipsImagePtr toRgbBytes(VipsImagePtr image, QByteArray &profile)
 {
     const VipsInterpretation kind = vips_image_guess_interpretation(image.get());
-    const bool rgb = kind == VIPS_INTERPRETATION_sRGB || kind == VIPS_INTERPRETATION_RGB16 ||
-                     kind == VIPS_INTERPRETATION_RGB;
-    if (!rgb && !profile.isEmpty()) {
-        // A profile for grey or printing inks means nothing to the RGB pixels: it is applied here.
+    const bool inks = kind == VIPS_INTERPRETATION_CMYK;
+    if (inks || (!isRgb(kind) && !profile.isEmpty())) {
+        // A profile for grey or printing inks means nothing to the RGB pixels: it is applied here. The
+        // blackest ink is to be the screen's black; without a profile, common ones for offset printing are
+        // assumed.
         profile.clear();
         VipsImage *made = nullptr;
-        if (vips_icc_transform(image.get(), &made, "srgb", "embedded", TRUE, "depth", 8,
+        if (vips_icc_transform(image.get(), &made, "srgb", "embedded", TRUE, "input_profile",
+                               inks ? "cmyk" : "none", "black_point_compensation", TRUE, "depth", 8,
                                static_cast<void *>(nullptr)) == 0) {
             image.reset(made);
         } else {
@@ -136,11 +180,7 @@ VipsImagePtr toRgbBytes(VipsImagePtr image, QByteArray &profile)
         VipsImage *made = nullptr;
         image = checked(vips_cast_uchar(image.get(), &made, static_cast<void *>(nullptr)), made);
     }
-    if (image->Bands > 4) {
-        VipsImage *made = nullptr;
-        const int failed = vips_extract_band(image.get(), &made, 0, "n", 4, static_cast<void *>(nullptr));
-        image = checked(failed, made);
-    }
+    image = fourBands(std::move(image));
     if (image->Bands < 3) {
         throw ImageError(ImageError::Cause::Unsupported, "no colour channels");
     }
@@ -180,21 +220,40 @@ void watch(VipsImage *image, const std::stop_token &stop)
 }
 
 /// Premultiplies straight alpha in place. False when every pixel is opaque.
-bool premultiply(uint8_t *pixels, qint64 count)
+template<typename Sample>
+bool premultiply(Sample *pixels, qint64 count)
 {
+    constexpr unsigned full = std::numeric_limits<Sample>::max();
     bool transparent = false;
     for (qint64 i = 0; i < count; ++i) {
-        uint8_t *pixel = pixels + i * 4;
+        Sample *pixel = pixels + i * 4;
         const unsigned alpha = pixel[3];
-        if (alpha != 255) {
+        if (alpha != full) {
             transparent = true;
             for (int channel = 0; channel < 3; ++channel) {
-                const unsigned product = pixel[channel] * alpha + 128;
-                pixel[channel] = static_cast<uint8_t>((product + (product >> 8)) >> 8);
+                pixel[channel] = static_cast<Sample>((pixel[channel] * alpha + full / 2) / full);
             }
         }
     }
     return transparent;
+}
+
+/// The pixels in memory, which are premultiplied on the way, as the resampler takes them.
+PackedSource packedSource(VipsImage *image, void *memory)
+{
+    const bool deep = image->BandFmt == VIPS_FORMAT_USHORT;
+    const int sample = deep ? 2 : 1;
+    const qint64 count = qint64(image->Xsize) * image->Ysize;
+    const bool transparent = image->Bands == 4 && (deep ? premultiply(static_cast<uint16_t *>(memory), count)
+                                                        : premultiply(static_cast<uint8_t *>(memory), count));
+    PackedSource packed;
+    packed.bits = static_cast<const uint8_t *>(memory);
+    packed.size = QSize(image->Xsize, image->Ysize);
+    packed.step = image->Bands * sample;
+    packed.stride = ptrdiff_t(image->Xsize) * packed.step;
+    packed.offset = {0, sample, 2 * sample, transparent ? 3 * sample : -1};
+    packed.deep = deep;
+    return packed;
 }
 
 /// The whole pixels of the picture that the region needs, with what the filter reads beside it.
@@ -222,6 +281,14 @@ VipsHeader readVipsHeader(const ImageFile &file)
     return header;
 }
 
+QByteArray readVipsExif(const ImageFile &file)
+{
+    const VipsImagePtr image = load(file);
+    const QByteArray exif = blobOf(image.get(), VIPS_META_EXIF_NAME);
+    const QByteArray heading("Exif\0\0", 6);
+    return exif.startsWith(heading) ? exif.mid(heading.size()) : exif;
+}
+
 VipsPixels decodeWithVips(const ImageFile &file, const QRectF &region, QSize size,
                           const std::stop_token &stop)
 {
@@ -230,7 +297,7 @@ VipsPixels decodeWithVips(const ImageFile &file, const QRectF &region, QSize siz
     checkPictureSize(picture);
     checkWholeDecode(file, image.get());
     VipsPixels result;
-    result.profile = profileOf(image.get());
+    result.profile = blobOf(image.get(), VIPS_META_ICC_NAME);
 
     const QRect needed = neededPixels(picture, region, size);
     VipsImage *made = nullptr;
@@ -239,13 +306,14 @@ VipsPixels decodeWithVips(const ImageFile &file, const QRectF &region, QSize siz
                                              needed.height(), static_cast<void *>(nullptr));
         image = checked(failed, made);
     }
-    const double pixels = double(needed.width()) * needed.height();
+    const bool deep = staysDeep(image.get(), result.profile);
+    const double pixels = double(needed.width()) * needed.height() * (deep ? 2 : 1);
     const int factor = std::min({static_cast<int>(std::ceil(std::sqrt(pixels / mostPixelsInMemory))),
                                  needed.width(), needed.height()});
     if (factor > 1) {
         image = averaged(std::move(image), factor);
     }
-    image = toRgbBytes(std::move(image), result.profile);
+    image = deep ? fourBands(std::move(image)) : toRgbBytes(std::move(image), result.profile);
 
     watch(image.get(), stop);
     size_t bytes = 0;
@@ -254,20 +322,12 @@ VipsPixels decodeWithVips(const ImageFile &file, const QRectF &region, QSize siz
     if (!memory) {
         throwDamaged();
     }
-    PackedSource packed;
-    packed.bits = static_cast<const uint8_t *>(memory.get());
-    packed.size = QSize(image->Xsize, image->Ysize);
-    packed.step = image->Bands;
-    packed.stride = ptrdiff_t(image->Xsize) * image->Bands;
-    const bool transparent =
-        image->Bands == 4 && premultiply(static_cast<uint8_t *>(memory.get()), qint64(bytes / 4));
-    packed.offset = {0, 1, 2, transparent ? 3 : -1};
     const double scale = 1.0 / std::max(factor, 1);
     const QRectF inMemory = QRectF(region.topLeft() - QPointF(needed.topLeft()), region.size());
     result.image = scalePacked(
-        packed,
+        packedSource(image.get(), memory.get()),
         QRectF(inMemory.topLeft() * scale, QSizeF(inMemory.width() * scale, inMemory.height() * scale)), size,
-        stop);
+        stop, DeepPixels::Kept);
     return result;
 }
 

@@ -20,7 +20,11 @@ struct VipsHeader {
 /// would need it whole in memory and which is too large for that.
 VipsHeader readVipsHeader(const ImageFile &file);
 
+/// The EXIF block that the decoder finds, a TIFF header and its directories; empty when there is none.
+QByteArray readVipsExif(const ImageFile &file);
+
 struct VipsPixels {
+    /// In 16 bits a channel where the file has them and a profile: that one must come before they are cut.
     QImage image;
     /// The RGB profile that the pixels are still in; empty for sRGB.
     QByteArray profile;

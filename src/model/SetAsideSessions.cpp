@@ -59,8 +59,8 @@ bool isThere(const QString &file, const QString &folder)
 
 QString setAside(const QString &document)
 {
-    const QString stem = QFileInfo(document).path() + u'/' + prefix +
-                         QDateTime::currentDateTimeUtc().toString(dateFormat);
+    const QString stem =
+        QFileInfo(document).path() + u'/' + prefix + QDateTime::currentDateTimeUtc().toString(dateFormat);
     for (int attempt = 1; attempt < 100; ++attempt) {
         const QString goal = stem + (attempt == 1 ? QString() : u'-' + QString::number(attempt)) + u".json"_s;
         if (!QFileInfo::exists(goal)) {
@@ -76,11 +76,11 @@ QList<SetAsideSession> in(const QString &libraryFolder)
     const QDir folder(libraryFolder);
     // A link that leads nowhere counts: its disk may come back.
     for (const QFileInfo &entry : folder.entryInfoList({prefix + u"*.json"_s}, QDir::Files | QDir::System)) {
-        QDateTime when = QDateTime::fromString(
-            entry.fileName().sliced(prefix.size()).left(dateFormat.size()), dateFormat);
+        QDateTime when =
+            QDateTime::fromString(entry.fileName().sliced(prefix.size()).left(dateFormat.size()), dateFormat);
         when.setTimeZone(QTimeZone::utc());
-        documents.append({entry.filePath(), when.isValid() ? when.toLocalTime() : entry.lastModified(),
-                          entry.size()});
+        documents.append(
+            {entry.filePath(), when.isValid() ? when.toLocalTime() : entry.lastModified(), entry.size()});
     }
     std::ranges::sort(documents, [](const SetAsideSession &a, const SetAsideSession &b) {
         return a.when == b.when ? a.path > b.path : a.when > b.when;

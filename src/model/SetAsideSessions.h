@@ -27,8 +27,8 @@ QString setAside(const QString &document);
 /// Those of a library folder, newest first.
 QList<SetAsideSession> in(const QString &libraryFolder);
 
-/// The files that the set-aside documents of a folder need: all that one names, and where it cannot be parsed,
-/// all of a clean-up candidate's shape that are not younger than it.
+/// The files that the set-aside documents of a folder need: all that one names, and where it cannot be
+/// parsed, all of a clean-up candidate's shape that are not younger than it.
 std::set<QString> neededFiles(const QString &libraryFolder);
 
 /// Every photo and style of the document that can be read and whose file is there. Never throws.

@@ -36,8 +36,8 @@ namespace {
 
 constexpr double blurSigma = 22;
 constexpr int backdropPixels = 1200;
-constexpr int logoPixels = 1500;
-constexpr int signaturePixels = 2400;
+constexpr int logoPixelsDecoded = 1500;
+constexpr int signaturePixelsDecoded = 2400;
 constexpr int palettePixels = 120;
 constexpr int testDecodePixels = 100;
 constexpr qsizetype mostPalettes = 100;
@@ -105,8 +105,8 @@ ImagePipeline::~ImagePipeline()
     m_thread.waitForDone();
 }
 
-/// Runs `work(stop)` on the service's thread. What the lower layers throw becomes what the service promises; the
-/// log gets the cause, with the `subject`.
+/// Runs `work(stop)` on the service's thread. What the lower layers throw becomes what the service promises;
+/// the log gets the cause, with the `subject`.
 template<typename Work>
 auto ImagePipeline::enqueue(const QString &subject, std::stop_token stop, Work work)
 {
@@ -137,9 +137,10 @@ QFuture<QImage> ImagePipeline::read(const QString &file, int maxPixel, std::stop
 QFuture<PhotoItem> ImagePipeline::inspect(const ImportedFile &imported, TestDecode testDecode,
                                           std::stop_token stop)
 {
-    return enqueue(imported.file, std::move(stop), [this, imported, testDecode](const std::stop_token &token) {
-        return inspected(imported, testDecode, token);
-    });
+    return enqueue(imported.file, std::move(stop),
+                   [this, imported, testDecode](const std::stop_token &token) {
+                       return inspected(imported, testDecode, token);
+                   });
 }
 
 QFuture<QList<Ink>> ImagePipeline::primaryColors(const QString &file, std::stop_token stop)
@@ -185,9 +186,9 @@ QFuture<PhotoImage> ImagePipeline::resamplePlaced(const QImage &photo, const Pho
 QFuture<ExportedFile> ImagePipeline::exportImage(const QImage &image, const ExportOptions &options,
                                                  std::stop_token stop)
 {
-    return enqueue(u"a finished picture"_s, std::move(stop), [this, image, options](const std::stop_token &token) {
-        return written(image, options, token);
-    });
+    return enqueue(
+        u"a finished picture"_s, std::move(stop),
+        [this, image, options](const std::stop_token &token) { return written(image, options, token); });
 }
 
 QFuture<QImage> ImagePipeline::render(const PhotoItem &item, QSize canvas, std::stop_token stop)
@@ -203,11 +204,12 @@ QString ImagePipeline::resolved(const QString &file) const
 }
 
 /// A picture that could not be read, with the cause where that is the file rather than what is in it.
-PipelineFailure ImagePipeline::failed(const QString &file, FramePicture picture, const ImageError &error) const
+PipelineFailure ImagePipeline::failed(const QString &file, FramePicture picture,
+                                      const ImageError &error) const
 {
     qCWarning(logImaging) << resolved(file) << error.what();
-    return PipelineFailure(PipelineError::unreadable, picture == FramePicture::Photo ? QString() : file, picture,
-                           fileTrouble(resolved(file)));
+    return PipelineFailure(PipelineError::unreadable, picture == FramePicture::Photo ? QString() : file,
+                           picture, fileTrouble(resolved(file)));
 }
 
 QImage ImagePipeline::decoded(const QString &file, int maxPixel, const std::stop_token &stop) const
@@ -301,26 +303,29 @@ CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
     if (settings.style == FrameStyle::film) {
         images.background = {};
     } else if (settings.background == Backdrop::blur) {
-        images.background = gaussianBlurred(decoded(item.file, blurSourcePixels, stop), blurSigma);
+        images.background =
+            coveringPicture(gaussianBlurred(decoded(item.file, blurSourcePixels, stop), blurSigma), canvas);
     } else if (settings.background == Backdrop::image && settings.backgroundFile) {
-        images.background = companion(FramePicture::Background, *settings.backgroundFile, backdropPixels, stop);
+        images.background = coveringPicture(
+            companion(FramePicture::Background, *settings.backgroundFile, backdropPixels, stop), canvas);
     }
     throwIfCancelled(stop);
-    // Logo and signature are decoded at the size they are drawn at: the painter scales down badly.
+    // Logo and signature are resampled to the pixels that they cover, as the photo is: the painter scales
+    // badly.
     const TextLayer *logo = settings.layer(u"watermark"_s);
-    if (logo && logo->visible && logo->imageFile) {
-        const int drawn = longSide(CompositionRenderer::textRect(*logo, canvas).size());
-        images.watermark =
-            companion(FramePicture::Logo, *logo->imageFile, std::max(1, std::min({edge, logoPixels, drawn})), stop);
+    if (const QSize size = logoPixels(item, canvas); !size.isEmpty()) {
+        const int most = std::min(edge, logoPixelsDecoded);
+        images.watermark = scaledPicture(
+            companion(FramePicture::Logo, *logo->imageFile, std::min(most, longSide(size)), stop), size);
     }
     if (settings.handwritingFile) {
-        // Its own aspect decides on its size where the settings have none, so it may be scaled once more when
-        // drawn.
+        // Its own aspect decides on its size where the settings have none.
         const double widest = settings.handwritingWidth.value_or(0.42) * canvas.width();
         const double aspect = std::max(settings.handwritingAspect.value_or(1), 0.1);
         const int drawn = longSide({widest, settings.handwritingAspect ? widest / aspect : widest});
-        images.handwriting =
-            companion(FramePicture::Signature, *settings.handwritingFile, std::max(1, std::min({edge, signaturePixels, drawn})), stop);
+        const QImage picture = companion(FramePicture::Signature, *settings.handwritingFile,
+                                         std::max(1, std::min({edge, signaturePixelsDecoded, drawn})), stop);
+        images.handwriting = scaledPicture(picture, signaturePixels(item, picture.size(), canvas));
     }
     return images;
 }

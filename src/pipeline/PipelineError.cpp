@@ -44,16 +44,16 @@ QString readingDescription(const FileError &error)
                                 "Aucun fichier ne correspond à ce motif."})
                    : localized({"文件不存在。", "There is no such file.", "Ce fichier n’existe pas."});
     case EISDIR:
-        return localized({"这是文件夹，不是照片。", "This is a folder, not a photo.",
-                          "C’est un dossier, pas une photo."});
+        return localized(
+            {"这是文件夹，不是照片。", "This is a folder, not a photo.", "C’est un dossier, pas une photo."});
     case EACCES:
     case EPERM:
         return localized({"没有读取这个文件的权限。", "You are not allowed to read this file.",
                           "Vous n’êtes pas autorisé à lire ce fichier."});
     case EINVAL:
     case ENXIO:
-        return localized({"这不是普通文件。", "This is not an ordinary file.",
-                          "Ce n’est pas un fichier ordinaire."});
+        return localized(
+            {"这不是普通文件。", "This is not an ordinary file.", "Ce n’est pas un fichier ordinaire."});
     case ENODATA:
         return localized({"文件是空的。", "The file is empty.", "Le fichier est vide."});
     case EILSEQ:
@@ -118,8 +118,8 @@ QString missingPicture(FramePicture picture)
     case FramePicture::Logo:
         return localized({"无法读取徽标图片。", "The logo cannot be read.", "Le logo est illisible."});
     case FramePicture::Signature:
-        return localized({"无法读取签名图片。", "The signature cannot be read.",
-                          "La signature est illisible."});
+        return localized(
+            {"无法读取签名图片。", "The signature cannot be read.", "La signature est illisible."});
     }
     return {};
 }

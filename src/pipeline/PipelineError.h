@@ -24,8 +24,8 @@ enum class FramePicture { Photo, Background, Logo, Signature };
 /// A PipelineError on its way through a QFuture.
 class PipelineFailure : public QException {
 public:
-    /// `file` is the picture that the failure is about, where that is not the photo itself; `trouble` is why it
-    /// could not even be opened.
+    /// `file` is the picture that the failure is about, where that is not the photo itself; `trouble` is why
+    /// it could not even be opened.
     explicit PipelineFailure(PipelineError error, const QString &file = {},
                              FramePicture picture = FramePicture::Photo,
                              const std::optional<FileError> &trouble = {})

@@ -1,6 +1,10 @@
 #include "pipeline/PlacedPhoto.h"
 
+#include <cmath>
+
 #include "imaging/Resampler.h"
+
+using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
@@ -8,8 +12,22 @@ namespace {
 
 QImage resamplable(const QImage &image)
 {
+    if (image.depth() == 64) {
+        return image; // a blurred one
+    }
     return image.hasAlphaChannel() ? image.convertToFormat(QImage::Format_ARGB32_Premultiplied)
                                    : image.convertToFormat(QImage::Format_RGB32);
+}
+
+/// Whole pixels, at least one and not many more than the canvas has: a larger picture is enlarged as it is
+/// drawn.
+QSize heldPixels(QSizeF size, QSize canvas)
+{
+    constexpr double mostCanvases = 2;
+    const double most = mostCanvases * canvas.width() * canvas.height();
+    const double area = size.width() * size.height();
+    const QSizeF held = area > most ? size * std::sqrt(most / area) : size;
+    return held.boundedTo({most, most}).toSize().expandedTo({1, 1});
 }
 
 } // namespace
@@ -55,6 +73,23 @@ QImage coveringPicture(const QImage &picture, QSize canvas)
     const QRectF region(QPointF((picture.width() - cut.width()) / 2, (picture.height() - cut.height()) / 2),
                         cut);
     return resampled(resamplable(picture), region, canvas);
+}
+
+QSize logoPixels(const PhotoItem &item, QSize canvas)
+{
+    const TextLayer *logo = item.settings.layer(u"watermark"_s);
+    if (!logo || !logo->visible || !logo->imageFile) {
+        return {};
+    }
+    return heldPixels(CompositionRenderer::textRect(*logo, canvas).size(), canvas);
+}
+
+QSize signaturePixels(const PhotoItem &item, QSize picture, QSize canvas)
+{
+    if (!item.settings.handwritingFile || picture.isEmpty()) {
+        return {};
+    }
+    return heldPixels(CompositionRenderer::handwritingRect(item.settings, picture, canvas).size(), canvas);
 }
 
 QImage scaledPicture(const QImage &picture, QSize size)

@@ -31,6 +31,13 @@ PhotoImage placedPhoto(const QImage &photo, const PhotoPlacement &placement, QSi
 /// A picture scaled and cut to cover a canvas, its pixels on the canvas's. May run on any thread.
 QImage coveringPicture(const QImage &picture, QSize canvas);
 
+/// The pixels that the logo of a photo covers on a canvas; empty where none is drawn.
+QSize logoPixels(const PhotoItem &item, QSize canvas);
+
+/// The pixels that the signature covers; empty where none is drawn. The picture's own size gives the aspect
+/// when the settings have none.
+QSize signaturePixels(const PhotoItem &item, QSize picture, QSize canvas);
+
 /// A picture at exactly this size. May run on any thread.
 QImage scaledPicture(const QImage &picture, QSize size);
 

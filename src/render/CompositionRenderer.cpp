@@ -4,9 +4,9 @@
 #include <cmath>
 #include <numbers>
 
-#include <QLinearGradient>
 #include <QPainter>
 
+#include "render/DitheredGradient.h"
 #include "render/FilmRenderer.h"
 #include "render/Fonts.h"
 #include "render/FrameGeometry.h"
@@ -28,6 +28,15 @@ constexpr int referencePixels = 256;
 /// Type and pictures larger than this many canvas widths are held there: the painter's coordinates end
 /// somewhere.
 constexpr double largestType = 8;
+
+/// Type from this part of the canvas's width on is set in the display cut.
+constexpr double displaySize = 0.04;
+
+/// Type smaller than this many canvas units is nothing to be seen, and its reciprocal no number to set with.
+constexpr double smallestType = 1e-3;
+
+/// A part of a photo smaller than this, in its pixels, is none.
+constexpr double leastSource = 1e-6;
 
 /// A text's box as fractions of the canvas.
 constexpr double widestText = 0.84;
@@ -61,7 +70,8 @@ bool isPicture(const TextLayer &layer)
 /// Canvas units for one unit of the reference type.
 double typeScale(const TextLayer &layer, QSizeF size)
 {
-    return FrameGeometry::held(layer.size, 0, largestType) * size.width() / referencePixels;
+    const double pixels = FrameGeometry::held(layer.size, 0, largestType) * size.width();
+    return pixels < smallestType ? 0 : pixels / referencePixels;
 }
 
 /// `box` is in units of the reference type.
@@ -100,10 +110,7 @@ void drawBackdrop(QPainter &painter, const FrameSettings &settings, QSizeF size,
 {
     const QRectF canvas({}, size);
     if (settings.background == Backdrop::gradient) {
-        QLinearGradient gradient(canvas.topLeft(), canvas.bottomRight());
-        gradient.setColorAt(0, opaque(settings.color));
-        gradient.setColorAt(1, opaque(settings.secondColor));
-        painter.fillRect(canvas, gradient);
+        fillDiagonally(painter, size, opaque(settings.color), opaque(settings.secondColor));
         return;
     }
     painter.fillRect(canvas, opaque(settings.color));
@@ -113,17 +120,54 @@ void drawBackdrop(QPainter &painter, const FrameSettings &settings, QSizeF size,
     }
 }
 
+bool isUpright(const QTransform &transform)
+{
+    return transform.type() <= QTransform::TxScale;
+}
+
+/// A border of whole device pixels around those that the photo takes, equally wide on all sides and never
+/// without a pixel: a keyline that falls between pixels is two grey ones.
+void fillBorder(QPainter &painter, const QRectF &photo, double border, const QColor &color)
+{
+    const QTransform device = painter.deviceTransform();
+    if (!isUpright(device)) {
+        painter.fillRect(photo.adjusted(-border, -border, border, border), color);
+        return;
+    }
+    constexpr double widest = 1e6;
+    const int wide = std::max(1, qRound(std::min(border * std::abs(device.m11()), widest)));
+    painter.save();
+    painter.setTransform(device.inverted() * painter.transform());
+    painter.fillRect(devicePixels(device.mapRect(photo)).adjusted(-wide, -wide, wide, wide), color);
+    painter.restore();
+}
+
 void drawPlacedPhoto(QPainter &painter, const PhotoItem &item, const FrameSettings &settings, QSizeF size,
                      const PhotoImage &photo)
 {
     const PhotoPlacement placement = photoPlacement(item, settings, size);
     const bool bordered = settings.style != FrameStyle::cinema && settings.border > 0;
     if (bordered && !placement.whole.isEmpty()) {
-        const double border = borderPx(settings, size);
-        painter.fillRect(placement.whole.adjusted(-border, -border, border, border),
-                         opaque(settings.borderColor));
+        fillBorder(painter, placement.whole, borderPx(settings, size), opaque(settings.borderColor));
     }
     drawPhoto(painter, photo, placement);
+}
+
+/// A picture in its rectangle. One that has been made for just these pixels is copied to the nearest of them.
+void drawPicture(QPainter &painter, const QRectF &rect, const QImage &picture)
+{
+    const QTransform device = painter.deviceTransform();
+    const QRectF pixels = device.mapRect(rect);
+    const bool fits = isUpright(device) && std::abs(pixels.width() - picture.width()) < 1 &&
+                      std::abs(pixels.height() - picture.height()) < 1;
+    if (!fits) {
+        painter.drawImage(rect, picture);
+        return;
+    }
+    painter.save();
+    painter.setTransform(device.inverted() * painter.transform());
+    painter.drawImage(QPoint(qRound(pixels.left()), qRound(pixels.top())), picture);
+    painter.restore();
 }
 
 void drawText(QPainter &painter, const TextLayer &layer, const FrameSettings &settings, QSizeF size)
@@ -165,7 +209,7 @@ void drawLayer(QPainter &painter, const TextLayer &layer, const FrameSettings &s
         painter.save();
         painter.translate(rect.center());
         painter.rotate(degrees(layer));
-        painter.drawImage(centred({}, rect.size()), watermark);
+        drawPicture(painter, centred({}, rect.size()), watermark);
         painter.restore();
     } else {
         drawText(painter, layer, settings, size);
@@ -218,8 +262,12 @@ PhotoPlacement photoPlacement(const PhotoItem &item, const FrameSettings &settin
 
 QFont font(const TextLayer &layer, double width)
 {
-    return Fonts::face(layer.fontStyle, layer.id == u"brand"_s ? QFont::DemiBold : QFont::Normal,
-                       std::max(1, qRound(layer.size * width)));
+    // Typewriter and handwriting have one weight.
+    const bool heavy =
+        layer.id == u"brand"_s && layer.fontStyle != u"mono"_s && layer.fontStyle != u"handwritten"_s;
+    return Fonts::face(layer.fontStyle, heavy ? QFont::DemiBold : QFont::Normal,
+                       std::max(1, qRound(layer.size * width)),
+                       layer.size >= displaySize ? Fonts::Cut::Display : Fonts::Cut::Text);
 }
 
 QRectF textRect(const TextLayer &layer, QSizeF size)
@@ -246,10 +294,18 @@ QRectF handwritingRect(const FrameSettings &settings, QSizeF imageSize, QSizeF s
                    {width, height});
 }
 
+QRect devicePixels(const QRectF &rect)
+{
+    static constexpr double farthest = 1e8;
+    const auto edge = [](double value) { return qRound(FrameGeometry::held(value, -farthest, farthest)); };
+    return {QPoint(edge(rect.left()), edge(rect.top())),
+            QPoint(edge(rect.right()) - 1, edge(rect.bottom()) - 1)};
+}
+
 QRect alignedPixels(const QTransform &transform, const PhotoImage &photo, const QRectF &whole)
 {
     constexpr double tolerance = 1e-3;
-    if (photo.image.isNull() || transform.type() > QTransform::TxScale) {
+    if (photo.image.isNull() || !isUpright(transform)) {
         return {};
     }
     const QRectF &extent = photo.extent;
@@ -273,24 +329,31 @@ void drawPhoto(QPainter &painter, const PhotoImage &photo, const PhotoPlacement 
     const QRectF target(whole.x() + extent.x() * whole.width(), whole.y() + extent.y() * whole.height(),
                         extent.width() * whole.width(), extent.height() * whole.height());
     const QRectF shown = placement.shown & placement.whole & target;
+    const QTransform transform = painter.deviceTransform();
+    const QRect aligned = alignedPixels(transform, photo, whole);
+    const QRect pixels = devicePixels(transform.mapRect(shown));
+    if (shown.isEmpty() || (pixels.isEmpty() && isUpright(transform))) {
+        return;
+    }
     painter.save();
-    const QRect aligned = alignedPixels(painter.deviceTransform(), photo, whole);
-    if (!aligned.isEmpty()) {
-        // A fill whose texture lies on the device's pixels copies them, and blends the fractional edge.
-        const QRectF device = painter.deviceTransform().mapRect(shown);
-        painter.setTransform(painter.deviceTransform().inverted() * painter.transform());
-        if (const QRect pixels = device.toRect(); QRectF(pixels) == device) {
-            painter.drawImage(pixels, photo.image, pixels.translated(-aligned.topLeft()));
-        } else {
-            painter.setBrushOrigin(aligned.topLeft());
-            painter.fillRect(device, QBrush(photo.image));
-        }
+    if (!aligned.isEmpty() && aligned.contains(pixels)) {
+        painter.setTransform(transform.inverted() * painter.transform());
+        painter.drawImage(pixels, photo.image, pixels.translated(-aligned.topLeft()));
     } else {
-        const QSizeF pixels(photo.image.width() / target.width(), photo.image.height() / target.height());
-        const QRectF source((shown.x() - target.x()) * pixels.width(),
-                            (shown.y() - target.y()) * pixels.height(), shown.width() * pixels.width(),
-                            shown.height() * pixels.height());
-        painter.drawImage(shown, photo.image, source);
+        const QSizeF scale(photo.image.width() / target.width(), photo.image.height() / target.height());
+        const QRectF source((shown.x() - target.x()) * scale.width(),
+                            (shown.y() - target.y()) * scale.height(), shown.width() * scale.width(),
+                            shown.height() * scale.height());
+        const bool isThere = source.width() > leastSource && source.height() > leastSource;
+        if (!isThere) {
+            // A photo of no extent in one direction, or enlarged beyond all numbers.
+        } else if (isUpright(transform)) {
+            painter.setTransform(transform.inverted() * painter.transform());
+            painter.setRenderHint(QPainter::Antialiasing, false);
+            painter.drawImage(QRectF(pixels), photo.image, source);
+        } else {
+            painter.drawImage(shown, photo.image, source);
+        }
     }
     painter.restore();
 }
@@ -308,7 +371,7 @@ void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &setting
         drawPlacedPhoto(painter, item, settings, size, images.photo);
     }
     if (settings.handwritingFile && !images.handwriting.isNull()) {
-        painter.drawImage(handwritingRect(settings, images.handwriting.size(), size), images.handwriting);
+        drawPicture(painter, handwritingRect(settings, images.handwriting.size(), size), images.handwriting);
     }
     for (const TextLayer &layer : settings.layers) {
         drawLayer(painter, layer, settings, size, images.watermark);

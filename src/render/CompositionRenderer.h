@@ -60,8 +60,12 @@ QRectF handwritingRect(const FrameSettings &settings, QSizeF imageSize, QSizeF s
 /// an empty rectangle when it has to be scaled.
 QRect alignedPixels(const QTransform &transform, const PhotoImage &photo, const QRectF &whole);
 
-/// Draws `photo` so that the whole photo would fill `placement.whole`, cut to `placement.shown`. An image
-/// whose pixels lie on the device's is copied; any other is scaled smoothly.
+/// The whole device pixels that an upright rectangle of device coordinates is drawn on, each edge at the
+/// nearest: an edge between two pixels would mix with what lies behind it.
+QRect devicePixels(const QRectF &rect);
+
+/// Draws `photo` so that the whole photo would fill `placement.whole`, cut to the device pixels of
+/// `placement.shown`. An image whose pixels lie on the device's is copied; any other is scaled smoothly.
 void drawPhoto(QPainter &painter, const PhotoImage &photo, const PhotoPlacement &placement);
 
 /// `source` scaled to cover `target`, centred.

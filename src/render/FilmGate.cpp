@@ -154,12 +154,17 @@ QRect FilmGate::hidden() const
 /// edge that strays outwards: its rim is stretched to there.
 void FilmGate::fill(QPainter &painter) const
 {
-    const auto &[whole, reach] = m_placement;
+    const QRectF &whole = m_placement.whole;
+    // All the pixels that the outline touches: it decides how much of each is seen.
+    const QRectF reach =
+        m_upright
+            ? m_transform.inverted().mapRect(QRectF(m_transform.mapRect(m_placement.shown).toAlignedRect()))
+            : m_placement.shown;
     if (!whole.contains(reach) && !m_photo.image.hasAlphaChannel()) {
         CompositionRenderer::drawPhoto(painter, m_photo,
                                        {CompositionRenderer::aspectFilled(whole.size(), reach), reach});
     }
-    CompositionRenderer::drawPhoto(painter, m_photo, m_placement);
+    CompositionRenderer::drawPhoto(painter, m_photo, {whole, reach});
 }
 
 /// The photo's pixels one to one, the outermost repeated beyond it.

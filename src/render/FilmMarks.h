@@ -22,8 +22,9 @@ QColor baseColor(bool light);
 /// Of texts and arrows exposed on the rebate.
 QColor printColor(bool light);
 
-/// A perforation with its top left corner there, in a painter whose unit is the millimetre.
-void drawHole(QPainter &painter, QPointF corner);
+/// A perforation with its top left corner there, in a painter whose unit is the millimetre. Through a light
+/// base it would hardly be seen: there it stands in the shade of the film's thickness.
+void drawHole(QPainter &painter, QPointF corner, bool light);
 
 /// The small solid triangle that points along the film.
 QPolygonF arrow(double backX, double middleY);

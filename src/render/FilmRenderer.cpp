@@ -37,14 +37,14 @@ void drawGrain(QPainter &painter, const FilmLayout &layout, bool light)
     }
 }
 
-void drawPerforations(QPainter &painter, const FilmLayout &layout)
+void drawPerforations(QPainter &painter, const FilmLayout &layout, bool light)
 {
     const double firstCentre = (layout.pieceLengthMm - (holesPerRow - 1) * FilmMarks::pitchMm) / 2;
     const double lower = layout.filmWidthMm - FilmMarks::holeInsetMm - FilmMarks::holeMm.height();
     for (const double top : {FilmMarks::holeInsetMm, lower}) {
         for (int i = 0; i < holesPerRow; ++i) {
-            FilmMarks::drawHole(painter,
-                                {firstCentre + i * FilmMarks::pitchMm - FilmMarks::holeMm.width() / 2, top});
+            FilmMarks::drawHole(
+                painter, {firstCentre + i * FilmMarks::pitchMm - FilmMarks::holeMm.width() / 2, top}, light);
         }
     }
 }
@@ -77,7 +77,7 @@ void drawFilm(QPainter &painter, const FilmLayout &layout, const FilmOptions &op
     }
     drawGrain(painter, layout, options.light);
     if (options.perforations && options.format == FilmFormat::mm35) {
-        drawPerforations(painter, layout);
+        drawPerforations(painter, layout, options.light);
     }
     drawFilmEdge(painter, FilmEdgePrint::print(options), FilmMarks::printColor(options.light));
     painter.restore();

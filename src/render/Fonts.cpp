@@ -1,6 +1,15 @@
 #include "render/Fonts.h"
 
-#include <QStringList>
+#include <map>
+#include <mutex>
+#include <set>
+#include <tuple>
+#include <vector>
+
+#include <QFontDatabase>
+#include <QLoggingCategory>
+
+#include "language/AppLanguage.h"
 
 using namespace Qt::StringLiterals;
 
@@ -8,30 +17,120 @@ namespace tarnovel::Fonts {
 
 namespace {
 
-QStringList families(const QString &fontStyle)
+Q_LOGGING_CATEGORY(fonts, "tarnovel.fonts")
+
+struct Family {
+    QString name;
+    QString package;
+};
+
+struct Role {
+    std::vector<Family> families;
+    /// What fontconfig calls the kind.
+    QString generic;
+    QFont::StyleHint hint = QFont::SansSerif;
+};
+
+Role role(const QString &fontStyle, Cut cut, QFont::Weight weight)
 {
+    const Family chineseSans{u"Noto Sans CJK SC"_s, u"fonts-noto-cjk"_s};
     if (fontStyle == u"serif"_s) {
-        return {u"Noto Serif"_s, u"Noto Serif CJK SC"_s};
+        return {{{u"Noto Serif"_s, u"fonts-noto-core"_s}, {u"Noto Serif CJK SC"_s, u"fonts-noto-cjk"_s}},
+                u"serif"_s,
+                QFont::Serif};
     }
     if (fontStyle == u"rounded"_s) {
-        return {u"Quicksand"_s, u"Noto Sans CJK SC"_s};
+        // The regular weight is too thin beside Chinese of the same size.
+        return {{{weight > QFont::Medium ? u"Quicksand"_s : u"Quicksand Medium"_s, u"fonts-quicksand"_s},
+                 chineseSans},
+                u"sans-serif"_s,
+                QFont::SansSerif};
     }
     if (fontStyle == u"mono"_s) {
-        return {u"JetBrains Mono"_s, u"Noto Sans Mono CJK SC"_s};
+        return {{{u"JetBrains Mono"_s, u"fonts-jetbrains-mono"_s},
+                 {u"Noto Sans Mono CJK SC"_s, u"fonts-noto-cjk"_s}},
+                u"monospace"_s,
+                QFont::Monospace};
     }
     if (fontStyle == u"handwritten"_s) {
-        return {u"Comic Neue"_s, u"LXGW WenKai"_s};
+        return {{{u"Comic Neue"_s, u"fonts-comic-neue"_s}, {u"LXGW WenKai"_s, u"fonts-lxgw-wenkai"_s}},
+                u"cursive"_s,
+                QFont::Cursive};
     }
-    return {u"Inter"_s, u"Noto Sans CJK SC"_s};
+    return {{{cut == Cut::Display ? u"Inter Display"_s : u"Inter"_s, u"fonts-inter"_s}, chineseSans},
+            u"sans-serif"_s,
+            QFont::SansSerif};
+}
+
+/// One line for each package that is missing, however many texts ask for it.
+void warnOnce(const QStringList &packages)
+{
+    static std::mutex mutex;
+    static std::set<QString> told;
+    for (const QString &package : packages) {
+        const std::lock_guard lock(mutex);
+        if (told.insert(package).second) {
+            qCWarning(fonts).noquote()
+                << localized({"缺少字体，文字会换用其他字体。请安装软件包 ",
+                              "A font is missing, and texts look different. Install the package ",
+                              "Une police manque et les textes changent d’aspect. Installez le paquet "}) +
+                       package;
+        }
+    }
+}
+
+/// The choice for a role, made once: what is installed is asked of the system.
+QStringList installedFamilies(const QString &fontStyle, Cut cut, QFont::Weight weight)
+{
+    static std::mutex mutex;
+    static std::map<std::tuple<QString, Cut, int>, QStringList> known;
+    const std::lock_guard lock(mutex);
+    const auto [place, isNew] = known.try_emplace({fontStyle, cut, weight});
+    if (isNew) {
+        const Choice made = choose(fontStyle, cut, weight,
+                                   [](const QString &family) { return QFontDatabase::hasFamily(family); });
+        warnOnce(made.missingPackages);
+        place->second = made.families;
+    }
+    return place->second;
 }
 
 } // namespace
 
-QFont face(const std::optional<QString> &fontStyle, QFont::Weight weight, int pixelSize)
+QString emojiFamily()
 {
-    QFont font(families(fontStyle.value_or(QString())));
+    return u"Noto Color Emoji"_s;
+}
+
+Choice choose(const QString &fontStyle, Cut cut, QFont::Weight weight,
+              const std::function<bool(const QString &)> &isInstalled)
+{
+    Role wanted = role(fontStyle, cut, weight);
+    wanted.families.push_back({emojiFamily(), u"fonts-noto-color-emoji"_s});
+    Choice made;
+    for (const Family &family : wanted.families) {
+        if (isInstalled(family.name)) {
+            made.families.append(family.name);
+        } else if (!made.missingPackages.contains(family.package)) {
+            made.missingPackages.append(family.package);
+        }
+    }
+    if (!made.missingPackages.isEmpty()) {
+        // Before the pictures, which have digits of their own.
+        made.families.insert(made.families.contains(emojiFamily()) ? made.families.size() - 1
+                                                                   : made.families.size(),
+                             wanted.generic);
+    }
+    return made;
+}
+
+QFont face(const std::optional<QString> &fontStyle, QFont::Weight weight, int pixelSize, Cut cut)
+{
+    const QString style = fontStyle.value_or(QString());
+    QFont font(installedFamilies(style, cut, weight));
     font.setPixelSize(pixelSize);
     font.setWeight(weight);
+    font.setStyleHint(role(style, cut, weight).hint);
     font.setHintingPreference(QFont::PreferNoHinting);
     font.setStyleStrategy(QFont::PreferOutline);
     return font;

@@ -1,10 +1,14 @@
 #include "render/SetText.h"
 
 #include <algorithm>
+#include <functional>
 
 #include <QPainter>
 #include <QRawFont>
 #include <QTextLayout>
+
+#include "render/Emoji.h"
+#include "render/Fonts.h"
 
 namespace tarnovel {
 
@@ -23,20 +27,73 @@ bool hasOutlines(const QRawFont &font)
            !font.fontTable("CFF2").isEmpty();
 }
 
+/// A text as it is laid out.
+struct Prepared {
+    QString text;
+    QList<QTextLayout::FormatRange> formats;
+};
+
+/// Colour pictures are set in their own family: where another one has the character too, it would come first.
+/// The selectors that made them pictures go: the family's own table of sequences has none.
+Prepared prepared(const QString &text)
+{
+    Prepared made;
+    qsizetype done = 0;
+    for (const TextStretch &stretch : emojiStretches(text)) {
+        made.text += QStringView(text).mid(done, stretch.start - done);
+        const qsizetype start = made.text.size();
+        made.text += text.mid(stretch.start, stretch.length).remove(QChar(0xFE0F));
+        done = stretch.start + stretch.length;
+        QTextCharFormat format;
+        format.setFontFamilies({Fonts::emojiFamily()});
+        made.formats.append({static_cast<int>(start), static_cast<int>(made.text.size() - start), format});
+    }
+    made.text += QStringView(text).mid(done);
+    return made;
+}
+
+/// A zero's outline without what stands in its counter: the outermost two of its contours.
+QPainterPath plainZero(const QPainterPath &zero)
+{
+    QList<QPainterPath> contours;
+    for (int i = 0; i < zero.elementCount(); ++i) {
+        const QPainterPath::Element &element = zero.elementAt(i);
+        if (element.isMoveTo()) {
+            contours.append(QPainterPath(element));
+        } else if (element.isLineTo()) {
+            contours.last().lineTo(element);
+        } else if (element.type == QPainterPath::CurveToElement) {
+            contours.last().cubicTo(element, zero.elementAt(i + 1), zero.elementAt(i + 2));
+            i += 2;
+        }
+    }
+    std::ranges::sort(contours, std::ranges::greater{}, [](const QPainterPath &contour) {
+        const QRectF box = contour.controlPointRect();
+        return box.width() * box.height();
+    });
+    QPainterPath plain;
+    for (const QPainterPath &contour : contours.first(std::min<qsizetype>(contours.size(), 2))) {
+        plain.addPath(contour);
+    }
+    return plain;
+}
+
 } // namespace
 
-SetText::SetText(const QString &text, const QFont &font, Box box)
+SetText::SetText(const QString &text, const QFont &font, Box box, Zero zero)
 {
     QString lines = text.left(mostCharacters);
     lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     lines.replace(u'\r', QChar::LineSeparator);
     lines.replace(u'\n', QChar::LineSeparator);
 
-    QTextLayout layout(lines, font);
+    const Prepared set = prepared(lines);
+    QTextLayout layout(set.text, font);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     option.setUseDesignMetrics(true);
     layout.setTextOption(option);
+    layout.setFormats(set.formats);
     layout.setCacheEnabled(true);
 
     std::vector<QTextLine> fitting;
@@ -76,8 +133,12 @@ SetText::SetText(const QString &text, const QFont &font, Box box)
                 m_pictures.push_back(run);
                 continue;
             }
+            const QList<quint32> zeros =
+                zero == Zero::Plain ? raw.glyphIndexesForString(QStringLiteral("0")) : QList<quint32>();
             for (qsizetype i = 0; i < indexes.size(); ++i) {
-                m_outlines.addPath(raw.pathForGlyph(indexes.at(i)).translated(positions.at(i)));
+                const QPainterPath glyph = raw.pathForGlyph(indexes.at(i));
+                m_outlines.addPath(
+                    (zeros.contains(indexes.at(i)) ? plainZero(glyph) : glyph).translated(positions.at(i)));
             }
         }
     }

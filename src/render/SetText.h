@@ -22,9 +22,12 @@ public:
         double height = 0;
     };
 
+    /// How a zero is drawn in faces that mark theirs with a stroke or a dot.
+    enum class Zero { AsDesigned, Plain };
+
     /// Sets centred lines, broken at words (inside one where it is too long) to the box's width. Lines that
     /// do not fit whole into its height are left out, but never the first.
-    SetText(const QString &text, const QFont &font, Box box);
+    SetText(const QString &text, const QFont &font, Box box, Zero zero = Zero::AsDesigned);
 
     /// The lines' common box: as wide as the widest line.
     QSizeF size() const { return m_size; }

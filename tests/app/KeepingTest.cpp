@@ -1,4 +1,5 @@
-// What the window does when something would be lost: closing, sudden ends, sessions set aside, exports that stop.
+// What the window does when something would be lost: closing, sudden ends, sessions set aside, exports that
+// stop.
 
 #include <QClipboard>
 #include <QProcess>

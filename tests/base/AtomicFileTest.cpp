@@ -88,8 +88,11 @@ TEST(AtomicFile, TellsWhatCannotBeReadFromWhatCannotBeWritten)
     const auto name = [](int) { return QStringLiteral("copy"); };
     const QString absent = folder.filePath(QStringLiteral("absent"));
     const QString misnamed = folder.filePath(QString(QChar::ReplacementCharacter));
-    for (const auto &[path, code] : std::initializer_list<std::pair<QString, int>>{
-             {absent, ENOENT}, {folder.path(), EISDIR}, {pipe, EINVAL}, {misnamed, EILSEQ}, {empty, ENODATA}}) {
+    for (const auto &[path, code] : std::initializer_list<std::pair<QString, int>>{{absent, ENOENT},
+                                                                                   {folder.path(), EISDIR},
+                                                                                   {pipe, EINVAL},
+                                                                                   {misnamed, EILSEQ},
+                                                                                   {empty, ENODATA}}) {
         const std::optional<FileError> trouble = fileTrouble(path);
         ASSERT_TRUE(trouble) << path.toStdString();
         EXPECT_EQ(trouble->code(), code) << path.toStdString();

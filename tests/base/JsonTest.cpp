@@ -45,7 +45,8 @@ TEST(Json, BoundsWhatADocumentMayAskFor)
 {
     EXPECT_EQ(complaint(objectOf(1000)), "");
     EXPECT_EQ(complaint(objectOf(200'000)), "more than 1000 members in one object");
-    EXPECT_EQ(complaint('[' + QByteArray(1'999'998, '1').replace("11", "1,") + "1]"), "more than a million values");
+    EXPECT_EQ(complaint('[' + QByteArray(1'999'998, '1').replace("11", "1,") + "1]"),
+              "more than a million values");
     EXPECT_EQ(complaint('"' + QByteArray(63'999'998, 'x') + '"'), "");
     EXPECT_EQ(complaint('"' + QByteArray(63'999'999, 'x') + '"'), "larger than 64 MB");
 }

@@ -17,7 +17,7 @@ TEST_F(Dividers, FollowTheFingerAndSnapOnce)
     EXPECT_FALSE(m_gestures.grabDivider({root.position + 13, middle}));
     ASSERT_TRUE(m_gestures.grabDivider({root.position + 8, middle}));
     const auto drag = [&](double share) {
-        m_gestures.dragDivider({root.position + 8 + share * root.parent.width(), middle});
+        m_gestures.dragDivider({root.position + 8 + share * root.shared, middle});
     };
     drag(0);
     EXPECT_DOUBLE_EQ(rootRatio(), 0.62); // taking hold moves nothing
@@ -55,6 +55,38 @@ TEST_F(Dividers, OfManyCellsDoNotJumpAgainstTheKey)
     EXPECT_EQ(m_studio.design(), before);
     m_gestures.nudgeDivider(first, 0.01);
     EXPECT_NE(m_studio.design(), before);
+}
+
+TEST_F(Dividers, StayUnderTheFingerWhereverTheyAreInAChain)
+{
+    open({0, 1, 2, 3});
+    m_studio.choosePreset(u"row"_s);
+    CollageDesign wide = m_studio.design();
+    wide.gap = 0.05;
+    m_studio.update(wide);
+    for (const int index : {0, 1, 2}) {
+        const CollageDivider before = m_studio.layout().dividers.at(index);
+        const double middle = before.parent.center().y();
+        ASSERT_TRUE(m_gestures.grabDivider({before.position - 3, middle}));
+        m_gestures.dragDivider({before.position - 3 + 22, middle});
+        EXPECT_NEAR(m_studio.layout().dividers.at(index).position, before.position + 22, 1e-6) << index;
+        m_gestures.releaseDivider();
+    }
+}
+
+TEST_F(Dividers, OutsideTheLimitsStayUntilTheFingerIsInside)
+{
+    open({0, 1, 2, 3, 4, 5, 6, 7, 8});
+    m_studio.choosePreset(u"row"_s);
+    const CollageDesign before = m_studio.design();
+    const CollageDivider first = m_studio.layout().dividers.first();
+    const double middle = first.parent.center().y();
+    ASSERT_TRUE(m_gestures.grabDivider({first.position, middle}));
+    m_gestures.dragDivider({first.position + 1, middle});
+    m_gestures.dragDivider({first.position - 30, middle});
+    EXPECT_EQ(m_studio.design(), before);
+    m_gestures.dragDivider({first.position + 0.1 * first.shared, middle});
+    EXPECT_NEAR(rootRatio(), 1.0 / 9 + 0.1, 1e-9);
 }
 
 TEST_F(Dividers, ADragThatIsUndoneIsOver)
@@ -169,6 +201,38 @@ TEST_F(Views, ZoomFromOneToFour)
     m_studio.undo();
     m_studio.undo();
     EXPECT_EQ(zoom(), 2);
+}
+
+TEST_F(Views, KeepWhatLiesUnderThePointerWhenZoomed)
+{
+    const QRectF rect(100, 50, 200, 150);
+    const QSizeF photo(300, 300);
+    CollageCell cell;
+    cell.zoom = 1.5;
+    cell.offset = {0.4, -0.3};
+    const QPointF anchor(170, 110);
+    const auto fraction = [&](const CollageCell &each) {
+        const QRectF whole = cellPlacement(each, photo, rect).whole;
+        return QPointF((anchor.x() - whole.x()) / whole.width(), (anchor.y() - whole.y()) / whole.height());
+    };
+    for (const double zoom : {1.6, 2.5, 4.0}) {
+        const CollageCell made = CollageEdits::zoomedAt(cell, photo, rect, zoom, anchor);
+        EXPECT_EQ(made.zoom, zoom);
+        EXPECT_NEAR(fraction(made).x(), fraction(cell).x(), 1e-9);
+        EXPECT_NEAR(fraction(made).y(), fraction(cell).y(), 1e-9);
+    }
+    // At its smallest the photo fills the window, and no edge comes into it.
+    const CollageCell smallest = CollageEdits::zoomedAt(cell, photo, rect, 1, {300, 200});
+    EXPECT_TRUE(cellPlacement(smallest, photo, rect).whole.adjusted(-1e-6, -1e-6, 1e-6, 1e-6).contains(rect));
+
+    open({0, 1});
+    const QPointF middle = m_studio.layout().cells.at(1).center();
+    m_gestures.zoomPhoto(1, 2, middle + QPointF(30, 20));
+    const QSizeF offset = m_studio.design().cells.at(1).offset;
+    EXPECT_LT(offset.width(), 0); // what lies right of the middle is drawn to the left
+    EXPECT_LT(offset.height(), 0);
+    m_gestures.pinchPhoto(1, 1.5, middle);
+    EXPECT_EQ(m_studio.design().cells.at(1).zoom, 3);
 }
 
 } // namespace

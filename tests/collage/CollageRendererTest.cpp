@@ -1,4 +1,5 @@
 #include <cmath>
+#include <tuple>
 
 #include <QImage>
 #include <QPainter>
@@ -88,6 +89,19 @@ TEST(CollagePlan, HasTheFinishedSizes)
     EXPECT_NEAR(strip.inner.height() / strip.size.height(), 24.0 / 35, 1e-12);
 }
 
+TEST(CollagePlan, CutsAStripIntoFramesOf36Millimetres)
+{
+    for (int count = 2; count <= 6; ++count) {
+        const CollagePlan strip = CollagePlan::of(design(count, u"filmstrip"_s), 2400);
+        const double unit = strip.size.height() / 35.0;
+        for (const auto &[slot, cell] : strip.layout.cells) {
+            // The output's sides are whole pixels, so its length misses 38 mm a frame by a little.
+            EXPECT_NEAR(cell.width() / unit, 36, 0.1) << count << ' ' << slot;
+            EXPECT_NEAR(cell.left() / unit, 1 + 38 * slot, 0.1 * (slot + 1)) << count << ' ' << slot;
+        }
+    }
+}
+
 TEST(CollageRenderer, ShowsThePannedPartInItsFrame)
 {
     CollageDesign made = design(2, u"h2"_s);
@@ -105,6 +119,33 @@ TEST(CollageRenderer, ShowsThePannedPartInItsFrame)
     const QImage round = drawn(made, 400, {{0, twoHalves()}});
     EXPECT_EQ(round.pixelColor(1, 1), QColor(Qt::green));
     EXPECT_NEAR(round.pixelColor(300, 200).red(), 31, 1); // without a photo the paper stays
+}
+
+TEST(CollageRenderer, DrawsTheInnerLineCloseAroundThePhoto)
+{
+    CollageDesign made = design(2, u"v2"_s);
+    made.margin = made.gap = 0;
+    made.cells[0].frame = CellFrame::inner;
+    made.cells[1].frame = CellFrame::white;
+    QImage grey(100, 100, QImage::Format_RGB32);
+    grey.fill(QColor(128, 128, 128));
+    const QImage canvas = drawn(made, 1250, {{0, {grey}}, {1, {grey}}});
+    // A cell of 1000 × 625: the photo 37.5 in, the line around it 6 away and 4 wide.
+    const auto darkness = [&canvas](int y) {
+        QList<int> dark;
+        for (int x = 0; x < 60; ++x) {
+            if (canvas.pixelColor(x, y).value() < 80) {
+                dark.append(x);
+            }
+        }
+        return dark;
+    };
+    const QList<int> dark = darkness(312);
+    ASSERT_FALSE(dark.isEmpty());
+    EXPECT_NEAR(dark.first(), 37.5 - 6 - 2, 1);
+    EXPECT_NEAR(dark.last(), 37.5 - 6 + 1, 1);
+    EXPECT_EQ(canvas.pixelColor(20, 312), QColor(Qt::white));
+    EXPECT_TRUE(darkness(625 + 312).isEmpty()); // the white frame has none
 }
 
 TEST(CollageRenderer, BoardAgreesWithTheResult)
@@ -163,9 +204,27 @@ TEST(FilmStripDecor, PerforatesAtTheRealPitch)
         amber = amber || (pixel.red() > 120 && pixel.blue() < pixel.red() - 40);
     }
     EXPECT_TRUE(amber);
+    // The number stands from 0.3 mm of the first frame's left edge on, the marking from 5.6 mm.
     CollageDesign quiet = design(4, u"filmstrip"_s);
+    quiet.filmEdge.topText = u"MARK"_s;
+    const auto ink = [&](const QImage &strip, double fromMm, double toMm, double topMm) {
+        int count = 0;
+        for (int x = static_cast<int>((1 + fromMm) * unit); x < static_cast<int>((1 + toMm) * unit); ++x) {
+            for (int y = static_cast<int>(topMm * unit); y < static_cast<int>((topMm + 1.3) * unit); ++y) {
+                count += strip.pixelColor(x, y).red() > 120;
+            }
+        }
+        return count;
+    };
+    const QImage numbered = drawn(quiet, 2400, {});
     quiet.filmEdge.showsNumbers = false;
-    EXPECT_NE(drawn(quiet, 2400, {}), canvas);
+    const QImage bare = drawn(quiet, 2400, {});
+    for (const auto &[from, to, top] : {std::tuple(0.2, 3.5, 0.15), {2.2, 5.4, 33.55}, {20.2, 25.2, 33.55}}) {
+        EXPECT_GT(ink(numbered, from, to, top), 10) << from;
+        EXPECT_EQ(ink(bare, from, to, top), 0) << from;
+    }
+    EXPECT_EQ(ink(numbered, 5.6, 12, 0.15), ink(bare, 5.6, 12, 0.15));
+    EXPECT_GT(ink(bare, 5.6, 12, 0.15), 50);
 }
 
 } // namespace

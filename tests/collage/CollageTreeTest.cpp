@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <numeric>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -91,6 +92,71 @@ TEST(CollagePresets, SuitThePhotos)
     EXPECT_EQ(best({wide, tall, tall}), u"big-top"_s);
     EXPECT_EQ(best({tall, tall, tall, tall}), u"g4"_s);
     EXPECT_EQ(best(QList<QSizeF>(8, wide)), u"grid"_s);
+}
+
+/// The lengths of a chain's cells along it, in order of their slots.
+QList<double> widths(const CollageNode &node, double length, double gap)
+{
+    QList<double> found;
+    for (const auto &[slot, cell] : CollageGeometry::layout(node, {7, 3, length, 90}, gap).cells) {
+        found.append(cell.width());
+    }
+    return found;
+}
+
+TEST(CollageGeometry, MakesTheCellsOfAChainEqualWhateverTheGap)
+{
+    const auto chain = [](int count) { return CollageNode::chain(CollageAxis::horizontal, 0, count); };
+    // (1000 − 2 · 20) ÷ 3 and (1000 − 8 · 30) ÷ 9
+    for (const auto &[count, gap, expected] :
+         {std::tuple(3, 20.0, 320.0), {9, 30.0, 760.0 / 9}, {2, 20.0, 490.0}, {6, 0.0, 1000.0 / 6}}) {
+        for (const double width : widths(chain(count), 1000, gap)) {
+            EXPECT_NEAR(width, expected, 1e-9) << count;
+        }
+    }
+    // Split from the middle the other way round, as the tree of a chain never is.
+    const CollageNode backwards = CollageNode::split(
+        CollageAxis::horizontal, 0.75,
+        CollageNode::split(CollageAxis::horizontal, 2.0 / 3, chain(2), CollageNode::leaf(2)),
+        CollageNode::leaf(3));
+    for (const double width : widths(backwards, 1000, 40)) {
+        EXPECT_NEAR(width, (1000 - 3 * 40) / 4.0, 1e-9);
+    }
+    // A split the other way counts no gap along this one: 38 % of 980 stay 38 % beside a stack of two.
+    const CollageNode stack = CollageNode::chain(CollageAxis::vertical, 1, 2);
+    const CollageLayout mixed = CollageGeometry::layout(
+        CollageNode::split(CollageAxis::horizontal, 0.38, CollageNode::leaf(0), stack), {0, 0, 1000, 500},
+        20);
+    EXPECT_NEAR(mixed.cells.at(0).width(), 0.38 * 980, 1e-9);
+    EXPECT_NEAR(mixed.cells.at(1).height(), 240, 1e-9);
+}
+
+TEST(CollageGeometry, KeepsCellsInsideHoweverWideTheGap)
+{
+    for (const CollageAxis axis : {CollageAxis::horizontal, CollageAxis::vertical}) {
+        for (const double gap : {3.0, 12.0, 400.0}) {
+            const QRectF area(5, 6, 60, 50);
+            const CollageLayout layout = CollageGeometry::layout(CollageNode::chain(axis, 0, 6), area, gap);
+            for (const auto &[slot, cell] : layout.cells) {
+                EXPECT_GE(cell.width(), 0);
+                EXPECT_GE(cell.height(), 0);
+                EXPECT_TRUE(cell.left() >= 5 && cell.right() <= 65 + 1e-9 && cell.top() >= 6 &&
+                            cell.bottom() <= 56 + 1e-9)
+                    << slot << ' ' << gap;
+            }
+        }
+    }
+}
+
+TEST(CollageGeometry, PutsDividersInTheMiddleOfTheirGaps)
+{
+    const CollageLayout layout =
+        CollageGeometry::layout(CollageNode::chain(CollageAxis::horizontal, 0, 4), {0, 0, 1000, 500}, 40);
+    ASSERT_EQ(layout.dividers.size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_NEAR(layout.dividers.at(i).position, (i + 1) * (220 + 40) - 20, 1e-9);
+        EXPECT_NEAR(layout.dividers.at(i).shared, 220 * (4 - i), 1e-9);
+    }
 }
 
 TEST(CollageGeometry, TakesTheGapOutOnceASplit)

@@ -137,9 +137,10 @@ TEST_F(Importing, SaysOfEachFileWhatIsTheMatter)
                        m_folder.filePath(u"gone too.jpg"_s), m_folder.filePath(u"*.jpg"_s), misnamed,
                        outside(u"broken.jpg"_s, "no picture")}});
     EXPECT_EQ(summary.added, 1);
-    EXPECT_EQ(m_model.message(), u"1 file could not be read. album.jpg: This is a folder, not a photo. "
-                                 "2 files: There is no such file. *.jpg: No file matches this pattern. a\uFFFD.jpg: "
-                                 "The file’s name is not UTF-8. Rename it first."_s);
+    EXPECT_EQ(m_model.message(),
+              u"1 file could not be read. album.jpg: This is a folder, not a photo. "
+              "2 files: There is no such file. *.jpg: No file matches this pattern. a\uFFFD.jpg: "
+              "The file’s name is not UTF-8. Rename it first."_s);
 }
 
 TEST_F(Importing, StopsWhereTheDiskTakesNoMore)

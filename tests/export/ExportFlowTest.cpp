@@ -157,8 +157,7 @@ TEST_F(IntoAFolder, GoesOnWithoutWhatIsSkipped)
     run.start(items, m_small, m_goal);
     ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
     // The photo itself is whole, and is not blamed.
-    EXPECT_EQ(run.run().problem()->cause,
-              u"The background picture cannot be read. There is no such file."_s);
+    EXPECT_EQ(run.run().problem()->cause, u"The background picture cannot be read. There is no such file."_s);
     run.run().skip(ExportRun::Skipping::AllAlike);
     ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
     EXPECT_EQ(run.run().problem()->photo.id, items[5].id);
@@ -167,7 +166,8 @@ TEST_F(IntoAFolder, GoesOnWithoutWhatIsSkipped)
     ASSERT_FALSE(run.working());
     EXPECT_EQ(run.error(), QString());
     EXPECT_EQ(run.result()->skipped, (QStringList{u"0.jpg"_s, u"3.jpg"_s, u"5.jpg"_s}));
-    EXPECT_EQ(entries(m_goal), (QStringList{u"1.jpg-framed.jpg"_s, u"2.jpg-framed.jpg"_s, u"4.jpg-framed.jpg"_s}));
+    EXPECT_EQ(entries(m_goal),
+              (QStringList{u"1.jpg-framed.jpg"_s, u"2.jpg-framed.jpg"_s, u"4.jpg-framed.jpg"_s}));
     run.start({items[5]}, m_small, m_goal);
     ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
     run.run().skip();
@@ -310,7 +310,8 @@ TEST_F(IntoTheLibrary, AddsNothingWhenAnythingFails)
     LibraryExport run(m_pipeline, library);
     const auto error = [&](const QList<PhotoItem> &items) {
         run.start(items, m_small);
-        EXPECT_TRUE(waitFor([&] { return run.phase() == LibraryExport::Phase::Idle || run.run().problem(); }));
+        EXPECT_TRUE(
+            waitFor([&] { return run.phase() == LibraryExport::Phase::Idle || run.run().problem(); }));
         run.run().stop();
         return run.error();
     };

@@ -281,6 +281,28 @@ TEST_F(Tools, ShowTheInkOfTheViewAtEveryZoom)
         return InkRenderer::render(m_studio.drawing(), {origin / scale, QSizeF(1200, 1400) / scale}, scale);
     };
     EXPECT_TRUE(waitFor([&] { return m_studio.ink() == sharp(); }));
+
+    // A stroke that is being written when the sharp view comes stays on it.
+    m_studio.zoomTo(1.3, {300, 100});
+    InkStroke live{InkPen::fountain, m_studio.color(), m_studio.width(), m_studio.viewport().zoom(), {}};
+    InkPathBuilder path(live);
+    for (int step = 0; step < 30; ++step) {
+        const InkSample sample{{250.0 + 4 * step, 120.0 + step}, step * 0.008};
+        step == 0 ? m_studio.penDown(sample) : m_studio.penMove(sample);
+        live.samples.append(sample);
+        path.append(sample);
+    }
+    const auto withLive = [&] {
+        InkSurface surface;
+        surface.setView({m_studio.ink().size(), (m_studio.viewport().offset() * 2).toPoint(),
+                         m_studio.viewport().zoom() * 2},
+                        m_studio.drawing());
+        surface.write(live, path);
+        return surface.image();
+    };
+    EXPECT_TRUE(waitFor([&] { return m_studio.ink() == withLive(); }));
+    EXPECT_NE(m_studio.ink(), sharp());
+    m_studio.penCancel();
     m_studio.pan({-40, -100});
     EXPECT_EQ(m_studio.ink(), sharp());
     m_studio.undo();

@@ -86,6 +86,30 @@ TEST(Surface, FollowsTheViewWithoutATrace)
     }
 }
 
+TEST(Surface, KeepsALiveStrokeWhenTheSharpViewComes)
+{
+    const InkDrawing page = drawingOf({eight(InkPen::signature, 7, 300)});
+    const InkStroke stroke = eight(InkPen::marker, 10, 380, 120);
+    const InkView next{{600, 500}, {40, 30}, 1.7};
+    InkSurface surface;
+    surface.setView(view, page);
+    InkPathBuilder path(stroke);
+    for (qsizetype i = 0; i < stroke.samples.size(); ++i) {
+        if (i == 40) {
+            surface.stretchTo(next);
+        }
+        if (i == 80) {
+            surface.sharpen(asRendered(page, next));
+        }
+        path.append(stroke.samples.at(i));
+        surface.write(stroke, path);
+    }
+    InkSurface fresh;
+    fresh.setView(next, page);
+    fresh.write(stroke, path);
+    EXPECT_EQ(surface.image(), fresh.image());
+}
+
 TEST(Surface, ShowsTheRainbowWhileWriting)
 {
     const QSize size(400, 400);

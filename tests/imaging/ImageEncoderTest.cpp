@@ -92,14 +92,14 @@ TEST(JpegEncoder, StoresColourInFullFromNineTenthsOn)
     EXPECT_FALSE(encoder.encode(0).isEmpty());
 }
 
-TEST(JpegEncoder, KeepsThePictureAndNothingElse)
+TEST(JpegEncoder, KeepsThePictureAndNoMetadata)
 {
     const QTemporaryDir folder;
     const QImage image = texture(QSize(333, 127));
     const QByteArray file = JpegEncoder(image).encode(0.95);
     EXPECT_GT(psnr(decodeImage(written(folder.filePath(u"a.jpg"_s), file), 1000), image), 38);
     EXPECT_FALSE(file.contains("Exif"));
-    EXPECT_FALSE(file.contains("ICC_PROFILE"));
+    EXPECT_EQ(file.count("ICC_PROFILE"), 1);
     EXPECT_EQ(JpegEncoder(image.copy()).encode(0.95), file);
 }
 

@@ -95,20 +95,75 @@ TEST(Resampled, SurvivesRegionsOfEveryShape)
     EXPECT_EQ(resampled(image, QRectF(3, 3, 1e-9, 1e-9), QSize(20, 20)).size(), QSize(20, 20));
 }
 
+TEST(Resampled, EnlargesDeepPicturesWithoutSteps)
+{
+    // Ten pixels a level, in 64ths of one: in eight bits there would be nothing between two levels.
+    QImage slope(80, 40, QImage::Format_RGBX64);
+    const auto exact = [](double x) { return 100 + x / 10; };
+    for (int y = 0; y < slope.height(); ++y) {
+        for (int x = 0; x < slope.width(); ++x) {
+            const auto level = static_cast<quint16>(std::lround(257 * exact(x + 0.5)));
+            slope.setPixelColor(x, y, QColor::fromRgba64(level, 257 * 7, 65535));
+        }
+    }
+    const QImage large = resampled(slope, QRectF(slope.rect()), QSize(1600, 800));
+    ASSERT_EQ(large.format(), QImage::Format_RGB32);
+    for (int left = 160; left < 1440; left += 8) { // away from the edges, beyond which the outermost goes on
+        double sum = 0;
+        for (int i = 0; i < 64; ++i) {
+            const QRgb pixel = large.pixel(left + i % 8, 400 + i / 8);
+            sum += qRed(pixel);
+            EXPECT_EQ(qGreen(pixel), 7);
+            EXPECT_EQ(qBlue(pixel), 255);
+        }
+        EXPECT_NEAR(sum / 64, exact((left + 4) / 20.0), 0.04) << left;
+    }
+    EXPECT_EQ(resampled(slope, QRectF(slope.rect()), QSize(1600, 800)), large);
+    EXPECT_EQ(resampledDeep(slope, QRectF(slope.rect()), QSize(160, 80)).format(), QImage::Format_RGBX64);
+}
+
+TEST(Resampled, KeepsWhatIsTransparentInBothDepths)
+{
+    QImage clear(40, 30, QImage::Format_ARGB32_Premultiplied);
+    clear.fill(qRgba(0, 0, 0, 0));
+    for (int y = 0; y < 30; ++y) {
+        for (int x = 20; x < 40; ++x) {
+            clear.setPixel(x, y, qRgba(100, 50, 0, 100)); // red at full, green at half strength
+        }
+    }
+    for (const QImage &source : {clear, clear.convertToFormat(QImage::Format_RGBA64_Premultiplied)}) {
+        const QImage large = resampled(source, QRectF(0, 0, 40, 30), QSize(93, 70));
+        ASSERT_EQ(large.format(), QImage::Format_ARGB32_Premultiplied);
+        for (int y = 0; y < 70; ++y) {
+            const auto *row = reinterpret_cast<const QRgb *>(large.constScanLine(y));
+            EXPECT_EQ(row[5], qRgba(0, 0, 0, 0));
+            EXPECT_EQ(row[80], qRgba(100, 50, 0, 100));
+            for (int x = 0; x < 93; ++x) {
+                EXPECT_LE(qRed(row[x]), qAlpha(row[x]));
+            }
+        }
+    }
+}
+
+QImage blurredInBytes(const QImage &image, double sigma)
+{
+    return gaussianBlurred(image, sigma).convertToFormat(image.format());
+}
+
 TEST(GaussianBlurred, IsTheGaussianWithClampedEdges)
 {
     const QImage opaque = quarters(QSize(160, 120));
     const QImage clear = halfClear(QSize(160, 120));
     for (const double sigma : {0.8, 3.0, 11.0, 22.0}) {
-        EXPECT_GT(psnr(gaussianBlurred(opaque, sigma), exactGaussian(opaque, sigma)), 45) << sigma;
-        EXPECT_GT(psnr(gaussianBlurred(clear, sigma), exactGaussian(clear, sigma)), 45) << sigma;
+        EXPECT_GT(psnr(blurredInBytes(opaque, sigma), exactGaussian(opaque, sigma)), 45) << sigma;
+        EXPECT_GT(psnr(blurredInBytes(clear, sigma), exactGaussian(clear, sigma)), 45) << sigma;
     }
     const QImage large = quarters(QSize(640, 480));
-    EXPECT_GT(psnr(gaussianBlurred(large, 40), exactGaussian(large, 40)), 45);
-    EXPECT_EQ(gaussianBlurred(opaque, 0), opaque);
+    EXPECT_GT(psnr(blurredInBytes(large, 40), exactGaussian(large, 40)), 45);
+    EXPECT_EQ(blurredInBytes(opaque, 0), opaque);
     QImage flat(50, 40, QImage::Format_RGB32);
     flat.fill(0xff406080);
-    EXPECT_EQ(gaussianBlurred(flat, 1e9), flat);
+    EXPECT_EQ(blurredInBytes(flat, 1e9), flat);
 }
 
 } // namespace

@@ -1,8 +1,11 @@
 #include <atomic>
+#include <cmath>
+#include <numbers>
 
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QPainter>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -12,6 +15,7 @@
 #include "pipeline/ImagePipeline.h"
 #include "pipeline/PhotoPalette.h"
 #include "pipeline/PipelineError.h"
+#include "pipeline/PlacedPhoto.h"
 
 using namespace Qt::StringLiterals;
 
@@ -208,6 +212,85 @@ TEST_F(Exporting, MatchesTheSameFrameDrawnSmall)
         }
         EXPECT_LE(worst, 4);
     }
+}
+
+TEST_F(Exporting, BlursThePhotoBehindIt)
+{
+    QImage halves(500, 500, QImage::Format_RGB32);
+    halves.fill(Qt::black);
+    QPainter(&halves).fillRect(250, 0, 250, 500, Qt::white);
+    write(u"a.png"_s, halves);
+    PhotoItem photo = item(u"a.png"_s);
+    photo.settings.preset = CanvasPreset::square;
+    photo.settings.scale = 0.1;
+    photo.settings.border = 0;
+    photo.settings.background = Backdrop::blur;
+    const ExportedFile made = m_pipeline.exportPhoto(photo, {.longEdge = 1000, .png = true}).result();
+    const QImage canvas(made.path);
+    for (const int x : {300, 420, 460, 500, 540, 580, 700}) {
+        // An edge blurred at 500 pixels by 22 of them: 127.5 (1 + erf(d ÷ (22 √2))).
+        const double distance = (x + 0.5 - 500) / 2;
+        const double expected = 127.5 * (1 + std::erf(distance / (22 * std::numbers::sqrt2)));
+        EXPECT_NEAR(canvas.pixelColor(x, 100).red(), expected, 3) << x;
+    }
+    // No steps: over 24 pixels of a slope the mean of blocks rises each time.
+    double before = -1;
+    for (int x = 476; x < 524; x += 8) {
+        double sum = 0;
+        for (int i = 0; i < 64; ++i) {
+            sum += canvas.pixelColor(x + i % 8, 800 + i / 8).red();
+        }
+        EXPECT_GT(sum / 64, before + 2);
+        before = sum / 64;
+    }
+}
+
+TEST_F(Exporting, DrawsLogoAndSignatureAtTheirSizeAndPlace)
+{
+    write(u"photo.png"_s, plain(Qt::white));
+    write(u"red.png"_s, plain(Qt::red, {300, 100}));
+    write(u"blue.png"_s, plain(Qt::blue, {640, 320}));
+    PhotoItem photo = item(u"photo.png"_s);
+    photo.settings.preset = CanvasPreset::square;
+    TextLayer &logo = *photo.settings.layer(u"watermark"_s);
+    logo.visible = true;
+    logo.imageFile = u"red.png"_s;
+    logo.imageAspect = 3;
+    logo.size = 0.03;
+    logo.x = 0.25;
+    logo.y = 0.2;
+    photo.settings.handwritingFile = u"blue.png"_s;
+    photo.settings.handwritingX = 0.7;
+    photo.settings.handwritingY = 0.6;
+    photo.settings.handwritingWidth = 0.2;
+    const QImage canvas(m_pipeline.exportPhoto(photo, {.longEdge = 1000, .png = true}).result().path);
+    const auto extent = [&canvas](const QColor &color) {
+        QRect found;
+        for (int y = 0; y < canvas.height(); ++y) {
+            for (int x = 0; x < canvas.width(); ++x) {
+                found |= canvas.pixelColor(x, y) == color ? QRect(x, y, 1, 1) : QRect();
+            }
+        }
+        return found;
+    };
+    // 0.03 × 1000 × 5 = 150 by 50 around (250, 200); 200 by 100 around (700, 600): edges sharp to the pixel.
+    EXPECT_EQ(extent(Qt::red), QRect(175, 175, 150, 50));
+    EXPECT_EQ(extent(Qt::blue), QRect(600, 550, 200, 100));
+}
+
+TEST_F(Serving, KeepsTransparencyInPicturesFromMemory)
+{
+    QImage image(80, 60, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    QPainter(&image).fillRect(40, 0, 40, 60, QColor(200, 100, 0));
+    const QImage scaled = scaledPicture(image, {200, 150});
+    ASSERT_TRUE(scaled.hasAlphaChannel());
+    EXPECT_EQ(qAlpha(scaled.pixel(20, 70)), 0);
+    EXPECT_EQ(scaled.pixelColor(180, 70), QColor(200, 100, 0));
+    const PhotoImage placed =
+        m_pipeline.resamplePlaced(image, {{0, 0, 40, 30}, {0, 0, 40, 30}}, {40, 30}).result();
+    EXPECT_EQ(qAlpha(placed.image.pixel(3, 15)), 0);
+    EXPECT_EQ(qAlpha(placed.image.pixel(36, 15)), 255);
 }
 
 TEST_F(Serving, KeepsTheOrderEvenForThoseWhoWait)

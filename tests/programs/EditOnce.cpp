@@ -1,7 +1,7 @@
 // Opens the library named first, removes the last photo, changes the style of the rest, saves, cleans up, and
 // prints the model's message. Crash tests kill it on the way. With "full" the first save finds room for 700
-// bytes only, as on a full disk, and a second one follows when there is room again. With "publish" it copies the file
-// named last into the folder under the first free number.
+// bytes only, as on a full disk, and a second one follows when there is room again. With "publish" it copies
+// the file named last into the folder under the first free number.
 
 #include <csignal>
 #include <cstdio>

@@ -75,6 +75,41 @@ TEST(BuiltInTemplates, ShowTheirOwnLayers)
     EXPECT_EQ(shown(BuiltInTemplate::cinemaEN), QStringList{u"caption"_s});
 }
 
+TEST(BuiltInTemplates, PutTheirTextsAndPhotosInPlace)
+{
+    struct Row {
+        BuiltInTemplate look;
+        QString layer;
+        double x, y, size, rotation, scale, photoX, photoY;
+    };
+    const FrameSettings plain;
+    const TextLayer &title = *plain.layer(u"title"_s);
+    const std::vector<Row> rows{
+        {BuiltInTemplate::signature, u"title"_s, 0.72, 0.93, 0.023, 0, 0.82, 0, -0.025},
+        {BuiltInTemplate::sky, u"title"_s, title.x, 0.18, title.size, 0, 0.6, 0, 0.15},
+        {BuiltInTemplate::ground, u"title"_s, title.x, 0.8, title.size, 0, 0.6, 0, -0.15},
+        {BuiltInTemplate::side, u"title"_s, 0.91, 0.5, title.size, 90, 0.7, -0.06, 0},
+        {BuiltInTemplate::gallery, u"title"_s, 0.27, 0.89, 0.027, 0, 0.76, 0, -0.065},
+        {BuiltInTemplate::gallery, u"caption"_s, 0.72, 0.89, 0.021, 0, 0.76, 0, -0.065},
+        {BuiltInTemplate::instant, u"title"_s, title.x, 0.88, 0.028, 0, 0.82, 0, -0.05},
+        {BuiltInTemplate::cinema, u"title"_s, 0.5, 0.785, 0.026, 0, 1, 0, 0},
+        {BuiltInTemplate::cinema, u"caption"_s, 0.5, 0.835, 0.019, 0, 1, 0, 0},
+        {BuiltInTemplate::cinemaEN, u"caption"_s, 0.5, 0.81, 0.024, 0, 1, 0, 0},
+    };
+    for (const Row &row : rows) {
+        const FrameSettings made = BuiltInTemplates::make(row.look, {}, {});
+        SCOPED_TRACE(BuiltInTemplates::id(row.look).toStdString() + ' ' + row.layer.toStdString());
+        const TextLayer &layer = *made.layer(row.layer);
+        EXPECT_EQ(layer.x, row.x);
+        EXPECT_EQ(layer.y, row.y);
+        EXPECT_EQ(layer.size, row.size);
+        EXPECT_EQ(layer.rotation.value_or(0), row.rotation);
+        EXPECT_EQ(made.scale, row.scale);
+        EXPECT_EQ(made.x, row.photoX);
+        EXPECT_EQ(made.y, row.photoY);
+    }
+}
+
 TEST(BuiltInTemplates, ChooseTheCanvasOnlyWhereTheLookNeedsIt)
 {
     const auto ratio = [](BuiltInTemplate look) {

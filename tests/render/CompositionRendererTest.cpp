@@ -1,10 +1,14 @@
 #include <cmath>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include <QPainter>
 #include <gtest/gtest.h>
 
 #include "render/BuiltInTemplate.h"
 #include "render/CompositionRenderer.h"
+#include "render/FrameGeometry.h"
 #include "render/TestPictures.h"
 
 using namespace Qt::StringLiterals;
@@ -20,6 +24,20 @@ TextLayer textLayer(const QString &text)
     layer.visible = true;
     layer.size = 0.05;
     return layer;
+}
+
+/// The lengths of the runs of one colour along a line of pixels.
+std::vector<std::pair<QColor, int>> runs(const QImage &image, QPoint from, QPoint step)
+{
+    std::vector<std::pair<QColor, int>> found;
+    for (QPoint at = from; image.rect().contains(at); at += step) {
+        const QColor color = image.pixelColor(at);
+        if (found.empty() || found.back().first != color) {
+            found.push_back({color, 0});
+        }
+        ++found.back().second;
+    }
+    return found;
 }
 
 TEST(PhotoPlacement, CinemaFillsItsBandAndFollowsTheSlider)
@@ -136,6 +154,34 @@ TEST(Draw, UsesThePictureOnlyForBackdropsThatTakeOne)
     }
 }
 
+TEST(Draw, DithersAGradientToItsExactLevels)
+{
+    PhotoItem item = photoItem(0, 0);
+    item.settings.background = Backdrop::gradient;
+    item.settings.color = {40 / 255.0, 1, 0.2};
+    item.settings.secondColor = {52 / 255.0, 1, 0.7};
+    const QSize size(800, 600);
+    const QImage canvas = drawn(item, size, {});
+    // Along the diagonal, of which a point is as far as its projection on it.
+    const auto exact = [](double x, double y) {
+        return 40 + 12 * (x * 800 + y * 600) / (800 * 800 + 600 * 600);
+    };
+    for (int top = 0; top < 600; top += 8) {
+        for (int left = 0; left < 800; left += 8) {
+            double sum = 0;
+            for (int i = 0; i < 64; ++i) {
+                const QPoint at(left + i % 8, top + i / 8);
+                const int red = canvas.pixelColor(at).red();
+                sum += red;
+                EXPECT_NEAR(red, exact(at.x() + 0.5, at.y() + 0.5), 1);
+                EXPECT_EQ(canvas.pixelColor(at).green(), 255); // a whole level stays
+            }
+            EXPECT_NEAR(sum / 64, exact(left + 4, top + 4), 0.06);
+        }
+    }
+    EXPECT_EQ(drawn(item, size, {}), canvas);
+}
+
 TEST(Draw, ShowsLayersInTheirInkAndOrder)
 {
     PhotoItem item = photoItem(0, 0);
@@ -172,6 +218,56 @@ TEST(Draw, ShadesTextOnlyInTheCinema)
     EXPECT_LT(darkest(FrameStyle::cinema), 200);
 }
 
+TEST(Draw, DropsASubtitlesShadowStraightBelow)
+{
+    PhotoItem item = photoItem(0, 0);
+    item.settings.style = FrameStyle::cinema;
+    item.settings.layers = {textLayer(u"████"_s)};
+    item.settings.layers[0].ink = {1, 1, 1};
+    const QImage canvas = drawn(item, {1000, 1000}, {});
+    // A block of white whose edges the shadow, 0.0012 × 1000 px lower, leaves by as much more below.
+    const auto shade = [&canvas](QPoint from, QPoint step) {
+        QPoint at = from;
+        while (canvas.rect().contains(at) && canvas.pixelColor(at).value() > 250) {
+            at += step;
+        }
+        double sum = 0;
+        for (int i = 0; i < 12 && canvas.rect().contains(at); ++i, at += step) {
+            sum += 1 - canvas.pixelColor(at).valueF();
+        }
+        return sum;
+    };
+    const QPoint middle =
+        CompositionRenderer::textRect(item.settings.layers[0], {1000, 1000}).center().toPoint();
+    const double above = shade(middle, {0, -1});
+    const double below = shade(middle, {0, 1});
+    // A blurred edge leaves 0.85 of σ ÷ √(2π) pixels in the shade, one moved by d about 0.85 · d ÷ 2 more or
+    // less.
+    EXPECT_NEAR(below - above, 0.85 * 1.2, 0.35);
+    EXPECT_NEAR(shade(middle, {-1, 0}), shade(middle, {1, 0}), 0.1);
+}
+
+TEST(Draw, PlacesTheSignatureWhereTheSettingsSay)
+{
+    PhotoItem item = photoItem(0, 0);
+    QImage ink(200, 100, QImage::Format_ARGB32_Premultiplied);
+    ink.fill(Qt::black);
+    item.settings.handwritingFile = u"signature.png"_s;
+    item.settings.handwritingX = 0.2;
+    item.settings.handwritingY = 0.3;
+    item.settings.handwritingWidth = 0.1;
+    item.settings.handwritingAspect = 4;
+    const QImage canvas = drawn(item, {1000, 1000}, {.handwriting = ink});
+    // 100 × 25 around (200, 300).
+    const auto across = runs(canvas, {0, 300}, {1, 0});
+    ASSERT_EQ(across.size(), 3U);
+    EXPECT_EQ(across[0].second, 150);
+    EXPECT_EQ(across[1].second, 100);
+    const auto down = runs(canvas, {200, 0}, {0, 1});
+    ASSERT_GE(down.size(), 3U);
+    EXPECT_NEAR(down[0].second, 287, 1);
+}
+
 TEST(Draw, PlacesTheSignatureByItsDefaults)
 {
     PhotoItem item = photoItem(0, 0);
@@ -201,12 +297,85 @@ TEST(Draw, CopiesAPhotoWhosePixelsLieOnTheCanvas)
     const QImage canvas = drawn(item, size, {.photo = photo});
     const QRect inside = pixels.adjusted(1, 1, -1, -1);
     EXPECT_EQ(canvas.copy(inside), photo.image.copy(1, 1, inside.width(), inside.height()));
-    // The edge pixels are covered by as much of the photo as lies on them.
-    const double covered = whole.left() - std::floor(whole.left());
-    const int paper = 255;
-    const int edge = canvas.pixelColor(pixels.left(), 200).red();
-    const int own = photo.image.pixelColor(0, 200 - pixels.top()).red();
-    EXPECT_NEAR(edge, paper * covered + own * (1 - covered), 3);
+    // The outermost pixels are the photo's or the paper's, never a mixture.
+    EXPECT_EQ(canvas.pixelColor(qRound(whole.left()), 200),
+              photo.image.pixelColor(qRound(whole.left()) - pixels.left(), 200 - pixels.top()));
+    EXPECT_EQ(canvas.pixelColor(qRound(whole.left()) - 1, 200), QColor(Qt::white));
+}
+
+/// A photo in one colour, its pixels on the canvas's as the pipeline makes them.
+PhotoImage flatPhoto(const PhotoItem &item, QSize canvas, const QColor &color)
+{
+    const QRectF whole = CompositionRenderer::photoRect(item, item.settings, canvas);
+    const QRect pixels = (whole & QRectF({}, QSizeF(canvas))).toAlignedRect();
+    PhotoImage photo{QImage(pixels.size(), QImage::Format_RGB32),
+                     {(pixels.x() - whole.x()) / whole.width(), (pixels.y() - whole.y()) / whole.height(),
+                      pixels.width() / whole.width(), pixels.height() / whole.height()}};
+    photo.image.fill(color);
+    return photo;
+}
+
+TEST(Draw, ShowsNoLineAroundAPhotoWithoutBorder)
+{
+    for (const QSizeF source :
+         {QSizeF(3000, 2000), QSizeF(2000, 3000), QSizeF(4000, 2667), QSizeF(601, 400)}) {
+        PhotoItem item = photoItem(source.width(), source.height());
+        item.settings.preset = CanvasPreset::original;
+        item.settings.scale = 1;
+        item.settings.border = 0;
+        for (const int longEdge : {97, 400, 410, 1366, 4096}) {
+            const QSize canvas = FrameGeometry::canvas(source.width() / source.height(), longEdge).toSize();
+            QImage black(60, 40, QImage::Format_RGB32);
+            black.fill(Qt::black);
+            for (const PhotoImage &photo : {flatPhoto(item, canvas, Qt::black), PhotoImage{black}}) {
+                const QImage made = drawn(item, canvas, {.photo = photo});
+                for (const QPoint at : {QPoint(0, 0), QPoint(canvas.width() - 1, canvas.height() - 1)}) {
+                    EXPECT_EQ(made.pixelColor(at.x(), canvas.height() / 2), QColor(Qt::black)) << longEdge;
+                    EXPECT_EQ(made.pixelColor(canvas.width() / 2, at.y()), QColor(Qt::black)) << longEdge;
+                }
+            }
+        }
+    }
+}
+
+TEST(Draw, PutsBordersOnWholePixelsEquallyWideAllRound)
+{
+    for (const auto &[border, canvas, wide] : {std::tuple(0.006, QSize(1080, 1350), 6), // 6.48
+                                               {0.006, QSize(300, 400), 2},             // 1.8
+                                               {0.006, QSize(60, 80), 1},               // 0.36
+                                               {0.013, QSize(301, 399), 4}}) {          // 3.9
+        PhotoItem item = photoItem(1501, 1000);
+        item.settings.scale = 0.877;
+        item.settings.y = -0.0313;
+        item.settings.border = border;
+        item.settings.borderColor = {1, 0, 0};
+        QImage blue(15, 10, QImage::Format_RGB32);
+        blue.fill(Qt::blue);
+        for (const PhotoImage &photo : {flatPhoto(item, canvas, Qt::blue), PhotoImage{blue}}) {
+            const QImage made = drawn(item, canvas, {.photo = photo});
+            const QPoint middle =
+                CompositionRenderer::photoRect(item, item.settings, canvas).center().toPoint();
+            for (const auto &line :
+                 {runs(made, {0, middle.y()}, {1, 0}), runs(made, {middle.x(), 0}, {0, 1})}) {
+                ASSERT_EQ(line.size(), 5U) << canvas.width();
+                EXPECT_EQ(line[0].first, QColor(Qt::white));
+                EXPECT_EQ(line[1], std::pair(QColor(Qt::red), wide));
+                EXPECT_EQ(line[2].first, QColor(Qt::blue));
+                EXPECT_EQ(line[3], std::pair(QColor(Qt::red), wide));
+            }
+        }
+    }
+}
+
+/// Hides the photo's edges and its border: both sizes have them on whole pixels, up to half of one apart.
+void coverEdges(const PhotoItem &item, QImage &canvas)
+{
+    const QRectF rect = CompositionRenderer::photoRect(item, item.settings, canvas.size());
+    const double border = item.settings.border * std::min(canvas.width(), canvas.height());
+    const double reach = border + 1;
+    QPainter painter(&canvas);
+    painter.setPen(QPen(Qt::black, 2 * reach + 2, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter.drawRect(rect);
 }
 
 TEST(Draw, AgreesWithItselfAcrossSizes)
@@ -226,8 +395,10 @@ TEST(Draw, AgreesWithItselfAcrossSizes)
         item.settings = BuiltInTemplates::make(look, item.settings, {{0.3, 0.4, 0.5}});
         const QSize small(look == BuiltInTemplate::full ? QSize(360, 240) : QSize(300, 400));
         const QImage photo = photoImage({1500, 1000});
-        const QImage preview = drawn(item, small, {.photo = {photo}});
-        const QImage reference = shrunk(drawn(item, small * 4, {.photo = {photo}}), 4);
+        QImage preview = drawn(item, small, {.photo = {photo}});
+        QImage reference = shrunk(drawn(item, small * 4, {.photo = {photo}}), 4);
+        coverEdges(item, preview);
+        coverEdges(item, reference);
         EXPECT_GT(psnr(preview, reference), 36) << BuiltInTemplates::id(look).toStdString();
     }
 }

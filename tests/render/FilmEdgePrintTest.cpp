@@ -198,6 +198,26 @@ TEST(FilmEdgePrint, EveryLetterStaysBetweenTheFilmsEdgeAndTheHolesOrTheGate)
     }
 }
 
+TEST(FilmEdgePrint, PrintsPlainZeros)
+{
+    constexpr int marginMm = 1;
+    FilmEdgePrint edge;
+    edge.texts.push_back({u"0"_s, {2, 2}, 6, 20});
+    const FilmDimensions film = filmDimensions(FilmFormat::mm35);
+    const QImage image = printed(edge, film, marginMm);
+    const QRectF ink = inkRect(image, {0, 0, 12, 12}, marginMm);
+    int runs = 0;
+    bool before = false;
+    for (double y = ink.top() - 0.2; y < ink.bottom() + 0.2; y += 0.05) {
+        const bool black =
+            image.pixelColor(qRound((ink.center().x() + marginMm) * 20), qRound((y + marginMm) * 20))
+                .value() < 128;
+        runs += black && !before;
+        before = black;
+    }
+    EXPECT_EQ(runs, 2); // the bowl's top and bottom, and nothing in its middle
+}
+
 TEST(FilmEdgePrint, RowsAreEven)
 {
     constexpr int marginMm = 1;

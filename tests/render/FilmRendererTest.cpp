@@ -83,6 +83,24 @@ TEST(FilmRenderer, PunchesEightHolesARowAtTheStandardPitch)
     }
 }
 
+TEST(FilmRenderer, ShadesTheHolesOfALightBase)
+{
+    constexpr int scale = 40;
+    PhotoItem item = filmItem({30, 20});
+    for (const bool light : {false, true}) {
+        item.settings.film->light = light;
+        const QImage image = piece(item, {}, scale);
+        // To the left of the first hole, whose left edge is at 2.575 − 1.981 ÷ 2 mm.
+        const int row = qRound(3.247 * scale);
+        const double edge = 2.575 - 1.981 / 2;
+        const int base = qGray(image.pixel(qRound((edge - 0.4) * scale), row));
+        const int rim = qGray(image.pixel(static_cast<int>((edge - 0.04) * scale), row));
+        EXPECT_EQ(base, light ? 235 : 6); // 0.92 and the mean of 0.026, 0.024, 0.022
+        EXPECT_EQ(qGray(image.pixel(qRound((edge + 1) * scale), row)), 252);
+        EXPECT_LE(rim, light ? base - 40 : 60);
+    }
+}
+
 TEST(FilmRenderer, TurnsTheEdgePrintWithTheFilm)
 {
     constexpr double scale = 30;

@@ -142,6 +142,7 @@ CellsPage::CellsPage(CollageStudio &studio) : m_studio(studio), m_copies(new QWi
     column->addWidget(makeRule());
     addPhoto();
     column->addWidget(makeRule());
+    column->addSpacing(8);
     column->addWidget(
         makeHint("swap", said({"长按格子并拖动即可交换。", "Long-press a cell and drag to swap.",
                                "Appui long sur une case, puis glissez pour échanger."})));

@@ -291,12 +291,11 @@ void CollageBoard::paintEvent(QPaintEvent *event)
     m_dirty = event->region();
     Items::paintEvent(event);
     QPainter painter(this);
-    if (m_lift) {
-        paintLifted(painter);
-    }
-    // Over what is in hand, which may cover all of it.
     if (m_target) {
         paintRing(painter, *m_target, BoardMarks::Ring::Target);
+    }
+    if (m_lift) {
+        paintLifted(painter);
     }
     if (!m_studio.choosing()) {
         paintReadout(painter);

@@ -201,13 +201,15 @@ void CollageBoard::takeColor(QPointF position)
 
 void CollageBoard::wheelEvent(QWheelEvent *event)
 {
+    // Without the key a wheel scrolls, and there is nothing to scroll here.
     const std::optional<int> slot = slotAt(event->position());
-    if (!slot || event->angleDelta().y() == 0) {
+    if (!slot || event->angleDelta().y() == 0 || !(event->modifiers() & Qt::ControlModifier)) {
         event->ignore();
         return;
     }
     moveTo(*slot);
-    m_gestures.zoomPhoto(*slot, std::exp(event->angleDelta().y() / 8.0 * wheelZoomPerDegree));
+    m_gestures.zoomPhoto(*slot, std::exp(event->angleDelta().y() / 8.0 * wheelZoomPerDegree),
+                         event->position() - boardRect().topLeft());
     event->accept();
 }
 
@@ -217,7 +219,7 @@ bool CollageBoard::nativeGesture(QNativeGestureEvent *event)
     if (event->gestureType() != Qt::ZoomNativeGesture || !slot) {
         return false;
     }
-    m_gestures.zoomPhoto(*slot, 1 + event->value());
+    m_gestures.zoomPhoto(*slot, 1 + event->value(), event->position() - boardRect().topLeft());
     return true;
 }
 
@@ -231,7 +233,8 @@ void CollageBoard::pinch(const QPinchGesture &fingers)
         m_pinched = slotAt(mapFromGlobal(fingers.centerPoint()));
     }
     if (m_pinched) {
-        m_gestures.pinchPhoto(*m_pinched, fingers.totalScaleFactor());
+        m_gestures.pinchPhoto(*m_pinched, fingers.totalScaleFactor(),
+                              mapFromGlobal(fingers.startCenterPoint()) - boardRect().topLeft());
     }
     if (fingers.state() == Qt::GestureFinished || fingers.state() == Qt::GestureCanceled) {
         m_gestures.endPinch();

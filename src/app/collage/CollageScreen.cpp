@@ -262,7 +262,11 @@ void CollageScreen::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
         return;
     }
-    if (event->key() == Qt::Key_Escape) {
+    if (event->key() == Qt::Key_Escape && m_context.state.colorTaker()) {
+        m_context.state.endPicking();
+    } else if (event->key() == Qt::Key_Escape && !m_studio->choosing() && m_studio->selected()) {
+        m_studio->select({});
+    } else if (event->key() == Qt::Key_Escape) {
         askToClose();
     } else if (event->matches(QKeySequence::Redo)) {
         m_studio->redo();

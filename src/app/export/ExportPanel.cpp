@@ -182,8 +182,9 @@ QWidget *ExportPanel::makeFooter()
     column->addWidget(m_error);
     m_errorDetail = new Label(Type::Label, {}, Label::Tone::Secondary);
     column->addWidget(m_errorDetail);
-    m_otherFolder = new Button(Button::Kind::Secondary, said({"选择其他文件夹…", "Choose another folder…",
-                                                              "Choisir un autre dossier…"}));
+    m_otherFolder =
+        new Button(Button::Kind::Secondary,
+                   said({"选择其他文件夹…", "Choose another folder…", "Choisir un autre dossier…"}));
     column->addWidget(m_otherFolder, 0, Qt::AlignLeft);
     m_progressBox = new QWidget;
     auto *box = new QVBoxLayout(m_progressBox);
@@ -341,10 +342,9 @@ void ExportPanel::showRun()
     if (held && !problem() && !(busy ? m_cancel : m_start)->hasFocus()) {
         (busy ? m_cancel : m_start)->setFocus(Qt::OtherFocusReason);
     }
-    m_photo->setPhrase([name = run().current() ? run().current()->name : QString(),
-                        width = panelWidth / 2 - inset, label = m_photo] {
-        return label->fontMetrics().elidedText(name, Qt::ElideMiddle, width);
-    });
+    m_photo->setPhrase(
+        [name = run().current() ? run().current()->name : QString(), width = panelWidth / 2 - inset,
+         label = m_photo] { return label->fontMetrics().elidedText(name, Qt::ElideMiddle, width); });
     showProblem();
     showError();
     Q_EMIT progressed();
@@ -384,8 +384,9 @@ void ExportPanel::showError()
     m_error->setPhrase([text = QString(error)]() mutable { return text; });
     const std::optional<ExportProblem> &failure = run().failure();
     const QString detail = toLibrary() && m_library.denied() ? m_library.refusal()
-                           : failure ? failure->photo.name + localized({"：", ": ", "\u202f: "}) + failure->cause
-                                     : QString();
+                           : failure
+                               ? failure->photo.name + localized({"：", ": ", "\u202f: "}) + failure->cause
+                               : QString();
     m_errorDetail->setVisible(shown && !detail.isEmpty());
     m_errorDetail->setPhrase([detail] { return QString(detail); });
     m_otherFolder->setVisible(shown && toLibrary() && m_library.denied());

@@ -66,10 +66,11 @@ ProblemCard::ProblemCard(const EditorContext &context)
       m_tint(new Tint(context)),
       m_title(new Label(Type::BodyStrong, {}, Label::Tone::Danger)),
       m_reason(new Label(Type::Label, {})),
-      m_alike(new Switch(said({"同类问题直接跳过", "Skip the like without asking",
-                               "Ignorer les cas semblables"}))),
+      m_alike(new Switch(
+          said({"同类问题直接跳过", "Skip the like without asking", "Ignorer les cas semblables"}))),
       m_stop(new Button(Button::Kind::Secondary, said({"停止", "Stop", "Arrêter"}))),
-      m_skip(new Button(Button::Kind::Primary, said({"跳过并继续", "Skip and go on", "Ignorer et continuer"}))),
+      m_skip(
+          new Button(Button::Kind::Primary, said({"跳过并继续", "Skip and go on", "Ignorer et continuer"}))),
       m_retry(new Button(Button::Kind::Primary, said({"重试", "Try again", "Réessayer"})))
 {
     auto *column = new QVBoxLayout(this);
@@ -104,7 +105,8 @@ void ProblemCard::show(const ExportProblem &problem)
 {
     m_tint->setPhoto(problem.photo);
     m_title->setPhrase([name = problem.photo.name] {
-        return localized({"%1 没有写出", "%1 was not written", "%1 n’a pas été écrit"}).replace(u"%1"_s, name);
+        return localized({"%1 没有写出", "%1 was not written", "%1 n’a pas été écrit"})
+            .replace(u"%1"_s, name);
     });
     m_reason->setPhrase([cause = problem.cause] { return QString(cause); });
     // Where the disk is in the way, the next photo would meet the same.

@@ -104,10 +104,11 @@ QString skippedText(const QStringList &names)
     const QString named = names.first(std::min(mostNames, names.size())).join(localized({"、", ", ", ", "}));
     const qsizetype more = names.size() - mostNames;
     return localized({"已跳过：", "Skipped: ", "Ignorées\u202f: "}) + named +
-           (more > 0 ? localized({" 等 %1 张", " and %1 more", " et %1 de plus"})
-                           .replace(u"%1"_s,
-                                    QString::number(currentLanguage() == AppLanguage::chinese ? names.size() : more))
-                     : QString());
+           (more > 0
+                ? localized({" 等 %1 张", " and %1 more", " et %1 de plus"})
+                      .replace(u"%1"_s, QString::number(
+                                            currentLanguage() == AppLanguage::chinese ? names.size() : more))
+                : QString());
 }
 
 Label *centred(Label *label)
@@ -174,7 +175,8 @@ Overlay *showSuccess(QWidget *window, const Success &success, std::function<void
     if (!success.skipped.isEmpty()) {
         column->addSpacing(8);
         column->addWidget(centred(new Label(
-            Type::BodyStrong, [names = success.skipped] { return skippedText(names); }, Label::Tone::Danger)));
+            Type::BodyStrong, [names = success.skipped] { return skippedText(names); },
+            Label::Tone::Danger)));
     }
     column->addSpacing(28);
     column->addWidget(new Thumbs(success.thumbnails));

@@ -30,7 +30,8 @@ public:
     /// Starts afresh over the current photo, unless the last visit was broken off with strokes on its page:
     /// that one goes on, on its own photo. False, with nothing begun, when there is no photo.
     bool begin();
-    /// Begins with the strokes of a draft; false, with nothing begun, when it cannot be read or its photo has gone.
+    /// Begins with the strokes of a draft; false, with nothing begun, when it cannot be read or its photo has
+    /// gone.
     bool resume(const QByteArray &draft);
     /// What `resume` goes on from; empty when nothing is written.
     QByteArray draft();

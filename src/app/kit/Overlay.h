@@ -70,7 +70,8 @@ struct Question {
 };
 Overlay *ask(QWidget *anchor, const Question &question, std::function<void()> confirmed);
 
-/// The same where nothing need go: the confirmation is the default, and a second way out stands beside Cancel.
+/// The same where nothing need go: the confirmation is the default, and a second way out stands beside
+/// Cancel.
 Overlay *askTwoWays(QWidget *anchor, const Question &question, std::function<void()> confirmed,
                     const Phrase &second, std::function<void()> secondChosen);
 

@@ -236,13 +236,13 @@ void ManagePhotos::refresh()
     const auto picked = static_cast<qsizetype>(m_grid->picked().size());
     const qsizetype total = m_context.model.photos().size();
     m_selected->setPhrase(countedPhrase(picked, {"已选 %1 张", "%1 selected", "%1 sélectionnée"},
-                                  {"已选 %1 张", "%1 selected", "%1 sélectionnées"}));
+                                        {"已选 %1 张", "%1 selected", "%1 sélectionnées"}));
     m_total->setPhrase([total] {
         return localized({"共 ", "", ""}) + QString::number(total) +
                localized({" / 50 张", " of 50 photos", " photos sur 50"});
     });
     m_remove->setPhrase(countedPhrase(picked, {"移除 %1 张照片", "Remove %1 photo", "Retirer %1 photo"},
-                                {"移除 %1 张照片", "Remove %1 photos", "Retirer %1 photos"}));
+                                      {"移除 %1 张照片", "Remove %1 photos", "Retirer %1 photos"}));
     m_remove->setEnabled(picked > 0);
     m_deselect->setEnabled(picked > 0);
     m_clear->setEnabled(total > 0);
@@ -257,14 +257,14 @@ void ManagePhotos::askRemove()
     }
     ask(m_remove,
         {countedPhrase(picked, {"移除 %1 张照片？", "Remove %1 photo?", "Retirer %1 photo ?"},
-                 {"移除 %1 张照片？", "Remove %1 photos?", "Retirer %1 photos ?"}),
+                       {"移除 %1 张照片？", "Remove %1 photos?", "Retirer %1 photos ?"}),
          countedPhrase(picked,
-                 {"从本次编辑中移除？原照片仍在原文件夹中。",
-                  "Remove from this editing session? The original stays in its folder.",
-                  "Retirer de cette session ? L’original reste dans son dossier."},
-                 {"从本次编辑中移除？原照片仍在原文件夹中。",
-                  "Remove from this editing session? The originals stay in their folders.",
-                  "Retirer de cette session ? Les originaux restent dans leurs dossiers."}),
+                       {"从本次编辑中移除？原照片仍在原文件夹中。",
+                        "Remove from this editing session? The original stays in its folder.",
+                        "Retirer de cette session ? L’original reste dans son dossier."},
+                       {"从本次编辑中移除？原照片仍在原文件夹中。",
+                        "Remove from this editing session? The originals stay in their folders.",
+                        "Retirer de cette session ? Les originaux restent dans leurs dossiers."}),
          said({"移除", "Remove", "Retirer"})},
         [this] {
             m_context.model.removePhotos(m_grid->picked());

@@ -134,7 +134,8 @@ protected:
 QString aboutText()
 {
     QStringList lines = {u"Tarnovel "_s + QStringLiteral(TARNOVEL_VERSION),
-                         u"Qt "_s + QString::fromLatin1(qVersion()) + u", "_s + QGuiApplication::platformName(),
+                         u"Qt "_s + QString::fromLatin1(qVersion()) + u", "_s +
+                             QGuiApplication::platformName(),
                          QSysInfo::prettyProductName() + u", "_s + QSysInfo::currentCpuArchitecture()};
     return (lines + lastLogLines()).join(u'\n');
 }
@@ -150,8 +151,9 @@ QWidget *makeAbout(const EditorContext &context)
                    1);
     auto *copy = new Button(Button::Kind::Ghost, said({"复制详情", "Copy details", "Copier les détails"}));
     copy->setObjectName(u"copyDetails"_s);
-    copy->setHint(said({"版本、系统和最近的日志，用于反馈问题", "Versions, system and the last log lines, for a report",
-                        "Versions, système et dernières lignes du journal, pour un rapport"}));
+    copy->setHint(
+        said({"版本、系统和最近的日志，用于反馈问题", "Versions, system and the last log lines, for a report",
+              "Versions, système et dernières lignes du journal, pour un rapport"}));
     copy->setHeight(28);
     QObject::connect(copy, &QPushButton::clicked, copy, [&state = context.state] {
         QGuiApplication::clipboard()->setText(aboutText());

@@ -316,7 +316,8 @@ void HomeScreen::place()
     const int room = height() - 56;
     const int highest = kept ? lowDropHeight : dropCard.height();
     const int drop = std::clamp(room - below - 2 * leastTop, leastDropHeight, highest);
-    const int top = std::max(std::min(kept ? lowTopDistance : topDistance, (room - below - drop) / 2), leastTop);
+    const int top =
+        std::max(std::min(kept ? lowTopDistance : topDistance, (room - below - drop) / 2), leastTop);
     const int left = (width() - wide) / 2;
     m_samples->setVisible(drop >= leastSampleHeight);
     m_drop->setGeometry(left, top, wide, drop);

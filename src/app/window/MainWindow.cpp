@@ -385,10 +385,10 @@ void MainWindow::applyToAll()
         return;
     }
     model.applyToAll();
-    state().say(counted(model.photos().size(), {"风格已应用。", "Style applied.", "Style appliqué."},
-                        {"风格已应用到 %1 张照片。", "Style applied to %1 photos.",
-                         "Style appliqué aux %1 photos."}),
-                Toast::Kind::Done);
+    state().say(
+        counted(model.photos().size(), {"风格已应用。", "Style applied.", "Style appliqué."},
+                {"风格已应用到 %1 张照片。", "Style applied to %1 photos.", "Style appliqué aux %1 photos."}),
+        Toast::Kind::Done);
 }
 
 void MainWindow::showFolderSuccess()
@@ -400,8 +400,11 @@ void MainWindow::showFolderSuccess()
     }
     const qsizetype count = result->files.size();
     m_success = showSuccess(this,
-                            {[count] { return ExportTexts::exported(count); }, result->folder, result->files,
-                             result->skipped, {},
+                            {[count] { return ExportTexts::exported(count); },
+                             result->folder,
+                             result->files,
+                             result->skipped,
+                             {},
                              [panel] {
                                  const std::optional<ExportResult> &now = panel->folderExport().result();
                                  return now ? now->thumbnails : QList<QImage>();
@@ -418,13 +421,12 @@ void MainWindow::showLibrarySuccess()
     if (m_success || run.saved().isEmpty()) {
         return;
     }
-    m_success =
-        showSuccess(this,
-                    {[] { return LibraryExport::savedText(); }, QFileInfo(run.saved().first()).absolutePath(),
-                     run.saved(), run.run().skippedNames(),
-                     [] { return Wording::local(LibraryExport::shareText()); },
-                     [&run] { return run.thumbnails(); }, run.quote()},
-                    [this](const QString &text) { state().say(text, Toast::Kind::Done); });
+    m_success = showSuccess(
+        this,
+        {[] { return LibraryExport::savedText(); }, QFileInfo(run.saved().first()).absolutePath(),
+         run.saved(), run.run().skippedNames(), [] { return Wording::local(LibraryExport::shareText()); },
+         [&run] { return run.thumbnails(); }, run.quote()},
+        [this](const QString &text) { state().say(text, Toast::Kind::Done); });
     connect(&run, &LibraryExport::changed, m_success, qOverload<>(&QWidget::update));
 }
 

@@ -70,8 +70,8 @@ public:
     QWidget *currentPage() const;
     /// A question or a sheet lies over the page.
     bool overlayOpen() const;
-    /// Keeps everything without a question, for a program that has to end now: edits, photos that have come in,
-    /// and drafts of what the studios hold.
+    /// Keeps everything without a question, for a program that has to end now: edits, photos that have come
+    /// in, and drafts of what the studios hold.
     void saveNow();
     /// Offers what an earlier end of the program left unfinished.
     void offerDrafts();

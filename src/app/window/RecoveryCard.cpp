@@ -38,21 +38,23 @@ QString summaryOf(const SalvagedSession &found)
     const QString styles = countedStyles(found.session.presets.size());
     const bool some = !found.session.photos.isEmpty() || !found.session.presets.isEmpty();
     if (some) {
-        const QString what = found.session.presets.isEmpty()  ? photos
-                             : found.session.photos.isEmpty() ? styles
-                                                              : photos + localized({"和", " and ", " et "}) + styles;
+        const QString what = found.session.presets.isEmpty() ? photos
+                             : found.session.photos.isEmpty()
+                                 ? styles
+                                 : photos + localized({"和", " and ", " et "}) + styles;
         parts.append(localized({"可以恢复%1。", "%1 can be brought back.", "À récupérer\u202f: %1."})
                          .replace(u"%1"_s, what));
     } else {
-        parts.append(localized({"没有可以恢复的内容。", "Nothing in it can be brought back.",
-                                "Rien ne peut être récupéré."}));
+        parts.append(localized(
+            {"没有可以恢复的内容。", "Nothing in it can be brought back.", "Rien ne peut être récupéré."}));
     }
     if (found.lostPhotos + found.lostPresets > 0) {
-        const QString lost = found.lostPhotos > 0 ? countedPhotos(found.lostPhotos) : countedStyles(found.lostPresets);
+        const QString lost =
+            found.lostPhotos > 0 ? countedPhotos(found.lostPhotos) : countedStyles(found.lostPresets);
         parts.append(localized({"%1无法恢复。", "%1 cannot.", "Perdu\u202f: %1."}).replace(u"%1"_s, lost));
     } else if (found.cutShort && some) {
-        parts.append(localized({"之后的内容无法读取。", "What follows cannot be read.",
-                                "La suite est illisible."}));
+        parts.append(
+            localized({"之后的内容无法读取。", "What follows cannot be read.", "La suite est illisible."}));
     }
     if (found.changed > 0) {
         parts.append(localized({"部分设置恢复为默认值。", "Some settings go back to their defaults.",
@@ -111,7 +113,8 @@ RecoveryCard::RecoveryCard(const EditorContext &context)
       m_file(new Label(Type::Label, {}, Label::Tone::Secondary)),
       m_frames(new Frames(context)),
       m_discard(new Button(Button::Kind::Ghost, said({"放弃…", "Discard…", "Abandonner…"}))),
-      m_show(new Button(Button::Kind::Secondary, said({"显示文件", "Show file", "Afficher le fichier"}), "folder")),
+      m_show(new Button(Button::Kind::Secondary, said({"显示文件", "Show file", "Afficher le fichier"}),
+                        "folder")),
       m_restore(new Button(Button::Kind::Primary, said({"恢复", "Restore", "Restaurer"})))
 {
     auto *column = new QVBoxLayout(this);
@@ -121,8 +124,9 @@ RecoveryCard::RecoveryCard(const EditorContext &context)
     texts->setContentsMargins(iconTile + 16, 0, 0, 0);
     texts->setSpacing(2);
     texts->addWidget(new Label(
-        Type::Heading, said({"上次的编辑无法读取，文件已保留。", "Your last session could not be read. It is kept.",
-                             "La dernière session est illisible. Elle est conservée."})));
+        Type::Heading,
+        said({"上次的编辑无法读取，文件已保留。", "Your last session could not be read. It is kept.",
+              "La dernière session est illisible. Elle est conservée."})));
     texts->addWidget(m_summary);
     texts->addSpacing(6);
     texts->addWidget(m_frames);
@@ -190,15 +194,16 @@ void RecoveryCard::restore()
     if (result.complete) {
         m_context.state.say(back, Toast::Kind::Done);
     } else {
-        m_context.state.say(back + u' ' +
-                                (result.truncated
-                                     ? localized({"一次最多编辑 50 张，文件已保留。",
-                                                  "A session holds 50 photos; the file is kept.",
-                                                  "Une session contient 50 photos\u202f; le fichier est conservé."})
-                                     : localized({"其余无法读取，文件已保留。",
-                                                  "The rest could not be read; the file is kept.",
-                                                  "Le reste est illisible\u202f; le fichier est conservé."})),
-                            Toast::Kind::Error);
+        m_context.state.say(
+            back + u' ' +
+                (result.truncated
+                     ? localized({"一次最多编辑 50 张，文件已保留。",
+                                  "A session holds 50 photos; the file is kept.",
+                                  "Une session contient 50 photos\u202f; le fichier est conservé."})
+                     : localized({"其余无法读取，文件已保留。",
+                                  "The rest could not be read; the file is kept.",
+                                  "Le reste est illisible\u202f; le fichier est conservé."})),
+            Toast::Kind::Error);
     }
     refresh();
     if (result.photos > 0) {
@@ -212,7 +217,8 @@ void RecoveryCard::askDiscard()
         {said({"放弃这次编辑？", "Discard this session?", "Abandonner cette session\u202f?"}),
          said({"它的照片副本和风格会被删除，原照片仍在原文件夹中。",
                "Its copies of photos and its styles are deleted. The originals stay in their folders.",
-               "Ses copies de photos et ses styles seront supprimés. Les originaux restent dans leurs dossiers."}),
+               "Ses copies de photos et ses styles seront supprimés. Les originaux restent dans leurs "
+               "dossiers."}),
          said({"放弃", "Discard", "Abandonner"})},
         [this] {
             if (offered()) {

@@ -9,8 +9,8 @@ namespace tarnovel::app {
 class Button;
 class Label;
 
-/// A session that could not be read and is kept: what of it can be brought back, and what else can be done. It is
-/// hidden where there is none.
+/// A session that could not be read and is kept: what of it can be brought back, and what else can be done.
+/// It is hidden where there is none.
 class RecoveryCard : public QWidget {
     Q_OBJECT
 

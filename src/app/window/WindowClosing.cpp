@@ -70,7 +70,8 @@ bool WindowClosing::askToStopImport()
     if (!m_window.overlayOpen()) {
         ask(m_window.currentPage(),
             {said({"停止导入？", "Stop importing?", "Arrêter l’import\u202f?"}),
-             said({"已导入的照片会保留，其余的不再导入。", "Photos that have come in stay; the rest is left out.",
+             said({"已导入的照片会保留，其余的不再导入。",
+                   "Photos that have come in stay; the rest is left out.",
                    "Les photos déjà importées restent, les autres sont laissées."}),
              said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
             [this] {
@@ -87,19 +88,20 @@ bool WindowClosing::askToLoseEdits()
         return false;
     }
     if (!m_window.overlayOpen()) {
-        askTwoWays(m_window.currentPage(),
-                   {said({"最近的编辑无法保存", "Your last edits could not be saved",
-                          "Vos dernières modifications n’ont pas pu être enregistrées"}),
-                    said({"磁盘可能已满或不可写。腾出空间后重试，否则这些编辑会丢失。",
-                          "The disk may be full or read-only. Make room and try again, or these edits are lost.",
-                          "Le disque est peut-être plein ou en lecture seule. Libérez de l’espace et réessayez, "
-                          "sinon ces modifications seront perdues."}),
-                    said({"重试", "Try again", "Réessayer"})},
-                   [this] { closeLater(); }, said({"仍然退出", "Close anyway", "Quitter quand même"}),
-                   [this] {
-                       m_mayLoseEdits = true;
-                       closeLater();
-                   });
+        askTwoWays(
+            m_window.currentPage(),
+            {said({"最近的编辑无法保存", "Your last edits could not be saved",
+                   "Vos dernières modifications n’ont pas pu être enregistrées"}),
+             said({"磁盘可能已满或不可写。腾出空间后重试，否则这些编辑会丢失。",
+                   "The disk may be full or read-only. Make room and try again, or these edits are lost.",
+                   "Le disque est peut-être plein ou en lecture seule. Libérez de l’espace et réessayez, "
+                   "sinon ces modifications seront perdues."}),
+             said({"重试", "Try again", "Réessayer"})},
+            [this] { closeLater(); }, said({"仍然退出", "Close anyway", "Quitter quand même"}),
+            [this] {
+                m_mayLoseEdits = true;
+                closeLater();
+            });
     }
     return true;
 }
@@ -142,17 +144,18 @@ void WindowClosing::offerDrafts()
 void WindowClosing::offer(Drafts::Kind kind)
 {
     const bool collage = kind == Drafts::Kind::Collage;
-    askTwoWays(m_window.currentPage(),
-               {collage ? said({"有一个未完成的拼图", "A collage is unfinished", "Un collage est inachevé"})
-                        : said({"有一个未完成的签名", "A signature is unfinished", "Une signature est inachevée"}),
-                said({"上次程序退出时已为你保留。", "It was kept when the program had to end.",
-                      "Conservé à la dernière fermeture du programme."}),
-                said({"继续", "Go on", "Continuer"})},
-               [this, kind] { resume(kind); }, said({"放弃", "Discard", "Abandonner"}),
-               [this, kind] {
-                   forgetDraft(kind);
-                   offerDrafts();
-               });
+    askTwoWays(
+        m_window.currentPage(),
+        {collage ? said({"有一个未完成的拼图", "A collage is unfinished", "Un collage est inachevé"})
+                 : said({"有一个未完成的签名", "A signature is unfinished", "Une signature est inachevée"}),
+         said({"上次程序退出时已为你保留。", "It was kept when the program had to end.",
+               "Conservé à la dernière fermeture du programme."}),
+         said({"继续", "Go on", "Continuer"})},
+        [this, kind] { resume(kind); }, said({"放弃", "Discard", "Abandonner"}),
+        [this, kind] {
+            forgetDraft(kind);
+            offerDrafts();
+        });
 }
 
 void WindowClosing::resume(Drafts::Kind kind)
@@ -168,9 +171,9 @@ void WindowClosing::resume(Drafts::Kind kind)
     if (!resumed) {
         forgetDraft(kind);
         m_window.showEditor();
-        m_context.state.say(localized({"无法读取草稿。", "The draft could not be read.",
-                                       "Le brouillon n’a pas pu être lu."}),
-                            Toast::Kind::Error);
+        m_context.state.say(
+            localized({"无法读取草稿。", "The draft could not be read.", "Le brouillon n’a pas pu être lu."}),
+            Toast::Kind::Error);
     }
 }
 

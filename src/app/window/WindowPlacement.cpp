@@ -123,7 +123,7 @@ void WindowPlacement::sizeFirstWindow()
     QTimer::singleShot(answerMs, this, [this, frame] {
         if (m_window.size() != frame.size()) {
             qCInfo(logApp).noquote() << u"Kesmar window resize: "_s + u"the window manager keeps "_s +
-                                     text(m_window.geometry());
+                                            text(m_window.geometry());
         }
     });
 }

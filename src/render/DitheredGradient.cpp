@@ -1,0 +1,106 @@
+#include "render/DitheredGradient.h"
+
+#include <algorithm>
+#include <array>
+
+#include <QLinearGradient>
+#include <QPainter>
+
+#include "base/OrderedDither.h"
+#include "render/DevicePatch.h"
+
+namespace tarnovel {
+
+namespace {
+
+/// Rows painted at once: a picture that stays in the processor's cache.
+constexpr int bandRows = 64;
+
+/// One channel along a row: its level at the row's first pixel, and what each further pixel adds.
+struct Slope {
+    float first = 0;
+    float step = 0;
+};
+
+class DiagonalRows {
+public:
+    DiagonalRows(QSizeF canvas, const QTransform &fromDevice, const QColor &from, const QColor &to)
+        : m_fromDevice(fromDevice),
+          m_across(canvas.width() / squared(canvas)),
+          m_down(canvas.height() / squared(canvas)),
+          m_from{255 * from.redF(), 255 * from.greenF(), 255 * from.blueF()},
+          m_way{255 * to.redF() - m_from[0], 255 * to.greenF() - m_from[1], 255 * to.blueF() - m_from[2]}
+    {
+    }
+
+    void fill(QRgb *pixels, int left, int y, int count) const
+    {
+        const double first = share(left, y);
+        const double step = share(left + 1, y) - first;
+        std::array<Slope, 3> slopes;
+        for (size_t i = 0; i < 3; ++i) {
+            slopes[i] = {static_cast<float>(m_from[i] + m_way[i] * first),
+                         static_cast<float>(m_way[i] * step)};
+        }
+        std::array<float, ditherSide> thresholds{};
+        for (unsigned i = 0; i < ditherSide; ++i) {
+            const auto &row = ditherThresholds.at(static_cast<unsigned>(y) % ditherSide);
+            thresholds.at(i) =
+                (static_cast<float>(row.at((static_cast<unsigned>(left) + i) % ditherSide)) + 0.5F) / 64;
+        }
+        for (int i = 0; i < count; ++i) {
+            const float threshold = thresholds[static_cast<unsigned>(i) % ditherSide];
+            const auto level = [&](const Slope &slope) {
+                const float value = slope.first + slope.step * static_cast<float>(i) + threshold;
+                return std::clamp(static_cast<int>(value), 0, 255);
+            };
+            pixels[i] = qRgb(level(slopes[0]), level(slopes[1]), level(slopes[2]));
+        }
+    }
+
+private:
+    static double squared(QSizeF size) { return size.width() * size.width() + size.height() * size.height(); }
+
+    /// How far along the diagonal the middle of a device pixel lies.
+    double share(int x, int y) const
+    {
+        const QPointF at = m_fromDevice.map(QPointF(x + 0.5, y + 0.5));
+        return at.x() * m_across + at.y() * m_down;
+    }
+
+    QTransform m_fromDevice;
+    double m_across;
+    double m_down;
+    std::array<float, 3> m_from;
+    std::array<float, 3> m_way;
+};
+
+} // namespace
+
+void fillDiagonally(QPainter &painter, QSizeF canvas, const QColor &from, const QColor &to)
+{
+    const QRectF whole({}, canvas);
+    const QTransform device = painter.deviceTransform();
+    if (device.type() > QTransform::TxScale || whole.isEmpty()) {
+        QLinearGradient gradient(whole.topLeft(), whole.bottomRight());
+        gradient.setColorAt(0, from);
+        gradient.setColorAt(1, to);
+        painter.fillRect(whole, gradient);
+        return;
+    }
+    const QRect area = reachablePixels(painter, device.mapRect(whole));
+    const DiagonalRows rows(canvas, device.inverted(), from, to);
+    QImage band(area.width(), std::min(bandRows, area.height()), QImage::Format_RGB32);
+    painter.save();
+    painter.setTransform(device.inverted() * painter.transform());
+    for (int top = area.top(); top <= area.bottom(); top += bandRows) {
+        const int height = std::min(bandRows, area.bottom() + 1 - top);
+        for (int y = 0; y < height; ++y) {
+            rows.fill(reinterpret_cast<QRgb *>(band.scanLine(y)), area.left(), top + y, area.width());
+        }
+        painter.drawImage(area.left(), top, band, 0, 0, area.width(), height);
+    }
+    painter.restore();
+}
+
+} // namespace tarnovel
