@@ -41,12 +41,25 @@ Exiv2::ExifData decoded(const QByteArray &exif)
     return data;
 }
 
-Exiv2::ExifData readByParser(const QString &path, PictureFormat format)
+Exiv2::ExifData readByParser(const QString &path, const ImageFile &file)
 {
     using Io = Exiv2::BasicIo::AutoPtr;
-    Io io(new Exiv2::FileIo(QFile::encodeName(path).toStdString()));
+    // The parser would map a TIFF file, and a mapped file that somebody cuts short ends the program.
+    constexpr qint64 largestTiff = 256'000'000;
+    const bool tiff = file.format() == PictureFormat::Tiff;
+    if (tiff && file.size() > largestTiff) {
+        return {};
+    }
+    const QByteArray bytes = tiff ? file.read(0, file.size()) : QByteArray();
+    Io io;
+    if (tiff) {
+        io.reset(new Exiv2::MemIo(reinterpret_cast<const Exiv2::byte *>(bytes.constData()),
+                                  static_cast<long>(bytes.size())));
+    } else {
+        io.reset(new Exiv2::FileIo(QFile::encodeName(path).toStdString()));
+    }
     Exiv2::Image::AutoPtr image;
-    switch (format) {
+    switch (file.format()) {
     case PictureFormat::Png:
         image = Exiv2::newPngInstance(io, false);
         break;
@@ -84,12 +97,12 @@ Exiv2::ExifData readExif(const QString &path)
         }
     }
     if (file.format() != PictureFormat::Heif && file.format() != PictureFormat::Avif) {
-        return readByParser(path, file.format());
+        return readByParser(path, file);
     }
     // The parser misses the block where a file keeps it in some of the ways that the decoder knows.
     Exiv2::ExifData data;
     try {
-        data = readByParser(path, file.format());
+        data = readByParser(path, file);
     } catch (const std::exception &) {
         data.clear();
     }

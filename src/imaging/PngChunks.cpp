@@ -15,6 +15,8 @@ namespace {
 constexpr qint64 signatureBytes = 8;
 constexpr quint32 largestExif = 16 << 20;
 constexpr quint32 largestText = 64 << 10;
+// The libraries take every chunk but the pixels into memory as a whole.
+constexpr quint32 largestOther = 64 << 20;
 // A file of 400 megapixels in pieces of 8 KiB has fewer; one made of empty chunks is given up here.
 constexpr int mostChunks = 200'000;
 constexpr qint64 pieceBytes = 256 << 10;
@@ -138,11 +140,29 @@ PngChunks readPngChunks(const ImageFile &file)
             return found;
         }
         const bool text = type == "zTXt" || type == "iTXt" || type == "iCCP" || type == "tEXt";
-        found.textIsSmall = found.textIsSmall && !(text && length > largestText);
+        const bool large = length > (text ? largestText : largestExif);
+        found.textIsSmall = found.textIsSmall && (type == "IDAT" || !large);
         at += 12 + qint64(length);
     }
     found.textIsSmall = false;
     return found;
+}
+
+void checkPngChunkSizes(const ImageFile &file)
+{
+    qint64 at = signatureBytes;
+    for (int i = 0; i < mostChunks; ++i) {
+        const QByteArray head = file.read(at, 8);
+        const QByteArray type = head.mid(4);
+        if (head.size() < 8 || type == "IEND") {
+            return;
+        }
+        const auto length = qFromBigEndian<quint32>(head.constData());
+        if (type != "IDAT" && length > largestOther) {
+            throw ImageError(ImageError::Cause::TooLarge, "a giant chunk " + type);
+        }
+        at += 12 + qint64(length);
+    }
 }
 
 void checkPngData(const ImageFile &file, const std::stop_token &stop)

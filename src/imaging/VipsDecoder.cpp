@@ -10,6 +10,7 @@
 #include "base/Cancellation.h"
 #include "imaging/ImageError.h"
 #include "imaging/ImageLimits.h"
+#include "imaging/PngChunks.h"
 #include "imaging/PlaneScaler.h"
 #include "imaging/TiffDirectory.h"
 #include "imaging/VipsRuntime.h"
@@ -55,14 +56,43 @@ int pageOf(const ImageFile &file)
     return *page;
 }
 
+/// The formats whose files the libraries take as a whole. They would map them, and a mapped file that somebody
+/// cuts short meanwhile ends the program: those are read instead.
+bool isReadWhole(const ImageFile &file)
+{
+    return file.format() == PictureFormat::Heif || file.format() == PictureFormat::Avif ||
+           file.format() == PictureFormat::WebP;
+}
+
+VipsSourcePtr sourceOf(const ImageFile &file)
+{
+    if (file.format() == PictureFormat::Png) {
+        checkPngChunkSizes(file);
+    }
+    if (!isReadWhole(file)) {
+        // A descriptor's copies share its position.
+        lseek(file.descriptor(), 0, SEEK_SET);
+        return VipsSourcePtr(vips_source_new_from_descriptor(file.descriptor()));
+    }
+    if (file.size() > largestWholeFile) {
+        throw ImageError(ImageError::Cause::TooLarge, "too large to be decoded as a whole");
+    }
+    const QByteArray bytes = file.read(0, file.size());
+    if (bytes.size() < file.size()) {
+        throw ImageError(ImageError::Cause::Damaged, "the file was cut short while it was read");
+    }
+    VipsBlob *blob = vips_blob_copy(bytes.constData(), static_cast<size_t>(bytes.size()));
+    VipsSourcePtr source(vips_source_new_from_blob(blob));
+    vips_area_unref(VIPS_AREA(blob));
+    return source;
+}
+
 VipsImagePtr load(const ImageFile &file, const std::stop_token &stop = {})
 {
     const int page = file.format() == PictureFormat::Tiff ? pageOf(file) : 0;
     ensureVips();
     throwIfCancelled(stop);
-    // A descriptor's copies share its position.
-    lseek(file.descriptor(), 0, SEEK_SET);
-    const VipsSourcePtr source(vips_source_new_from_descriptor(file.descriptor()));
+    const VipsSourcePtr source = sourceOf(file);
     if (!source) {
         throwDamaged();
     }
@@ -107,9 +137,7 @@ void checkWholeDecode(const ImageFile &file, VipsImage *image)
 {
     const qint64 pixels = qint64(image->Xsize) * image->Ysize;
     const qint64 bytes = pixels * qint64(VIPS_IMAGE_SIZEOF_PEL(image));
-    const bool whole = file.format() == PictureFormat::Heif || file.format() == PictureFormat::Avif ||
-                       file.format() == PictureFormat::WebP;
-    if (whole ? pixels > mostWholePixels || file.size() > largestWholeFile
+    if (isReadWhole(file) ? pixels > mostWholePixels
               : isInterlaced(image) && bytes > mostWholeBytes) {
         throw ImageError(ImageError::Cause::TooLarge, "too large to be decoded as a whole");
     }

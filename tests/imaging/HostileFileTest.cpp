@@ -18,6 +18,7 @@
 #include "imaging/Fixtures.h"
 #include "imaging/ImageDecoder.h"
 #include "imaging/ImageError.h"
+#include "imaging/VipsDecoder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -121,6 +122,44 @@ TEST_F(HostileFile, OnlyRegularFilesAreOpened)
     written(path(u"real.bin"_s), jpeg(texture(QSize(20, 20))));
     ASSERT_TRUE(QFile::link(path(u"real.bin"_s), path(u"link.txt"_s)));
     EXPECT_EQ(causeOf(path(u"link.txt"_s)), std::nullopt) << "the bytes count, not the name";
+}
+
+TEST_F(HostileFile, AFileCutShortWhileItIsReadCostsOnlyItself)
+{
+    // A stick that is pulled out, or a file that is still being copied.
+    const QImage image = texture(QSize(900, 700));
+    for (const QString &name : {u"a.webp"_s, u"a.heic"_s, u"a.avif"_s, u"a.tif"_s, u"a.png"_s}) {
+        save(image, path(name));
+        const ImageFile opened(path(name));
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.resize(file.size() / 3));
+        EXPECT_THROW(decodeWithVips(opened, QRect(QPoint(), image.size()), QSize(90, 70), {}), ImageError)
+            << name.toStdString();
+        readCaptureMetadata(path(name));
+    }
+}
+
+TEST_F(HostileFile, AGiantChunkIsNotTakenIntoMemory)
+{
+    save(texture(QSize(40, 40)), path(u"a.png"_s));
+    const QByteArray whole = contents(path(u"a.png"_s));
+    const auto peak = [] {
+        rusage usage = {};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss;
+    };
+    const long before = peak();
+    for (const char *type : {"IDAT", "iCCP", "eXIf", "tEXt", "prIV", "PLTE"}) {
+        const QByteArray head = QByteArray::fromHex("11e1a300") + type; // three hundred million bytes
+        QFile file(written(path(u"giant.png"_s), whole.left(33) + head));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.resize(300'000'100));
+        file.seek(file.size() - 12);
+        file.write(whole.right(12));
+        file.close();
+        EXPECT_TRUE(causeOf(path(u"giant.png"_s))) << type;
+        readCaptureMetadata(path(u"giant.png"_s));
+        EXPECT_LT(peak() - before, 100'000) << type << ", kB";
+    }
 }
 
 TEST_F(HostileFile, OtherKindsOfFilesAreUnsupported)

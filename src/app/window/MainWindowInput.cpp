@@ -1,9 +1,10 @@
-// What comes into the window from outside: files, drags and the clipboard.
+// How pictures come into the window: opened, pasted or dropped.
 
 #include <QApplication>
 #include <QClipboard>
 #include <QDragEnterEvent>
 #include <QMimeData>
+#include <QPointer>
 #include <QThreadPool>
 
 #include "app/collage/CollageScreen.h"
@@ -11,6 +12,9 @@
 #include "app/window/EditorPage.h"
 #include "app/window/FileDrops.h"
 #include "app/window/MainWindow.h"
+#include "base/FileError.h"
+#include "base/Log.h"
+#include "pipeline/PipelineError.h"
 
 using namespace Qt::StringLiterals;
 
@@ -70,16 +74,29 @@ void MainWindow::paste()
 bool MainWindow::importImage(const QMimeData *carried, const QString &name)
 {
     const QImage image = qvariant_cast<QImage>(carried->imageData());
-    if (image.isNull() || !m_pasted.isValid()) {
+    if (image.isNull()) {
         return false;
     }
+    try {
+        if (!m_pasted) {
+            m_pasted = std::make_unique<ScratchFolder>(u"tarnovel-paste-"_s);
+        }
+    } catch (const FileError &error) {
+        qCWarning(logApp) << "nothing can be pasted:" << error.what();
+        state().say(localized({"临时文件夹：", "Temporary folder: ", "Dossier temporaire\u202f: "}) +
+                        errorDescription(error),
+                    Toast::Kind::Error);
+        return true;
+    }
     const ImportMode mode = backgroundWanted() ? ImportMode::Background : ImportMode::Photos;
-    const QString path = m_pasted.filePath(u"%1 %2.png"_s.arg(name).arg(++m_pastes));
+    const QString path = m_pasted->filePath(u"%1 %2.png"_s.arg(name).arg(++m_pastes));
     QThreadPool::globalInstance()->start([window = QPointer<MainWindow>(this), image, path, mode] {
         const bool saved = image.save(path, "PNG", 90);
         QMetaObject::invokeMethod(qApp, [window, path, saved, mode] {
-            if (saved && window) {
+            if (window && saved) {
                 window->import({path}, mode, ImportSource::Files);
+            } else if (window) {
+                window->state().say(errorDescription(PipelineError::write), Toast::Kind::Error);
             }
         });
     });
