@@ -312,7 +312,7 @@ TEST_F(EditorWindow, SaysWhatCouldNotBeReadAndKeepsTheRest)
     broken.close();
     m_world->import({photo(u"one"_s), broken.fileName()});
     EXPECT_EQ(model().photos().size(), 1);
-    EXPECT_EQ(window().toast()->text(), u"1 files could not be read."_s);
+    EXPECT_EQ(window().toast()->text(), u"1 file could not be read."_s);
     EXPECT_TRUE(window().toast()->isVisible());
 
     // A file that goes while the program runs: its export fails with a message, the program goes on.
@@ -320,7 +320,8 @@ TEST_F(EditorWindow, SaysWhatCouldNotBeReadAndKeepsTheRest)
     m_world->answers().folder = m_folder.path();
     page().showExport(true);
     click(named<Button>(u"Export to folder…"_s));
-    ASSERT_TRUE(waitFor([this] { return !page().exporting()->working(); }));
+    ASSERT_TRUE(waitFor([this] { return page().exporting()->problem().has_value(); }));
+    click(named<Button>(u"Stop"_s));
     EXPECT_TRUE(page().exporting()->folderExport().error().startsWith(u"Export failed: "_s));
 }
 
@@ -379,6 +380,7 @@ TEST_F(EditorWindow, StoppingAnExportToQuitStillAsksForABoard)
     window().close();
     click(named<Button>(u"Stop and quit"_s));
     EXPECT_TRUE(window().isVisible());
+    QCoreApplication::processEvents();
     click(named<Button>(u"Discard"_s));
     EXPECT_TRUE(waitFor([this] { return !window().isVisible(); }));
 }

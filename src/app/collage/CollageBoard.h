@@ -123,6 +123,7 @@ private:
     QBasicTimer m_longPress;
     /// The cell under two fingers.
     std::optional<int> m_pinched;
+    QPointF m_pinchCentre;
     /// The read-out of a divider that the keyboard moved.
     QString m_nudged;
     QBasicTimer m_nudgeEnd;

@@ -230,11 +230,13 @@ void CollageBoard::pinch(const QPinchGesture &fingers)
     m_press.reset();
     m_gestures.endPan();
     if (!m_pinched) {
-        m_pinched = slotAt(mapFromGlobal(fingers.centerPoint()));
+        // The gesture itself does not know where it began.
+        m_pinchCentre = mapFromGlobal(fingers.centerPoint());
+        m_pinched = slotAt(m_pinchCentre);
     }
     if (m_pinched) {
         m_gestures.pinchPhoto(*m_pinched, fingers.totalScaleFactor(),
-                              mapFromGlobal(fingers.startCenterPoint()) - boardRect().topLeft());
+                              m_pinchCentre - boardRect().topLeft());
     }
     if (fingers.state() == Qt::GestureFinished || fingers.state() == Qt::GestureCanceled) {
         m_gestures.endPinch();
