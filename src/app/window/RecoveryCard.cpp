@@ -91,14 +91,15 @@ protected:
             if (x + tile.width() > width()) {
                 break;
             }
-            const QRectF box(x, (height() - tile.height()) / 2, tile.width(), tile.height());
+            const QRectF box =
+                QRectF(x, (height() - tile.height()) / 2, tile.width(), tile.height()).toAlignedRect();
             const QImage image = m_context.thumbnails.image(u"kept "_s + photo.id.toString(), photo, room);
             if (image.isNull()) {
                 Paint::rounded(painter, box, 4, theme().surfaceMuted);
             } else {
                 paintFramed(painter, image, box, false);
             }
-            x += tile.width() + 8;
+            x = box.right() + 8;
         }
     }
 
