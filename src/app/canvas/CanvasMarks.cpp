@@ -108,7 +108,7 @@ QRegion guideRegion(const QRectF &frame)
 
 void paintPlaceholder(QPainter &painter, const QRectF &box, const QFont &font, const QString &name, bool dark)
 {
-    constexpr QSizeF around(12, 4);
+    constexpr QSizeF around(12, 2);
     QColor color = dark ? QColor(Qt::white) : marks().disabled;
     if (dark) {
         color.setAlphaF(0.55F);

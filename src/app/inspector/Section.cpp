@@ -32,13 +32,13 @@ protected:
 
 class IconBox : public QWidget {
 public:
-    explicit IconBox(const char *icon) : m_icon(icon) { setFixedSize(16, 20); }
+    explicit IconBox(const char *icon) : m_icon(icon) { setFixedSize(16, 16); }
 
 protected:
     void paintEvent(QPaintEvent *) override
     {
         QPainter painter(this);
-        Icons::draw(painter, m_icon, {0, 2}, 16, theme().inkSecondary);
+        Icons::draw(painter, m_icon, {0, 0}, 16, theme().inkSecondary);
     }
 
 private:
@@ -65,6 +65,8 @@ QWidget *makeHint(const char *icon, Phrase phrase)
     QFont font = typeFont(Type::Label);
     font.setWeight(QFont::Normal);
     label->setFont(font);
+    // The icon stands by the first line.
+    label->setAlignment(Qt::AlignTop);
     row->addWidget(label, 1);
     return hint;
 }
