@@ -3,6 +3,6 @@
 
 int main(int argc, char **argv)
 {
-    return tarnovel::isCommand(argc, argv) ? tarnovel::runCommandLine(argc, argv)
-                                           : tarnovel::runEditor(argc, argv);
+    return tarnovel::cli::isCommand(argc, argv) ? tarnovel::cli::runCommandLine(argc, argv)
+                                                : tarnovel::app::runEditor(argc, argv);
 }

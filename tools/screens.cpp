@@ -40,6 +40,7 @@
 namespace {
 
 using namespace tarnovel;
+using namespace tarnovel::app;
 using namespace Qt::StringLiterals;
 
 /// A library of its own, filled with the photos of the command line in different looks, as a finished set
@@ -122,6 +123,36 @@ QList<Screen> editorScreens()
                         world.state().selectLayer(u"brand"_s);
                         return [&world] { world.state().selectLayer({}); };
                     }});
+    screens.append({u"drawer"_s, [](World &world) {
+                        world.state().setTool(Tool::Border);
+                        world.window().page()->showDrawer(true);
+                        return [&world] { world.window().page()->showDrawer(false); };
+                    }});
+    screens.append({u"placeholders"_s, [](World &world) {
+                        world.state().setTool(Tool::Text);
+                        const FrameSettings before = world.model().current()->settings;
+                        FrameSettings empty = before;
+                        for (const char *id : {"title", "caption"}) {
+                            empty.layer(QString::fromLatin1(id))->text.clear();
+                            empty.layer(QString::fromLatin1(id))->visible = true;
+                        }
+                        world.model().update(empty);
+                        world.state().selectLayer(u"caption"_s);
+                        return [&world, before] {
+                            world.state().selectLayer({});
+                            world.model().update(before);
+                        };
+                    }});
+    screens.append({u"wide-frame"_s, [](World &world) {
+                        const FrameSettings before = world.model().current()->settings;
+                        FrameSettings wide = before;
+                        wide.preset = CanvasPreset::custom;
+                        wide.customWidth = 5;
+                        wide.customHeight = 1;
+                        world.state().setTool(Tool::Canvas);
+                        world.model().update(wide);
+                        return [&world, before] { world.model().update(before); };
+                    }});
     screens.append({u"export"_s, [](World &world) {
                         world.window().page()->showExport(true);
                         return [&world] { world.window().page()->showExport(false); };
@@ -133,11 +164,13 @@ QList<Screen> editorScreens()
                                 world.window().grab(QRect(200 + 40 * i, 100, 300, 400)).toImage());
                         }
                         return closing(showSuccess(&world.window(),
-                                                   {[] { return ExportTexts::exported(12); },
-                                                    QDir::homePath() + u"/Pictures/Autumn set"_s,
-                                                    {u"/tmp/a.jpg"_s},
-                                                    [thumbnails] { return thumbnails; },
-                                                    PhotographyQuotes::all()[9]},
+                                                   {.heading = [] { return ExportTexts::exported(12); },
+                                                    .folder = QDir::homePath() + u"/Pictures/Autumn set"_s,
+                                                    .files = {u"/tmp/a.jpg"_s},
+                                                    .skipped = {},
+                                                    .hint = {},
+                                                    .thumbnails = [thumbnails] { return thumbnails; },
+                                                    .quote = PhotographyQuotes::all()[9]},
                                                    [](const QString &) {}));
                     }});
     screens.append({u"settings"_s, [](World &world) { return closing(world.window().showSettings()); }});
@@ -335,11 +368,12 @@ public:
         static constexpr std::array languages = {"chinese", "english", "french"};
         for (const bool dark : {false, true}) {
             for (const char *language : languages) {
-                for (const QSize size : {QSize(1100, 720), QSize(1440, 920)}) {
+                for (const QSize size : sizes(dark, language)) {
                     setLanguageSources(
                         {[language] { return QString::fromLatin1(language); }, [] { return QStringList(); }});
                     applyTheme(dark);
                     world.window().retranslate();
+                    world.window().setMinimumSize(size.boundedTo({900, 600}));
                     world.window().resize(size);
                     world.window().show();
                     for (const Screen &screen : screens) {
@@ -363,6 +397,16 @@ public:
     int taken() const { return m_taken; }
 
 private:
+    /// The design's two sizes in every look; the smallest and the largest where words are longest.
+    static QList<QSize> sizes(bool dark, const char *language)
+    {
+        QList<QSize> list = {QSize(1100, 720), QSize(1440, 920)};
+        if (!dark && qstrcmp(language, "french") == 0) {
+            list += {QSize(900, 600), QSize(2560, 1400)};
+        }
+        return list;
+    }
+
     QString m_folder;
     QString m_only;
     int m_taken = 0;
@@ -402,7 +446,7 @@ int main(int argc, char **argv)
     camera.take(one, {editorScreens().first()}, u"one"_s);
     World fifty(arguments, 50);
     fifty.window().showEditor();
-    camera.take(fifty, editorScreens().mid(0, 1) + editorScreens().mid(15, 2), u"fifty"_s);
+    camera.take(fifty, editorScreens().mid(0, 1) + editorScreens().mid(18, 2), u"fifty"_s);
     std::printf("%d pictures\n", camera.taken());
     return 0;
 }

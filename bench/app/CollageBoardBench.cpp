@@ -25,6 +25,8 @@ using namespace Qt::StringLiterals;
 namespace tarnovel::bench {
 namespace {
 
+using namespace app;
+
 constexpr int photoCount = 9;
 constexpr int repaints = 120;
 
@@ -142,8 +144,8 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_SCALE_FACTOR", "2");
     const QApplication application(argc, argv);
-    tarnovel::applyTheme(false);
-    tarnovel::Motion::setReduced(true);
+    tarnovel::app::applyTheme(false);
+    tarnovel::app::Motion::setReduced(true);
     tarnovel::bench::World world;
     tarnovel::bench::open(world);
     tarnovel::bench::run(world);

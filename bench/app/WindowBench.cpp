@@ -24,6 +24,8 @@ using namespace Qt::StringLiterals;
 namespace tarnovel::bench {
 namespace {
 
+using namespace app;
+
 constexpr int photoCount = 50;
 constexpr int dragSteps = 200;
 constexpr QSize windowSize(1440, 920);
@@ -184,7 +186,7 @@ int main(int argc, char **argv)
     qputenv("QT_SCALE_FACTOR", "2");
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     const QApplication application(argc, argv);
-    QApplication::setFont(tarnovel::typeFont(tarnovel::Type::Body));
+    QApplication::setFont(tarnovel::app::typeFont(tarnovel::app::Type::Body));
     const QStringList arguments = QApplication::arguments();
     return arguments.value(1) == u"--start"_s ? tarnovel::bench::showOnce(arguments.value(2))
                                               : tarnovel::bench::measure();

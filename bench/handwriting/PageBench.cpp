@@ -21,6 +21,7 @@ namespace tarnovel::bench {
 namespace {
 
 using namespace Qt::StringLiterals;
+using namespace app;
 
 constexpr QSize referencePixels(1050, 1400);
 /// A window of 1440 × 920 less its bars.

@@ -3,11 +3,11 @@
 #include <array>
 
 #include <QApplication>
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
+#include <QLoggingCategory>
 #include <QPalette>
 
 #include "app/kit/Motion.h"
@@ -15,7 +15,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -36,21 +36,20 @@ QVariant unwrapped(QVariant value)
     return value;
 }
 
-/// 1 prefers dark, 2 prefers light, 0 says nothing.
-std::optional<bool> isDark(const QVariant &value)
+/// 1 prefers dark, 2 prefers light; 0, the desktop's usual look, is light as well.
+bool isDark(const QVariant &value)
 {
-    const unsigned scheme = unwrapped(value).toUInt();
-    return scheme == 1 ? std::optional(true) : scheme == 2 ? std::optional(false) : std::nullopt;
+    return unwrapped(value).toUInt() == 1;
 }
 
 } // namespace
 
-Appearance::Appearance(Preferences &preferences)
+Appearance::Appearance(Preferences &preferences, const QDBusConnection &bus)
     : m_preferences(preferences),
       m_paletteDark(QApplication::palette().color(QPalette::Window).lightness() < 128)
 {
     apply();
-    askDesktop();
+    askDesktop(bus);
 }
 
 AppearanceChoice Appearance::choice() const
@@ -70,17 +69,20 @@ void Appearance::choose(AppearanceChoice choice)
     apply();
 }
 
-void Appearance::askDesktop()
+void Appearance::askDesktop(QDBusConnection bus)
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return;
     }
     const QString service = u"org.freedesktop.portal.Desktop"_s;
     const QString path = u"/org/freedesktop/portal/desktop"_s;
     const QString interface = u"org.freedesktop.portal.Settings"_s;
-    bus.connect(service, path, interface, u"SettingChanged"_s, this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+    // The slot's signature names a type that only the metatype system can look up.
+    qRegisterMetaType<QDBusVariant>("QDBusVariant");
+    if (!bus.connect(service, path, interface, u"SettingChanged"_s, this,
+                     SLOT(settingChanged(QString, QString, QDBusVariant)))) {
+        qWarning("the desktop's changes of appearance will not be heard");
+    }
     const auto ask = [&](const QString &group, const QString &key) {
         QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, u"Read"_s);
         call.setArguments({group, key});
@@ -119,4 +121,4 @@ void Appearance::apply()
                                                   : chosen == AppearanceChoice::dark);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,13 +2,14 @@
 
 #include <optional>
 
+#include <QDBusConnection>
 #include <QObject>
 
 #include "model/Preferences.h"
 
 class QDBusVariant;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 enum class AppearanceChoice { system, light, dark };
 
@@ -19,7 +20,8 @@ class Appearance : public QObject {
     Q_OBJECT
 
 public:
-    explicit Appearance(Preferences &preferences);
+    /// `bus` is where the desktop's portal is asked.
+    explicit Appearance(Preferences &preferences, const QDBusConnection &bus = QDBusConnection::sessionBus());
 
     AppearanceChoice choice() const;
     void choose(AppearanceChoice choice);
@@ -28,7 +30,7 @@ private Q_SLOTS:
     void settingChanged(const QString &group, const QString &key, const QDBusVariant &value);
 
 private:
-    void askDesktop();
+    void askDesktop(QDBusConnection bus);
     void take(const QString &group, const QString &key, const QVariant &value);
     void apply();
 
@@ -37,4 +39,4 @@ private:
     std::optional<bool> m_desktopDark;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -1,5 +1,6 @@
 #include "app/Application.h"
 
+#include <array>
 #include <cstdio>
 #include <mutex>
 
@@ -8,24 +9,37 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QLibraryInfo>
 #include <QStyleFactory>
+#include <QTimer>
+#include <QTranslator>
 
 #include "app/Appearance.h"
 #include "app/EditorContext.h"
+#include "app/ProgramEnd.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
+#include "app/window/FileDrops.h"
 #include "app/window/MainWindow.h"
+#include "base/Log.h"
+#include "base/ScratchFolder.h"
 #include "editor/SingleInstance.h"
 #include "export/ExportFileLifetime.h"
+#include "export/ExportReviewPolicy.h"
 #include "export/PhotoLibrary.h"
 #include "model/LibraryPaths.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
+
+constexpr Text unansweredText = {"Tarnovel 已在运行，但没有响应。",
+                                 "Tarnovel is running already, but does not answer.",
+                                 "Tarnovel est déjà ouvert, mais ne répond pas."};
 
 /// The language preference as other threads read it.
 class LanguagePreference {
@@ -63,19 +77,44 @@ QString privateTemporaryFolder()
         return path;
     }
     // Somebody else has taken the name.
-    return LibraryPaths::root() + u"/../Exports"_s;
+    return LibraryPaths::root() + u"/Temporary"_s;
 }
 
 QStringList photosOf(const QStringList &arguments)
 {
-    QStringList photos;
+    QStringList paths;
+    bool named = false;
     for (const QString &argument : arguments.mid(1)) {
-        if (argument != u"--"_s) {
-            photos.append(QFileInfo(argument).absoluteFilePath());
+        if (argument == u"--"_s && !named) {
+            named = true;
+        } else if (named || !ExportReviewPolicy::isAutomation(argument)) {
+            paths.append(FileDrops::pathOf(argument));
         }
     }
-    return photos;
+    return FileDrops::pictures(paths);
 }
+
+/// Qt's own texts, as of its file dialog, in the language that holds now.
+class QtTexts {
+public:
+    QtTexts() { load(); }
+    ~QtTexts() { QCoreApplication::removeTranslator(&m_translator); }
+    QtTexts(const QtTexts &) = delete;
+    QtTexts &operator=(const QtTexts &) = delete;
+
+    void load()
+    {
+        static constexpr std::array files = {"qtbase_zh_CN", "", "qtbase_fr"};
+        const QString file = QString::fromLatin1(files.at(static_cast<size_t>(currentLanguage())));
+        QCoreApplication::removeTranslator(&m_translator);
+        if (!file.isEmpty() && m_translator.load(file, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+            QCoreApplication::installTranslator(&m_translator);
+        }
+    }
+
+private:
+    QTranslator m_translator;
+};
 
 bool hasDisplay()
 {
@@ -89,10 +128,30 @@ int complain(const Text &text)
     return 1;
 }
 
+/// Whether to ask the window that owns the library once more.
+bool askUnanswered()
+{
+    complain(unansweredText);
+    QMessageBox box(QMessageBox::Warning, u"Tarnovel"_s, localized(unansweredText));
+    box.setInformativeText(localized({"请在另一个窗口中关闭 Tarnovel，或结束没有响应的程序，然后重试。照片仍在原处。",
+                                      "Close Tarnovel in its other window, or end the program that does not "
+                                      "answer, then try again. Your photos are where they were.",
+                                      "Fermez Tarnovel dans son autre fenêtre, ou arrêtez le programme qui ne "
+                                      "répond pas, puis réessayez. Vos photos n’ont pas bougé."}));
+    const QAbstractButton *again =
+        box.addButton(localized({"重试", "Try again", "Réessayer"}), QMessageBox::AcceptRole);
+    box.addButton(localized({"关闭", "Close", "Fermer"}), QMessageBox::RejectRole);
+    box.exec();
+    return box.clickedButton() == again;
+}
+
 } // namespace
 
 int runEditor(int argc, char **argv)
 {
+    // Before the platform takes it for a window that a second start never shows.
+    installLog();
+    const QString activationToken = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
     Preferences preferences;
     LanguagePreference language(preferences);
     setLanguageSources(
@@ -117,13 +176,14 @@ int runEditor(int argc, char **argv)
     const QString library = LibraryPaths::root();
     const QStringList photos = photosOf(QApplication::arguments());
     SingleInstance instance(library);
-    if (!instance.acquire(photos)) {
-        return instance.handedOver() ? 0
-                                     : complain({"Tarnovel 已在运行，但没有响应。",
-                                                 "Tarnovel is running already, but does not answer.",
-                                                 "Tarnovel est déjà ouvert, mais ne répond pas."});
+    while (!instance.acquire(photos, activationToken)) {
+        if (instance.handedOver() || !askUnanswered()) {
+            return instance.handedOver() ? 0 : 1;
+        }
     }
-    const QString temporary = privateTemporaryFolder() + u"/Exports"_s;
+    // Folders of pasted pictures as older versions named them, which nobody holds.
+    ScratchFolder::sweep(u"Tarnovel-"_s, 86'400);
+    const QString temporary = privateTemporaryFolder();
     ExportFileLifetime::prepare(temporary);
     ImagePipeline pipeline(library, temporary);
     SessionWriter writer(library);
@@ -133,17 +193,23 @@ int runEditor(int argc, char **argv)
     ImportFlow imports(model, pipeline);
     Thumbnails thumbnails(pipeline);
     EditorState state;
+    QtTexts texts;
     Appearance appearance(preferences);
     PicturesFolder pictures;
     MainWindow window({{model, edits, imports, thumbnails, pipeline, preferences, clock, state},
                        appearance,
-                       FileChooser::dialogs(),
+                       FileChooser::dialogs(preferences),
                        pictures,
-                       [&language] { language.reload(); }});
+                       [&language, &texts] {
+                           language.reload();
+                           texts.load();
+                       }});
     QObject::connect(&instance, &SingleInstance::photosReceived, &window, &MainWindow::openPhotos);
+    const ProgramEnd end([&window] { window.saveNow(); });
     window.show();
     window.openPhotos(photos);
+    QTimer::singleShot(0, &window, &MainWindow::offerDrafts);
     return QApplication::exec();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

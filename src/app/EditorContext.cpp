@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 void EditorState::setTool(Tool tool)
 {
@@ -37,4 +37,4 @@ void EditorState::endPicking()
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

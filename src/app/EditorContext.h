@@ -14,7 +14,7 @@
 #include "editor/SettingsEdits.h"
 #include "editor/Thumbnails.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// What the editor's screens share beyond the model: which tool and layer are at hand, and what one screen
 /// asks of another.
@@ -37,7 +37,7 @@ Q_SIGNALS:
     void toolChanged();
     void layerChanged();
     void pickingChanged();
-    void saying(const QString &text, tarnovel::Toast::Kind kind);
+    void saying(const QString &text, tarnovel::app::Toast::Kind kind);
     void addPhotosAsked();
     void backgroundAsked();
     void logoAsked();
@@ -64,4 +64,4 @@ struct EditorContext {
     EditorState &state;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -3,13 +3,15 @@
 #include <utility>
 
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 #include "language/AppLanguage.h"
+#include "model/Preferences.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -21,48 +23,67 @@ QString pictureFilter()
            localized({"所有文件", "All files", "Tous les fichiers"}) + u" (*)"_s;
 }
 
-QFileDialog *dialog(QWidget *window, const QString &title)
+/// What the dialog is for, and with it the place that it opens in.
+struct Purpose {
+    Preferences *preferences;
+    QString key;
+};
+
+QFileDialog *dialog(QWidget *window, const QString &title, const Purpose &purpose)
 {
-    auto *made =
-        new QFileDialog(window, title, QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
+    auto *made = new QFileDialog(window, title);
     made->setAttribute(Qt::WA_DeleteOnClose);
+    const QString last = purpose.preferences->value(purpose.key).toString();
+    // A folder that has gone would stand in the dialog as a name to open.
+    made->setDirectory(
+        QFileInfo(last).isDir() ? last : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
     return made;
 }
 
-void askFiles(QWidget *window, QFileDialog::FileMode mode, const QString &title,
+void askFiles(QWidget *window, QFileDialog::FileMode mode, const QString &title, const Purpose &purpose,
               const FileChooser::Files &chosen)
 {
-    QFileDialog *ask = dialog(window, title);
+    QFileDialog *ask = dialog(window, title, purpose);
     ask->setFileMode(mode);
     ask->setNameFilter(pictureFilter());
-    QObject::connect(ask, &QFileDialog::filesSelected, window,
-                     [chosen](const QStringList &files) { chosen(files); });
+    ask->setOption(QFileDialog::HideNameFilterDetails);
+    QObject::connect(ask, &QFileDialog::filesSelected, window, [chosen, purpose](const QStringList &files) {
+        if (!files.isEmpty()) {
+            purpose.preferences->setValue(purpose.key, QFileInfo(files.first()).absolutePath());
+        }
+        chosen(files);
+    });
     ask->open();
 }
 
 } // namespace
 
-FileChooser FileChooser::dialogs()
+FileChooser FileChooser::dialogs(Preferences &preferences)
 {
+    const Purpose photos{&preferences, u"photosFolder"_s};
+    const Purpose exports{&preferences, u"exportFolder"_s};
     FileChooser chooser;
-    chooser.photos = [](QWidget *window, const Files &chosen) {
+    chooser.photos = [photos](QWidget *window, const Files &chosen) {
         askFiles(window, QFileDialog::ExistingFiles,
-                 localized({"添加照片", "Add photos", "Ajouter des photos"}), chosen);
+                 localized({"添加照片", "Add photos", "Ajouter des photos"}), photos, chosen);
     };
-    chooser.picture = [](QWidget *window, const Files &chosen) {
+    chooser.picture = [photos](QWidget *window, const Files &chosen) {
         askFiles(window, QFileDialog::ExistingFile,
-                 localized({"选择图片", "Choose an image", "Choisir une image"}), chosen);
+                 localized({"选择图片", "Choose an image", "Choisir une image"}), photos, chosen);
     };
-    chooser.folder = [](QWidget *window, const Folder &chosen) {
-        QFileDialog *ask =
-            dialog(window, localized({"导出到文件夹", "Export to folder", "Exporter vers un dossier"}));
+    chooser.folder = [exports](QWidget *window, const Folder &chosen) {
+        QFileDialog *ask = dialog(
+            window, localized({"导出到文件夹", "Export to folder", "Exporter vers un dossier"}), exports);
         ask->setFileMode(QFileDialog::Directory);
         ask->setOption(QFileDialog::ShowDirsOnly);
-        QObject::connect(ask, &QFileDialog::fileSelected, window,
-                         [chosen](const QString &folder) { chosen(folder); });
+        ask->selectFile({});
+        QObject::connect(ask, &QFileDialog::fileSelected, window, [chosen, exports](const QString &folder) {
+            exports.preferences->setValue(exports.key, folder);
+            chosen(folder);
+        });
         ask->open();
     };
     return chooser;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,6 +7,10 @@
 class QWidget;
 
 namespace tarnovel {
+class Preferences;
+}
+
+namespace tarnovel::app {
 
 /// Asks the user for files and folders with the desktop's own dialog, without stopping the window. `chosen`
 /// is called with what was chosen, or not at all. Tests put their own in its place.
@@ -19,7 +23,8 @@ struct FileChooser {
     std::function<void(QWidget *window, Files chosen)> picture;
     std::function<void(QWidget *window, Folder chosen)> folder;
 
-    static FileChooser dialogs();
+    /// The preferences remember where one was last, for photos and for exports apart.
+    static FileChooser dialogs(Preferences &preferences);
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -1,12 +1,12 @@
 #include "app/Sharing.h"
 
+#include <utility>
+
 #include <QClipboard>
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
-#include <QDBusReply>
 #include <QDBusUnixFileDescriptor>
 #include <QDesktopServices>
 #include <QFile>
@@ -16,7 +16,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel::Sharing {
+namespace tarnovel::app::Sharing {
 
 namespace {
 
@@ -67,17 +67,23 @@ void showInFolder(const QString &folder, const QStringList &files)
     });
 }
 
-bool canSendMail()
+void askForMail(QObject *asker, std::function<void()> answered)
 {
     const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.interface()->isServiceRegistered(portalService)) {
-        return false;
+    if (!bus.isConnected()) {
+        return;
     }
     QDBusMessage call = QDBusMessage::createMethodCall(portalService, portalPath,
                                                        u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     call.setArguments({mailInterface, u"version"_s});
-    constexpr int patienceMs = 200;
-    return bus.call(call, QDBus::Block, patienceMs).type() == QDBusMessage::ReplyMessage;
+    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), asker);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, asker,
+                     [watcher, answered = std::move(answered)] {
+                         if (!watcher->isError()) {
+                             answered();
+                         }
+                         watcher->deleteLater();
+                     });
 }
 
 void sendMail(const QStringList &files)
@@ -97,4 +103,4 @@ void sendMail(const QStringList &files)
     QDBusConnection::sessionBus().asyncCall(call);
 }
 
-} // namespace tarnovel::Sharing
+} // namespace tarnovel::app::Sharing

@@ -4,7 +4,7 @@
 
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// The sections of the inspector, in the order of the rail.
 enum class Tool {
@@ -45,4 +45,4 @@ inline constexpr std::array<ToolRow, 11> toolRows = {{
     {Tool::Camera, "camera", {"相机信息", "Camera info", "Infos photo"}, "camera"},
 }};
 
-} // namespace tarnovel
+} // namespace tarnovel::app

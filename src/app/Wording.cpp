@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-namespace tarnovel::Wording {
+namespace tarnovel::app::Wording {
 
 QString local(QString text)
 {
@@ -38,4 +38,4 @@ QString local(QString text)
     return text;
 }
 
-} // namespace tarnovel::Wording
+} // namespace tarnovel::app::Wording

@@ -33,10 +33,11 @@ constexpr int mostAttempts = 100'000;
 /// the writer holds a lock on it: that is how a left-over is told from a file in use, on shared folders too.
 class TemporaryFile {
 public:
-    explicit TemporaryFile(const QString &folder)
+    TemporaryFile(const QString &folder, Audience audience)
         : m_path(folder + u'/' + temporaryPrefix +
                  QUuid::createUuid().toString(QUuid::Id128).left(temporaryDigits)),
-          m_descriptor(open(encoded().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666))
+          m_descriptor(open(encoded().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                            audience == Audience::Owner ? 0600 : 0666))
     {
         if (m_descriptor < 0) {
             throw FileError(folder, errno);
@@ -94,7 +95,7 @@ public:
                 continue;
             }
             if (count < 0) {
-                throw FileError(sourcePath, errno);
+                throw FileError(sourcePath, errno, FileAccess::Read);
             }
             write(block.constData(), count);
         }
@@ -192,10 +193,10 @@ void syncFolder(const QString &folder)
 
 } // namespace
 
-void replaceFile(const QString &path, const QByteArray &bytes, Durability durability)
+void replaceFile(const QString &path, const QByteArray &bytes, Durability durability, Audience audience)
 {
     const QString folder = QFileInfo(path).path();
-    TemporaryFile temporary(folder);
+    TemporaryFile temporary(folder, audience);
     temporary.write(bytes.constData(), bytes.size());
     temporary.finish(durability);
     temporary.replace(path);
@@ -204,27 +205,30 @@ void replaceFile(const QString &path, const QByteArray &bytes, Durability durabi
     }
 }
 
-QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor)
+QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor,
+                    Audience audience)
 {
-    StagedFiles staged(folder);
+    StagedFiles staged(folder, audience);
     staged.stage(source);
     return staged.publish([&nameFor](qsizetype, int attempt) { return nameFor(attempt); }).constFirst();
 }
 
-StagedFiles::StagedFiles(QString folder) : m_folder(std::move(folder)) {}
+StagedFiles::StagedFiles(QString folder, Audience audience) : m_folder(std::move(folder)), m_audience(audience)
+{
+}
 
 StagedFiles::~StagedFiles() = default;
 
 void StagedFiles::stage(const QString &source)
 {
     if (source.isEmpty()) {
-        TemporaryFile(m_folder).finish(Durability::Unsynced);
+        TemporaryFile(m_folder, m_audience).finish(Durability::Unsynced);
         return;
     }
     // Not blocking: a pipe without a writer would keep the caller for ever.
     const int input = open(QFile::encodeName(source).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (input < 0) {
-        throw FileError(source, errno);
+        throw FileError(source, errno, FileAccess::Read);
     }
     const struct Closer {
         int descriptor;
@@ -232,9 +236,9 @@ void StagedFiles::stage(const QString &source)
     } closer{input};
     struct stat status = {};
     if (fstat(input, &status) != 0 || !S_ISREG(status.st_mode)) {
-        throw FileError(source, EINVAL);
+        throw FileError(source, S_ISDIR(status.st_mode) ? EISDIR : EINVAL, FileAccess::Read);
     }
-    auto temporary = std::make_unique<TemporaryFile>(m_folder);
+    auto temporary = std::make_unique<TemporaryFile>(m_folder, m_audience);
     if (!temporary->clone(input)) {
         temporary->copy(input, source);
     }

@@ -19,21 +19,31 @@ enum class Durability {
     Unsynced,
 };
 
+/// Who may read a new file.
+enum class Audience {
+    /// Whoever the user's umask lets.
+    Everyone,
+    /// The user alone.
+    Owner,
+};
+
 /// Replaces the file by `bytes`, whole or not at all. A FileError is thrown when the disk refuses: the old
 /// file is then untouched, unless only the folder's sync failed after the new one had taken its place.
-void replaceFile(const QString &path, const QByteArray &bytes, Durability durability = Durability::Synced);
+void replaceFile(const QString &path, const QByteArray &bytes, Durability durability = Durability::Synced,
+                 Audience audience = Audience::Everyone);
 
 /// Copies `source` into `folder` under the first of nameFor(0), nameFor(1), … that no entry has, and returns
 /// the path it got. The file appears whole or not at all, and never takes the place of another one, not even
 /// of one that another process makes at the same moment. Throws a FileError, and leaves nothing behind, when
-/// the disk refuses.
-QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor);
+/// the source cannot be read (FileAccess::Read) or the disk refuses.
+QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor,
+                    Audience audience = Audience::Everyone);
 
 /// Copies of several files that appear in a folder together. Until then, and for ever when something fails,
 /// the folder shows none of them.
 class StagedFiles {
 public:
-    explicit StagedFiles(QString folder);
+    explicit StagedFiles(QString folder, Audience audience = Audience::Everyone);
     ~StagedFiles();
     StagedFiles(const StagedFiles &) = delete;
     StagedFiles &operator=(const StagedFiles &) = delete;
@@ -48,6 +58,7 @@ public:
 
 private:
     QString m_folder;
+    Audience m_audience;
     std::vector<std::unique_ptr<TemporaryFile>> m_files;
 };
 

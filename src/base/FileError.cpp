@@ -5,8 +5,11 @@
 
 namespace tarnovel {
 
-FileError::FileError(QString path, int code)
-    : m_path(std::move(path)), m_code(code), m_what((m_path + QStringLiteral(": ") + reason()).toUtf8())
+FileError::FileError(QString path, int code, FileAccess access)
+    : m_path(std::move(path)),
+      m_code(code),
+      m_access(access),
+      m_what((m_path + QStringLiteral(": ") + reason()).toUtf8())
 {
 }
 

@@ -1,15 +1,25 @@
 #include "base/Json.h"
 
+#include <cerrno>
 #include <cmath>
+#include <fcntl.h>
 #include <limits>
-#include <set>
+#include <sys/stat.h>
+#include <unordered_set>
+#include <utility>
+
+#include <QFile>
+
+#include "base/FileError.h"
 
 namespace tarnovel {
 
 namespace {
 
 constexpr qsizetype largestDocument = 64'000'000;
-constexpr int deepestLevel = 64;
+constexpr size_t deepestLevel = 64;
+constexpr size_t mostMembers = 1'000;
+constexpr int mostValues = 1'000'000;
 
 /// A JSON pointer escapes the two characters that have a meaning in it.
 std::string pointerToken(const std::string &key)
@@ -45,37 +55,149 @@ void requireFinite(const Json &value, const std::string &path)
     }
 }
 
+/// Builds a document as the parser meets it. The library's own builder looks each key up among those before it.
+class DocumentBuilder : public nlohmann::json_sax<Json> {
+public:
+    Json root;
+    std::optional<JsonError> fault;
+
+    bool null() override { return add(nullptr); }
+    bool boolean(bool value) override { return add(value); }
+    bool number_integer(number_integer_t value) override { return add(value); }
+    bool number_unsigned(number_unsigned_t value) override { return add(value); }
+    bool number_float(number_float_t value, const string_t &) override { return add(value); }
+    bool string(string_t &value) override { return add(std::move(value)); }
+    bool binary(binary_t &) override { return fail("binary data"); }
+    bool start_object(std::size_t) override { return open(Json::object()); }
+    bool end_object() override { return close(); }
+    bool start_array(std::size_t) override { return open(Json::array()); }
+    bool end_array() override { return close(); }
+
+    bool key(string_t &name) override
+    {
+        std::unordered_set<std::string> &known = m_open.back().keys;
+        if (known.size() == mostMembers) {
+            return fail("more than 1000 members in one object");
+        }
+        if (!known.insert(name).second) {
+            return fail("the key \"" + name + "\" stands twice in one object");
+        }
+        m_key = std::move(name);
+        return true;
+    }
+
+    bool parse_error(std::size_t, const std::string &, const nlohmann::detail::exception &error) override
+    {
+        // The library's own mark in brackets says nothing to a reader.
+        const std::string what = error.what();
+        const size_t mark = what.find("] ");
+        return fail(what.substr(mark == std::string::npos ? 0 : mark + 2));
+    }
+
+private:
+    struct Open {
+        Json *value;
+        std::unordered_set<std::string> keys = {};
+    };
+
+    bool fail(const std::string &reason)
+    {
+        fault.emplace(std::string(), reason);
+        return false;
+    }
+
+    /// Null once there are too many values.
+    Json *place(Json value)
+    {
+        if (++m_values > mostValues) {
+            fail("more than a million values");
+            return nullptr;
+        }
+        if (m_open.empty()) {
+            root = std::move(value);
+            return &root;
+        }
+        Json &parent = *m_open.back().value;
+        if (parent.is_array()) {
+            parent.push_back(std::move(value));
+            return &parent.back();
+        }
+        // Past the object's own way in, which would search for the key.
+        auto &members = static_cast<Json::object_t::Container &>(parent.get_ref<Json::object_t &>());
+        return &members.emplace_back(std::move(m_key), std::move(value)).second;
+    }
+
+    bool add(Json value) { return place(std::move(value)) != nullptr; }
+
+    bool open(Json container)
+    {
+        if (m_open.size() == deepestLevel) {
+            return fail("more than 64 levels deep");
+        }
+        Json *const placed = place(std::move(container));
+        if (placed) {
+            m_open.push_back({placed});
+        }
+        return placed != nullptr;
+    }
+
+    bool close()
+    {
+        m_open.pop_back();
+        return true;
+    }
+
+    std::vector<Open> m_open;
+    std::string m_key;
+    int m_values = 0;
+};
+
+JsonError tooLong()
+{
+    return {{}, "larger than 64 MB"};
+}
+
 } // namespace
+
+PartialJson parseJsonUpToFault(const QByteArray &bytes)
+{
+    if (bytes.size() > largestDocument) {
+        return {{}, tooLong()};
+    }
+    DocumentBuilder builder;
+    Json::sax_parse(bytes.begin(), bytes.end(), &builder);
+    return {std::move(builder.root), builder.fault};
+}
 
 Json parseJson(const QByteArray &bytes)
 {
-    if (bytes.size() > largestDocument) {
-        throw JsonError({}, "larger than 64 MB");
+    PartialJson parsed = parseJsonUpToFault(bytes);
+    if (parsed.fault) {
+        throw *parsed.fault;
     }
-    std::vector<std::set<std::string>> keys;
-    const auto check = [&keys](int depth, Json::parse_event_t event, Json &parsed) {
-        if (depth > deepestLevel) {
-            throw JsonError({}, "more than 64 levels deep");
-        }
-        if (event == Json::parse_event_t::object_start) {
-            keys.emplace_back();
-        } else if (event == Json::parse_event_t::object_end) {
-            keys.pop_back();
-        } else if (event == Json::parse_event_t::key) {
-            const auto &key = parsed.get_ref<const std::string &>();
-            if (!keys.back().insert(key).second) {
-                throw JsonError({}, "the key \"" + key + "\" stands twice in one object");
-            }
-        }
-        return true;
-    };
-    try {
-        return Json::parse(bytes.begin(), bytes.end(), check);
-    } catch (const Json::exception &error) {
-        // The library's own mark in brackets says nothing to a reader.
-        const std::string what = error.what();
-        throw JsonError({}, what.substr(what.find("] ") == std::string::npos ? 0 : what.find("] ") + 2));
+    return std::move(parsed.value);
+}
+
+QByteArray readJsonFile(const QString &path)
+{
+    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat status = {};
+    if (descriptor < 0 || fstat(descriptor, &status) != 0) {
+        throw FileError(path, errno, FileAccess::Read);
     }
+    QFile file;
+    file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
+    if (!S_ISREG(status.st_mode)) {
+        throw FileError(path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL, FileAccess::Read);
+    }
+    if (status.st_size > largestDocument) {
+        throw tooLong();
+    }
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFile::NoError) {
+        throw FileError(path, EIO, FileAccess::Read);
+    }
+    return bytes;
 }
 
 QByteArray writeJson(const Json &value)
@@ -121,6 +243,15 @@ QString JsonReader::text() const
         fail("expected a string");
     }
     return QString::fromStdString(m_value.get_ref<const std::string &>());
+}
+
+QString JsonReader::text(qsizetype longest) const
+{
+    QString whole = text();
+    // Half of a surrogate pair is no character.
+    const bool split = whole.size() > longest && whole.at(longest - 1).isHighSurrogate();
+    whole.truncate(split ? longest - 1 : longest);
+    return whole;
 }
 
 std::vector<JsonReader> JsonReader::elements() const

@@ -30,9 +30,20 @@ private:
     std::string m_reason;
 };
 
-/// Parses a whole document by the strict grammar. Duplicate keys, more than 64 MB and more than 64 levels are
-/// refused with a JsonError.
+/// Parses a whole document by the strict grammar, in time that grows with its length alone. Duplicate keys,
+/// more than 64 MB, 64 levels, 1,000 members in an object or a million values are refused with a JsonError.
 Json parseJson(const QByteArray &bytes);
+
+/// What could be read of a document before its first fault, and that fault; nothing where there was none.
+struct PartialJson {
+    Json value;
+    std::optional<JsonError> fault;
+};
+PartialJson parseJsonUpToFault(const QByteArray &bytes);
+
+/// The bytes of a document's file. Its size is looked at before it is read: a FileError for a file that cannot
+/// be read or is none, a JsonError for one of more than 64 MB.
+QByteArray readJsonFile(const QString &path);
 
 /// The document without white space. Numbers are written so that reading them gives the same bits.
 QByteArray writeJson(const Json &value);
@@ -48,12 +59,15 @@ public:
     int integer() const;
     bool boolean() const;
     QString text() const;
+    /// A text that nobody needs to be longer: what is beyond `longest` characters is left out.
+    QString text(qsizetype longest) const;
     /// The elements of an array.
     std::vector<JsonReader> elements() const;
     /// The member of an object; a JsonError when the object lacks it.
     JsonReader member(const char *key) const;
     /// None when the object lacks the member or holds null there.
     std::optional<JsonReader> optionalMember(const char *key) const;
+    const Json &value() const { return m_value; }
     [[noreturn]] void fail(const std::string &reason) const;
 
     std::optional<double> optionalNumber(const char *key) const;

@@ -19,7 +19,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -270,7 +270,7 @@ int makeCollage(const CollageRequest &request, const Interruption &interruption)
                                        interruption.token())
                               .result());
         } catch (const PipelineFailure &failure) {
-            throw Refusal{photo, errorDescription(failure.error())};
+            throw Refusal{photo, errorDescription(failure)};
         }
         sizes.append(photos.last().size());
     }
@@ -292,7 +292,7 @@ int makeCollage(const CollageRequest &request, const Interruption &interruption)
         }
     } catch (const PipelineFailure &failure) {
         const QString culprit = failure.file().isEmpty() ? request.file : failure.file();
-        throw Refusal{culprit, errorDescription(failure.error())};
+        throw Refusal{culprit, errorDescription(failure)};
     } catch (const FileError &error) {
         throw Refusal{request.file, errorDescription(error)};
     }
@@ -340,4 +340,4 @@ int runLayouts(const QString &count, bool json)
     return 0;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

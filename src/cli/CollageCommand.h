@@ -4,7 +4,7 @@
 
 #include <QStringList>
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 class Interruption;
 
@@ -41,4 +41,4 @@ int runCollage(const CollageRequest &request, const Interruption &interruption);
 /// The layouts for this many photos, in order. Returns the exit status.
 int runLayouts(const QString &count, bool json);
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -14,19 +14,21 @@
 #include <QGuiApplication>
 #include <QStandardPaths>
 
+#include "base/Log.h"
 #include "cli/CollageCommand.h"
 #include "cli/Console.h"
 #include "cli/ExportCommand.h"
 #include "cli/Grammar.h"
 #include "cli/Interruption.h"
 #include "cli/ListCommands.h"
+#include "export/ExportReviewPolicy.h"
 #include "language/AppLanguage.h"
 #include "model/Preferences.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::string_view_literals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -225,11 +227,13 @@ void prepareQt()
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     setenv("LC_ALL", "C.UTF-8", 1);
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &message) {
-        const bool ours = context.category && std::string_view(context.category).starts_with("tarnovel");
-        if (type == QtFatalMsg || (ours && type == QtWarningMsg)) {
+        // A missing font changes the result, and the user can help it.
+        const bool isFont = context.category && context.category == "fonts"sv;
+        if (type == QtFatalMsg || (isFont && type == QtWarningMsg)) {
             Console::complain(message);
         }
     });
+    installLog();
 }
 
 } // namespace
@@ -240,6 +244,9 @@ bool isCommand(int argc, char **argv)
         return false;
     }
     const std::string_view first = argv[1];
+    if (first.starts_with('-') && ExportReviewPolicy::isAutomation(fromArgument(argv[1]))) {
+        return false; // the editor, started by a machine
+    }
     if (first.starts_with('-') || std::ranges::find(commands, first) != commands.end()) {
         return true;
     }
@@ -275,6 +282,9 @@ int runCommandLine(int argc, char **argv)
     if (end != argv + argc) {
         arguments.photos.insert(arguments.photos.end(), end + 1, argv + argc);
     }
+    if (arguments.verbose) {
+        printLog();
+    }
     const Interruption interruption;
     const QGuiApplication application(argc, argv);
     removeRuntimeFolder();
@@ -286,4 +296,4 @@ int runCommandLine(int argc, char **argv)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

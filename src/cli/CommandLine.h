@@ -1,6 +1,6 @@
 #pragma once
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 /// Whether the arguments ask for a headless command. Nothing, and names of files, ask for the editor; a bare
 /// word that is neither is a command gone wrong.
@@ -11,4 +11,4 @@ bool isCommand(int argc, char **argv);
 /// preferences.
 int runCommandLine(int argc, char **argv);
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace Console {
 
@@ -124,4 +124,4 @@ void ProgressBar::clear()
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

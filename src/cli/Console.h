@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 /// What the arguments got wrong; `message` is in the user's language.
 struct UsageError {
@@ -41,4 +41,4 @@ private:
     const bool m_shown;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -26,7 +26,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -73,17 +73,16 @@ void resolveFiles(FrameSettings &settings, const QDir &folder)
 
 FrameSettings styleFrom(const QString &path)
 {
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
-        throw Refusal{path, localized({"无法读取这个样式。", "Cannot read this style.",
-                                       "Impossible de lire ce style."})};
-    }
     try {
-        const Json json = parseJson(file.readAll());
+        const Json json = parseJson(readJsonFile(path));
         FrameSettings settings = frameSettingsFromJson(JsonReader(json));
         settings.normalize();
         resolveFiles(settings, QFileInfo(path).absoluteDir());
         return settings;
+    } catch (const FileError &error) {
+        throw Refusal{path, localized({"无法读取这个样式：", "Cannot read this style: ",
+                                       "Impossible de lire ce style\u202f: "}) +
+                                errorDescription(error)};
     } catch (const JsonError &error) {
         throw Refusal{path, localized({"这不是有效的样式：", "Not a valid style: ", "Style non valide : "}) +
                                 QString::fromStdString(error.what())};
@@ -99,8 +98,8 @@ double aspectOf(const QString &path, ImagePipeline &pipeline, const Interruption
                 .result()
                 .size();
         return size.width() / size.height();
-    } catch (const PipelineFailure &) {
-        throw Refusal{path, unreadablePicture()};
+    } catch (const PipelineFailure &failure) {
+        throw Refusal{path, failure.trouble() ? errorDescription(failure) : unreadablePicture()};
     }
 }
 
@@ -212,10 +211,6 @@ public:
             const PhotoItem ready = item();
             const ExportedFile made =
                 m_pipeline.exportPhoto(ready, m_options, m_interruption.token()).result();
-            const struct Remover {
-                QString path;
-                ~Remover() { QFile::remove(path); }
-            } remover{made.path};
             const QString extension = m_options.png ? u"png"_s : u"jpg"_s;
             const QString path = publishFile(made.path, m_request.folder, [&](int attempt) {
                 return ExportNames::fileName(ready.name, extension, attempt);
@@ -223,13 +218,14 @@ public:
             report(photo, path, ready, made);
         } catch (const PipelineFailure &failure) {
             const bool itself = failure.file().isEmpty();
-            reportFailure(photo, itself ? errorDescription(failure.error())
-                                        : failure.file() + u": "_s + unreadablePicture());
+            reportFailure(photo, (itself ? QString() : failure.file() + u": "_s) + errorDescription(failure));
         } catch (const FileError &error) {
             const QString temporary = QDir::tempPath();
-            const bool elsewhere = error.path().startsWith(temporary + u"/tarnovel-"_s);
-            reportFailure(photo,
-                          (elsewhere ? temporary : m_request.folder) + u": "_s + errorDescription(error));
+            const bool elsewhere = error.path().startsWith(temporary + u"/tarnovel-run-"_s);
+            const QString where = elsewhere ? localized({"临时文件夹 ", "temporary folder ", "dossier temporaire "}) +
+                                                  temporary
+                                            : m_request.folder;
+            reportFailure(photo, where + u": "_s + errorDescription(error));
         }
         ++m_done;
     }
@@ -370,4 +366,4 @@ int runExport(const ExportRequest &request, const Interruption &interruption)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -6,7 +6,7 @@
 
 #include "pipeline/ExportOptions.h"
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 class Interruption;
 
@@ -33,4 +33,4 @@ struct ExportRequest {
 /// Returns the exit status. Throws a UsageError before anything is written.
 int runExport(const ExportRequest &request, const Interruption &interruption);
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -7,7 +7,7 @@
 
 #include "language/AppLanguage.h"
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 /// What the arguments ask for; CLI11 fills it.
 struct Arguments {
@@ -42,6 +42,7 @@ struct Arguments {
     bool session = false;
     bool json = false;
     bool quiet = false;
+    bool verbose = false;
 };
 
 inline std::string inThisLanguage(const Text &variants)
@@ -99,6 +100,9 @@ private:
         app.set_help_flag("-h,--help", inThisLanguage({"显示说明", "Show this help", "Afficher cette aide"}));
         addOption(app, "--language", m_arguments.language, "zh|en|fr",
                   {"提示文字的语言", "Language of the messages", "Langue des messages"});
+        app.add_flag("-v,--verbose", m_arguments.verbose,
+                     inThisLanguage({"在标准错误输出日志", "Log lines on standard error",
+                                     "Journal sur l’erreur standard"}));
     }
 
     /// An option with one value; given twice, the last one counts.
@@ -302,4 +306,4 @@ private:
     CLI::App *m_stocks = nullptr;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -4,7 +4,7 @@
 #include <ctime>
 #include <pthread.h>
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -26,6 +26,8 @@ Interruption::Interruption()
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     // A reader that goes away shows as a failed write, not as our sudden end.
     std::signal(SIGPIPE, SIG_IGN);
+    // The same for a file that grows past what the user's limits allow.
+    std::signal(SIGXFSZ, SIG_IGN);
     m_listener = std::jthread([this, signals](const std::stop_token &over) {
         constexpr timespec pause = {0, 50'000'000};
         while (!over.stop_requested()) {
@@ -49,4 +51,4 @@ int Interruption::exitStatus() const
     return m_signal == 0 ? 0 : 128 + m_signal;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

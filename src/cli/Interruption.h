@@ -4,7 +4,7 @@
 #include <stop_token>
 #include <thread>
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 /// Turns Ctrl-C and a polite request to end into a stop request, so that the work at hand can end cleanly.
 /// Made before any other thread, since it decides where those signals go.
@@ -25,4 +25,4 @@ private:
     std::jthread m_listener;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

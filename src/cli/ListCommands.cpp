@@ -17,7 +17,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 namespace {
 
@@ -98,7 +98,7 @@ int runInspect(const QStringList &photos, bool json, const Interruption &interru
                     return 1;
                 }
             } catch (const PipelineFailure &failure) {
-                const QString message = errorDescription(failure.error());
+                const QString message = errorDescription(failure);
                 if (json) {
                     Console::print(QString::fromUtf8(
                         writeJson(Json{{"photo", jsonText(photo)}, {"error", jsonText(message)}})));
@@ -131,4 +131,4 @@ int runStocks(bool json)
     return printTable(rows, json);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

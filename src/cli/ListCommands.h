@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 class Interruption;
 
@@ -13,4 +13,4 @@ int runInspect(const QStringList &photos, bool json, const Interruption &interru
 int runTemplates(bool json);
 int runStocks(bool json);
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

@@ -4,12 +4,14 @@
 #include <QFileInfo>
 
 #include "base/AtomicFile.h"
+#include "base/FileError.h"
 #include "cli/Console.h"
 #include "language/AppLanguage.h"
+#include "pipeline/PipelineError.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 void setFormat(ExportOptions &options, const QString &format, const std::optional<QString> &maxMb)
 {
@@ -38,12 +40,15 @@ QString unreadablePicture()
                       "Impossible de lire cette image. Essayez JPEG, HEIC ou PNG."});
 }
 
-TemporaryFolder::TemporaryFolder() : m_folder(QDir::tempPath() + u"/tarnovel-XXXXXX"_s)
+TemporaryFolder::TemporaryFolder()
 {
-    if (!m_folder.isValid()) {
-        throw Refusal{QDir::tempPath(),
-                      localized({"无法在这里建立临时文件夹。", "Cannot make a temporary folder here.",
-                                 "Impossible de créer un dossier temporaire ici."})};
+    try {
+        m_folder = std::make_unique<ScratchFolder>(u"tarnovel-run-"_s);
+    } catch (const FileError &error) {
+        throw Refusal{error.path(),
+                      localized({"无法在这里建立临时文件夹：", "Cannot make a temporary folder here: ",
+                                 "Impossible de créer un dossier temporaire ici\u202f: "}) +
+                          errorDescription(error)};
     }
 }
 
@@ -61,4 +66,4 @@ void makeFolder(const QString &folder)
                                              "Impossible de créer ce dossier."})};
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

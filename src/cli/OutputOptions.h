@@ -1,13 +1,14 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include <QString>
-#include <QTemporaryDir>
 
+#include "base/ScratchFolder.h"
 #include "pipeline/ExportOptions.h"
 
-namespace tarnovel {
+namespace tarnovel::cli {
 
 /// Something that stops a whole command before its first photo.
 struct Refusal {
@@ -29,10 +30,10 @@ QString unreadablePicture();
 class TemporaryFolder {
 public:
     TemporaryFolder();
-    QString path() const { return m_folder.path(); }
+    QString path() const { return m_folder->path(); }
 
 private:
-    QTemporaryDir m_folder;
+    std::unique_ptr<ScratchFolder> m_folder;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::cli

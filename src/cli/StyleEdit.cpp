@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel::StyleEdit {
+namespace tarnovel::cli::StyleEdit {
 
 namespace {
 
@@ -160,4 +160,4 @@ void setText(FrameSettings &settings, const QString &assignment)
     layer->visible = true;
 }
 
-} // namespace tarnovel::StyleEdit
+} // namespace tarnovel::cli::StyleEdit

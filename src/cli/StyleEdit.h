@@ -5,7 +5,7 @@
 #include "model/FrameSettings.h"
 
 /// Changes of single fields of a style by name.
-namespace tarnovel::StyleEdit {
+namespace tarnovel::cli::StyleEdit {
 
 /// Changes the field that "PATH=VALUE" names: JSON keys joined by dots, a layer named by its id
 /// ("layers.title.size"). VALUE is JSON, or a string where it is none. Film options are made with their
@@ -15,4 +15,4 @@ void set(FrameSettings &settings, const QString &assignment);
 /// Gives the layer that "ID=TEXT" names that text and shows it. Throws a UsageError for an unknown layer.
 void setText(FrameSettings &settings, const QString &assignment);
 
-} // namespace tarnovel::StyleEdit
+} // namespace tarnovel::cli::StyleEdit

@@ -1,6 +1,5 @@
 #include "collage/CollageOutput.h"
 
-#include <QFile>
 #include <QPainter>
 
 #include "pipeline/ImagePipeline.h"
@@ -39,13 +38,6 @@ QImage render(ImagePipeline &pipeline, const CollageDesign &design, const QList<
     return canvas;
 }
 
-UnclaimedFile::~UnclaimedFile()
-{
-    if (!m_path.isEmpty()) {
-        QFile::remove(m_path);
-    }
-}
-
 Saved save(ImagePipeline &pipeline, const CollageDesign &design, const QList<PhotoItem> &photos,
            const QString &libraryFolder, const std::stop_token &stop)
 {
@@ -53,7 +45,6 @@ Saved save(ImagePipeline &pipeline, const CollageDesign &design, const QList<Pho
     const ExportOptions options{.png = true};
     const ExportedFile made =
         pipeline.exportImage(render(pipeline, design, photos, stop), options, stop).result();
-    const UnclaimedFile temporary(made.path);
     const ImportedFile imported = ImportedFile::receive(made.path, libraryFolder);
     Saved saved;
     saved.file = std::make_shared<UnclaimedFile>(libraryFolder + u'/' + imported.file);

@@ -3,11 +3,11 @@
 #include <functional>
 #include <memory>
 #include <stop_token>
-#include <utility>
 
 #include <QImage>
 #include <QList>
 
+#include "base/UnclaimedFile.h"
 #include "collage/CollageRenderer.h"
 #include "model/Session.h"
 
@@ -32,19 +32,6 @@ struct RenderOptions {
 /// throw; a PipelineFailure names the photo's file.
 QImage render(ImagePipeline &pipeline, const CollageDesign &design, const QList<PhotoItem> &photos,
               const std::stop_token &stop, const RenderOptions &options = {});
-
-/// A file that goes again unless it is kept.
-class UnclaimedFile {
-public:
-    explicit UnclaimedFile(QString path) : m_path(std::move(path)) {}
-    ~UnclaimedFile();
-    UnclaimedFile(const UnclaimedFile &) = delete;
-    UnclaimedFile &operator=(const UnclaimedFile &) = delete;
-    void keep() { m_path.clear(); }
-
-private:
-    QString m_path;
-};
 
 /// A finished collage in the library, which no session refers to yet.
 struct Saved {

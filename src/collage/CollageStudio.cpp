@@ -7,6 +7,9 @@
 #include <QPainter>
 
 #include "base/Cancellation.h"
+#include "base/Json.h"
+#include "base/Log.h"
+#include "collage/CollageDraft.h"
 #include "editor/ImportFlow.h"
 #include "language/AppLanguage.h"
 #include "pipeline/ImagePipeline.h"
@@ -82,10 +85,11 @@ void CollageStudio::toggle(const QUuid &photo)
         return;
     }
     ++m_selectTick;
-    tell(PhotosChanged);
+    // Whoever hears of the photos reads the layouts that go with them.
     if (!m_choosing) {
         rebuild(LayoutChoice::Keep);
     }
+    tell(PhotosChanged);
 }
 
 void CollageStudio::clearPicked()
@@ -108,10 +112,10 @@ void CollageStudio::addFiles(const QStringList &paths)
     m_photos.open(paths, [this](const QList<QUuid> &photos, qsizetype unreadable) {
         if (!m_saving && pick(photos)) {
             ++m_selectTick;
-            tell(PhotosChanged);
             if (!m_choosing) {
                 rebuild(LayoutChoice::Keep);
             }
+            tell(PhotosChanged);
         }
         if (unreadable > 0) {
             filesUnreadable(unreadable);
@@ -386,8 +390,10 @@ void CollageStudio::finish()
                 culprit == photos.end() ? QString() : culprit->name + localized({"：", ": ", "\u202f: "});
             outcome = [this, reason = name + errorDescription(failure.error())] { saveFailed(reason); };
         } catch (const FileError &error) {
+            qCWarning(logCollage) << "the collage was not saved:" << error.what();
             outcome = [this, reason = errorDescription(error)] { saveFailed(reason); };
-        } catch (const std::exception &) {
+        } catch (const std::exception &error) {
+            qCWarning(logCollage) << "the collage was not saved:" << error.what();
             outcome = [this] { saveFailed({}); };
         }
         // A call that is never delivered takes the unclaimed file with it.
@@ -434,6 +440,77 @@ void CollageStudio::cancel()
     m_saving = false;
     m_closed = true;
     tell(PhaseChanged | HistoryChanged);
+}
+
+QByteArray CollageStudio::draft() const
+{
+    if (m_choosing || m_closed || m_undo.isEmpty()) {
+        return {};
+    }
+    CollageDraft draft{m_design, {}};
+    for (const PhotoItem &photo : photosOf(m_design)) {
+        if (!m_model.photo(photo.id)) {
+            draft.files.insert(photo.id, photo.file);
+        }
+    }
+    return writeCollageDraft(draft);
+}
+
+bool CollageStudio::resume(const QByteArray &document)
+{
+    CollageDraft draft;
+    try {
+        draft = readCollageDraft(document);
+    } catch (const JsonError &error) {
+        qCWarning(logCollage) << "a draft cannot be read:" << error.what();
+        return false;
+    }
+    if (draft.files.isEmpty()) {
+        adoptDraft(draft.design);
+        return true;
+    }
+    m_photos.open(draft.files.values(), [this, draft](const QList<QUuid> &opened, qsizetype) {
+        CollageDesign design = draft.design;
+        for (CollageCell &cell : design.cells) {
+            const auto same = std::ranges::find_if(opened, [&](const QUuid &id) {
+                return draft.files.contains(cell.photo) && photo(id)->file == draft.files.value(cell.photo);
+            });
+            cell.photo = same == opened.end() ? cell.photo : *same;
+        }
+        if (m_choosing && m_picked.isEmpty()) {
+            adoptDraft(design);
+        }
+    });
+    return true;
+}
+
+void CollageStudio::adoptDraft(CollageDesign design)
+{
+    QList<PhotoItem> photos;
+    m_picked.clear();
+    for (const CollageCell &cell : std::as_const(design.cells)) {
+        if (const PhotoItem *known = photo(cell.photo)) {
+            photos.append(*known);
+            m_picked.append(known->id);
+        }
+    }
+    tell(PhotosChanged);
+    if (photos.size() < design.cells.size()) {
+        setMessage(localized({"部分照片已经不在了。", "Some of its photos are gone.",
+                              "Certaines de ses photos ont disparu."}));
+    }
+    if (photos.size() < CollageEdits::fewestPhotos) {
+        return;
+    }
+    if (photos.size() < design.cells.size()) {
+        design = CollageEdits::rebuilt(design, photos, LayoutChoice::Keep);
+    }
+    // What has been arranged may be undone, and is worth a question before it goes.
+    m_undo = {CollageEdits::rebuilt({}, photos, LayoutChoice::Best)};
+    m_choosing = false;
+    m_photos.postponeTiles();
+    adopt(design);
+    tell(PhaseChanged | DesignChanged | HistoryChanged);
 }
 
 void CollageStudio::setMessage(const QString &message, MessageKind kind)

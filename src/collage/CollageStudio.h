@@ -161,6 +161,12 @@ public:
     void cancel();
     bool closed() const { return m_closed; }
 
+    /// The board as a document from which `resume` goes on; empty where there is nothing to lose.
+    QByteArray draft() const;
+    /// Goes on with a draft once its files have been opened; without enough of its photos it stays at the
+    /// chooser, with a message. False for a document that is none.
+    bool resume(const QByteArray &document);
+
     /// Something to tell the user, in the language of its moment; empty when there is nothing.
     const QString &message() const { return m_message; }
     enum class MessageKind {
@@ -192,6 +198,7 @@ private:
     void move(QList<CollageDesign> &from, QList<CollageDesign> &to);
     void saved(const CollageOutput::Saved &collage);
     void saveFailed(const QString &reason);
+    void adoptDraft(CollageDesign design);
     void filesUnreadable(qsizetype count);
     void tell(Changes changes) { Q_EMIT changed(changes); }
 

@@ -27,9 +27,14 @@ QString target(const QUuid &photo, const QString &layerId = {})
 }
 
 /// Past half the canvas a photo does not move any more; what lay beyond would have to be dragged back unseen.
+double heldInCanvas(double value)
+{
+    return std::clamp(value, -0.5, 0.5);
+}
+
 double heldPhoto(double value)
 {
-    return std::clamp(FrameGeometry::snap(value, snapDistance), -0.5, 0.5);
+    return heldInCanvas(FrameGeometry::snap(value, snapDistance));
 }
 
 double heldText(double value)
@@ -200,27 +205,31 @@ void CanvasGestures::nudge(const std::optional<QString> &layerId, QPointF fracti
     if (!item || !isFinite(fractions, {1, 1})) {
         return;
     }
+    FrameSettings settings = item->settings;
+    if (TextLayer *layer = layerId ? settings.layer(*layerId) : nullptr) {
+        layer->x = heldText(layer->x + fractions.x());
+        layer->y = heldText(layer->y + fractions.y());
+    } else if (!layerId) {
+        settings.x = settings.lockX ? settings.x : heldInCanvas(settings.x + fractions.x());
+        settings.y = settings.lockY ? settings.y : heldInCanvas(settings.y + fractions.y());
+    }
+    if (settings == item->settings) {
+        return;
+    }
     if (kind == Nudge::Step || m_model.steps() != m_stepsThen) {
         m_model.checkpoint();
         m_stepsThen = m_model.steps();
     }
-    if (!layerId) {
-        FrameSettings settings = item->settings;
-        settings.x += fractions.x();
-        settings.y += fractions.y();
-        m_model.update(settings);
-    } else if (const TextLayer *layer = item->settings.layer(*layerId)) {
-        moveText(*layerId, {heldText(layer->x + fractions.x()), heldText(layer->y + fractions.y())});
-    }
+    m_model.update(settings);
 }
 
 std::optional<QString> CanvasGestures::layerAt(const FrameSettings &settings, QPointF position, QSizeF canvas)
 {
     for (auto layer = settings.layers.crbegin(); layer != settings.layers.crend(); ++layer) {
-        if (!layer->visible || (layer->text.isEmpty() && !layer->imageFile)) {
+        if (!layer->visible) {
             continue;
         }
-        QRectF target = CompositionRenderer::textRect(*layer, canvas);
+        QRectF target = CompositionRenderer::textRect(Placeholders::shown(*layer, canvas), canvas);
         const double growX = std::max(0.0, smallestTarget - target.width()) / 2;
         const double growY = std::max(0.0, smallestTarget - target.height()) / 2;
         target.adjust(-growX, -growY, growX, growY);

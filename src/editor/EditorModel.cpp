@@ -1,8 +1,13 @@
 #include "editor/EditorModel.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <utility>
 
+#include <QFile>
+
+#include "base/Log.h"
 #include "language/AppLanguage.h"
 #include "model/LibraryCleanup.h"
 #include "model/SessionStore.h"
@@ -12,6 +17,13 @@
 using namespace Qt::StringLiterals;
 
 namespace tarnovel {
+
+namespace {
+
+/// Seconds since 2001 of the last change that was saved.
+const QString lastEditKey = QStringLiteral("lastEdit");
+
+} // namespace
 
 EditorModel::EditorModel(const EditorServices &services, Load load)
     : m_services(services), m_loader(services.pipeline)
@@ -25,6 +37,11 @@ EditorModel::EditorModel(const EditorServices &services, Load load)
         LoadedSession loaded = loadSession(services.libraryFolder, LibraryAccess::Own);
         m_session = std::move(loaded.session);
         m_cleanupCandidates = std::move(loaded.cleanupCandidates);
+        m_setAside = SetAsideSessions::in(services.libraryFolder);
+        m_setAsideFiles = SetAsideSessions::neededFiles(services.libraryFolder);
+        if (loaded.decoded) {
+            removeBroughtBack();
+        }
         m_saves = std::make_unique<SaveScheduler>(services.writer, services.clock,
                                                   [this](bool done) { saved(done); });
         loadPreview();
@@ -67,12 +84,18 @@ void EditorModel::select(const QUuid &id)
 
 void EditorModel::change(const QUuid &id, const FrameSettings &settings)
 {
-    const auto place = std::ranges::find(m_session.photos, id, &PhotoItem::id);
-    if (place == m_session.photos.end()) {
+    if (!photo(id)) {
         return;
     }
     record(snapshot({id}));
+    // Looked up anew: whoever heard of the step may have changed the list, or hold a copy of it.
+    const auto place =
+        std::ranges::find_if(m_session.photos, [&id](const PhotoItem &item) { return item.id == id; });
+    if (place == m_session.photos.end()) {
+        return;
+    }
     place->settings = settings;
+    edited();
     if (m_session.selected == id) {
         m_session.lastStyle = settings;
         loadPreview();
@@ -89,6 +112,7 @@ void EditorModel::update(const FrameSettings &settings)
     }
     item->settings = settings;
     m_session.lastStyle = settings;
+    edited();
     tell(SettingsChanged);
     scheduleSave();
 }
@@ -102,6 +126,7 @@ qsizetype EditorModel::append(const QList<PhotoItem> &items)
         return 0;
     }
     m_session.photos = taken + m_session.photos;
+    edited();
     tell(PhotosChanged);
     select(taken.first().id);
     return taken.size();
@@ -159,6 +184,7 @@ void EditorModel::applyToAll()
     for (qsizetype i = 0; i < m_session.photos.size(); ++i) {
         m_session.photos[i] = styled(photos().at(i), style, static_cast<int>(i));
     }
+    edited();
     loadPreview();
     tell(SettingsChanged);
     scheduleSave();
@@ -182,6 +208,7 @@ bool EditorModel::savePreset(const QString &name)
         return false;
     }
     m_session.presets.append({QUuid::createUuid(), name, item->settings, m_services.clock.date()});
+    edited();
     tell(PresetsChanged);
     scheduleSave();
     return true;
@@ -241,6 +268,7 @@ void EditorModel::movePhoto(const QUuid &id, const QUuid &before)
         return;
     }
     m_session.photos.move(from, to);
+    edited();
     tell(PhotosChanged);
     scheduleSave();
 }
@@ -262,6 +290,7 @@ void EditorModel::removeCurrent()
 void EditorModel::removePhotos(const std::set<QUuid> &ids)
 {
     m_session.photos.removeIf([&ids](const PhotoItem &item) { return ids.contains(item.id); });
+    edited();
     tell(PhotosChanged);
     if (m_session.selected && ids.contains(*m_session.selected)) {
         selectFirst();
@@ -276,6 +305,7 @@ void EditorModel::removeAll()
     m_session.selected.reset();
     m_history.clear();
     m_loader.forget();
+    edited();
     tell(PhotosChanged | SelectionChanged | SettingsChanged | HistoryChanged);
     scheduleSave();
 }
@@ -310,7 +340,7 @@ void EditorModel::undo()
 {
     if (const auto step = m_history.undo([this](const QList<QUuid> &ids) { return snapshot(ids); })) {
         ++m_steps;
-        restore(*step);
+        bringBack(*step);
     }
 }
 
@@ -318,12 +348,30 @@ void EditorModel::redo()
 {
     if (const auto step = m_history.redo([this](const QList<QUuid> &ids) { return snapshot(ids); })) {
         ++m_steps;
-        restore(*step);
+        bringBack(*step);
     }
 }
 
-void EditorModel::restore(const EditSnapshot &step)
+void EditorModel::undoVisibly()
 {
+    // Not the selection: a step back to a photo that is shown already changes nothing in sight.
+    const auto shown = [this] { return std::pair(m_session.photos, m_session.selected); };
+    for (const auto before = shown(); canUndo() && shown() == before;) {
+        undo();
+    }
+}
+
+void EditorModel::redoVisibly()
+{
+    const auto shown = [this] { return std::pair(m_session.photos, m_session.selected); };
+    for (const auto before = shown(); canRedo() && shown() == before;) {
+        redo();
+    }
+}
+
+void EditorModel::bringBack(const EditSnapshot &step)
+{
+    edited();
     for (PhotoItem &item : m_session.photos) {
         if (const auto settings = step.settings.constFind(item.id); settings != step.settings.constEnd()) {
             item.settings = *settings;
@@ -358,11 +406,9 @@ void EditorModel::scheduleSave(SaveScheduler::Moment moment)
     m_saves->schedule(m_session, moment);
 }
 
-void EditorModel::flush()
+bool EditorModel::flush()
 {
-    if (m_saves) {
-        m_saves->flush();
-    }
+    return !m_saves || m_saves->flush();
 }
 
 void EditorModel::saved(bool done)
@@ -373,10 +419,100 @@ void EditorModel::saved(bool done)
                               "Impossible d’enregistrer vos modifications. Vérifiez l’espace de stockage."}));
         return;
     }
+    if (std::exchange(m_editedSinceSave, false)) {
+        m_services.preferences.setValue(lastEditKey, m_services.clock.date());
+    }
+    if (!m_restoredDocument.isEmpty()) {
+        removeDocument(std::exchange(m_restoredDocument, {}));
+    }
+    std::set<QString> retained = retainedFiles();
+    retained.insert(m_setAsideFiles.begin(), m_setAsideFiles.end());
     for (const QString &name :
-         LibraryCleanup::removeUnused(m_cleanupCandidates, retainedFiles(), m_services.libraryFolder)) {
+         LibraryCleanup::removeUnused(m_cleanupCandidates, retained, m_services.libraryFolder)) {
         m_cleanupCandidates.erase(name);
     }
+}
+
+void EditorModel::edited()
+{
+    m_editedSinceSave = true;
+}
+
+std::optional<SecondsSince2001> EditorModel::lastEdit() const
+{
+    const double stored = m_services.preferences.number(lastEditKey, 0);
+    return stored > 0 ? std::optional(stored) : std::nullopt;
+}
+
+SalvagedSession EditorModel::restorable(const SetAsideSession &document) const
+{
+    SalvagedSession found = SetAsideSessions::salvage(document, m_services.libraryFolder);
+    found.session.photos.removeIf([this](const PhotoItem &item) {
+        return std::ranges::any_of(photos(), [&item](const PhotoItem &known) {
+            return known.id == item.id || known.file == item.file;
+        });
+    });
+    found.session.presets.removeIf([this](const SavedPreset &preset) {
+        return std::ranges::any_of(presets(),
+                                   [&preset](const SavedPreset &known) { return known.id == preset.id; });
+    });
+    return found;
+}
+
+EditorModel::Restored EditorModel::restore(const SetAsideSession &document)
+{
+    const SalvagedSession found = restorable(document);
+    Restored result;
+    result.presets = found.session.presets.size();
+    m_session.presets += found.session.presets;
+    if (!m_session.lastStyle) {
+        m_session.lastStyle = found.session.lastStyle;
+    }
+    result.photos = append(found.session.photos);
+    result.truncated = result.photos < found.session.photos.size();
+    if (found.session.selected && photo(*found.session.selected)) {
+        select(*found.session.selected);
+    }
+    result.complete = found.whole() && !result.truncated;
+    if (result.complete) {
+        m_restoredDocument = document.path;
+    }
+    tell(PresetsChanged);
+    scheduleSave(SaveScheduler::Moment::AtOnce);
+    return result;
+}
+
+/// The program may have ended between the save that brought a document's photos back and the document's removal.
+void EditorModel::removeBroughtBack()
+{
+    for (const SetAsideSession &document : QList(m_setAside)) {
+        const SalvagedSession all = SetAsideSessions::salvage(document, m_services.libraryFolder);
+        const Session left = restorable(document).session;
+        if (all.whole() && !all.session.photos.isEmpty() && left.photos.isEmpty() && left.presets.isEmpty()) {
+            removeDocument(document.path);
+        }
+    }
+}
+
+void EditorModel::discard(const SetAsideSession &document)
+{
+    removeDocument(document.path);
+    scheduleSave(SaveScheduler::Moment::AtOnce);
+}
+
+void EditorModel::removeDocument(const QString &path)
+{
+    if (!QFile::remove(path)) {
+        qCWarning(logEditor) << "a set-aside session could not be removed:" << path;
+        return;
+    }
+    std::set<QString> needed = SetAsideSessions::neededFiles(m_services.libraryFolder);
+    // What it alone needed may go now.
+    std::ranges::set_difference(m_setAsideFiles, needed,
+                                std::inserter(m_cleanupCandidates, m_cleanupCandidates.end()));
+    m_setAsideFiles = std::move(needed);
+    m_setAside = SetAsideSessions::in(m_services.libraryFolder);
+    tell(PhotosChanged);
 }
 
 void EditorModel::loadPreview()
@@ -403,9 +539,7 @@ void EditorModel::setImport(bool busy, const QString &progress)
 
 bool EditorModel::autoApplyLastStyle() const
 {
-    const QVariant stored = m_services.preferences.value(u"autoApplyLastStyle"_s, true);
-    // The file knows only texts: anything but a clear "false" is on.
-    return stored.toString() != u"false"_s;
+    return m_services.preferences.boolean(u"autoApplyLastStyle"_s, true);
 }
 
 void EditorModel::setAutoApplyLastStyle(bool on)

@@ -13,6 +13,7 @@
 #include "editor/SaveScheduler.h"
 #include "model/Preferences.h"
 #include "model/Session.h"
+#include "model/SetAsideSessions.h"
 #include "model/SessionWriter.h"
 #include "pipeline/ImagePipeline.h"
 
@@ -115,6 +116,10 @@ public:
     void checkpoint();
     void undo();
     void redo();
+    /// Takes steps back (or forward) until something in sight has changed: a step whose photos have gone
+    /// changes nothing by itself.
+    void undoVisibly();
+    void redoVisibly();
     /// Changes with every step that is taken, undone or redone: a gesture that sees it change is over.
     int steps() const { return m_steps; }
 
@@ -123,8 +128,30 @@ public:
     /// Files that work under way still reads, whatever becomes of their photos; none ends that.
     void keepFiles(const std::set<QString> &files) { m_kept = files; }
     void scheduleSave(SaveScheduler::Moment moment = SaveScheduler::Moment::AfterAPause);
-    /// Returns when everything is on the disk.
-    void flush();
+    /// Returns when everything is on the disk; false when it could not be saved, also not at a second try.
+    bool flush();
+
+    /// Documents of earlier sessions that could not be read and are kept, newest first.
+    const QList<SetAsideSession> &setAside() const { return m_setAside; }
+    /// What bringing a document back came to; `added` and `presets` are new in the session.
+    struct Restored {
+        qsizetype photos = 0;
+        qsizetype presets = 0;
+        /// The session was full.
+        bool truncated = false;
+        /// Nothing of the document is missing from the session now; the document goes after the next save.
+        bool complete = false;
+    };
+    /// Puts every photo and style of a set-aside document that can be read, and that the session has not,
+    /// into the session. Photos go to the front.
+    Restored restore(const SetAsideSession &document);
+    /// What `restore` would bring: readable, and not in the session yet.
+    SalvagedSession restorable(const SetAsideSession &document) const;
+    /// Deletes the document; what it alone needed goes with the next save.
+    void discard(const SetAsideSession &document);
+
+    /// When a photo or a style was last changed, rather than looked at; none when that is not known.
+    std::optional<SecondsSince2001> lastEdit() const;
     void loadPreview();
 
     void setMessage(const QString &message);
@@ -139,7 +166,10 @@ Q_SIGNALS:
 private:
     PhotoItem *currentItem();
     bool autoApplied(std::optional<bool> autoApply) const;
-    void restore(const EditSnapshot &step);
+    void bringBack(const EditSnapshot &step);
+    void edited();
+    void removeDocument(const QString &path);
+    void removeBroughtBack();
     void selectFirst();
     void saved(bool done);
     void tell(Changes changes) { Q_EMIT changed(changes); }
@@ -150,6 +180,12 @@ private:
     PreviewLoader m_loader;
     std::unique_ptr<SaveScheduler> m_saves;
     std::set<QString> m_cleanupCandidates;
+    QList<SetAsideSession> m_setAside;
+    /// What the set-aside documents need.
+    std::set<QString> m_setAsideFiles;
+    /// A document that was brought back and goes once the session is saved.
+    QString m_restoredDocument;
+    bool m_editedSinceSave = false;
     QString m_message;
     bool m_busy = false;
     QString m_importProgress;

@@ -55,7 +55,10 @@ bool enter(EditorModel &model, const QString &text)
     }
     FrameSettings settings = item->settings;
     settings.normalize();
-    settings.layer(u"date"_s)->text = date.toString(u"yyyy.MM.dd"_s);
+    TextLayer &layer = *settings.layer(u"date"_s);
+    layer.text = date.toString(u"yyyy.MM.dd"_s);
+    // Whoever enters a date wants to see it.
+    layer.visible = true;
     model.checkpoint();
     model.update(settings);
     return true;
@@ -113,20 +116,59 @@ QPointF place(QuickPosition position, const TextLayer &layer, QSizeF canvas)
 
 } // namespace QuickPositions
 
+QString layerTitle(const TextLayer &layer)
+{
+    static constexpr std::array names = std::to_array<std::pair<const char *, Text>>({
+        {"brand", {"品牌", "Brand", "Marque"}},
+        {"model", {"机型", "Model", "Modèle"}},
+        {"exif", {"参数", "Exposure", "Exposition"}},
+        {"watermark", {"水印", "Watermark", "Filigrane"}},
+        {"title", {"标题", "Title", "Titre"}},
+        {"caption", {"说明", "Caption", "Légende"}},
+        {"date", {"日期", "Date", "Date"}},
+    });
+    for (const auto &[id, name] : names) {
+        if (layer.id == QLatin1StringView(id)) {
+            return localized(name);
+        }
+    }
+    return localized({"文字", "Text", "Texte"});
+}
+
+namespace Placeholders {
+
+bool isWanted(const TextLayer &layer)
+{
+    return layer.visible && !layer.imageFile && layer.text.trimmed().isEmpty();
+}
+
+TextLayer shown(const TextLayer &layer, QSizeF canvas)
+{
+    constexpr double smallestHeight = 11;
+    TextLayer named = layer;
+    if (isWanted(layer)) {
+        named.text = layerTitle(layer);
+        named.size = std::max(layer.size, smallestHeight / std::max(canvas.width(), 1.0));
+    }
+    return named;
+}
+
+} // namespace Placeholders
+
 namespace Confirmations {
 
 QString removePhoto()
 {
     return localized({"从本次编辑中移除？原照片仍在相册中。",
                       "Remove from this editing session? The original stays in Photos.",
-                      "Retirer de cette session ? L’original reste dans Photos."});
+                      "Retirer de cette session ? L’original reste dans Photos."});
 }
 
 QString clearAll()
 {
     return localized({"清空全部照片？原照片仍会保留在相册中。",
                       "Clear all photos? The originals will remain in Photos.",
-                      "Effacer toutes les photos ? Les originaux restent dans Photos."});
+                      "Effacer toutes les photos ? Les originaux restent dans Photos."});
 }
 
 } // namespace Confirmations

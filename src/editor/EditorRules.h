@@ -96,6 +96,20 @@ QPointF place(QuickPosition position, const TextLayer &layer, QSizeF canvas);
 
 } // namespace QuickPositions
 
+/// What the user reads for a layer, in the current language.
+QString layerTitle(const TextLayer &layer);
+
+/// On the stage, a text that is to be seen but is still empty shows its name in its own place. Nothing that
+/// is exported knows of it.
+namespace Placeholders {
+
+bool isWanted(const TextLayer &layer);
+/// The layer as the stage shows it on a canvas of this size: an empty one with its name for a text, at a size
+/// that can be read; any other as it is.
+TextLayer shown(const TextLayer &layer, QSizeF canvas);
+
+} // namespace Placeholders
+
 /// The questions before something is removed.
 namespace Confirmations {
 

@@ -4,8 +4,12 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 
+#include "base/FileTrouble.h"
+#include "base/Log.h"
 #include "language/AppLanguage.h"
+#include "language/Plural.h"
 #include "model/ImportedFile.h"
 #include "pipeline/PipelineError.h"
 #include "pipeline/WhenFinished.h"
@@ -14,25 +18,78 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
+namespace {
+
+QString truncatedText(qsizetype added)
+{
+    if (added == 0) {
+        return localized({"一次最多编辑 50 张，未添加照片。", "Up to 50 photos per session. None was added.",
+                          "50 photos maximum par session. Aucune n’a été ajoutée."});
+    }
+    return counted(added,
+                   {"一次最多编辑 50 张，已添加前 %1 张。", "Up to 50 photos per session. Added the first %1.",
+                    "50 photos maximum par session. La première a été ajoutée."},
+                   {"一次最多编辑 50 张，已添加前 %1 张。", "Up to 50 photos per session. Added the first %1.",
+                    "50 photos maximum par session. Les %1 premières ont été ajoutées."});
+}
+
+QString unreadableText(qsizetype count, ImportSource source)
+{
+    if (source == ImportSource::Files) {
+        return counted(count, {"%1 个文件无法读取。", "%1 file could not be read.", "%1 fichier illisible."},
+                       {"%1 个文件无法读取。", "%1 files could not be read.", "%1 fichiers illisibles."});
+    }
+    return counted(count,
+                   {"%1 张照片无法读取，其余已导入。", "%1 photo could not be read. The others were imported.",
+                    "%1 photo n’a pas pu être lue. Les autres ont été importées."},
+                   {"%1 张照片无法读取，其余已导入。", "%1 photos could not be read. The others were imported.",
+                    "%1 photos n’ont pas pu être lues. Les autres ont été importées."});
+}
+
+QString colon()
+{
+    return localized({"：", ": ", "\u202f: "});
+}
+
+/// A sentence for each reason, with the file's name, or how many files there are.
+QStringList refusalTexts(const QList<ImportRefusal> &refused)
+{
+    QStringList reasons;
+    QHash<QString, QStringList> names;
+    for (const ImportRefusal &refusal : refused) {
+        if (!reasons.contains(refusal.reason)) {
+            reasons.append(refusal.reason);
+        }
+        names[refusal.reason].append(QFileInfo(refusal.path).fileName());
+    }
+    QStringList texts;
+    for (const QString &reason : std::as_const(reasons)) {
+        const QStringList &of = names[reason];
+        const QString who = of.size() == 1 ? of.first()
+                                           : counted(of.size(), {"%1 个文件", "%1 file", "%1 fichier"},
+                                                     {"%1 个文件", "%1 files", "%1 fichiers"});
+        texts.append(who + colon() + reason);
+    }
+    return texts;
+}
+
+} // namespace
+
 QString ImportSummary::message(ImportSource source) const
 {
     QStringList parts;
+    if (!stopped.isEmpty()) {
+        parts.append(stopped);
+        parts.append(counted(added, {"已添加 %1 张照片。", "%1 photo was added.", "%1 photo a été ajoutée."},
+                             {"已添加 %1 张照片。", "%1 photos were added.", "%1 photos ont été ajoutées."}));
+    }
     if (truncated) {
-        parts.append(
-            localized({"一次最多编辑 50 张，已添加前 ", "Up to 50 photos per session. Added the first ",
-                       "50 photos maximum par session. Les "}) +
-            QString::number(added) + localized({" 张。", ".", " premières ont été ajoutées."}));
+        parts.append(truncatedText(added));
     }
     if (unreadable > 0) {
-        const QString count = QString::number(unreadable);
-        parts.append(
-            count +
-            (source == ImportSource::Files
-                 ? localized({" 个文件无法读取。", " files could not be read.", " fichiers illisibles."})
-                 : localized({" 张照片无法读取，其余已导入。",
-                              " photos could not be read. The others were imported.",
-                              " photos n’ont pas pu être lues. Les autres ont été importées."})));
+        parts.append(unreadableText(unreadable, source));
     }
+    parts += refusalTexts(refused);
     return parts.join(u' ');
 }
 
@@ -68,8 +125,24 @@ void ImportFlow::cancel()
     m_stop.request_stop();
 }
 
+void ImportFlow::endNow()
+{
+    if (!m_running) {
+        return;
+    }
+    m_queue.clear();
+    m_stop.request_stop();
+    m_copier.waitForDone();
+    remove(m_copied);
+    m_copied.clear();
+    ++m_run;
+    m_summary.cancelled = false;
+    finish();
+}
+
 void ImportFlow::next()
 {
+    ++m_run;
     m_request = m_queue.takeFirst();
     m_index = 0;
     m_items.clear();
@@ -84,7 +157,7 @@ void ImportFlow::step()
     const qsizetype room =
         m_request.mode == ImportMode::Photos ? EditorModel::mostPhotos - m_model.photos().size() : 1;
     const bool full = m_items.size() >= room;
-    if (m_stop.stop_requested() || full || m_index >= m_request.paths.size()) {
+    if (m_stop.stop_requested() || full || !m_summary.stopped.isEmpty() || m_index >= m_request.paths.size()) {
         m_summary.truncated =
             full && m_request.mode == ImportMode::Photos && m_index < m_request.paths.size();
         m_summary.cancelled = m_stop.stop_requested();
@@ -93,27 +166,51 @@ void ImportFlow::step()
     }
     m_model.setImport(true, u"%1 / %2"_s.arg(m_index + 1).arg(m_request.paths.size()));
     const QString path = m_request.paths.at(m_index++);
-    m_copier.start([this, path, library = m_model.libraryFolder()] {
+    m_copier.start([this, path, run = m_run, library = m_model.libraryFolder()] {
         QString file;
+        std::optional<FileError> refusal = fileTrouble(path);
         try {
-            file = ImportedFile::receive(path, library).file;
-            m_copied = file; // read elsewhere only when this thread rests
-        } catch (const std::exception &) {
-            file.clear(); // counted as unreadable
+            if (!refusal) {
+                file = ImportedFile::receive(path, library).file;
+                m_copied = file; // read elsewhere only when this thread rests
+            }
+        } catch (const FileError &error) {
+            refusal = error;
         }
         QMetaObject::invokeMethod(
-            this, [this, file] { copied(file); }, Qt::QueuedConnection);
+            this,
+            [this, run, file, refusal] {
+                if (run == m_run) {
+                    copied(file, refusal);
+                }
+            },
+            Qt::QueuedConnection);
     });
 }
 
-void ImportFlow::copied(const QString &file)
+void ImportFlow::refused(const FileError &refusal)
 {
-    if (file.isEmpty()) {
-        inspected(file, std::nullopt);
+    qCWarning(logEditor) << "not imported:" << refusal.what();
+    const QString reason = errorDescription(refusal);
+    if (refusal.access() == FileAccess::Read) {
+        m_summary.refused.append({m_request.paths.at(m_index - 1), reason});
+    } else {
+        m_summary.stopped = reason;
+    }
+    step();
+}
+
+void ImportFlow::copied(const QString &file, const std::optional<FileError> &refusal)
+{
+    if (refusal) {
+        refused(*refusal);
         return;
     }
     whenFinished<PhotoItem>(m_pipeline.inspect({file}, ImagePipeline::TestDecode::Yes, m_stop.get_token()),
-                            this, [this, file](const QFuture<PhotoItem> &finished) {
+                            this, [this, file, run = m_run](const QFuture<PhotoItem> &finished) {
+                                if (run != m_run) {
+                                    return;
+                                }
                                 std::optional<PhotoItem> item;
                                 try {
                                     item = finished.result();
@@ -145,8 +242,9 @@ void ImportFlow::finish()
     } else if (m_request.mode != ImportMode::Photos) {
         finishPicture();
     } else if (!m_items.isEmpty()) {
-        m_summary.added =
-            m_model.importPhotos(m_items, m_request.style, m_request.autoApply, m_stop.get_token());
+        const FrameSettings style =
+            m_model.styleForImport(m_request.style, EditorModel::Origin::Editor, m_request.autoApply);
+        m_summary.added = m_model.importPhotos(m_items, style);
         // The session may have grown meanwhile.
         m_summary.truncated = m_summary.truncated || m_summary.added < m_items.size();
         removeFrom(m_summary.added);

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QThreadPool>
 
+#include "base/FileError.h"
 #include "editor/EditorModel.h"
 
 namespace tarnovel {
@@ -36,10 +37,21 @@ struct ImportRequest {
     std::optional<QUuid> target = {};
 };
 
+/// A file that was not brought in, for a reason other than what is in it: the path that was asked for, and a
+/// sentence in the language of that moment.
+struct ImportRefusal {
+    QString path;
+    QString reason;
+};
+
 /// What an import came to.
 struct ImportSummary {
     qsizetype added = 0;
+    /// Files that are there and open, but hold no picture that can be read.
     qsizetype unreadable = 0;
+    QList<ImportRefusal> refused = {};
+    /// The disk took no more copies: what came before is in the session, the rest was not tried.
+    QString stopped = {};
     /// Files were left out because the session was full.
     bool truncated = false;
     bool cancelled = false;
@@ -61,6 +73,8 @@ public:
     /// Queued behind a running import.
     void start(const ImportRequest &request);
     void cancel();
+    /// Ends the import with the photos that have come in so far, before it returns; what waits is dropped.
+    void endNow();
     bool running() const { return m_running; }
 
 Q_SIGNALS:
@@ -69,7 +83,8 @@ Q_SIGNALS:
 private:
     void next();
     void step();
-    void copied(const QString &file);
+    void copied(const QString &file, const std::optional<FileError> &refusal);
+    void refused(const FileError &refusal);
     void inspected(const QString &file, const std::optional<PhotoItem> &item);
     void finish();
     /// Gives the selected photo the picture that was brought in for it.
@@ -88,6 +103,8 @@ private:
     QString m_copied;
     ImportSummary m_summary;
     bool m_running = false;
+    /// Counts the imports and their early ends: what is told of an older one comes too late.
+    int m_run = 0;
     std::stop_source m_stop;
     QThreadPool m_copier;
 };

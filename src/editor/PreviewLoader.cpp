@@ -32,7 +32,7 @@ void PreviewLoader::whenDone(QFuture<Value> future, std::function<void(const Val
     whenArrived<Value>(std::move(future), this, m_stop.get_token(), std::move(arrived), std::move(failed));
 }
 
-void PreviewLoader::request(const QString &file, int maxPixel, QImage Previews::*place)
+void PreviewLoader::request(FramePicture picture, const QString &file, int maxPixel, QImage Previews::*place)
 {
     whenDone<QImage>(
         m_pipeline.read(file, maxPixel, m_stop.get_token()),
@@ -40,8 +40,9 @@ void PreviewLoader::request(const QString &file, int maxPixel, QImage Previews::
             m_previews.*place = image;
             Q_EMIT changed();
         },
-        [this, place] {
+        [this, place, picture] {
             m_previews.*place = {};
+            m_previews.missing.append(picture);
             Q_EMIT changed();
         });
 }
@@ -50,6 +51,7 @@ void PreviewLoader::load(const PhotoItem &item)
 {
     m_stop.request_stop();
     m_stop = {};
+    m_previews.missing.clear();
     if (m_loadedFile == item.file) {
         m_previews.photo = m_loadedImage;
     } else {
@@ -66,7 +68,7 @@ void PreviewLoader::load(const PhotoItem &item)
     loadBackground(item);
     const TextLayer *logo = item.settings.layer(u"watermark"_s);
     if (logo && logo->imageFile) {
-        request(*logo->imageFile, logoPixels, &Previews::watermark);
+        request(FramePicture::Logo, *logo->imageFile, logoPixels, &Previews::watermark);
     } else {
         m_previews.watermark = {};
     }
@@ -75,7 +77,7 @@ void PreviewLoader::load(const PhotoItem &item)
         m_previews.handwriting = {};
     }
     if (item.settings.handwritingFile) {
-        request(*item.settings.handwritingFile, signaturePixels, &Previews::handwriting);
+        request(FramePicture::Signature, *item.settings.handwritingFile, signaturePixels, &Previews::handwriting);
     } else {
         m_previews.handwriting = {};
     }
@@ -93,7 +95,7 @@ void PreviewLoader::loadBackground(const PhotoItem &item)
 {
     const FrameSettings &settings = item.settings;
     if (settings.background == Backdrop::image && settings.backgroundFile) {
-        request(*settings.backgroundFile, backdropPixels, &Previews::background);
+        request(FramePicture::Background, *settings.backgroundFile, backdropPixels, &Previews::background);
     } else if (settings.background == Backdrop::blur) {
         const auto failed = [this] {
             m_previews.background = {};

@@ -18,6 +18,8 @@ struct Previews {
     QImage watermark;
     QImage handwriting;
     QList<Ink> palette;
+    /// The pictures that were asked for and cannot be read.
+    QList<FramePicture> missing;
 };
 
 /// Loads the pictures of one photo at a time; a newer request cancels the older one, which then publishes
@@ -45,7 +47,7 @@ Q_SIGNALS:
 
 private:
     void loadBackground(const PhotoItem &item);
-    void request(const QString &file, int maxPixel, QImage Previews::*place);
+    void request(FramePicture picture, const QString &file, int maxPixel, QImage Previews::*place);
     template<typename Value>
     void whenDone(QFuture<Value> future, std::function<void(const Value &)> arrived,
                   std::function<void()> failed);

@@ -25,7 +25,7 @@ void SaveScheduler::schedule(const Session &session, Moment moment)
 {
     m_pause.reset();
     ++m_revision;
-    m_waiting = session;
+    m_latest = session;
     if (moment == Moment::AtOnce) {
         write();
     } else {
@@ -33,12 +33,17 @@ void SaveScheduler::schedule(const Session &session, Moment moment)
     }
 }
 
-void SaveScheduler::flush()
+bool SaveScheduler::flush()
 {
     if (m_pause) {
         write();
     }
     m_thread.waitForDone();
+    if (m_failed) {
+        write();
+        m_thread.waitForDone();
+    }
+    return !m_failed;
 }
 
 void SaveScheduler::write()
@@ -47,8 +52,9 @@ void SaveScheduler::write()
     const std::shared_ptr<PendingCall> over = std::move(m_pause);
     QMetaObject::invokeMethod(
         this, [over] {}, Qt::QueuedConnection);
-    m_thread.start([this, session = std::exchange(m_waiting, {}), revision = m_revision] {
+    m_thread.start([this, session = m_latest, revision = m_revision] {
         const bool saved = m_writer.save(session, revision);
+        m_failed = !saved;
         QMetaObject::invokeMethod(
             this,
             [this, saved, revision] {

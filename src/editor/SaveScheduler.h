@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -26,8 +27,11 @@ public:
 
     void schedule(const Session &session, Moment moment);
 
-    /// Writes what still waits and returns when everything is on the disk.
-    void flush();
+    /// Writes what still waits, tries once more what could not be saved, and returns when that is done: false
+    /// when the latest state is not on the disk.
+    bool flush();
+    /// The latest finished save failed.
+    bool failed() const { return m_failed; }
 
 private:
     void write();
@@ -36,7 +40,9 @@ private:
     Clock &m_clock;
     std::function<void(bool)> m_finished;
     qint64 m_revision = 0;
-    Session m_waiting;
+    Session m_latest;
+    /// Set on the writing thread.
+    std::atomic<bool> m_failed = false;
     std::unique_ptr<PendingCall> m_pause;
     QThreadPool m_thread;
 };

@@ -1,6 +1,8 @@
 #include "editor/SingleInstance.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/socket.h>
@@ -8,7 +10,6 @@
 
 #include <QCryptographicHash>
 #include <QDataStream>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -16,27 +17,28 @@
 #include <QLocalSocket>
 #include <QStringList>
 
+#include "base/Log.h"
+
 using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
 namespace {
 
-constexpr int patienceMs = 3000;
+constexpr int patienceMs = 1000;
 constexpr qint64 largestMessage = 4'000'000;
 
-/// Where the owner of a library listens: in the user's own runtime folder where there is one, else under a
-/// name of the user's in the temporary folder. Two users, or two libraries, never meet.
-QString socketPath(const QString &libraryFolder)
+/// Under what name the owner of a library listens: one of the kernel's own, which no folder of the session has
+/// to agree on, which a killed owner leaves nothing of, and which a full disk cannot refuse. Two users, or two
+/// libraries, never meet.
+QString socketName(const QString &libraryFolder)
 {
     const QFileInfo library(libraryFolder);
     const QString key =
         library.canonicalFilePath().isEmpty() ? library.absoluteFilePath() : library.canonicalFilePath();
     const QByteArray hash =
         QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha256).toHex().left(16);
-    const QString name = u"tarnovel-%1-%2"_s.arg(getuid()).arg(QString::fromLatin1(hash));
-    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    return QFileInfo(runtime).isDir() ? runtime + u'/' + name : QDir::tempPath() + u'/' + name;
+    return u"tarnovel-%1-%2"_s.arg(getuid()).arg(QString::fromLatin1(hash));
 }
 
 /// Whether the other end of a connection belongs to this user.
@@ -61,7 +63,7 @@ QStringList absolutePaths(const QStringList &photos)
 } // namespace
 
 SingleInstance::SingleInstance(const QString &libraryFolder)
-    : m_socketPath(socketPath(libraryFolder)), m_lockPath(libraryFolder + u"/.editor.lock"_s)
+    : m_library(libraryFolder), m_socketName(socketName(libraryFolder))
 {
 }
 
@@ -72,61 +74,86 @@ SingleInstance::~SingleInstance()
     }
 }
 
-bool SingleInstance::acquire(const QStringList &photos)
+/// Whether nobody else owns the library. The lock is the folder's own, so that it needs no room on the disk; the
+/// kernel lets go of it when its process ends, however it ends.
+bool SingleInstance::lock()
 {
-    // The kernel lets go of the lock when its process ends, however it ends; what the file holds means
-    // nothing.
-    m_lock = open(QFile::encodeName(m_lockPath).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (m_lock < 0) {
-        return true; // a library that cannot be written has no owner to disturb
+        m_lock = open(QFile::encodeName(m_library).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     }
+    if (m_lock < 0 || flock(m_lock, LOCK_EX | LOCK_NB) == 0) {
+        return true; // without a folder there is nothing to own yet; the socket's name tells owners apart
+    }
+    if (errno == EWOULDBLOCK) {
+        return false;
+    }
+    // A file system that locks no folders; there is one file for it to lock.
+    qCInfo(logEditor) << "the library folder cannot be locked:" << std::strerror(errno);
+    close(m_lock);
+    m_lock = open(QFile::encodeName(m_library + u"/.editor.lock"_s).constData(), O_RDWR | O_CREAT | O_CLOEXEC,
+                  0600);
+    return m_lock < 0 || flock(m_lock, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+bool SingleInstance::acquire(const QStringList &photos, const QString &activationToken)
+{
     QElapsedTimer timer;
     timer.start();
     // The owner may be about to listen, or about to end.
-    while (timer.elapsed() < patienceMs) {
-        if (m_lock >= 0 && flock(m_lock, LOCK_EX | LOCK_NB) == 0) {
-            return listen();
+    do {
+        if (lock() && listen()) {
+            return true;
         }
-        if (handOver(photos)) {
+        if (handOver(photos, activationToken, static_cast<int>(std::max<qint64>(patienceMs - timer.elapsed(), 1)))) {
             m_handedOver = true;
             return false;
         }
         usleep(50'000);
-    }
+    } while (timer.elapsed() < patienceMs);
+    qCWarning(logEditor) << "the owner of the library does not answer";
     return false;
 }
 
 bool SingleInstance::listen()
 {
     m_server = std::make_unique<QLocalServer>();
-    m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    // What a killed owner left is in the way; the lock says that nobody uses it.
-    QLocalServer::removeServer(m_socketPath);
-    m_server->listen(m_socketPath);
+    m_server->setSocketOptions(QLocalServer::AbstractNamespaceOption);
+    if (!m_server->listen(m_socketName) && m_server->serverError() == QAbstractSocket::AddressInUseError) {
+        return false; // an owner whose folder went away, and was made again meanwhile
+    }
     connect(m_server.get(), &QLocalServer::newConnection, this, &SingleInstance::receive);
     return true;
 }
 
-bool SingleInstance::handOver(const QStringList &photos) const
+bool SingleInstance::handOver(const QStringList &photos, const QString &activationToken, int patienceMs) const
 {
+    QElapsedTimer timer;
+    timer.start();
+    const auto left = [&] { return static_cast<int>(std::max<qint64>(patienceMs - timer.elapsed(), 1)); };
     QLocalSocket socket;
-    socket.connectToServer(m_socketPath);
-    if (!socket.waitForConnected(200) || !isOwnUser(socket)) {
+    socket.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
+    socket.connectToServer(m_socketName);
+    if (!socket.waitForConnected(left()) || !isOwnUser(socket)) {
         return false;
     }
     QByteArray message;
     QDataStream packing(&message, QIODevice::WriteOnly);
-    packing << absolutePaths(photos);
+    packing << absolutePaths(photos) << activationToken;
     QDataStream sending(&socket);
     sending << message;
     // The owner answers once it has read everything.
-    return socket.waitForBytesWritten(patienceMs) && socket.waitForReadyRead(patienceMs) &&
-           socket.read(1) == "k";
+    return socket.waitForBytesWritten(left()) && socket.waitForReadyRead(left()) && socket.read(1) == "k";
 }
 
 void SingleInstance::receive()
 {
     while (QLocalSocket *socket = m_server->nextPendingConnection()) {
+        if (!isOwnUser(*socket)) {
+            qCWarning(logEditor) << "another user's program asked for this window";
+            socket->abort();
+            socket->deleteLater();
+            continue;
+        }
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
             QDataStream stream(socket);
@@ -140,11 +167,12 @@ void SingleInstance::receive()
                 return;
             }
             QStringList photos;
+            QString activationToken;
             QDataStream unpacking(message);
-            unpacking >> photos;
+            unpacking >> photos >> activationToken;
             socket->write("k");
             socket->flush();
-            Q_EMIT photosReceived(photos);
+            Q_EMIT photosReceived(photos, activationToken);
         });
     }
 }

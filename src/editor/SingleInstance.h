@@ -20,22 +20,24 @@ public:
     ~SingleInstance() override;
 
     /// True when this program owns the library from now on. Otherwise the photos have been handed to the
-    /// owner, or could not be within a few seconds.
-    bool acquire(const QStringList &photos);
+    /// owner, or could not be within a second; asked again, it tries again. `activationToken` is what the
+    /// desktop gave this start to bring a window to the front with; it goes along.
+    bool acquire(const QStringList &photos, const QString &activationToken = {});
     /// Whether the owner has taken the photos of an acquire that came too late.
     bool handedOver() const { return m_handedOver; }
 
 Q_SIGNALS:
     /// Another start's photos, as absolute paths; none when it was started without.
-    void photosReceived(const QStringList &photos);
+    void photosReceived(const QStringList &photos, const QString &activationToken);
 
 private:
+    bool lock();
     bool listen();
-    bool handOver(const QStringList &photos) const;
+    bool handOver(const QStringList &photos, const QString &activationToken, int patienceMs) const;
     void receive();
 
-    QString m_socketPath;
-    QString m_lockPath;
+    const QString m_library;
+    const QString m_socketName;
     int m_lock = -1;
     std::unique_ptr<QLocalServer> m_server;
     bool m_handedOver = false;

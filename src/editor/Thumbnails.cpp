@@ -79,6 +79,12 @@ QImage Thumbnails::image(const QString &key, const PhotoItem &item, QSize box)
     return entry.image;
 }
 
+bool Thumbnails::incomplete(const PhotoItem &item) const
+{
+    const std::set<QString> files = item.settings.referencedFiles();
+    return std::ranges::any_of(files, [this](const QString &file) { return unreadable(file); });
+}
+
 void Thumbnails::prune()
 {
     if (m_entries.size() <= mostEntries) {
@@ -159,9 +165,7 @@ void Thumbnails::load(size_t index, const std::shared_ptr<const std::vector<Sour
         } catch (const OperationCancelled &) {
             return;
         } catch (const QException &) {
-            if (index == 0) {
-                m_unreadable.insert(wanted.file);
-            }
+            m_unreadable.insert(wanted.file);
         }
         loaded(index, sources, image);
     };

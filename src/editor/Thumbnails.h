@@ -30,8 +30,10 @@ public:
     /// been drawn this is an older one, or null; `ready` tells when it is there. The same key may be asked
     /// for in several sizes.
     QImage image(const QString &key, const PhotoItem &item, QSize box);
-    /// The photo's file has been tried and cannot be read.
+    /// The file has been tried and cannot be read.
     bool unreadable(const QString &file) const { return m_unreadable.contains(file); }
+    /// The photo is shown without one of the pictures that its frame names.
+    bool incomplete(const PhotoItem &item) const;
     bool idle() const { return !m_job && m_queue.empty(); }
 
     /// The canvas that fits into a box.

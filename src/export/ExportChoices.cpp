@@ -1,6 +1,7 @@
 #include "export/ExportChoices.h"
 
 #include "language/AppLanguage.h"
+#include "language/Plural.h"
 
 using namespace Qt::StringLiterals;
 
@@ -9,12 +10,12 @@ namespace tarnovel {
 ExportChoices ExportChoices::stored(const Preferences &preferences)
 {
     ExportChoices choices;
-    const int resolution = preferences.value(u"macExportResolution"_s, choices.resolution).toInt();
+    const double resolution = preferences.number(u"macExportResolution"_s, choices.resolution);
     if (resolution == 1080 || resolution == 0) {
-        choices.resolution = resolution;
+        choices.resolution = static_cast<int>(resolution);
     }
-    choices.png = preferences.value(u"macExportPNG"_s, false).toBool();
-    const double limit = preferences.value(u"macExportMaxMB"_s, 0).toDouble();
+    choices.png = preferences.boolean(u"macExportPNG"_s, false);
+    const double limit = preferences.number(u"macExportMaxMB"_s, 0);
     if (limit == 1 || limit == 2 || limit == 5) {
         choices.maxMB = limit;
     }
@@ -93,10 +94,8 @@ QString startButton(qsizetype count)
         return localized({"导出到文件夹…", "Export to folder…", "Exporter vers un dossier…"});
     }
     // French leaves the count to the list beside the button.
-    const QString number = QString::number(count);
-    return localized({"", "Export ", ""}) +
-           localized({(number + u" 张到文件夹…"_s).toUtf8().constData(),
-                      (number + u" photos to folder…"_s).toUtf8().constData(), "Exporter vers un dossier…"});
+    return localized({"%1 张到文件夹…", "Export %1 photos to folder…", "Exporter vers un dossier…"})
+        .replace(u"%1"_s, QString::number(count));
 }
 
 QString progress(int done, int total)
@@ -112,9 +111,13 @@ QString cancelButton()
 
 QString cancelled(qsizetype written)
 {
-    return localized({"已取消。已导出的 ", "Cancelled. ", "Annulé. "}) + QString::number(written) +
-           localized({" 张保留在文件夹中。", " exported photos remain in the folder.",
-                      " photos exportées restent dans le dossier."});
+    return counted(written,
+                   {"已取消。已导出的 %1 张保留在文件夹中。",
+                    "Cancelled. %1 exported photo remains in the folder.",
+                    "Annulé. %1 photo exportée reste dans le dossier."},
+                   {"已取消。已导出的 %1 张保留在文件夹中。",
+                    "Cancelled. %1 exported photos remain in the folder.",
+                    "Annulé. %1 photos exportées restent dans le dossier."});
 }
 
 QString failed(const QString &description)
@@ -124,11 +127,8 @@ QString failed(const QString &description)
 
 QString exported(qsizetype count)
 {
-    if (count == 1) {
-        return localized({"已导出 1 张照片", "1 photo exported", "1 photo exportée"});
-    }
-    return localized({"已导出 ", "", ""}) + QString::number(count) +
-           localized({" 张照片", " photos exported", " photos exportées"});
+    return counted(count, {"已导出 %1 张照片", "%1 photo exported", "%1 photo exportée"},
+                   {"已导出 %1 张照片", "%1 photos exported", "%1 photos exportées"});
 }
 
 QString privacy()

@@ -11,12 +11,13 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
-void ExportFileLifetime::clear()
+QStringList ExportFileLifetime::files() const
 {
-    for (const QString &file : std::as_const(m_files)) {
-        QFile::remove(file);
+    QStringList paths;
+    for (const ExportedFile &file : m_files) {
+        paths.append(file.path);
     }
-    m_files.clear();
+    return paths;
 }
 
 void ExportFileLifetime::prepare(const QString &temporaryFolder)

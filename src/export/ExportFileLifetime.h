@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QList>
 #include <QStringList>
+
+#include "pipeline/ImagePipeline.h"
 
 namespace tarnovel {
 
@@ -8,14 +11,13 @@ namespace tarnovel {
 class ExportFileLifetime {
 public:
     ExportFileLifetime() = default;
-    ~ExportFileLifetime() { clear(); }
     ExportFileLifetime(const ExportFileLifetime &) = delete;
     ExportFileLifetime &operator=(const ExportFileLifetime &) = delete;
 
-    void add(const QString &file) { m_files.append(file); }
-    const QStringList &files() const { return m_files; }
+    void add(const ExportedFile &file) { m_files.append(file); }
+    QStringList files() const;
     /// Deletes the files; one that cannot be is passed over.
-    void clear();
+    void clear() { m_files.clear(); }
 
     /// Once in the life of the process: deletes temporary exports that earlier starts left more than a day
     /// ago.
@@ -24,7 +26,7 @@ public:
     static void sweep(const QString &temporaryFolder, qint64 nowMs);
 
 private:
-    QStringList m_files;
+    QList<ExportedFile> m_files;
 };
 
 } // namespace tarnovel

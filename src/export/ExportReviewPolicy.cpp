@@ -12,7 +12,7 @@ bool recordSuccess(Preferences &preferences, const QString &currentVersion, cons
     constexpr int soonest = 3;
     const QString countKey = u"successfulExportCount"_s;
     const QString versionKey = u"lastExportReviewVersion"_s;
-    const int count = preferences.value(countKey, 0).toInt() + 1;
+    const int count = static_cast<int>(preferences.number(countKey, 0)) + 1;
     preferences.setValue(countKey, count);
     if (promptsDisabled(arguments, environment) || count < soonest || currentVersion.isEmpty() ||
         preferences.value(versionKey).toString() == currentVersion) {
@@ -22,13 +22,15 @@ bool recordSuccess(Preferences &preferences, const QString &currentVersion, cons
     return true;
 }
 
+bool isAutomation(const QString &argument)
+{
+    return argument == u"-disable-review-prompt"_s || argument.startsWith(u"-preview-"_s) ||
+           argument.toLower().contains(u"uitest"_s);
+}
+
 bool promptsDisabled(const QStringList &arguments, const QProcessEnvironment &environment)
 {
-    const auto automated = [](const QString &argument) {
-        return argument == u"-disable-review-prompt"_s || argument.startsWith(u"-preview-"_s) ||
-               argument.toLower().contains(u"uitest"_s);
-    };
-    return std::ranges::any_of(arguments, automated) ||
+    return std::ranges::any_of(arguments, isAutomation) ||
            environment.contains(u"XCTestConfigurationFilePath"_s) ||
            environment.value(u"XCODE_RUNNING_FOR_PREVIEWS"_s) == u"1"_s;
 }

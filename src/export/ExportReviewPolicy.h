@@ -14,6 +14,9 @@ namespace tarnovel::ExportReviewPolicy {
 bool recordSuccess(Preferences &preferences, const QString &currentVersion, const QStringList &arguments,
                    const QProcessEnvironment &environment);
 
+/// Whether a launch argument marks an automated run or a preview, rather than naming a photo.
+bool isAutomation(const QString &argument);
+
 /// True in automated runs and in previews.
 bool promptsDisabled(const QStringList &arguments, const QProcessEnvironment &environment);
 

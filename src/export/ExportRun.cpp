@@ -1,11 +1,14 @@
 #include "export/ExportRun.h"
 
-#include <optional>
 #include <utility>
 
 #include "base/Cancellation.h"
+#include "base/Log.h"
+#include "language/AppLanguage.h"
 #include "pipeline/PipelineError.h"
 #include "pipeline/WhenFinished.h"
+
+using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
@@ -27,19 +30,45 @@ void ExportRun::start(const QList<PhotoItem> &photos, const ExportOptions &optio
     }
     m_photos = photos;
     m_options = options;
-    m_steps = std::move(steps);
+    m_steps = std::make_shared<const Steps>(std::move(steps));
     m_index = 0;
+    m_problem.reset();
+    m_failure.reset();
+    m_skipped.clear();
+    m_skippedAlike.clear();
     m_running = true;
     m_stop = {};
     next();
 }
 
+void ExportRun::cancel()
+{
+    m_stop.request_stop();
+    if (m_problem) {
+        stop();
+    }
+}
+
+const PhotoItem *ExportRun::current() const
+{
+    return m_running && m_index < m_photos.size() ? &m_photos.at(m_index) : nullptr;
+}
+
+QStringList ExportRun::skippedNames() const
+{
+    QStringList names;
+    for (const ExportProblem &problem : m_skipped) {
+        names.append(problem.photo.name);
+    }
+    return names;
+}
+
 void ExportRun::next()
 {
     if (m_index == m_photos.size()) {
-        end(m_steps.completed);
+        end()->completed();
     } else if (m_stop.stop_requested()) {
-        end(m_steps.cancelled);
+        end()->cancelled();
     } else {
         whenFinished<ExportedFile>(
             m_pipeline.exportPhoto(m_photos.at(m_index), m_options, m_stop.get_token()), this,
@@ -49,47 +78,106 @@ void ExportRun::next()
 
 void ExportRun::rendered(const QFuture<ExportedFile> &finished)
 {
+    const PhotoItem photo = m_photos.at(m_index);
     ExportedFile file;
     try {
         file = finished.result();
     } catch (const OperationCancelled &) {
-        end(m_steps.cancelled);
+        end()->cancelled();
         return;
     } catch (const PipelineFailure &failure) {
-        end([this, text = errorDescription(failure.error())] { m_steps.failed(text); });
+        fail({photo, errorDescription(failure.error()), errorDescription(failure)});
         return;
     } catch (const FileError &error) {
-        end([this, text = errorDescription(error)] { m_steps.failed(text); });
+        // Rendering writes where nobody chose to: without a word more the chosen folder would be blamed.
+        fail({photo, errorDescription(error),
+              localized({"临时文件夹：", "Temporary folder: ", "Dossier temporaire : "}) +
+                  errorDescription(error),
+              true});
         return;
     }
-    m_disk.start([this, file, index = m_index] {
+    m_disk.start([this, file, index = m_index, steps = m_steps] {
         std::optional<FileError> refusal;
         try {
-            m_steps.deliver(index, file);
+            steps->deliver(index, file);
         } catch (const FileError &error) {
+            qCWarning(logExport) << "not delivered:" << error.what();
             refusal = error;
         }
         QMetaObject::invokeMethod(
-            this,
-            [this, refusal] {
-                if (refusal) {
-                    end([this, &refusal] { m_steps.failed(errorDescription(*refusal)); });
-                    return;
-                }
-                m_steps.progressed(++m_index);
-                next();
-            },
-            Qt::QueuedConnection);
+            this, [this, refusal] { delivered(refusal); }, Qt::QueuedConnection);
     });
 }
 
-void ExportRun::end(const std::function<void()> &last)
+void ExportRun::delivered(const std::optional<FileError> &refusal)
+{
+    if (refusal) {
+        fail({m_photos.at(m_index), errorDescription(*refusal), errorDescription(*refusal), true});
+        return;
+    }
+    const std::shared_ptr<const Steps> steps = m_steps;
+    steps->progressed(++m_index);
+    next();
+}
+
+void ExportRun::fail(const ExportProblem &problem)
+{
+    if (m_skippedAlike.contains(problem.cause)) {
+        leaveOut(problem);
+        return;
+    }
+    m_problem = problem;
+    if (m_stop.stop_requested()) {
+        stop();
+        return;
+    }
+    const std::shared_ptr<const Steps> steps = m_steps;
+    steps->paused();
+}
+
+void ExportRun::leaveOut(const ExportProblem &problem)
+{
+    m_skipped.append(problem);
+    const std::shared_ptr<const Steps> steps = m_steps;
+    steps->progressed(++m_index);
+    next();
+}
+
+void ExportRun::skip(Skipping which)
+{
+    if (!m_problem) {
+        return;
+    }
+    const ExportProblem problem = *std::exchange(m_problem, std::nullopt);
+    if (which == Skipping::AllAlike) {
+        m_skippedAlike.insert(problem.cause);
+    }
+    leaveOut(problem);
+}
+
+void ExportRun::retry()
+{
+    if (m_problem) {
+        m_problem.reset();
+        const std::shared_ptr<const Steps> steps = m_steps;
+        steps->progressed(m_index);
+        next();
+    }
+}
+
+void ExportRun::stop()
+{
+    if (m_problem) {
+        const ExportProblem problem = *std::exchange(m_problem, std::nullopt);
+        m_failure = problem;
+        end()->failed(problem);
+    }
+}
+
+std::shared_ptr<const ExportRun::Steps> ExportRun::end()
 {
     m_running = false;
-    // A copy: what is called may start another run, which replaces the steps.
-    const std::function<void()> call = last;
-    const Steps kept = m_steps;
-    call();
+    return std::exchange(m_steps, nullptr);
 }
 
 } // namespace tarnovel

@@ -1,7 +1,6 @@
 #include "export/FolderExport.h"
 
 #include <QDir>
-#include <QFile>
 
 #include "base/AtomicFile.h"
 #include "export/ExportChoices.h"
@@ -45,28 +44,36 @@ void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &op
                          m_progress = done;
                          Q_EMIT changed();
                      },
-                 .completed = [this] { finish(); },
-                 .cancelled = [this] { fail(ExportTexts::cancelled(m_written.size())); },
-                 .failed =
-                     [this](const QString &description) {
-                         m_error = ExportTexts::failed(description);
-                         if (m_written.isEmpty()) {
-                             Q_EMIT changed();
-                         } else {
-                             finish();
+                 .completed =
+                     [this] {
+                         if (m_written.isEmpty() && !m_run.skipped().isEmpty()) {
+                             m_error = ExportTexts::failed(m_run.skipped().constLast().description);
                          }
+                         sumUp();
+                     },
+                 .cancelled = [this] { fail(ExportTexts::cancelled(m_written.size())); },
+                 .paused = [this] { Q_EMIT changed(); },
+                 .failed =
+                     [this](const ExportProblem &problem) {
+                         m_error = ExportTexts::failed(problem.description);
+                         sumUp();
                      }});
     Q_EMIT changed();
 }
 
 QString FolderExport::deliver(const PhotoItem &photo, const ExportedFile &file) const
 {
-    const struct Remover {
-        QString path;
-        ~Remover() { QFile::remove(path); }
-    } remover{file.path};
     return publishFile(file.path, m_folder,
                        [&](int attempt) { return ExportNames::fileName(photo.name, m_extension, attempt); });
+}
+
+void FolderExport::sumUp()
+{
+    if (m_written.isEmpty()) {
+        Q_EMIT changed();
+    } else {
+        finish();
+    }
 }
 
 void FolderExport::fail(const QString &error)
@@ -77,7 +84,8 @@ void FolderExport::fail(const QString &error)
 
 void FolderExport::finish()
 {
-    m_result = ExportResult{QUuid::createUuid(), m_folder, m_written, {}, PhotographyQuotes::random()};
+    m_result = ExportResult{QUuid::createUuid(), m_folder, m_written, m_run.skippedNames(), {},
+                            PhotographyQuotes::random()};
     addThumbnails();
     Q_EMIT changed();
 }

@@ -18,6 +18,8 @@ struct ExportResult {
     QString folder;
     /// The files written, in the order of the run.
     QStringList files;
+    /// Photos that were left out, by name.
+    QStringList skipped;
     /// Of the first four files at most; a file that cannot be read has none.
     QList<QImage> thumbnails;
     std::optional<PhotographyQuote> quote;
@@ -34,6 +36,9 @@ public:
     /// Nothing happens without photos or while a run is under way.
     void start(const QList<PhotoItem> &photos, const ExportOptions &options, const QString &folder);
     void cancel() { m_run.cancel(); }
+    /// What the run waits for, and how it goes on.
+    ExportRun &run() { return m_run; }
+    const ExportRun &run() const { return m_run; }
 
     bool working() const { return m_run.running(); }
     int progress() const { return m_progress; }
@@ -48,6 +53,8 @@ Q_SIGNALS:
 
 private:
     QString deliver(const PhotoItem &photo, const ExportedFile &file) const;
+    /// A summary where there is something to sum up.
+    void sumUp();
     void fail(const QString &error);
     void finish();
     void addThumbnails();

@@ -58,6 +58,7 @@ void LibraryExport::start(const QList<PhotoItem> &photos, const ExportOptions &o
     m_total = static_cast<int>(photos.size());
     m_error.clear();
     m_denied = false;
+    m_refusal.clear();
     m_cancelled = false;
     ++m_runNumber;
     m_saved.clear();
@@ -66,8 +67,16 @@ void LibraryExport::start(const QList<PhotoItem> &photos, const ExportOptions &o
     Q_EMIT changed();
     m_disk.start([this] {
         const PhotoLibraryAccess access = m_library.requestAccess();
+        const std::optional<FileError> refusal = m_library.refusal();
         QMetaObject::invokeMethod(
-            this, [this, access] { begin(access); }, Qt::QueuedConnection);
+            this,
+            [this, access, refusal] {
+                m_refusal =
+                    refusal ? refusal->path() + localized({"：", ": ", "\u202f: "}) + errorDescription(*refusal)
+                            : QString();
+                begin(access);
+            },
+            Qt::QueuedConnection);
     });
 }
 
@@ -95,14 +104,8 @@ void LibraryExport::begin(PhotoLibraryAccess access)
         fail(m_denied ? deniedText() : restrictedText());
         return;
     }
-    const auto failed = [this](const QString &description) {
-        fail(localized({"无法处理这批照片，尚未保存到相册：",
-                        "Could not process this batch. It has not been saved to Photos: ",
-                        "Impossible de traiter ce lot. Il n’a pas été enregistré dans Photos : "}) +
-             description);
-    };
     m_run.start(m_photos, m_options,
-                {.deliver = [files = m_files](int, const ExportedFile &file) { files->add(file.path); },
+                {.deliver = [files = m_files](int, const ExportedFile &file) { files->add(file); },
                  .progressed =
                      [this](int done) {
                          m_progress = done;
@@ -110,7 +113,16 @@ void LibraryExport::begin(PhotoLibraryAccess access)
                      },
                  .completed = [this] { save(); },
                  .cancelled = [this] { failCancelled(); },
-                 .failed = failed});
+                 .paused = [this] { Q_EMIT changed(); },
+                 .failed = [this](const ExportProblem &problem) { failRendering(problem.description); }});
+}
+
+void LibraryExport::failRendering(const QString &description)
+{
+    fail(localized({"无法处理这批照片，尚未保存到相册：",
+                    "Could not process this batch. It has not been saved to Photos: ",
+                    "Impossible de traiter ce lot. Il n’a pas été enregistré dans Photos : "}) +
+         description);
 }
 
 void LibraryExport::save()
@@ -119,11 +131,20 @@ void LibraryExport::save()
         failCancelled();
         return;
     }
+    // Those that were left out have no file; the others go in together.
+    QList<PhotoItem> photos = m_photos;
+    for (const ExportProblem &problem : m_run.skipped()) {
+        photos.removeOne(problem.photo);
+    }
+    if (photos.isEmpty()) {
+        failRendering(m_run.skipped().constLast().description);
+        return;
+    }
     m_phase = Phase::Saving;
     Q_EMIT changed();
     QList<PhotoLibrary::Addition> additions;
-    for (qsizetype i = 0; i < m_photos.size(); ++i) {
-        additions.append({m_files->files().at(i), m_photos.at(i).name});
+    for (qsizetype i = 0; i < photos.size(); ++i) {
+        additions.append({m_files->files().at(i), photos.at(i).name});
     }
     m_disk.start([this, additions] {
         QStringList saved;
@@ -152,6 +173,7 @@ void LibraryExport::save()
 void LibraryExport::finishSaving()
 {
     m_phase = Phase::Saved;
+    m_files = std::make_shared<ExportFileLifetime>();
     m_quote = PhotographyQuotes::random();
     for (const QString &file : m_saved.first(std::min(mostThumbnails, m_saved.size()))) {
         whenFinished<QImage>(m_pipeline.read(file, thumbnailPixels), this,
@@ -173,7 +195,7 @@ void LibraryExport::finishSaving()
 
 void LibraryExport::fail(const QString &error)
 {
-    m_files->clear();
+    m_files = std::make_shared<ExportFileLifetime>();
     m_phase = Phase::Idle;
     m_error = error;
     Q_EMIT changed();
@@ -193,11 +215,6 @@ QString LibraryExport::savingHint()
 QString LibraryExport::savedText()
 {
     return localized({"已保存到相册", "Saved to your photo library", "Enregistré dans votre photothèque"});
-}
-
-QString LibraryExport::openSettingsText()
-{
-    return localized({"打开系统设置", "Open Settings", "Ouvrir Réglages"});
 }
 
 QString LibraryExport::shareText()

@@ -38,20 +38,25 @@ public:
     int progress() const { return m_progress; }
     int total() const { return m_total; }
     const QString &error() const { return m_error; }
-    /// The library has refused; the sheet offers the system's settings.
+    /// The library has refused; the panel offers another folder.
     bool denied() const { return m_denied; }
+    /// What is in its way, in the language of that moment; empty when that is not known.
+    const QString &refusal() const { return m_refusal; }
+    /// What the run waits for, and how it goes on.
+    ExportRun &run() { return m_run; }
+    const ExportRun &run() const { return m_run; }
     /// Where the photos are after a success.
     const QStringList &saved() const { return m_saved; }
     const QList<QImage> &thumbnails() const { return m_thumbnails; }
     const std::optional<PhotographyQuote> &quote() const { return m_quote; }
-    /// The temporary files of the last run, for sharing; they live as long as someone holds this.
+    /// The temporary files of the run under way. After a success they live as long as someone holds this;
+    /// what is offered then are the photos of the library.
     std::shared_ptr<const ExportFileLifetime> files() const { return m_files; }
 
     /// The texts of the saving phase and of success, in the current language.
     static QString savingText();
     static QString savingHint();
     static QString savedText();
-    static QString openSettingsText();
     static QString shareText();
 
 Q_SIGNALS:
@@ -64,6 +69,7 @@ private:
     void save();
     void finishSaving();
     void fail(const QString &error);
+    void failRendering(const QString &description);
     void failCancelled();
 
     ImagePipeline &m_pipeline;
@@ -76,6 +82,7 @@ private:
     int m_total = 0;
     QString m_error;
     bool m_denied = false;
+    QString m_refusal;
     /// Cancelled while the library was still being asked.
     bool m_cancelled = false;
     /// Counts the runs, so that thumbnails of an older one are told.

@@ -1,5 +1,7 @@
 #include "export/PhotoLibrary.h"
 
+#include <cerrno>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -7,6 +9,7 @@
 
 #include "base/AtomicFile.h"
 #include "base/FileError.h"
+#include "base/Log.h"
 #include "export/ExportNames.h"
 
 using namespace Qt::StringLiterals;
@@ -22,13 +25,18 @@ PicturesFolder::PicturesFolder(const QString &picturesFolder) : m_album(pictures
 
 PhotoLibraryAccess PicturesFolder::requestAccess()
 {
+    m_refusal.reset();
+    errno = 0;
     if (!QDir().mkpath(m_album)) {
+        m_refusal.emplace(m_album, QFileInfo::exists(m_album) ? ENOTDIR : errno);
         return PhotoLibraryAccess::Denied;
     }
     sweepTemporaryFiles(m_album);
     try {
         StagedFiles(m_album).stage({});
-    } catch (const FileError &) {
+    } catch (const FileError &error) {
+        qCWarning(logExport) << "the photo library takes nothing:" << error.what();
+        m_refusal = error;
         return PhotoLibraryAccess::Denied;
     }
     return PhotoLibraryAccess::Authorised;

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <optional>
+
 #include <QString>
 #include <QStringList>
+
+#include "base/FileError.h"
 
 namespace tarnovel {
 
@@ -15,6 +19,8 @@ public:
 
     /// Asks for leave to add photos; may wait for the disk, or for the user.
     virtual PhotoLibraryAccess requestAccess() = 0;
+    /// What was in the way when access was denied; asked for after `requestAccess`, on the same thread.
+    virtual std::optional<FileError> refusal() const { return std::nullopt; }
 
     /// A finished file and the name it is to have, without "-2" and the like.
     struct Addition {
@@ -41,9 +47,12 @@ public:
     /// are taken back if one of them cannot.
     QStringList add(const QList<Addition> &additions) override;
 
+    std::optional<FileError> refusal() const override { return m_refusal; }
+
     QString album() const { return m_album; }
 
 private:
+    std::optional<FileError> m_refusal;
     QString m_album;
 };
 

@@ -167,6 +167,30 @@ void HandwritingController::endStroke()
     tell(HistoryChanged);
 }
 
+QByteArray HandwritingController::draft(const QUuid &photo)
+{
+    endStroke();
+    if (isEmpty()) {
+        return {};
+    }
+    InkDraft draft{photo, finish(), {}};
+    for (const auto &stroke : drawing()) {
+        draft.strokes.append(stroke->stroke);
+    }
+    return writeInkDraft(draft);
+}
+
+void HandwritingController::resume(const InkDraft &draft)
+{
+    QRectF region;
+    for (const InkStroke &stroke : draft.strokes) {
+        region |= m_page.add(std::make_shared<const DryStroke>(stroke));
+    }
+    setFinish(draft.finish);
+    drawingChanged(region);
+    tell(HistoryChanged);
+}
+
 void HandwritingController::undo()
 {
     endStroke();

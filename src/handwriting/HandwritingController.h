@@ -7,6 +7,7 @@
 #include "handwriting/EffectPreview.h"
 #include "handwriting/HandwritingTool.h"
 #include "handwriting/HandwritingViewport.h"
+#include "handwriting/InkDraft.h"
 #include "handwriting/InkPage.h"
 #include "handwriting/InkSurface.h"
 #include "handwriting/InkViewRender.h"
@@ -86,6 +87,12 @@ public:
     const QImage &ink() const { return preview().isNull() ? m_surface.image() : m_above.image(); }
     /// Strokes with their finish, to be stretched over the whole reference; null for none.
     const QImage &preview() const { return m_preview.image(); }
+
+    /// The strokes as a document from which `resume` goes on; empty for an empty page. A stroke that is being
+    /// written ends.
+    QByteArray draft(const QUuid &photo);
+    /// Puts the strokes and the finish of a draft on the page.
+    void resume(const InkDraft &draft);
 
     /// Writes the signature into the library and gives it to the current photo, as one undo step. False, with
     /// nothing done, for an empty page or while it is being saved.

@@ -6,6 +6,7 @@
 
 #include "base/AtomicFile.h"
 #include "base/Cancellation.h"
+#include "base/Log.h"
 #include "base/Uuid.h"
 #include "imaging/ImageEncoder.h"
 
@@ -72,7 +73,7 @@ SignatureSave::Written SignatureSave::write(const Render &render, const QString 
         throwIfCancelled(stop);
         const QString name = u"handwriting-"_s + uuidText(QUuid::createUuid()) + u".png"_s;
         try {
-            replaceFile(folder + u'/' + name, bytes);
+            replaceFile(folder + u'/' + name, bytes, Durability::Synced, Audience::Owner);
         } catch (...) {
             // The folder's sync may fail when the file stands already.
             QFile::remove(folder + u'/' + name);
@@ -80,7 +81,10 @@ SignatureSave::Written SignatureSave::write(const Render &render, const QString 
         }
         written.file = name;
         written.aspect = static_cast<double>(image.width()) / image.height();
-    } catch (const std::exception &) {
+    } catch (const OperationCancelled &) {
+        return {}; // nobody waits for it any more
+    } catch (const std::exception &error) {
+        qCWarning(logHandwriting) << "the signature was not saved:" << error.what();
         return {}; // told as a save that failed, when anybody still waits for it
     }
     return written;

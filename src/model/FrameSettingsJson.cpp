@@ -7,6 +7,10 @@ namespace tarnovel {
 
 namespace {
 
+/// Far above what a frame holds, and quickly read and laid out.
+constexpr size_t mostLayers = 1'000;
+constexpr qsizetype longestText = 100'000;
+
 template<typename Case, std::size_t Count>
 using CaseNames = std::array<std::pair<Case, const char *>, Count>;
 
@@ -95,7 +99,7 @@ TextLayer layerFrom(const JsonReader &reader)
 {
     TextLayer layer;
     layer.id = reader.member("id").text();
-    layer.text = reader.member("text").text();
+    layer.text = reader.member("text").text(longestText);
     layer.visible = reader.member("visible").boolean();
     layer.x = reader.member("x").number();
     layer.y = reader.member("y").number();
@@ -206,10 +210,74 @@ FrameSettings frameSettingsFromJson(const JsonReader &reader)
     settings.handwritingY = reader.optionalNumber("handwritingY");
     settings.handwritingWidth = reader.optionalNumber("handwritingWidth");
     settings.layers.clear();
-    for (const JsonReader &layer : reader.member("layers").elements()) {
+    const JsonReader layers = reader.member("layers");
+    const std::vector<JsonReader> elements = layers.elements();
+    if (elements.size() > mostLayers) {
+        layers.fail("more than 1000 layers");
+    }
+    for (const JsonReader &layer : elements) {
         settings.layers.append(layerFrom(layer));
     }
     return settings;
+}
+
+namespace {
+
+bool isReadable(const Json &settings)
+{
+    try {
+        frameSettingsFromJson(JsonReader(settings));
+        return true;
+    } catch (const JsonError &) {
+        return false;
+    }
+}
+
+/// The layers that can be read.
+Json readableLayers(const Json &layers)
+{
+    Json readable = Json::array();
+    if (!layers.is_array()) {
+        return readable;
+    }
+    for (const Json &layer : layers) {
+        try {
+            layerFrom(JsonReader(layer));
+            readable.push_back(layer);
+        } catch (const JsonError &) {
+            continue; // what is left of the others counts
+        }
+        if (readable.size() == mostLayers) {
+            break;
+        }
+    }
+    return readable;
+}
+
+} // namespace
+
+FrameSettings salvageFrameSettings(const JsonReader &reader, bool &whole)
+{
+    const Json &stored = reader.value();
+    if (isReadable(stored)) {
+        return frameSettingsFromJson(reader);
+    }
+    whole = false;
+    Json known = toJson(FrameSettings());
+    known.erase("templateID");
+    if (!stored.is_object()) {
+        return frameSettingsFromJson(JsonReader(known));
+    }
+    for (const auto &member : stored.items()) {
+        Json tried = known;
+        tried[member.key()] = member.value();
+        if (isReadable(tried)) {
+            known = std::move(tried);
+        } else if (member.key() == "layers") {
+            known["layers"] = readableLayers(member.value());
+        }
+    }
+    return frameSettingsFromJson(JsonReader(known));
 }
 
 } // namespace tarnovel

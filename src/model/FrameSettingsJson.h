@@ -13,4 +13,7 @@ Json toJson(const FilmOptions &options);
 /// Unknown keys are passed over. The record is not normalized.
 FrameSettings frameSettingsFromJson(const JsonReader &reader);
 
+/// Every field that can be read, the others with their defaults; then `whole` becomes false.
+FrameSettings salvageFrameSettings(const JsonReader &reader, bool &whole);
+
 } // namespace tarnovel

@@ -5,6 +5,7 @@
 
 #include "base/AtomicFile.h"
 #include "base/Uuid.h"
+#include "model/LibraryPaths.h"
 
 namespace tarnovel {
 
@@ -15,8 +16,12 @@ ImportedFile ImportedFile::receive(const QString &source, const QString &library
     const QString suffix = QFileInfo(source).suffix();
     const QString extension =
         suffix.isEmpty() || suffix.size() > longestExtension ? QString() : u'.' + suffix;
-    const QString path = publishFile(source, libraryFolder,
-                                     [&extension](int) { return uuidText(QUuid::createUuid()) + extension; });
+    if (!QFileInfo::exists(libraryFolder)) {
+        LibraryPaths::make(libraryFolder);
+    }
+    const QString path = publishFile(
+        source, libraryFolder, [&extension](int) { return uuidText(QUuid::createUuid()) + extension; },
+        Audience::Owner);
     return {QFileInfo(path).fileName()};
 }
 

@@ -1,7 +1,12 @@
 #include "model/LibraryPaths.h"
 
+#include <sys/stat.h>
+
 #include <QDir>
+#include <QFile>
 #include <QStandardPaths>
+
+#include "base/Log.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,10 +20,18 @@ QString location()
 QString root()
 {
     static const QString folder = [] {
-        QDir().mkpath(location());
+        make(location());
         return location();
     }();
     return folder;
+}
+
+void make(const QString &folder)
+{
+    if (!QDir().mkpath(folder)) {
+        qCWarning(logModel) << "the library folder cannot be made:" << folder;
+    }
+    chmod(QFile::encodeName(folder).constData(), S_IRWXU);
 }
 
 QString sessionFileName()

@@ -11,6 +11,10 @@ QString location();
 /// the reads and writes that follow.
 QString root();
 
+/// Makes a library folder where there is none, with its parents, and closes it to other users. Whether it
+/// worked shows in the reads and writes that follow.
+void make(const QString &folder);
+
 /// "session.json", the name of the session's document in a library folder.
 QString sessionFileName();
 

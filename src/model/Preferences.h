@@ -20,6 +20,10 @@ public:
     Preferences &operator=(const Preferences &) = delete;
 
     QVariant value(const QString &key, const QVariant &absent = {}) const;
+    /// The default for anything that is not a finite number.
+    double number(const QString &key, double absent) const;
+    /// Only a clear "true" or "false" counts; the file knows no other types than texts.
+    bool boolean(const QString &key, bool absent) const;
     void setValue(const QString &key, const QVariant &value);
 
 private:

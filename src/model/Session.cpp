@@ -8,6 +8,9 @@ namespace tarnovel {
 
 namespace {
 
+/// No file system takes a file name as long as this.
+constexpr qsizetype longestName = 1'000;
+
 QUuid uuidFrom(const JsonReader &reader)
 {
     const auto uuid = uuidFromText(reader.text());
@@ -17,14 +20,21 @@ QUuid uuidFrom(const JsonReader &reader)
     return *uuid;
 }
 
-PhotoItem photoFrom(const JsonReader &reader)
+/// All of a photo but its settings.
+PhotoItem unframedPhotoFrom(const JsonReader &reader)
 {
     PhotoItem photo;
     photo.id = uuidFrom(reader.member("id"));
     photo.file = reader.member("file").text();
-    photo.name = reader.member("name").text();
+    photo.name = reader.member("name").text(longestName);
     photo.width = reader.member("width").number();
     photo.height = reader.member("height").number();
+    return photo;
+}
+
+PhotoItem photoFrom(const JsonReader &reader)
+{
+    PhotoItem photo = unframedPhotoFrom(reader);
     photo.settings = frameSettingsFromJson(reader.member("settings"));
     return photo;
 }
@@ -33,10 +43,18 @@ SavedPreset presetFrom(const JsonReader &reader)
 {
     SavedPreset preset;
     preset.id = uuidFrom(reader.member("id"));
-    preset.name = reader.member("name").text();
+    preset.name = reader.member("name").text(longestName);
     preset.settings = frameSettingsFromJson(reader.member("settings"));
     preset.lastUsed = reader.optionalNumber("lastUsed");
     return preset;
+}
+
+/// The elements of an array member; none where there is no such thing.
+std::vector<JsonReader> elementsOf(const Json &object, const char *key)
+{
+    const auto found = object.is_object() ? object.find(key) : object.end();
+    return found == object.end() || !found->is_array() ? std::vector<JsonReader>()
+                                                       : JsonReader(*found).elements();
 }
 
 } // namespace
@@ -55,6 +73,51 @@ std::set<QString> Session::referencedFiles() const
         files.merge(lastStyle->referencedFiles());
     }
     return files;
+}
+
+SalvagedSession salvageSession(const Json &document)
+{
+    SalvagedSession salvaged;
+    const auto settingsOf = [&salvaged](const JsonReader &reader) {
+        const auto settings = reader.optionalMember("settings");
+        bool whole = settings.has_value();
+        FrameSettings read = settings ? salvageFrameSettings(*settings, whole) : FrameSettings();
+        read.normalize();
+        salvaged.changed += whole ? 0 : 1;
+        return read;
+    };
+    for (const JsonReader &reader : elementsOf(document, "photos")) {
+        try {
+            PhotoItem photo = unframedPhotoFrom(reader);
+            photo.settings = settingsOf(reader);
+            salvaged.session.photos.append(photo);
+        } catch (const JsonError &) {
+            ++salvaged.lostPhotos;
+        }
+    }
+    for (const JsonReader &reader : elementsOf(document, "presets")) {
+        try {
+            salvaged.session.presets.append({uuidFrom(reader.member("id")),
+                                             reader.member("name").text(longestName), settingsOf(reader),
+                                             std::nullopt});
+        } catch (const JsonError &) {
+            ++salvaged.lostPresets;
+        }
+    }
+    try {
+        const JsonReader reader(document);
+        if (const auto style = reader.optionalMember("lastStyle")) {
+            bool whole = true;
+            salvaged.session.lastStyle = salvageFrameSettings(*style, whole);
+            salvaged.session.lastStyle->normalize();
+        }
+        if (const auto selected = reader.optionalMember("selected")) {
+            salvaged.session.selected = uuidFrom(*selected);
+        }
+    } catch (const JsonError &) {
+        salvaged.session.selected.reset();
+    }
+    return salvaged;
 }
 
 QByteArray writeSession(const Session &session)

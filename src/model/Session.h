@@ -9,6 +9,7 @@
 #include <QString>
 #include <QUuid>
 
+#include "base/Json.h"
 #include "base/JsonDate.h"
 #include "model/FrameSettings.h"
 
@@ -58,5 +59,23 @@ QByteArray writeSession(const Session &session);
 
 /// Throws a JsonError with its path for anything that is missing or malformed.
 Session readSession(const QByteArray &document);
+
+/// What can be read of a document that is damaged, or of another version.
+struct SalvagedSession {
+    Session session;
+    /// Photos and styles that the document speaks of and that cannot be brought back: their record or their
+    /// file is gone. What a fault in the document hides is not among them.
+    qsizetype lostPhotos = 0;
+    qsizetype lostPresets = 0;
+    /// Photos and styles some fields of which could not be read and have their defaults.
+    qsizetype changed = 0;
+    /// The document ends in a fault: it may have held more.
+    bool cutShort = false;
+
+    bool whole() const { return lostPhotos == 0 && lostPresets == 0 && changed == 0 && !cutShort; }
+};
+
+/// What can be read of a session's value, photo by photo and field by field.
+SalvagedSession salvageSession(const Json &document);
 
 } // namespace tarnovel

@@ -2,20 +2,36 @@
 
 #include <algorithm>
 
-#include <QDateTime>
-#include <QFile>
 #include <QFileInfo>
 
 #include "base/AtomicFile.h"
+#include "base/FileError.h"
 #include "base/Json.h"
+#include "base/Log.h"
 #include "model/LibraryCleanup.h"
 #include "model/LibraryPaths.h"
+#include "model/SetAsideSessions.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
 namespace {
+
+/// A stored name that leads out of the library folder names nothing.
+void dropForeignFiles(FrameSettings &settings)
+{
+    const auto check = [](std::optional<QString> &file) {
+        if (file && !LibraryPaths::isBareName(*file)) {
+            file.reset();
+        }
+    };
+    check(settings.backgroundFile);
+    check(settings.handwritingFile);
+    for (TextLayer &layer : settings.layers) {
+        check(layer.imageFile);
+    }
+}
 
 /// Drops what the folder no longer has, then lets selection and last style fall back to what is left.
 void settle(Session &session, const QString &folder)
@@ -31,29 +47,19 @@ void settle(Session &session, const QString &folder)
     if (selected == session.photos.end()) {
         session.selected = session.photos.isEmpty() ? std::nullopt : std::optional(session.photos.first().id);
     }
+    const auto tidy = [](FrameSettings &settings) {
+        dropForeignFiles(settings);
+        settings.normalize();
+    };
     for (PhotoItem &photo : session.photos) {
-        photo.settings.normalize();
+        tidy(photo.settings);
     }
     for (SavedPreset &preset : session.presets) {
-        preset.settings.normalize();
+        tidy(preset.settings);
     }
     if (session.lastStyle) {
-        session.lastStyle->normalize();
+        tidy(*session.lastStyle);
     }
-}
-
-/// The first free name "session-damaged-DATE.json", or empty when the document could not be moved.
-QString setAside(const QString &path)
-{
-    const QString stem = QFileInfo(path).path() + u"/session-damaged-"_s +
-                         QDateTime::currentDateTimeUtc().toString(u"yyyyMMdd-HHmmss"_s);
-    for (int attempt = 1; attempt < 100; ++attempt) {
-        const QString goal = stem + (attempt == 1 ? QString() : u'-' + QString::number(attempt)) + u".json"_s;
-        if (!QFileInfo::exists(goal)) {
-            return QFile::rename(path, goal) ? goal : QString();
-        }
-    }
-    return {};
 }
 
 } // namespace
@@ -64,31 +70,26 @@ LoadedSession loadSession(const QString &libraryFolder, LibraryAccess access)
         sweepTemporaryFiles(libraryFolder);
     }
     LoadedSession loaded;
-    QFile file(libraryFolder + u'/' + LibraryPaths::sessionFileName());
-    if (!QFileInfo(file.fileName()).isFile()) {
-        return loaded;
-    }
-    if (!file.open(QIODevice::ReadOnly)) {
-        // It may be readable again some day: the next save must not take its place.
-        loaded.setAside = access == LibraryAccess::Own ? setAside(file.fileName()) : QString();
-        return loaded;
-    }
-    const QByteArray document = file.readAll();
-    const bool whole = file.error() == QFile::NoError;
-    file.close();
-    if (!whole) {
-        loaded.setAside = access == LibraryAccess::Own ? setAside(file.fileName()) : QString();
+    const QString document = libraryFolder + u'/' + LibraryPaths::sessionFileName();
+    const QFileInfo entry(document);
+    if (!entry.exists() && !entry.isSymLink()) {
         return loaded;
     }
     try {
-        loaded.session = readSession(document);
+        loaded.session = readSession(readJsonFile(document));
         settle(loaded.session, libraryFolder);
         loaded.cleanupCandidates = LibraryCleanup::candidates(libraryFolder);
         loaded.decoded = true;
-    } catch (const JsonError &) {
-        if (access == LibraryAccess::Own) {
-            loaded.setAside = setAside(file.fileName());
-        }
+        return loaded;
+    } catch (const JsonError &error) {
+        qCWarning(logModel) << "the session cannot be read:" << document << error.what();
+    } catch (const FileError &error) {
+        qCWarning(logModel) << "the session cannot be read:" << error.what();
+    }
+    // It may be readable again some day, or by another version: the next save must not take its place.
+    if (access == LibraryAccess::Own) {
+        loaded.setAside = SetAsideSessions::setAside(document);
+        qCWarning(logModel) << "it was set aside as" << loaded.setAside;
     }
     return loaded;
 }

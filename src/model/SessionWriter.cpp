@@ -2,9 +2,12 @@
 
 #include <utility>
 
+#include <QFileInfo>
+
 #include "base/AtomicFile.h"
 #include "base/FileError.h"
 #include "base/Json.h"
+#include "base/Log.h"
 #include "model/LibraryPaths.h"
 
 namespace tarnovel {
@@ -31,13 +34,20 @@ bool SessionWriter::save(const Session &session, qint64 revision)
     }
     m_latestRevision = revision;
     try {
-        replaceFile(m_folder + u'/' + LibraryPaths::sessionFileName(), writeSession(session));
-    } catch (const FileError &) {
-        return false;
-    } catch (const JsonError &) {
-        return false; // a number that is not one: better the old document than one that cannot be read
+        if (!QFileInfo::exists(m_folder)) {
+            // It went away while the program ran: what is edited is worth more than the reason.
+            LibraryPaths::make(m_folder);
+        }
+        replaceFile(m_folder + u'/' + LibraryPaths::sessionFileName(), writeSession(session),
+                    Durability::Synced, Audience::Owner);
+        return true;
+    } catch (const FileError &error) {
+        qCWarning(logModel) << "the session was not saved:" << error.what();
+    } catch (const JsonError &error) {
+        // A number that is not one: better the old document than one that cannot be read.
+        qCWarning(logModel) << "the session was not saved:" << error.what();
     }
-    return true;
+    return false;
 }
 
 } // namespace tarnovel

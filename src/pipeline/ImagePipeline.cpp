@@ -16,6 +16,8 @@
 #include "base/AtomicFile.h"
 #include "base/Cancellation.h"
 #include "base/FileError.h"
+#include "base/FileTrouble.h"
+#include "base/Log.h"
 #include "base/Uuid.h"
 #include "imaging/ImageDecoder.h"
 #include "imaging/ImageEncoder.h"
@@ -69,18 +71,21 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
 }
 
 template<typename Work>
-auto promised(const std::stop_token &stop, const Work &work)
+auto promised(const QString &subject, const std::stop_token &stop, const Work &work)
 {
     try {
         throwIfCancelled(stop);
         return work(stop);
-    } catch (const ImageError &) {
+    } catch (const ImageError &error) {
+        qCWarning(logImaging) << subject << error.what();
         throw PipelineFailure(PipelineError::unreadable);
     } catch (const std::bad_alloc &) {
+        qCWarning(logImaging) << subject << "out of memory";
         throw PipelineFailure(PipelineError::tooLarge);
     } catch (const QException &) {
         throw;
-    } catch (const std::exception &) {
+    } catch (const std::exception &error) {
+        qCWarning(logImaging) << subject << error.what();
         // Nothing may leave the thread but what the service promises: the next photo is still to be done.
         throw PipelineFailure(PipelineError::unreadable);
     }
@@ -100,9 +105,10 @@ ImagePipeline::~ImagePipeline()
     m_thread.waitForDone();
 }
 
-/// Runs `work(stop)` on the service's thread. What the lower layers throw becomes what the service promises.
+/// Runs `work(stop)` on the service's thread. What the lower layers throw becomes what the service promises;
+/// the log gets the cause, with the `subject`.
 template<typename Work>
-auto ImagePipeline::enqueue(std::stop_token stop, Work work)
+auto ImagePipeline::enqueue(const QString &subject, std::stop_token stop, Work work)
 {
     using Value = std::decay_t<std::invoke_result_t<Work, const std::stop_token &>>;
     // A promise, not QtConcurrent::run: whoever waits for a task of that may be made to run it, out of turn
@@ -110,9 +116,9 @@ auto ImagePipeline::enqueue(std::stop_token stop, Work work)
     const auto promise = std::make_shared<QPromise<Value>>();
     QFuture<Value> future = promise->future();
     promise->start(); // nobody waits for a future that has not started
-    m_thread.start([promise, stop = std::move(stop), work = std::move(work)] {
+    m_thread.start([promise, subject, stop = std::move(stop), work = std::move(work)] {
         try {
-            promise->addResult(promised(stop, work));
+            promise->addResult(promised(subject, stop, work));
         } catch (...) {
             promise->setException(std::current_exception());
         }
@@ -123,7 +129,7 @@ auto ImagePipeline::enqueue(std::stop_token stop, Work work)
 
 QFuture<QImage> ImagePipeline::read(const QString &file, int maxPixel, std::stop_token stop)
 {
-    return enqueue(std::move(stop), [this, file, maxPixel](const std::stop_token &token) {
+    return enqueue(file, std::move(stop), [this, file, maxPixel](const std::stop_token &token) {
         return decoded(file, maxPixel, token);
     });
 }
@@ -131,20 +137,21 @@ QFuture<QImage> ImagePipeline::read(const QString &file, int maxPixel, std::stop
 QFuture<PhotoItem> ImagePipeline::inspect(const ImportedFile &imported, TestDecode testDecode,
                                           std::stop_token stop)
 {
-    return enqueue(std::move(stop), [this, imported, testDecode](const std::stop_token &token) {
-        return inspected(imported, testDecode, token);
-    });
+    return enqueue(imported.file, std::move(stop),
+                   [this, imported, testDecode](const std::stop_token &token) {
+                       return inspected(imported, testDecode, token);
+                   });
 }
 
 QFuture<QList<Ink>> ImagePipeline::primaryColors(const QString &file, std::stop_token stop)
 {
-    return enqueue(std::move(stop),
+    return enqueue(file, std::move(stop),
                    [this, file](const std::stop_token &token) { return colors(file, token); });
 }
 
 QFuture<QImage> ImagePipeline::blurred(const QImage &image, std::stop_token stop)
 {
-    return enqueue(std::move(stop), [image](const std::stop_token &) {
+    return enqueue(u"blur"_s, std::move(stop), [image](const std::stop_token &) {
         if (image.isNull()) {
             throw PipelineFailure(PipelineError::unreadable);
         }
@@ -155,7 +162,7 @@ QFuture<QImage> ImagePipeline::blurred(const QImage &image, std::stop_token stop
 QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const ExportOptions &options,
                                                  std::stop_token stop)
 {
-    return enqueue(std::move(stop), [this, item, options](const std::stop_token &token) {
+    return enqueue(item.file, std::move(stop), [this, item, options](const std::stop_token &token) {
         return exported(item, options, token);
     });
 }
@@ -163,7 +170,7 @@ QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const Ex
 QFuture<PhotoImage> ImagePipeline::readPlaced(const QString &file, const PhotoPlacement &placement,
                                               QSize canvas, std::stop_token stop)
 {
-    return enqueue(std::move(stop), [this, file, placement, canvas](const std::stop_token &token) {
+    return enqueue(file, std::move(stop), [this, file, placement, canvas](const std::stop_token &token) {
         return placed(file, placement, canvas, token);
     });
 }
@@ -171,7 +178,7 @@ QFuture<PhotoImage> ImagePipeline::readPlaced(const QString &file, const PhotoPl
 QFuture<PhotoImage> ImagePipeline::resamplePlaced(const QImage &photo, const PhotoPlacement &placement,
                                                   QSize canvas, std::stop_token stop)
 {
-    return enqueue(std::move(stop), [photo, placement, canvas](const std::stop_token &) {
+    return enqueue(u"resampling"_s, std::move(stop), [photo, placement, canvas](const std::stop_token &) {
         return placedPhoto(photo, placement, canvas);
     });
 }
@@ -179,14 +186,14 @@ QFuture<PhotoImage> ImagePipeline::resamplePlaced(const QImage &photo, const Pho
 QFuture<ExportedFile> ImagePipeline::exportImage(const QImage &image, const ExportOptions &options,
                                                  std::stop_token stop)
 {
-    return enqueue(std::move(stop), [this, image, options](const std::stop_token &token) {
-        return written(image, options, token);
-    });
+    return enqueue(
+        u"a finished picture"_s, std::move(stop),
+        [this, image, options](const std::stop_token &token) { return written(image, options, token); });
 }
 
 QFuture<QImage> ImagePipeline::render(const PhotoItem &item, QSize canvas, std::stop_token stop)
 {
-    return enqueue(std::move(stop), [this, item, canvas](const std::stop_token &token) {
+    return enqueue(item.file, std::move(stop), [this, item, canvas](const std::stop_token &token) {
         return rendered(item, canvas, token).copy();
     });
 }
@@ -196,18 +203,32 @@ QString ImagePipeline::resolved(const QString &file) const
     return QDir(m_libraryFolder).filePath(file);
 }
 
+/// A picture that could not be read, with the cause where that is the file rather than what is in it.
+PipelineFailure ImagePipeline::failed(const QString &file, FramePicture picture,
+                                      const ImageError &error) const
+{
+    qCWarning(logImaging) << resolved(file) << error.what();
+    return PipelineFailure(PipelineError::unreadable, picture == FramePicture::Photo ? QString() : file,
+                           picture, fileTrouble(resolved(file)));
+}
+
 QImage ImagePipeline::decoded(const QString &file, int maxPixel, const std::stop_token &stop) const
 {
-    return decodeImage(resolved(file), maxPixel, stop);
+    try {
+        return decodeImage(resolved(file), maxPixel, stop);
+    } catch (const ImageError &error) {
+        throw failed(file, FramePicture::Photo, error);
+    }
 }
 
 /// A picture that goes with a photo: a failure names it, or the photo would be blamed.
-QImage ImagePipeline::companion(const QString &file, int maxPixel, const std::stop_token &stop) const
+QImage ImagePipeline::companion(FramePicture picture, const QString &file, int maxPixel,
+                                const std::stop_token &stop) const
 {
     try {
-        return decoded(file, maxPixel, stop);
-    } catch (const ImageError &) {
-        throw PipelineFailure(PipelineError::unreadable, file);
+        return decodeImage(resolved(file), maxPixel, stop);
+    } catch (const ImageError &error) {
+        throw failed(file, picture, error);
     }
 }
 
@@ -215,9 +236,14 @@ PhotoItem ImagePipeline::inspected(const ImportedFile &imported, TestDecode test
                                    const std::stop_token &stop) const
 {
     const QString path = resolved(imported.file);
-    const QSize size = readImageHeader(path).uprightSize();
+    QSize size;
+    try {
+        size = readImageHeader(path).uprightSize();
+    } catch (const ImageError &error) {
+        throw failed(imported.file, FramePicture::Photo, error);
+    }
     if (testDecode == TestDecode::Yes) {
-        decodeImage(path, testDecodePixels, stop);
+        decoded(imported.file, testDecodePixels, stop);
     }
     const CameraTexts texts = CameraTexts::from(readCaptureMetadata(path));
     PhotoItem item;
@@ -254,10 +280,14 @@ PhotoImage ImagePipeline::placed(const QString &file, const PhotoPlacement &plac
         return {};
     }
     const QString path = resolved(file);
-    const QSizeF source = readImageHeader(path).uprightSize();
-    const QRectF part(region.extent.x() * source.width(), region.extent.y() * source.height(),
-                      region.extent.width() * source.width(), region.extent.height() * source.height());
-    return {decodeImageRegion(path, part, region.pixels.size(), stop), region.extent};
+    try {
+        const QSizeF source = readImageHeader(path).uprightSize();
+        const QRectF part(region.extent.x() * source.width(), region.extent.y() * source.height(),
+                          region.extent.width() * source.width(), region.extent.height() * source.height());
+        return {decodeImageRegion(path, part, region.pixels.size(), stop), region.extent};
+    } catch (const ImageError &error) {
+        throw failed(file, FramePicture::Photo, error);
+    }
 }
 
 CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
@@ -276,8 +306,8 @@ CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
         images.background =
             coveringPicture(gaussianBlurred(decoded(item.file, blurSourcePixels, stop), blurSigma), canvas);
     } else if (settings.background == Backdrop::image && settings.backgroundFile) {
-        images.background =
-            coveringPicture(companion(*settings.backgroundFile, backdropPixels, stop), canvas);
+        images.background = coveringPicture(
+            companion(FramePicture::Background, *settings.backgroundFile, backdropPixels, stop), canvas);
     }
     throwIfCancelled(stop);
     // Logo and signature are resampled to the pixels that they cover, as the photo is: the painter scales
@@ -285,15 +315,15 @@ CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
     const TextLayer *logo = settings.layer(u"watermark"_s);
     if (const QSize size = logoPixels(item, canvas); !size.isEmpty()) {
         const int most = std::min(edge, logoPixelsDecoded);
-        images.watermark =
-            scaledPicture(companion(*logo->imageFile, std::min(most, longSide(size)), stop), size);
+        images.watermark = scaledPicture(
+            companion(FramePicture::Logo, *logo->imageFile, std::min(most, longSide(size)), stop), size);
     }
     if (settings.handwritingFile) {
         // Its own aspect decides on its size where the settings have none.
         const double widest = settings.handwritingWidth.value_or(0.42) * canvas.width();
         const double aspect = std::max(settings.handwritingAspect.value_or(1), 0.1);
         const int drawn = longSide({widest, settings.handwritingAspect ? widest / aspect : widest});
-        const QImage picture = companion(*settings.handwritingFile,
+        const QImage picture = companion(FramePicture::Signature, *settings.handwritingFile,
                                          std::max(1, std::min({edge, signaturePixelsDecoded, drawn})), stop);
         images.handwriting = scaledPicture(picture, signaturePixels(item, picture.size(), canvas));
     }
@@ -329,12 +359,12 @@ ExportedFile ImagePipeline::written(const QImage &image, const ExportOptions &op
     throwIfCancelled(stop);
     const QString folder = m_temporaryFolder + u"/Exports"_s;
     if (!QDir().mkpath(folder)) {
-        throw FileError(folder, QFileInfo(folder).exists() ? ENOTDIR : EACCES);
+        throw FileError(folder, QFileInfo(folder).exists() ? ENOTDIR : errno);
     }
     const QString path = folder + u"/Kesmar-"_s + uuidText(QUuid::createUuid()).left(8) +
                          (options.png ? u".png"_s : u".jpg"_s);
     replaceFile(path, bytes, Durability::Unsynced);
-    return {path, image.size(), bytes.size()};
+    return {std::make_shared<UnclaimedFile>(path), path, image.size(), bytes.size()};
 }
 
 } // namespace tarnovel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <stop_token>
 
 #include <QFuture>
@@ -9,15 +10,20 @@
 #include <QString>
 #include <QThreadPool>
 
+#include "base/UnclaimedFile.h"
 #include "model/ImportedFile.h"
 #include "model/Session.h"
 #include "pipeline/ExportOptions.h"
+#include "pipeline/PipelineError.h"
 #include "render/CompositionRenderer.h"
 
 namespace tarnovel {
 
-/// A framed photo in the temporary folder. Whoever asked for it takes it from there and removes it.
+class ImageError;
+
+/// A framed photo in the temporary folder. It goes with the last copy of this.
 struct ExportedFile {
+    std::shared_ptr<UnclaimedFile> owner;
     QString path;
     QSize canvas;
     qint64 bytes = 0;
@@ -77,11 +83,13 @@ public:
 
 private:
     template<typename Work>
-    auto enqueue(std::stop_token stop, Work work);
+    auto enqueue(const QString &subject, std::stop_token stop, Work work);
 
     QString resolved(const QString &file) const;
+    PipelineFailure failed(const QString &file, FramePicture picture, const ImageError &error) const;
     QImage decoded(const QString &file, int maxPixel, const std::stop_token &stop) const;
-    QImage companion(const QString &file, int maxPixel, const std::stop_token &stop) const;
+    QImage companion(FramePicture picture, const QString &file, int maxPixel,
+                     const std::stop_token &stop) const;
     PhotoItem inspected(const ImportedFile &imported, TestDecode testDecode,
                         const std::stop_token &stop) const;
     QList<Ink> colors(const QString &file, const std::stop_token &stop);

@@ -2,6 +2,8 @@
 
 #include <cerrno>
 
+#include <QRegularExpression>
+
 #include "language/AppLanguage.h"
 
 namespace tarnovel {
@@ -30,9 +32,50 @@ QString errorDescription(PipelineError error)
     return {};
 }
 
-QString errorDescription(const FileError &error)
+namespace {
+
+QString readingDescription(const FileError &error)
 {
     switch (error.code()) {
+    case ENOENT:
+    case ENOTDIR:
+        return error.path().contains(QRegularExpression(QStringLiteral("[*?\\[]")))
+                   ? localized({"没有符合这个模式的文件。", "No file matches this pattern.",
+                                "Aucun fichier ne correspond à ce motif."})
+                   : localized({"文件不存在。", "There is no such file.", "Ce fichier n’existe pas."});
+    case EISDIR:
+        return localized({"这是文件夹，不是照片。", "This is a folder, not a photo.",
+                          "C’est un dossier, pas une photo."});
+    case EACCES:
+    case EPERM:
+        return localized({"没有读取这个文件的权限。", "You are not allowed to read this file.",
+                          "Vous n’êtes pas autorisé à lire ce fichier."});
+    case EINVAL:
+    case ENXIO:
+        return localized({"这不是普通文件。", "This is not an ordinary file.",
+                          "Ce n’est pas un fichier ordinaire."});
+    case ENODATA:
+        return localized({"文件是空的。", "The file is empty.", "Le fichier est vide."});
+    case EILSEQ:
+        return localized({"文件名不是 UTF-8，请先重命名。", "The file’s name is not UTF-8. Rename it first.",
+                          "Le nom du fichier n’est pas en UTF-8. Renommez-le d’abord."});
+    default:
+        return localized({"磁盘无法读取这个文件。", "The disk could not read this file.",
+                          "Le disque n’a pas pu lire ce fichier."});
+    }
+}
+
+} // namespace
+
+QString errorDescription(const FileError &error)
+{
+    if (error.access() == FileAccess::Read) {
+        return readingDescription(error);
+    }
+    switch (error.code()) {
+    case EFBIG:
+        return localized({"文件超过了这里允许的大小。", "The file would be larger than is allowed here.",
+                          "Le fichier dépasserait la taille autorisée ici."});
     case ENOSPC:
     case EDQUOT:
         return localized(
@@ -52,6 +95,33 @@ QString errorDescription(const FileError &error)
     default:
         return errorDescription(PipelineError::write);
     }
+}
+
+QString errorDescription(const PipelineFailure &failure)
+{
+    const QString cause = failure.trouble() ? errorDescription(*failure.trouble()) : QString();
+    if (failure.picture() != FramePicture::Photo) {
+        return (missingPicture(failure.picture()) + u' ' + cause).trimmed();
+    }
+    return cause.isEmpty() ? errorDescription(failure.error()) : cause;
+}
+
+QString missingPicture(FramePicture picture)
+{
+    switch (picture) {
+    case FramePicture::Photo:
+        return localized({"无法读取这张照片的文件。", "The photo’s file cannot be read.",
+                          "Le fichier de la photo est illisible."});
+    case FramePicture::Background:
+        return localized({"无法读取背景图片。", "The background picture cannot be read.",
+                          "L’image de fond est illisible."});
+    case FramePicture::Logo:
+        return localized({"无法读取徽标图片。", "The logo cannot be read.", "Le logo est illisible."});
+    case FramePicture::Signature:
+        return localized({"无法读取签名图片。", "The signature cannot be read.",
+                          "La signature est illisible."});
+    }
+    return {};
 }
 
 } // namespace tarnovel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <QException>
 #include <QString>
 
@@ -13,23 +15,42 @@ enum class PipelineError { unreadable, tooLarge, write, fileSize };
 /// What the user is told, in the current language.
 QString errorDescription(PipelineError error);
 
-/// What the user is told when the disk refuses, in the current language.
+/// What the user is told when the system refuses a file, in the current language.
 QString errorDescription(const FileError &error);
+
+/// Which picture of a frame a failure is about.
+enum class FramePicture { Photo, Background, Logo, Signature };
 
 /// A PipelineError on its way through a QFuture.
 class PipelineFailure : public QException {
 public:
-    /// `file` is the picture that the failure is about, where that is not the photo itself.
-    explicit PipelineFailure(PipelineError error, const QString &file = {}) : m_error(error), m_file(file) {}
+    /// `file` is the picture that the failure is about, where that is not the photo itself; `trouble` is why it
+    /// could not even be opened.
+    explicit PipelineFailure(PipelineError error, const QString &file = {},
+                             FramePicture picture = FramePicture::Photo,
+                             const std::optional<FileError> &trouble = {})
+        : m_error(error), m_file(file), m_picture(picture), m_trouble(trouble)
+    {
+    }
     void raise() const override { throw *this; }
     PipelineFailure *clone() const override { return new PipelineFailure(*this); }
     const char *what() const noexcept override { return "pipeline failure"; }
     PipelineError error() const { return m_error; }
     const QString &file() const { return m_file; }
+    FramePicture picture() const { return m_picture; }
+    const std::optional<FileError> &trouble() const { return m_trouble; }
 
 private:
     PipelineError m_error;
     QString m_file;
+    FramePicture m_picture;
+    std::optional<FileError> m_trouble;
 };
+
+/// What the user is told, with the cause where it is known.
+QString errorDescription(const PipelineFailure &failure);
+
+/// "The background picture cannot be read.": what the user is told of a picture that goes with a photo.
+QString missingPicture(FramePicture picture);
 
 } // namespace tarnovel

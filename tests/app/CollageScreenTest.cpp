@@ -22,6 +22,8 @@ using namespace Qt::StringLiterals;
 namespace tarnovel::test {
 namespace {
 
+using namespace app;
+
 /// The collage studio's screen on an editor with twelve photos, driven as by hand.
 class CollageScreenTest : public EditorWorld {
 protected:

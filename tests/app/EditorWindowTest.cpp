@@ -27,6 +27,7 @@ namespace tarnovel::test {
 namespace {
 
 using namespace Qt::StringLiterals;
+using namespace app;
 
 class EditorWindow : public testing::Test {
 protected:

@@ -22,6 +22,8 @@ using namespace Qt::StringLiterals;
 namespace tarnovel::test {
 namespace {
 
+using namespace app;
+
 /// The screen in a window of its own over the first of two photos.
 class HandwritingScreenTest : public EditorWorld {
 protected:

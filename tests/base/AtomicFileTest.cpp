@@ -1,15 +1,21 @@
 #include <algorithm>
 
+#include <cerrno>
+#include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include "base/AtomicFile.h"
 #include "base/FileError.h"
+#include "base/FileTrouble.h"
+#include "base/ScratchFolder.h"
 
 namespace tarnovel {
 namespace {
@@ -45,6 +51,91 @@ TEST(ReplaceFile, LeavesTheFolderAsItWasWhenItFails)
     EXPECT_EQ(entries(folder.path()), QStringList{QStringLiteral("taken")});
     EXPECT_THROW(replaceFile(folder.filePath(QStringLiteral("absent/a")), "bytes"), FileError);
     EXPECT_THROW(replaceFile(QStringLiteral("/dev/full/a"), "bytes"), FileError);
+}
+
+/// The permissions of a file or folder.
+mode_t mode(const QString &path)
+{
+    struct stat status = {};
+    return stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 0777 : 0;
+}
+
+TEST(AtomicFile, ClosesWhatIsTheOwnersAlone)
+{
+    const mode_t before = umask(022);
+    const QTemporaryDir folder;
+    const QString open = folder.filePath(QStringLiteral("open"));
+    const QString closed = folder.filePath(QStringLiteral("closed"));
+    replaceFile(open, "1");
+    replaceFile(closed, "1", Durability::Synced, Audience::Owner);
+    const QString copy = publishFile(
+        open, folder.path(), [](int) { return QStringLiteral("copy"); }, Audience::Owner);
+    EXPECT_EQ(mode(open), 0644U);
+    EXPECT_EQ(mode(closed), 0600U);
+    EXPECT_EQ(mode(copy), 0600U);
+    umask(before);
+}
+
+TEST(AtomicFile, TellsWhatCannotBeReadFromWhatCannotBeWritten)
+{
+    const QTemporaryDir folder;
+    const QString pipe = folder.filePath(QStringLiteral("pipe"));
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const QString empty = folder.filePath(QStringLiteral("empty"));
+    replaceFile(empty, "");
+    const QString good = folder.filePath(QStringLiteral("good"));
+    replaceFile(good, "1");
+    const auto name = [](int) { return QStringLiteral("copy"); };
+    const QString absent = folder.filePath(QStringLiteral("absent"));
+    const QString misnamed = folder.filePath(QString(QChar::ReplacementCharacter));
+    for (const auto &[path, code] : std::initializer_list<std::pair<QString, int>>{
+             {absent, ENOENT}, {folder.path(), EISDIR}, {pipe, EINVAL}, {misnamed, EILSEQ}, {empty, ENODATA}}) {
+        const std::optional<FileError> trouble = fileTrouble(path);
+        ASSERT_TRUE(trouble) << path.toStdString();
+        EXPECT_EQ(trouble->code(), code) << path.toStdString();
+        EXPECT_EQ(trouble->access(), FileAccess::Read);
+    }
+    EXPECT_FALSE(fileTrouble(good));
+    try {
+        publishFile(pipe, folder.path(), name);
+        ADD_FAILURE() << "a pipe was copied";
+    } catch (const FileError &error) {
+        EXPECT_EQ(error.access(), FileAccess::Read);
+    }
+    try {
+        publishFile(good, absent, name);
+        ADD_FAILURE() << "copied into nowhere";
+    } catch (const FileError &error) {
+        EXPECT_EQ(error.access(), FileAccess::Write);
+    }
+}
+
+TEST(ScratchFolder, GoesWithItsOwnerAndWithTheNextOneAfterAKill)
+{
+    const QString prefix = QStringLiteral("scratch-test-");
+    const QDir temporary(QDir::tempPath());
+    const auto folders = [&] { return temporary.entryList({prefix + u'*'}, QDir::Dirs).size(); };
+    const auto age = [&](const QString &path) {
+        const timespec longAgo[2] = {{1'000'000, 0}, {1'000'000, 0}};
+        return utimensat(AT_FDCWD, QFile::encodeName(path).constData(), longAgo, 0) == 0;
+    };
+    const QString left = temporary.filePath(prefix + QStringLiteral("abcdef"));
+    const QString foreign = temporary.filePath(prefix + QStringLiteral("abc"));
+    ASSERT_TRUE(temporary.mkdir(left) && temporary.mkdir(foreign));
+    replaceFile(left + QStringLiteral("/photo"), "1");
+    ASSERT_TRUE(age(left) && age(foreign));
+    {
+        const ScratchFolder held(prefix);
+        EXPECT_EQ(mode(held.path()), 0700U);
+        EXPECT_FALSE(QFileInfo::exists(left));
+        replaceFile(held.filePath(QStringLiteral("photo")), "1");
+        ASSERT_TRUE(age(held.path()));
+        const ScratchFolder other(prefix);
+        EXPECT_TRUE(QFileInfo::exists(held.path()));
+        EXPECT_EQ(folders(), 3);
+    }
+    EXPECT_EQ(folders(), 1);
+    QDir(foreign).removeRecursively();
 }
 
 TEST(PublishFile, TakesTheFirstFreeNameAndNoOther)

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "base/FileError.h"
 #include "base/Json.h"
 #include "base/Uuid.h"
 
@@ -26,6 +30,54 @@ TEST(Json, RefusesWhatTheGrammarDoes)
     EXPECT_EQ(complaint(R"([{"a":1},{"a":2}])"), "");
     EXPECT_EQ(complaint(QByteArray(64, '[') + QByteArray(64, ']')), "");
     EXPECT_EQ(complaint(QByteArray(100'000, '[')), "more than 64 levels deep");
+}
+
+QByteArray objectOf(int members)
+{
+    QByteArray document = "{";
+    for (int i = 0; i < members; ++i) {
+        document += (i ? ",\"k" : "\"k") + QByteArray::number(i) + "\":1";
+    }
+    return document + '}';
+}
+
+TEST(Json, BoundsWhatADocumentMayAskFor)
+{
+    EXPECT_EQ(complaint(objectOf(1000)), "");
+    EXPECT_EQ(complaint(objectOf(200'000)), "more than 1000 members in one object");
+    EXPECT_EQ(complaint('[' + QByteArray(1'999'998, '1').replace("11", "1,") + "1]"), "more than a million values");
+    EXPECT_EQ(complaint('"' + QByteArray(63'999'998, 'x') + '"'), "");
+    EXPECT_EQ(complaint('"' + QByteArray(63'999'999, 'x') + '"'), "larger than 64 MB");
+}
+
+TEST(Json, LooksAtAFilesSizeBeforeItIsRead)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("huge.json"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(20'000'000'000));
+    EXPECT_THROW(readJsonFile(path), JsonError);
+    ASSERT_TRUE(file.resize(3));
+    EXPECT_EQ(readJsonFile(path).size(), 3);
+    EXPECT_THROW(readJsonFile(folder.path()), FileError);
+    EXPECT_THROW(readJsonFile(folder.filePath(QStringLiteral("absent"))), FileError);
+}
+
+TEST(Json, KeepsWhatStandsBeforeAFault)
+{
+    const PartialJson partial = parseJsonUpToFault(R"({"a":[{"b":1},{"b":2},{"b":)");
+    ASSERT_TRUE(partial.fault);
+    ASSERT_EQ(partial.value.at("a").size(), 3U);
+    EXPECT_EQ(partial.value.at("a").at(1).at("b"), 2);
+    EXPECT_FALSE(parseJsonUpToFault("[]").fault);
+}
+
+TEST(JsonReader, CutsATextBetweenCharacters)
+{
+    const Json text = jsonText(QStringLiteral("ab😀c"));
+    EXPECT_EQ(JsonReader(text).text(3), QStringLiteral("ab"));
+    EXPECT_EQ(JsonReader(text).text(4), QStringLiteral("ab😀"));
+    EXPECT_EQ(JsonReader(text).text(9), QStringLiteral("ab😀c"));
 }
 
 TEST(Json, KeepsEveryBitOfANumber)

@@ -273,7 +273,61 @@ TEST(Export, NamesThePictureThatIsAtFault)
     const Outcome field = program.run({u"export"_s, u"-o"_s, u"out"_s, u"--set"_s, u"background=image"_s,
                                        u"--set"_s, u"backgroundFile=none.png"_s, u"a.jpg"_s});
     EXPECT_EQ(field.status, 1);
-    EXPECT_EQ(field.errors, "tarnovel: a.jpg: none.png: Cannot read this picture. Try JPEG, HEIC or PNG.\n");
+    EXPECT_EQ(field.errors, "tarnovel: a.jpg: none.png: The background picture cannot be read. There is no such file.\n");
+}
+
+TEST(Export, SaysOfEachPhotoWhyItCannotBeRead)
+{
+    const Program program;
+    ASSERT_TRUE(QDir().mkdir(program.path(u"album"_s)));
+    ASSERT_EQ(mkfifo(QFile::encodeName(program.path(u"pipe"_s)).constData(), 0600), 0);
+    program.file(u"empty.jpg"_s, "");
+    const Outcome outcome = program.run({u"export"_s, u"-o"_s, u"out"_s, u"gone.jpg"_s, u"album"_s, u"*.png"_s,
+                                         u"pipe"_s, u"empty.jpg"_s});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "tarnovel: gone.jpg: There is no such file.\n"
+                              "tarnovel: album: This is a folder, not a photo.\n"
+                              "tarnovel: *.png: No file matches this pattern.\n"
+                              "tarnovel: pipe: This is not an ordinary file.\n"
+                              "tarnovel: empty.jpg: The file is empty.\n");
+    // A name that is not UTF-8 cannot even be written as an argument of Qt's.
+    QProcess shell;
+    shell.setWorkingDirectory(program.path(QString()));
+    shell.start(u"bash"_s, {u"-c"_s, u"printf x >$'a\\xff.jpg'; LANG=C \"$0\" inspect $'a\\xff.jpg'; rm $'a\\xff.jpg'"_s,
+                            Program::executable()});
+    ASSERT_TRUE(shell.waitForFinished(30'000));
+    EXPECT_TRUE(shell.readAllStandardError().contains("The file’s name is not UTF-8. Rename it first."));
+    const Outcome silent = program.run({u"inspect"_s, u"gone.jpg"_s});
+    EXPECT_EQ(silent.errors.count('\n'), 1);
+    const Outcome verbose = program.run({u"inspect"_s, u"--verbose"_s, u"gone.jpg"_s});
+    EXPECT_TRUE(verbose.errors.contains("tarnovel.imaging: ")) << verbose.errors.toStdString();
+    EXPECT_TRUE(verbose.errors.contains("gone.jpg"));
+}
+
+TEST(Export, LeavesNoHalfFileWhereFilesMayNotGrow)
+{
+    const Program program;
+    program.photo(u"a.jpg"_s, 3000, 2000);
+    QProcess shell;
+    shell.setWorkingDirectory(program.path(QString()));
+    shell.start(u"bash"_s, {u"-c"_s, u"ulimit -f 8; exec env LANG=C \"$0\" export -o out a.jpg"_s,
+                            Program::executable()});
+    ASSERT_TRUE(shell.waitForFinished(60'000));
+    EXPECT_EQ(shell.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(shell.exitCode(), 1);
+    EXPECT_TRUE(shell.readAllStandardError().contains("The file would be larger than is allowed here."));
+    EXPECT_EQ(program.entries(u"out"_s), QStringList());
+}
+
+TEST(Export, RefusesAStyleThatIsTooLargeBeforeReadingIt)
+{
+    const Program program;
+    program.photo(u"a.jpg"_s);
+    QFile huge(program.path(u"huge.json"_s));
+    ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize(20'000'000'000));
+    const Outcome outcome = program.run({u"export"_s, u"-o"_s, u"out"_s, u"--style"_s, u"huge.json"_s, u"a.jpg"_s});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "tarnovel: huge.json: Not a valid style: /: larger than 64 MB\n");
 }
 
 TEST(Export, TakesTheLastOfAnOptionGivenTwiceAndSparesForeignFiles)
@@ -291,6 +345,7 @@ TEST(Export, TakesTheLastOfAnOptionGivenTwiceAndSparesForeignFiles)
 TEST(Export, SpeaksTheUsersLanguage)
 {
     Program program;
+    program.file(u"none.jpg"_s, "no picture");
     const auto complaint = [&program] {
         return QString::fromUtf8(program.run({u"export"_s, u"-o"_s, u"out"_s, u"none.jpg"_s}).errors);
     };

@@ -3,7 +3,9 @@
 #include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QTemporaryDir>
 
+#include "base/AtomicFile.h"
 #include "editor/EditorWorld.h"
 #include "model/LibraryPaths.h"
 
@@ -133,6 +135,54 @@ TEST_F(Crash, AtAnyWriteLeavesTheOldOrTheNewSession)
     }
     EXPECT_GE(kills, 5); // at least write, two syncs, rename and the deletions
     RecordProperty("kills", kills);
+}
+
+TEST_F(Crash, ASaveReachesTheDiskBeforeItTakesItsPlace)
+{
+    if (!canTrace()) {
+        return; // the kernel of this machine lets nobody look
+    }
+    const QString log = m_folder.filePath(u"calls"_s);
+    QProcess process;
+    process.start(u"strace"_s, {u"-f"_s, u"-qq"_s, u"-y"_s, u"-o"_s, log, u"-e"_s, u"trace=fsync,rename"_s,
+                                QStringLiteral(EDIT_ONCE), m_library});
+    ASSERT_TRUE(process.waitForFinished(60'000));
+    QFile file(log);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QStringList calls;
+    for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+        if (line.contains(u"rename("_s) && line.contains(u"session.json"_s)) {
+            calls.append(u"rename"_s);
+        } else if (line.contains(u"fsync("_s)) {
+            calls.append(line.contains(u".tarnovel-"_s) ? u"file"_s : u"folder"_s);
+        }
+    }
+    EXPECT_EQ(calls, (QStringList{u"file"_s, u"rename"_s, u"folder"_s}));
+    reset();
+    // A disk that says it could not is believed.
+    runWith(u"fsync:error=EIO"_s);
+    EXPECT_EQ(document(), m_old);
+    EXPECT_TRUE(exists(m_second));
+    reset();
+    // So is a file system without an exclusive rename: nothing that has the name is replaced.
+    const QString source = m_folder.filePath(u"source"_s);
+    replaceFile(source, "new");
+    for (const char *missing : {"renameat2:error=EINVAL", "renameat2,link,linkat:error=EINVAL"}) {
+        const QTemporaryDir goal;
+        replaceFile(goal.filePath(u"0"_s), "old");
+        QProcess publish;
+        publish.start(u"strace"_s, {u"-f"_s, u"-qq"_s, u"-o"_s, u"/dev/null"_s, u"-e"_s,
+                                    u"inject="_s + QString::fromLatin1(missing), QStringLiteral(EDIT_ONCE),
+                                    goal.path(), u"publish"_s, source});
+        ASSERT_TRUE(publish.waitForFinished(60'000));
+        const auto contents = [&goal](const QString &name) {
+            QFile each(goal.filePath(name));
+            return each.open(QIODevice::ReadOnly) ? each.readAll() : QByteArray();
+        };
+        EXPECT_EQ(contents(u"0"_s), "old") << missing;
+        EXPECT_EQ(contents(u"1"_s), "new") << missing;
+        EXPECT_EQ(QDir(goal.path()).entryList(QDir::Files | QDir::Hidden).size(), 2) << missing;
+    }
 }
 
 TEST_F(Crash, FullDiskKeepsTheOldDocumentAndSaysSo)

@@ -58,7 +58,7 @@ TEST_F(Importing, AddsPhotosUnderTheirOwnNames)
     ASSERT_EQ(m_model.photos().size(), 2);
     EXPECT_EQ(m_model.photos().first().name, u"one.a"_s);
     EXPECT_NE(m_model.photos().first().file, u"one.a.jpg"_s);
-    EXPECT_EQ(m_model.message(), u"1 files could not be read."_s);
+    EXPECT_EQ(m_model.message(), u"1 file could not be read."_s);
     EXPECT_EQ(libraryFiles(), 2);
     EXPECT_TRUE(progress.contains(u"2 / 3"_s));
     EXPECT_FALSE(m_model.busy());
@@ -113,7 +113,8 @@ TEST_F(Importing, RefusesAPipeAndCleansUpWhenItIsDestroyed)
 {
     const QString pipe = m_folder.filePath(u"pipe.jpg"_s);
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    EXPECT_EQ(run({.paths = {pipe}}).unreadable, 1);
+    EXPECT_EQ(run({.paths = {pipe}}).refused.size(), 1);
+    EXPECT_EQ(m_model.message(), u"pipe.jpg: This is not an ordinary file."_s);
     QStringList paths;
     for (int i = 0; i < 10; ++i) {
         paths.append(outside(u"%1.jpg"_s.arg(i)));
@@ -124,6 +125,55 @@ TEST_F(Importing, RefusesAPipeAndCleansUpWhenItIsDestroyed)
         ASSERT_TRUE(waitFor([this] { return m_model.importProgress().startsWith(u'4'); }));
     }
     EXPECT_EQ(libraryFiles(), 0);
+}
+
+TEST_F(Importing, SaysOfEachFileWhatIsTheMatter)
+{
+    const QString folder = m_folder.filePath(u"album.jpg"_s);
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const QString misnamed = m_folder.filePath(u"a"_s + QChar(QChar::ReplacementCharacter) + u".jpg"_s);
+    const ImportSummary summary =
+        run({.paths = {outside(u"one.jpg"_s), folder, m_folder.filePath(u"gone.jpg"_s),
+                       m_folder.filePath(u"gone too.jpg"_s), m_folder.filePath(u"*.jpg"_s), misnamed,
+                       outside(u"broken.jpg"_s, "no picture")}});
+    EXPECT_EQ(summary.added, 1);
+    EXPECT_EQ(m_model.message(), u"1 file could not be read. album.jpg: This is a folder, not a photo. "
+                                 "2 files: There is no such file. *.jpg: No file matches this pattern. a\uFFFD.jpg: "
+                                 "The file’s name is not UTF-8. Rename it first."_s);
+}
+
+TEST_F(Importing, StopsWhereTheDiskTakesNoMore)
+{
+    const QStringList paths = {outside(u"a.jpg"_s), outside(u"b.jpg"_s)};
+    // A file where the library should be: no copy can be made.
+    ASSERT_TRUE(QDir(m_library).removeRecursively());
+    QFile taken(m_library);
+    ASSERT_TRUE(taken.open(QIODevice::WriteOnly));
+    const ImportSummary summary = run({.paths = paths});
+    EXPECT_EQ(summary.unreadable, 0);
+    EXPECT_EQ(summary.stopped, u"A file stands where a folder is needed."_s);
+    EXPECT_EQ(m_model.message(), u"A file stands where a folder is needed. 0 photos were added."_s);
+}
+
+TEST_F(Importing, EndsAtOnceWithWhatHasComeIn)
+{
+    QStringList paths;
+    for (int i = 0; i < 10; ++i) {
+        paths.append(outside(u"%1.jpg"_s.arg(i)));
+    }
+    m_flow.start({.paths = paths});
+    m_flow.start({.paths = paths});
+    ASSERT_TRUE(waitFor([this] { return m_model.importProgress().startsWith(u'4'); }));
+    m_flow.endNow();
+    EXPECT_FALSE(m_flow.running());
+    EXPECT_FALSE(m_model.busy());
+    EXPECT_EQ(m_model.photos().size(), 3);
+    EXPECT_EQ(libraryFiles(), 3);
+    // What its thread tells afterwards comes too late.
+    m_flow.start({.paths = {outside(u"next.jpg"_s)}});
+    EXPECT_TRUE(waitFor([this] { return !m_flow.running(); }));
+    EXPECT_EQ(m_model.photos().size(), 4);
+    EXPECT_EQ(libraryFiles(), 4);
 }
 
 TEST_F(Importing, TellsItsEndInThreeLanguages)
@@ -137,6 +187,11 @@ TEST_F(Importing, TellsItsEndInThreeLanguages)
     EXPECT_EQ(full.message(ImportSource::Files),
               u"50 photos maximum par session. Les 5 premières ont été ajoutées."_s);
     EXPECT_EQ(unreadable.message(ImportSource::Files), u"2 fichiers illisibles."_s);
+    EXPECT_EQ((ImportSummary{.added = 1, .truncated = true}).message(ImportSource::Files),
+              u"50 photos maximum par session. La première a été ajoutée."_s);
+    EXPECT_EQ((ImportSummary{.truncated = true}).message(ImportSource::Files),
+              u"50 photos maximum par session. Aucune n’a été ajoutée."_s);
+    EXPECT_EQ((ImportSummary{.unreadable = 1}).message(ImportSource::Files), u"1 fichier illisible."_s);
     EXPECT_EQ(unreadable.message(ImportSource::PhotoPicker),
               u"2 photos n’ont pas pu être lues. Les autres ont été importées."_s);
     setLanguageSources({[] { return u"chinese"_s; }, {}});
@@ -159,20 +214,25 @@ TEST_F(Instances, HandTheirPhotosToTheFirst)
     SingleInstance first(m_library);
     ASSERT_TRUE(first.acquire({}));
     QStringList received;
+    QString leave;
     QObject::connect(&first, &SingleInstance::photosReceived, &first,
-                     [&](const QStringList &photos) { received = photos; });
+                     [&](const QStringList &photos, const QString &token) {
+                         received = photos;
+                         leave = token;
+                     });
     // The second one waits for an answer, so the first has to live on another thread's time.
     bool owner = true;
     bool handed = false;
     std::jthread second([&] {
         SingleInstance other(m_library);
-        owner = other.acquire({u"relative.jpg"_s, u"/tmp/été.jpg"_s});
+        owner = other.acquire({u"relative.jpg"_s, u"/tmp/été.jpg"_s}, u"come to the front"_s);
         handed = other.handedOver();
     });
     EXPECT_TRUE(waitFor([&] { return received.size() == 2; }));
     second.join();
     EXPECT_FALSE(owner);
     EXPECT_TRUE(handed);
+    EXPECT_EQ(leave, u"come to the front"_s);
     EXPECT_EQ(received,
               (QStringList{QDir::current().absoluteFilePath(u"relative.jpg"_s), u"/tmp/été.jpg"_s}));
     SingleInstance elsewhere(m_folder.path());

@@ -44,6 +44,27 @@ TEST_F(Canvas, DragsThePhotoAsOneStepAndSnapsIt)
     EXPECT_EQ(settings().y, 0);
 }
 
+TEST_F(Canvas, NudgesWithinWhatDragsKeepTo)
+{
+    m_gestures.nudge({}, {0.005, 0});
+    EXPECT_DOUBLE_EQ(settings().x, 0.005) << "the centre does not pull a nudge back";
+    for (int i = 0; i < 400; ++i) {
+        m_gestures.nudge({}, {0.02, -0.02});
+    }
+    EXPECT_DOUBLE_EQ(settings().x, 0.5);
+    EXPECT_DOUBLE_EQ(settings().y, -0.5);
+    FrameSettings locked = settings();
+    locked.lockX = true;
+    locked.lockY = true;
+    m_model.update(locked);
+    // Nothing moves, and nothing is there to be undone.
+    const auto steps = m_model.history().undoStack().size();
+    m_gestures.nudge({}, {-0.02, 0.02});
+    m_gestures.nudge(u"absent"_s, {0.02, 0.02});
+    EXPECT_EQ(settings(), locked);
+    EXPECT_EQ(m_model.history().undoStack().size(), steps);
+}
+
 TEST_F(Canvas, NeverCarriesAGestureToAnotherPhoto)
 {
     m_model.append({photo(u"other.jpg"_s)});
@@ -155,6 +176,7 @@ TEST_F(Rules, TakeOnlyRealDates)
     EXPECT_FALSE(m_model.canUndo());
     EXPECT_TRUE(CaptureDateEntry::enter(m_model, u" 2026.09.22 "_s));
     EXPECT_EQ(settings().layer(u"date"_s)->text, u"2026.09.22"_s);
+    EXPECT_TRUE(settings().layer(u"date"_s)->visible) << "who enters a date wants to see it";
     EXPECT_EQ(m_model.history().undoStack().size(), 1);
 }
 

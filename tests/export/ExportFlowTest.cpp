@@ -42,6 +42,12 @@ TEST_F(Choosing, RemembersThePanelAndCountsTheRun)
     ExportChoices choices{.resolution = 0, .png = true, .maxMB = 2};
     choices.store(m_preferences);
     m_preferences.setValue(u"macExportMaxMB"_s, 7);
+    m_preferences.setValue(u"macExportResolution"_s, u"wide"_s);
+    EXPECT_EQ(ExportChoices::stored(m_preferences).resolution, 4096);
+    m_preferences.setValue(u"macExportResolution"_s, 0);
+    m_preferences.setValue(u"macExportMaxMB"_s, 5);
+    EXPECT_EQ(ExportChoices::stored(m_preferences).maxMB, 5);
+    m_preferences.setValue(u"macExportMaxMB"_s, 7);
     const ExportChoices stored = ExportChoices::stored(m_preferences);
     EXPECT_EQ(stored.resolution, 0);
     EXPECT_TRUE(stored.png);
@@ -127,17 +133,113 @@ TEST_F(IntoAFolder, StopsAtAFailureWithASummaryOfTheRest)
     items[4].file = u"gone.jpg"_s;
     FolderExport run(m_pipeline);
     run.start(items, m_small, m_goal);
-    ASSERT_TRUE(waitFor([&] { return !run.error().isEmpty(); }));
+    ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
+    EXPECT_TRUE(run.working());
+    EXPECT_EQ(run.run().problem()->photo.id, items[4].id);
+    EXPECT_EQ(run.run().problem()->cause, u"There is no such file."_s);
+    EXPECT_FALSE(run.run().problem()->worthRetrying);
+    run.run().stop();
+    EXPECT_FALSE(run.working());
     EXPECT_EQ(run.error(), u"Export failed: Cannot read this photo. Try JPEG, HEIC or PNG."_s);
     EXPECT_EQ(run.result()->files.size(), 4);
     EXPECT_EQ(entries(m_goal).size(), 4);
+}
 
-    QDir(m_goal).removeRecursively();
+TEST_F(IntoAFolder, GoesOnWithoutWhatIsSkipped)
+{
+    QList<PhotoItem> items = photos(6);
+    for (const int broken : {0, 3}) {
+        items[broken].settings.background = Backdrop::image;
+        items[broken].settings.backgroundFile = u"gone.jpg"_s;
+    }
+    items[5].file = u"gone.jpg"_s;
+    FolderExport run(m_pipeline);
     run.start(items, m_small, m_goal);
+    ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
+    // The photo itself is whole, and is not blamed.
+    EXPECT_EQ(run.run().problem()->cause,
+              u"The background picture cannot be read. There is no such file."_s);
+    run.run().skip(ExportRun::Skipping::AllAlike);
+    ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
+    EXPECT_EQ(run.run().problem()->photo.id, items[5].id);
+    EXPECT_EQ(run.run().skippedNames(), (QStringList{u"0.jpg"_s, u"3.jpg"_s}));
+    run.run().skip();
+    ASSERT_FALSE(run.working());
+    EXPECT_EQ(run.error(), QString());
+    EXPECT_EQ(run.result()->skipped, (QStringList{u"0.jpg"_s, u"3.jpg"_s, u"5.jpg"_s}));
+    EXPECT_EQ(entries(m_goal), (QStringList{u"1.jpg-framed.jpg"_s, u"2.jpg-framed.jpg"_s, u"4.jpg-framed.jpg"_s}));
+    run.start({items[5]}, m_small, m_goal);
+    ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
+    run.run().skip();
+    EXPECT_FALSE(run.result());
+    EXPECT_NE(run.error(), QString());
+}
+
+TEST_F(IntoAFolder, TriesAgainWhenTheFolderIsBack)
+{
+    FolderExport run(m_pipeline);
+    QDir(m_goal).removeRecursively();
+    run.start(photos(2), m_small, m_goal);
+    ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
+    EXPECT_EQ(run.run().problem()->description, u"The folder is gone."_s);
+    EXPECT_TRUE(run.run().problem()->worthRetrying);
+    ASSERT_TRUE(QDir().mkpath(m_goal));
+    run.run().retry();
     ASSERT_TRUE(waitFor([&] { return !run.working(); }));
+    EXPECT_EQ(entries(m_goal).size(), 2);
+    QDir(m_goal).removeRecursively();
+    run.start(photos(1), m_small, m_goal);
+    ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
+    run.cancel();
+    EXPECT_FALSE(run.working());
     EXPECT_EQ(run.error(), u"Export failed: The folder is gone."_s);
     EXPECT_FALSE(run.result());
     EXPECT_EQ(temporary(), QStringList());
+}
+
+TEST_F(IntoAFolder, TellsAFullTemporaryFolderFromTheChosenOne)
+{
+    QFile taken(m_folder.filePath(u"temporary"_s));
+    ASSERT_TRUE(taken.open(QIODevice::WriteOnly));
+    FolderExport run(m_pipeline);
+    run.start(photos(1), m_small, m_goal);
+    ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
+    EXPECT_TRUE(run.run().problem()->cause.startsWith(u"Temporary folder: "_s));
+}
+
+TEST_F(IntoAFolder, LeavesNothingBehindWhenItIsDestroyed)
+{
+    {
+        FolderExport run(m_pipeline);
+        run.start(photos(4), m_small, m_goal);
+        ASSERT_TRUE(waitFor([&] { return run.progress() == 1; }));
+    }
+    // What was being rendered lands where nobody takes it any more.
+    m_pipeline.read(photo(u"last.jpg"_s).file, 10).waitForFinished();
+    EXPECT_TRUE(waitFor([&] { return temporary().isEmpty(); }));
+}
+
+TEST_F(IntoAFolder, StartsTheNextRunFromTheEndOfOne)
+{
+    QList<PhotoItem> items = photos(2);
+    items[0].file = u"gone.jpg"_s;
+    ExportRun run(m_pipeline);
+    QStringList heard;
+    const ExportRun::Steps second = {.deliver = [](int, const ExportedFile &) {},
+                                     .progressed = [](int) {},
+                                     .completed = [&] { heard.append(u"completed"_s); },
+                                     .cancelled = [] {},
+                                     .paused = [] {},
+                                     .failed = [](const ExportProblem &) {}};
+    ExportRun::Steps first = second;
+    first.paused = [&] { run.stop(); };
+    first.failed = [&](const ExportProblem &problem) {
+        run.start({items[1]}, m_small, second);
+        heard.append(problem.photo.name); // what was told outlives the steps that were replaced
+    };
+    run.start(items, m_small, first);
+    ASSERT_TRUE(waitFor([&] { return heard.size() == 2; }));
+    EXPECT_EQ(heard, (QStringList{u"0.jpg"_s, u"completed"_s}));
 }
 
 /// A library that says and does what the test wants.
@@ -174,11 +276,32 @@ TEST_F(IntoTheLibrary, AddsTheWholeBatch)
     EXPECT_EQ(entries(library.album()),
               (QStringList{u"0.jpg-framed.jpg"_s, u"1.jpg-framed.jpg"_s, u"2.jpg-framed.jpg"_s}));
     EXPECT_EQ(successes, 1);
-    EXPECT_EQ(run.files()->files().size(), 3); // for sharing
+    // The photos are in the album: a second set would only take room.
+    EXPECT_TRUE(run.files()->files().isEmpty());
+    EXPECT_EQ(temporary(), QStringList());
     run.start(photos(1), m_small);
     ASSERT_TRUE(waitFor([&] { return run.phase() == LibraryExport::Phase::Saved; }));
     EXPECT_EQ(run.saved(), QStringList{library.album() + u"/0.jpg-framed-2.jpg"_s});
-    EXPECT_EQ(temporary().size(), 1);
+    EXPECT_EQ(temporary(), QStringList());
+}
+
+TEST_F(IntoTheLibrary, AddsAllButWhatIsSkipped)
+{
+    FakeLibrary library;
+    LibraryExport run(m_pipeline, library);
+    QList<PhotoItem> items = photos(3);
+    items[1].file = u"gone.jpg"_s;
+    run.start(items, m_small);
+    ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
+    run.run().skip();
+    ASSERT_TRUE(waitFor([&] { return run.phase() == LibraryExport::Phase::Saved; }));
+    ASSERT_EQ(library.added.size(), 2);
+    EXPECT_EQ(library.added.at(1).photoName, u"2.jpg"_s);
+    run.start({items[1]}, m_small);
+    ASSERT_TRUE(waitFor([&] { return run.run().problem().has_value(); }));
+    run.run().skip();
+    EXPECT_EQ(run.phase(), LibraryExport::Phase::Idle);
+    EXPECT_NE(run.error(), QString());
 }
 
 TEST_F(IntoTheLibrary, AddsNothingWhenAnythingFails)
@@ -187,7 +310,8 @@ TEST_F(IntoTheLibrary, AddsNothingWhenAnythingFails)
     LibraryExport run(m_pipeline, library);
     const auto error = [&](const QList<PhotoItem> &items) {
         run.start(items, m_small);
-        EXPECT_TRUE(waitFor([&] { return run.phase() == LibraryExport::Phase::Idle; }));
+        EXPECT_TRUE(waitFor([&] { return run.phase() == LibraryExport::Phase::Idle || run.run().problem(); }));
+        run.run().stop();
         return run.error();
     };
     library.access = PhotoLibraryAccess::Denied;
@@ -229,7 +353,10 @@ TEST_F(IntoTheLibrary, StagesEverythingBeforeAnythingShows)
     EXPECT_EQ(entries(library.album()), QStringList());
     QFile blocked(m_folder.filePath(u"file"_s));
     ASSERT_TRUE(blocked.open(QIODevice::WriteOnly));
-    EXPECT_EQ(PicturesFolder(blocked.fileName()).requestAccess(), PhotoLibraryAccess::Denied);
+    PicturesFolder denied(blocked.fileName());
+    EXPECT_EQ(denied.requestAccess(), PhotoLibraryAccess::Denied);
+    ASSERT_TRUE(denied.refusal());
+    EXPECT_EQ(denied.refusal()->code(), ENOTDIR);
 }
 
 TEST_F(TemporaryFiles, AreSweptAfterADay)
@@ -252,8 +379,10 @@ TEST_F(TemporaryFiles, AreSweptAfterADay)
     EXPECT_EQ(entries(folder), (QStringList{u"Kesmar-NEW.jpg"_s, u"other.jpg"_s}));
     {
         ExportFileLifetime lifetime;
-        lifetime.add(folder + u"/Kesmar-NEW.jpg"_s);
-        lifetime.add(folder + u"/gone.jpg"_s);
+        for (const QString &path : {folder + u"/Kesmar-NEW.jpg"_s, folder + u"/gone.jpg"_s}) {
+            lifetime.add({std::make_shared<UnclaimedFile>(path), path, {}, 0});
+        }
+        EXPECT_EQ(lifetime.files().size(), 2);
     }
     EXPECT_EQ(entries(folder), QStringList{u"other.jpg"_s});
 }

@@ -3,6 +3,7 @@
 #include <limits>
 #include <thread>
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -15,6 +16,7 @@
 #include "model/LibraryPaths.h"
 #include "model/SessionStore.h"
 #include "model/SessionWriter.h"
+#include "model/SetAsideSessions.h"
 
 using namespace Qt::StringLiterals;
 
@@ -57,6 +59,7 @@ protected:
 using SessionDocument = Library;
 using SessionWriting = Library;
 using Loading = Library;
+using SetAside = Library;
 using Cleanup = Library;
 using Importing = Library;
 
@@ -109,7 +112,6 @@ TEST_F(SessionWriting, KeepsTheOldDocumentWhenTheDiskRefuses)
     SessionWriter writer(folder());
     EXPECT_FALSE(writer.save({}, 1));
     EXPECT_TRUE(QFileInfo::exists(path(u"session.json/inside"_s)));
-    EXPECT_FALSE(SessionWriter(path(u"absent"_s)).save({}, 1));
     ASSERT_TRUE(QDir(path(u"session.json"_s)).removeRecursively());
     Session broken;
     ASSERT_TRUE(writer.save(broken, 2));
@@ -117,6 +119,19 @@ TEST_F(SessionWriting, KeepsTheOldDocumentWhenTheDiskRefuses)
     broken.photos.first().settings.x = std::numeric_limits<double>::quiet_NaN();
     EXPECT_FALSE(writer.save(broken, 3));
     EXPECT_EQ(readSession(read(u"session.json"_s)), Session{});
+}
+
+TEST_F(SessionWriting, MakesAFolderThatWentAwayAndClosesItToOthers)
+{
+    const QString again = path(u"gone/library"_s);
+    ASSERT_TRUE(SessionWriter(again).save({}, 1));
+    const auto forOthers = [](const QString &file) {
+        return QFileInfo(file).permissions() & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther);
+    };
+    EXPECT_FALSE(forOthers(again));
+    EXPECT_FALSE(forOthers(again + u"/session.json"_s));
+    write(u"photo.jpg"_s);
+    EXPECT_FALSE(forOthers(again + u'/' + ImportedFile::receive(path(u"photo.jpg"_s), again).file));
 }
 
 TEST_F(SessionWriting, LeavesOneWholeDocumentBehindManyThreads)
@@ -151,6 +166,44 @@ TEST_F(Loading, DropsPhotosWhoseFilesAreGone)
     EXPECT_EQ(loaded.session.photos.first().settings.layers, defaultLayers());
 }
 
+TEST_F(Loading, TidiesEveryRecordAndNoNameLeadsOut)
+{
+    write(u"a.jpg"_s);
+    Session session;
+    session.photos = {photo(u"a.jpg"_s)};
+    FrameSettings &settings = session.photos.first().settings;
+    settings.layers.resize(3);
+    settings.layers[0].imageFile = u"/etc/passwd"_s;
+    settings.layers[1].imageFile = u"logo.png"_s;
+    settings.backgroundFile = u"../../x.jpg"_s;
+    settings.handwritingFile = u".."_s;
+    session.presets = {{QUuid::createUuid(), u"mine"_s, settings, {}}};
+    session.lastStyle = settings;
+    SessionWriter(folder()).save(session, 1);
+    const Session loaded = loadSession(folder(), LibraryAccess::Own).session;
+    for (const FrameSettings &record :
+         {loaded.photos.first().settings, loaded.presets.first().settings, *loaded.lastStyle}) {
+        EXPECT_EQ(record.layers.size(), 7);
+        EXPECT_EQ(record.referencedFiles(), std::set<QString>{u"logo.png"_s});
+    }
+}
+
+TEST_F(Loading, HoldsNamesAndLayersToABound)
+{
+    write(u"a.jpg"_s);
+    Session session;
+    session.photos = {photo(u"a.jpg"_s)};
+    session.photos.first().name = QString(1'000'000, u'n');
+    EXPECT_EQ(readSession(writeSession(session)).photos.first().name.size(), 1'000);
+    session.photos.first().settings.layers = QList<TextLayer>(1'001, TextLayer());
+    try {
+        readSession(writeSession(session));
+        ADD_FAILURE();
+    } catch (const JsonError &error) {
+        EXPECT_EQ(error.path(), "/photos/0/settings/layers");
+    }
+}
+
 TEST_F(Loading, TakesTheLastStyleFromTheSelectedPhoto)
 {
     write(u"a.jpg"_s);
@@ -176,6 +229,68 @@ TEST_F(Loading, SetsADamagedDocumentAside)
     EXPECT_EQ(read(QFileInfo(loaded.setAside).fileName()), "{\"photos\":[");
     EXPECT_FALSE(QFileInfo::exists(path(u"session.json"_s)));
     EXPECT_FALSE(loadSession(path(u"absent"_s), LibraryAccess::Own).decoded);
+}
+
+TEST_F(SetAside, BringsBackAllThatCanBeRead)
+{
+    for (const char *name : {"a.jpg", "b.jpg", "c.jpg"}) {
+        write(QString::fromLatin1(name));
+    }
+    Session session;
+    session.photos = {photo(u"a.jpg"_s), photo(u"b.jpg"_s), photo(u"c.jpg"_s), photo(u"gone.jpg"_s)};
+    session.photos[1].settings.scale = 0.4;
+    session.selected = session.photos.at(1).id;
+    session.presets = {{QUuid::createUuid(), u"mine"_s, {}, 1}, {QUuid::createUuid(), u"other"_s, {}, 1}};
+    Json document = parseJson(writeSession(session));
+    document["photos"][1]["settings"]["style"] = "of a newer version";
+    document["photos"][1]["settings"]["layers"][2]["x"] = "left";
+    document["photos"][2].erase("file");
+    document["presets"][0]["id"] = 7;
+    write(u"session.json"_s, writeJson(document));
+    ASSERT_FALSE(loadSession(folder(), LibraryAccess::Own).decoded);
+    const QList<SetAsideSession> kept = SetAsideSessions::in(folder());
+    ASSERT_EQ(kept.size(), 1);
+    EXPECT_LE(std::abs(kept.first().when.secsTo(QDateTime::currentDateTime())), 60);
+    const SalvagedSession found = SetAsideSessions::salvage(kept.first(), folder());
+    ASSERT_EQ(found.session.photos.size(), 2);
+    EXPECT_EQ(found.session.photos.first(), session.photos.first());
+    const FrameSettings &patched = found.session.photos.last().settings;
+    EXPECT_EQ(patched.scale, 0.4);
+    EXPECT_EQ(patched.style, FrameStyle::simple);
+    EXPECT_EQ(patched.layers.size(), 7);
+    EXPECT_EQ(found.session.selected, session.selected);
+    ASSERT_EQ(found.session.presets.size(), 1);
+    EXPECT_EQ(found.session.presets.first().name, u"other"_s);
+    EXPECT_EQ(found.lostPhotos, 2);
+    EXPECT_EQ(found.lostPresets, 1);
+    EXPECT_EQ(found.changed, 1);
+    EXPECT_FALSE(found.cutShort);
+}
+
+TEST_F(SetAside, KeepsTheFilesThatItMayNeed)
+{
+    const QString named = uuidText(QUuid::createUuid()) + u".jpg"_s;
+    const QString older = uuidText(QUuid::createUuid()) + u".jpg"_s;
+    const QString younger = uuidText(QUuid::createUuid()) + u".jpg"_s;
+    for (const QString &name : {named, older, younger}) {
+        write(name);
+    }
+    const auto setTime = [this](const QString &name, const QDateTime &time) {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFileDevice::FileModificationTime);
+    };
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    ASSERT_TRUE(setTime(older, now.addDays(-1)) && setTime(younger, now.addDays(1)));
+    // Of another version: what the fields mean is not known, but the names are.
+    write(u"session.json"_s, R"({"pictures":[{"of":")" + named.toUtf8() + R"("}]})");
+    ASSERT_FALSE(loadSession(folder(), LibraryAccess::Own).decoded);
+    EXPECT_TRUE(SetAsideSessions::neededFiles(folder()).contains(named));
+    EXPECT_FALSE(SetAsideSessions::neededFiles(folder()).contains(older));
+    write(u"session.json"_s, "{\"photos\":[{");
+    ASSERT_FALSE(loadSession(folder(), LibraryAccess::Own).decoded);
+    EXPECT_EQ(SetAsideSessions::in(folder()).size(), 2);
+    EXPECT_TRUE(SetAsideSessions::neededFiles(folder()).contains(older));
+    EXPECT_FALSE(SetAsideSessions::neededFiles(folder()).contains(younger));
 }
 
 TEST_F(Cleanup, DeletesOnlyUnusedFilesOfItsOwnShape)

@@ -1,6 +1,7 @@
 // Opens the library named first, removes the last photo, changes the style of the rest, saves, cleans up, and
 // prints the model's message. Crash tests kill it on the way. With "full" the first save finds room for 700
-// bytes only, as on a full disk, and a second one follows when there is room again.
+// bytes only, as on a full disk, and a second one follows when there is room again. With "publish" it copies the file
+// named last into the folder under the first free number.
 
 #include <csignal>
 #include <cstdio>
@@ -10,6 +11,7 @@
 
 #include <QGuiApplication>
 
+#include "base/AtomicFile.h"
 #include "editor/EditorModel.h"
 
 using namespace tarnovel;
@@ -18,6 +20,11 @@ int main(int argc, char **argv)
 {
     const QGuiApplication application(argc, argv);
     const QString library = QString::fromLocal8Bit(argv[1]);
+    if (argc > 3 && std::strcmp(argv[2], "publish") == 0) {
+        publishFile(QString::fromLocal8Bit(argv[3]), library,
+                    [](int attempt) { return QString::number(attempt); });
+        return 0;
+    }
     ImagePipeline pipeline(library, library);
     SessionWriter writer(library);
     Preferences preferences(library + QStringLiteral("/../preferences.ini"));

@@ -42,20 +42,20 @@ public:
     }
 
     /// The window is made when it is first asked for.
-    MainWindow &window()
+    app::MainWindow &window()
     {
         if (!m_window) {
-            m_window = std::make_unique<MainWindow>(
-                WindowServices{context(), m_appearance, chooser(), m_pictures, [] {}});
+            m_window = std::make_unique<app::MainWindow>(
+                app::WindowServices{context(), m_appearance, chooser(), m_pictures, [] {}});
         }
         return *m_window;
     }
-    EditorContext context()
+    app::EditorContext context()
     {
         return {m_model, m_edits, m_imports, m_thumbnails, m_pipeline, m_preferences, m_clock, m_state};
     }
     EditorModel &model() { return m_model; }
-    EditorState &state() { return m_state; }
+    app::EditorState &state() { return m_state; }
     Preferences &preferences() { return m_preferences; }
     Answers &answers() { return m_answers; }
     QString library() const
@@ -91,12 +91,18 @@ private:
     static constexpr int longestMs = 30'000;
     static constexpr int quietMs = 250;
 
-    FileChooser chooser()
+    app::FileChooser chooser()
     {
-        FileChooser chooser;
-        chooser.photos = [this](QWidget *, const FileChooser::Files &chosen) { chosen(m_answers.photos); };
-        chooser.picture = [this](QWidget *, const FileChooser::Files &chosen) { chosen(m_answers.picture); };
-        chooser.folder = [this](QWidget *, const FileChooser::Folder &chosen) { chosen(m_answers.folder); };
+        app::FileChooser chooser;
+        chooser.photos = [this](QWidget *, const app::FileChooser::Files &chosen) {
+            chosen(m_answers.photos);
+        };
+        chooser.picture = [this](QWidget *, const app::FileChooser::Files &chosen) {
+            chosen(m_answers.picture);
+        };
+        chooser.folder = [this](QWidget *, const app::FileChooser::Folder &chosen) {
+            chosen(m_answers.folder);
+        };
         return chooser;
     }
 
@@ -110,10 +116,10 @@ private:
     SettingsEdits m_edits;
     ImportFlow m_imports;
     Thumbnails m_thumbnails;
-    EditorState m_state;
-    Appearance m_appearance;
+    app::EditorState m_state;
+    app::Appearance m_appearance;
     PicturesFolder m_pictures;
-    std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<app::MainWindow> m_window;
 };
 
 } // namespace tarnovel::test

@@ -12,8 +12,8 @@ int main(int argc, char **argv)
     testing::InitGoogleMock(&argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     const QApplication application(argc, argv);
-    QApplication::setFont(tarnovel::typeFont(tarnovel::Type::Body));
-    tarnovel::applyTheme(false);
+    QApplication::setFont(tarnovel::app::typeFont(tarnovel::app::Type::Body));
+    tarnovel::app::applyTheme(false);
     tarnovel::test::failOnQtWarnings();
     return RUN_ALL_TESTS();
 }

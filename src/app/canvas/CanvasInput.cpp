@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -126,6 +126,9 @@ void CanvasView::mouseMoveEvent(QMouseEvent *event)
 
 void CanvasView::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
     endGesture();
     showCursor(event->position());
 }
@@ -193,7 +196,7 @@ QStringList CanvasView::visibleLayers() const
 {
     QStringList ids;
     for (const TextLayer &layer : m_context.model.current()->settings.layers) {
-        if (layer.visible && (layer.imageFile || !layer.text.trimmed().isEmpty())) {
+        if (layer.visible) {
             ids.append(layer.id);
         }
     }
@@ -322,4 +325,4 @@ bool CanvasView::event(QEvent *event)
     return QWidget::event(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -1,5 +1,6 @@
 #include "app/canvas/CanvasMarks.h"
 
+#include <algorithm>
 #include <array>
 
 #include <QFontMetrics>
@@ -9,7 +10,7 @@
 #include "app/kit/Theme.h"
 #include "language/AppLanguage.h"
 
-namespace tarnovel::CanvasMarks {
+namespace tarnovel::app::CanvasMarks {
 
 namespace {
 
@@ -57,6 +58,22 @@ void paintPill(QPainter &painter, QPointF bottomCentre)
 
 } // namespace
 
+void paintNotice(QPainter &painter, const QRectF &frame, const QString &text)
+{
+    constexpr int iconSize = 16;
+    const QFont font = typeFont(Type::Label);
+    const double room = std::max(frame.width() - 32, 0.0);
+    const QString shown = QFontMetrics(font).elidedText(text, Qt::ElideRight, static_cast<int>(room) - 44);
+    const double width = QFontMetrics(font).horizontalAdvance(shown) + 44;
+    const QRectF pill(frame.center().x() - width / 2, frame.bottom() - 40, width, 28);
+    Paint::rounded(painter, pill, 14, theme().surface);
+    Paint::outline(painter, pill, 14, theme().danger);
+    Icons::draw(painter, "warn", pill.topLeft() + QPointF(10, 6), iconSize, theme().danger);
+    painter.setPen(theme().danger);
+    painter.setFont(font);
+    painter.drawText(pill.adjusted(32, 0, -10, 0), Qt::AlignVCenter | Qt::AlignLeft, shown);
+}
+
 void paintGuides(QPainter &painter, const QRectF &frame, CentreSnap snap)
 {
     const auto color = [](bool held) {
@@ -87,6 +104,26 @@ QRegion guideRegion(const QRectF &frame)
     region += QRect(whole.center().x() - pillWidth / 2, whole.top() - pillHeight / 2, pillWidth, pillHeight);
     region += QRect(whole.left() - pillWidth / 2, whole.center().y() - pillHeight / 2, pillWidth, pillHeight);
     return region;
+}
+
+void paintPlaceholder(QPainter &painter, const QRectF &box, const QFont &font, const QString &name, bool dark)
+{
+    constexpr QSizeF around(12, 4);
+    QColor color = dark ? QColor(Qt::white) : marks().disabled;
+    if (dark) {
+        color.setAlphaF(0.55F);
+    }
+    QPen pen(color, 1);
+    pen.setDashPattern({4, 3});
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    const QRectF outer =
+        box.adjusted(-around.width(), -around.height(), around.width(), around.height()).toAlignedRect();
+    painter.drawRoundedRect(outer.adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
+    painter.setPen(color);
+    painter.setFont(font);
+    painter.drawText(outer, Qt::AlignCenter, name);
 }
 
 void paintSelection(QPainter &painter, const QRectF &box, bool keyboard)
@@ -121,4 +158,4 @@ Handle handleAt(QPointF position, const QRectF &box)
     return Handle::None;
 }
 
-} // namespace tarnovel::CanvasMarks
+} // namespace tarnovel::app::CanvasMarks

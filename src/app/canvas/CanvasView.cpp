@@ -6,15 +6,17 @@
 #include <QTransform>
 
 #include "app/canvas/CanvasMarks.h"
+#include "app/kit/Accessible.h"
 #include "app/kit/Focus.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Shadow.h"
 #include "app/kit/Theme.h"
+#include "editor/EditorRules.h"
 #include "render/CompositionRenderer.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -28,6 +30,7 @@ constexpr int tightStage = 800;
 CanvasView::CanvasView(const EditorContext &context, QWidget *parent)
     : QWidget(parent), m_context(context), m_gestures(context.model)
 {
+    setAccessibleRole(*this, QAccessible::Graphic);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setProperty("paintsFocus", true);
@@ -71,7 +74,11 @@ void CanvasView::showState()
     const std::optional<QString> &layer = m_context.state.selectedLayer();
     const TextLayer *text = photo && layer ? photo->settings.layer(*layer) : nullptr;
     const QString name = localized({"画面", "Picture", "Image"});
-    const QString label = text ? name + u", "_s + text->text : photo ? name + u", "_s + photo->name : name;
+    const QString empty = localized({"，空", ", empty", ", vide"});
+    const QString words = !text                           ? QString()
+                          : Placeholders::isWanted(*text) ? layerTitle(*text) + empty
+                                                          : text->text;
+    const QString label = text ? name + u", "_s + words : photo ? name + u", "_s + photo->name : name;
     if (label != accessibleName()) {
         setAccessibleName(label);
     }
@@ -165,6 +172,10 @@ void CanvasView::paintEvent(QPaintEvent *event)
     if (m_context.model.previews().photo.isNull()) {
         paintLoading(painter, frame);
     }
+    if (const QList<FramePicture> &missing = m_context.model.previews().missing; !missing.isEmpty()) {
+        CanvasMarks::paintNotice(painter, frame, missingPicture(missing.first()));
+    }
+    paintPlaceholders(painter, frame);
     paintGuides(painter, frame);
     paintSelection(painter, frame);
     if (hasFocus() && keyboardFocusVisible() && !m_context.state.selectedLayer()) {
@@ -183,6 +194,24 @@ void CanvasView::paintLoading(QPainter &painter, const QRectF &frame)
                 Theme::light().danger);
 }
 
+void CanvasView::paintPlaceholders(QPainter &painter, const QRectF &frame) const
+{
+    for (const TextLayer &layer : m_context.model.current()->settings.layers) {
+        if (!Placeholders::isWanted(layer)) {
+            continue;
+        }
+        const TextLayer named = Placeholders::shown(layer, frame.size());
+        const QRectF box = CompositionRenderer::textRect(named, frame.size()).translated(frame.topLeft());
+        const QPoint pixel = ((box.center() - frame.topLeft()) * devicePixelRatioF()).toPoint();
+        const bool dark = m_frame.rect().contains(pixel) && m_frame.pixelColor(pixel).lightness() < 128;
+        painter.save();
+        painter.setTransform(layerTransform(named, box), true);
+        CanvasMarks::paintPlaceholder(painter, box, CompositionRenderer::font(named, frame.width()),
+                                      named.text, dark);
+        painter.restore();
+    }
+}
+
 void CanvasView::paintGuides(QPainter &painter, const QRectF &frame) const
 {
     if (m_gestures.guidesVisible()) {
@@ -199,15 +228,20 @@ std::optional<QRectF> CanvasView::layerBox() const
     if (!layer || !layer->visible || frame.isEmpty()) {
         return {};
     }
-    return CompositionRenderer::textRect(*layer, frame.size()).translated(frame.topLeft());
+    return CompositionRenderer::textRect(Placeholders::shown(*layer, frame.size()), frame.size())
+        .translated(frame.topLeft());
 }
 
 QTransform CanvasView::layerTransform(const QRectF &box) const
 {
-    const TextLayer *layer = m_context.model.current()->settings.layer(*m_context.state.selectedLayer());
+    return layerTransform(*m_context.model.current()->settings.layer(*m_context.state.selectedLayer()), box);
+}
+
+QTransform CanvasView::layerTransform(const TextLayer &layer, const QRectF &box)
+{
     QTransform turned;
     turned.translate(box.center().x(), box.center().y());
-    turned.rotate(layer->rotation.value_or(0));
+    turned.rotate(layer.rotation.value_or(0));
     turned.translate(-box.center().x(), -box.center().y());
     return turned;
 }
@@ -248,4 +282,4 @@ void CanvasView::focusOutEvent(QFocusEvent *event)
     QWidget::focusOutEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -100,4 +100,4 @@ Overlay *editTextOnCanvas(QWidget *window, const EditorContext &context, const Q
     return card;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include "app/EditorContext.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Overlay;
 
@@ -10,4 +10,4 @@ class Overlay;
 Overlay *editTextOnCanvas(QWidget *window, const EditorContext &context, const QString &layerId,
                           QPoint inWindow);
 
-} // namespace tarnovel
+} // namespace tarnovel::app

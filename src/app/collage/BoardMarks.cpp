@@ -8,7 +8,7 @@
 #include "app/kit/Shadow.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel::BoardMarks {
+namespace tarnovel::app::BoardMarks {
 
 namespace {
 
@@ -91,4 +91,4 @@ void paintRing(QPainter &painter, const QRectF &cell, double radius, Ring ring)
     }
 }
 
-} // namespace tarnovel::BoardMarks
+} // namespace tarnovel::app::BoardMarks

@@ -8,7 +8,7 @@
 class QPainter;
 
 /// What is painted over the collage while it is arranged.
-namespace tarnovel::BoardMarks {
+namespace tarnovel::app::BoardMarks {
 
 enum class Grasp { Rest, Near, Held };
 
@@ -24,4 +24,4 @@ void paintChip(QPainter &painter, const QRectF &handle, const QString &text, boo
 enum class Ring { Chosen, Focused, Target };
 void paintRing(QPainter &painter, const QRectF &cell, double radius, Ring ring);
 
-} // namespace tarnovel::BoardMarks
+} // namespace tarnovel::app::BoardMarks

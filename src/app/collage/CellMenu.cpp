@@ -7,7 +7,7 @@
 #include "app/kit/Overlay.h"
 #include "collage/CollageStudio.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -79,4 +79,4 @@ void openCellMenu(QWidget *board, CollageStudio &studio, int slot, QPoint at,
     menu->open();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

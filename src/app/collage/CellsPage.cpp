@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -250,4 +250,4 @@ void CellsPage::showState()
     m_zoom->setValue(cell ? cell->zoom : 1);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 #include "app/kit/Items.h"
 #include "collage/CollageStudio.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -64,4 +64,4 @@ private:
     Button *m_reset;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -128,4 +128,4 @@ void CollageBar::paintEvent(QPaintEvent *)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -4,7 +4,7 @@
 
 #include "collage/CollageStudio.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -38,4 +38,4 @@ private:
     Button *m_save;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

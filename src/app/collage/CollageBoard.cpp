@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -349,4 +349,4 @@ void CollageBoard::lift()
     update();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -14,7 +14,7 @@
 class QNativeGestureEvent;
 class QPinchGesture;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// How a photo of the studio is dragged from one place of the screen to another: its id as text.
 inline constexpr const char *collagePhotoMime = "application/x-tarnovel-collage-photo";
@@ -134,4 +134,4 @@ private:
     QVariantAnimation m_relayout;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

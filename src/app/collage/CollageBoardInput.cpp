@@ -14,7 +14,7 @@
 #include "app/collage/CellMenu.h"
 #include "app/collage/CollageBoard.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -116,6 +116,9 @@ void CollageBoard::mouseMoveEvent(QMouseEvent *event)
 
 void CollageBoard::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
     m_longPress.stop();
     m_gestures.releaseDivider();
     m_gestures.endPan();
@@ -448,4 +451,4 @@ void CollageBoard::dropEvent(QDropEvent *event)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -23,6 +23,8 @@ constexpr int badgeInset = 8;
 constexpr int ringRoom = 6;
 constexpr int slotSide = 56;
 constexpr int slotStep = 68;
+constexpr int slotGap = 8;
+constexpr int leastSlot = 40;
 constexpr int narrowWindow = 1280;
 constexpr int narrowInset = 44;
 constexpr int headerHeight = 96;
@@ -106,19 +108,27 @@ void ChooserGrid::paintItem(QPainter &painter, int index, const State &state)
 
 ChooserTray::ChooserTray(CollageStudio &studio) : PhotoItems(studio, slotSide)
 {
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     connect(this, &Items::chosen, this,
             [this](int index) { this->studio().toggle(this->studio().picked().at(index)); });
 }
 
 QRect ChooserTray::itemRect(int index) const
 {
-    return {4 + index * slotStep, 4, slotSide, slotSide};
+    // In a narrow window the slots move together and shrink.
+    const int step = std::min((width() - 8 + slotGap) / count(), slotStep);
+    const int side = std::min(slotSide, step - slotGap);
+    return {4 + index * step, 4 + (slotSide - side) / 2, side, side};
 }
 
 QSize ChooserTray::sizeHint() const
 {
     return {8 + (count() - 1) * slotStep + slotSide, 8 + slotSide};
+}
+
+QSize ChooserTray::minimumSizeHint() const
+{
+    return {8 + count() * (leastSlot + slotGap) - slotGap, 8 + slotSide};
 }
 
 QString ChooserTray::itemName(int index) const
@@ -293,4 +303,4 @@ void CollageChooser::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(0, top), QPointF(width(), top));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

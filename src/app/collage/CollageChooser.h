@@ -6,7 +6,7 @@
 
 class QHBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -52,7 +52,7 @@ public:
     bool itemEnabled(int index) const override { return index < studio().total(); }
     bool itemChosen(int) const override { return false; }
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    QSize minimumSizeHint() const override;
 
 protected:
     void paintItem(QPainter &painter, int index, const State &state) override;
@@ -95,4 +95,4 @@ private:
     Button *m_make;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -11,7 +11,7 @@
 #include "app/kit/Segments.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -88,4 +88,4 @@ void CollagePanel::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(0, 0), QPointF(0, height()));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 
 class QStackedWidget;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Segments;
 
@@ -34,4 +34,4 @@ private:
     bool m_film = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

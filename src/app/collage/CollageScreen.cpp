@@ -17,7 +17,7 @@
 #include "app/kit/Overlay.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -190,7 +190,7 @@ void CollageScreen::askToClose(const std::function<void()> &then)
         return;
     }
     m_question = ask(m_bar->closeButton(),
-                     {said({"放弃这个拼图？", "Discard this collage?", "Abandonner ce collage ?"}),
+                     {said({"放弃这个拼图？", "Discard this collage?", "Abandonner ce collage ?"}),
                       said({"版式和调整不会保留。", "Its layout and adjustments will be lost.",
                             "Sa mise en page et ses réglages seront perdus."}),
                       said({"放弃", "Discard", "Abandonner"})},
@@ -293,4 +293,4 @@ bool CollageScreen::event(QEvent *event)
     return QWidget::event(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -12,7 +12,7 @@
 class QStackedWidget;
 class QVBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class CollageBar;
 class CollageBoard;
@@ -91,4 +91,4 @@ private:
     bool m_arranged = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

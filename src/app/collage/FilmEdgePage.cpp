@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -91,4 +91,4 @@ void FilmEdgePage::showState()
     m_first->setEnabled(edge.showsNumbers);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

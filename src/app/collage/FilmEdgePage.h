@@ -6,7 +6,7 @@
 
 #include "collage/CollageStudio.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Field;
 class Stepper;
@@ -31,4 +31,4 @@ private:
     Stepper *m_first;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

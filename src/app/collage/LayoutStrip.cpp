@@ -12,7 +12,7 @@
 #include "app/kit/Theme.h"
 #include "language/AppLanguage.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -214,4 +214,4 @@ bool LayoutStrip::event(QEvent *event)
     return Items::event(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 #include "app/kit/Items.h"
 #include "collage/CollageStudio.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// The layouts for so many photos, each with the collage's own photos in it.
 class LayoutStrip : public Items {
@@ -53,4 +53,4 @@ private:
     QBasicTimer m_rest;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

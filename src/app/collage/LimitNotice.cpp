@@ -13,7 +13,7 @@
 #include "app/kit/Theme.h"
 #include "language/AppLanguage.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -99,4 +99,4 @@ void LimitNotice::timerEvent(QTimerEvent *event)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

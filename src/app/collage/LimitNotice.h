@@ -4,7 +4,7 @@
 #include <QVariantAnimation>
 #include <QWidget>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// What springs up when a tenth photo is tapped.
 class LimitNotice : public QWidget {
@@ -28,4 +28,4 @@ private:
     QBasicTimer m_end;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

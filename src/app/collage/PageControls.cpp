@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 PageControls::PageControls(const EditorContext &context, CollageStudio &studio)
     : m_studio(studio), m_paper(new QWidget)
@@ -98,4 +98,4 @@ void PageControls::showState()
     m_paper->setVisible(!design.preset.film);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

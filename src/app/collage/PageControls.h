@@ -5,7 +5,7 @@
 #include "app/EditorContext.h"
 #include "collage/CollageStudio.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class ColorDots;
 class Segments;
@@ -32,4 +32,4 @@ private:
     QWidget *m_filmHint;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -15,7 +15,7 @@
 #include "app/kit/ScrollArea.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -202,4 +202,4 @@ void PhotoColumn::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(width() - 1, 0), QPointF(width() - 1, height()));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

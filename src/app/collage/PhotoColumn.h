@@ -4,7 +4,7 @@
 
 #include "app/collage/PhotoItems.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -60,4 +60,4 @@ private:
     Button *m_add;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

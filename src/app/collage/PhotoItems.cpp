@@ -10,7 +10,7 @@
 #include "app/kit/Spinner.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -117,4 +117,4 @@ void PhotoItems::timerEvent(QTimerEvent *event)
     update();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 #include "app/kit/Items.h"
 #include "collage/CollageStudio.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// Photos that a collage can be made of, as square tiles of one size.
 class PhotoItems : public Items {
@@ -40,4 +40,4 @@ private:
     int m_angle = 0;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -5,13 +5,11 @@
 #include <QAccessible>
 #include <QBoxLayout>
 #include <QCoreApplication>
-#include <QDesktopServices>
 #include <QEvent>
 #include <QPainter>
-#include <QStandardPaths>
-#include <QUrl>
 
 #include "app/Wording.h"
+#include "app/export/ProblemCard.h"
 #include "app/export/SizeChoice.h"
 #include "app/inspector/Section.h"
 #include "app/kit/Button.h"
@@ -22,12 +20,13 @@
 #include "app/kit/Theme.h"
 #include "export/ExportNames.h"
 #include "export/ExportReviewPolicy.h"
+#include "language/Plural.h"
 #include "pipeline/ExportOptions.h"
 #include "pipeline/PipelineError.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -119,12 +118,12 @@ void ExportPanel::addOptions(QVBoxLayout *column)
     m_destination->setName(said({"位置", "Destination", "Destination"}));
     group(said({"位置", "Destination", "Destination"}), m_destination);
     m_which = new Segments({[this] {
-                                return localized({"全部 ", "All ", "Les "}) +
-                                       QString::number(m_context.model.photos().size()) +
-                                       localized({" 张", " photos", " photos"});
+                                return counted(m_context.model.photos().size(),
+                                               {"全部 %1 张", "The photo", "La photo"},
+                                               {"全部 %1 张", "All %1 photos", "Les %1 photos"});
                             },
                             said({"仅这一张", "This photo", "Cette photo"})});
-    m_which->setName(said({"照片", "Photos", "Photos"}));
+    m_which->setName(said({"要导出的照片", "Photos to export", "Photos à exporter"}));
     group(said({"照片", "Photos", "Photos"}), m_which);
     m_size = new SizeChoice;
     m_size->setName([] { return ExportTexts::sizeGroup(); });
@@ -154,7 +153,9 @@ void ExportPanel::addOptions(QVBoxLayout *column)
 
     connect(m_destination, &Items::chosen, this, [this](int index) {
         // The photo library's choices have no memory.
+        const bool all = m_choices.all;
         m_choices = index == 1 ? ExportChoices::forSheet() : ExportChoices::stored(m_context.preferences);
+        m_choices.all = all;
         refresh();
     });
     connect(m_which, &Items::chosen, this,
@@ -179,8 +180,11 @@ QWidget *ExportPanel::makeFooter()
     column->setSpacing(12);
     m_error = new Label(Type::Body, {}, Label::Tone::Danger);
     column->addWidget(m_error);
-    m_openSettings = new Button(Button::Kind::Secondary, [] { return LibraryExport::openSettingsText(); });
-    column->addWidget(m_openSettings, 0, Qt::AlignLeft);
+    m_errorDetail = new Label(Type::Label, {}, Label::Tone::Secondary);
+    column->addWidget(m_errorDetail);
+    m_otherFolder = new Button(Button::Kind::Secondary, said({"选择其他文件夹…", "Choose another folder…",
+                                                              "Choisir un autre dossier…"}));
+    column->addWidget(m_otherFolder, 0, Qt::AlignLeft);
     m_progressBox = new QWidget;
     auto *box = new QVBoxLayout(m_progressBox);
     box->setContentsMargins(0, 0, 0, 0);
@@ -201,6 +205,9 @@ QWidget *ExportPanel::makeFooter()
     below->addWidget(m_cancel);
     box->addLayout(below);
     column->addWidget(m_progressBox);
+    m_problem = new ProblemCard(m_context);
+    m_problem->hide();
+    column->addWidget(m_problem);
     m_start = new Button(Button::Kind::Primary, [this] {
         return toLibrary() ? localized({"保存到“图片”", "Save to Pictures", "Enregistrer dans Images"})
                            : ExportTexts::startButton(m_choices.photos(m_context.model).size());
@@ -210,10 +217,17 @@ QWidget *ExportPanel::makeFooter()
     column->addWidget(m_start);
     connect(m_start, &QPushButton::clicked, this, &ExportPanel::start);
     connect(m_cancel, &QPushButton::clicked, this, &ExportPanel::cancel);
-    connect(m_openSettings, &QPushButton::clicked, this, [] {
-        QDesktopServices::openUrl(
-            QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)));
+    // Where the pictures folder takes nothing, any other may.
+    connect(m_otherFolder, &QPushButton::clicked, this, [this] {
+        m_chooser.folder(window(), [this](const QString &folder) {
+            m_destination->setCurrent(0);
+            startInto(folder);
+        });
     });
+    connect(m_problem, &ProblemCard::stopAsked, this, [this] { run().stop(); });
+    connect(m_problem, &ProblemCard::retryAsked, this, [this] { run().retry(); });
+    connect(m_problem, &ProblemCard::skipAsked, this,
+            [this](ExportRun::Skipping which) { run().skip(which); });
     return footer;
 }
 
@@ -245,7 +259,11 @@ void ExportPanel::open()
         m_destination->setCurrent(0);
     }
     refresh();
-    m_start->setFocus();
+    if (problem()) {
+        m_problem->focusDefault();
+    } else {
+        m_start->setFocus();
+    }
 }
 
 void ExportPanel::choose(const std::function<void(ExportChoices &)> &change)
@@ -299,6 +317,8 @@ void ExportPanel::showRun()
         option->setEnabled(!busy);
     }
     m_limit->setEnabled(!busy && !m_choices.png);
+    // The keyboard goes with the button that takes the other's place.
+    const bool held = m_start->hasFocus() || m_cancel->hasFocus();
     m_progressBox->setVisible(busy);
     m_start->setVisible(!busy);
     m_start->setEnabled(!busy && m_context.model.current());
@@ -318,11 +338,57 @@ void ExportPanel::showRun()
                                    "Vous pouvez continuer à éditer."});
     });
     m_cancel->setVisible(!saving);
-    const QString error = Wording::local(toLibrary() ? m_library.error() : m_folder.error());
-    m_error->setVisible(!busy && !error.isEmpty());
-    m_error->setPhrase([text = QString(error)]() mutable { return text; });
-    m_openSettings->setVisible(!busy && toLibrary() && m_library.denied());
+    if (held && !problem() && !(busy ? m_cancel : m_start)->hasFocus()) {
+        (busy ? m_cancel : m_start)->setFocus(Qt::OtherFocusReason);
+    }
+    m_photo->setPhrase([name = run().current() ? run().current()->name : QString(),
+                        width = panelWidth / 2 - inset, label = m_photo] {
+        return label->fontMetrics().elidedText(name, Qt::ElideMiddle, width);
+    });
+    showProblem();
+    showError();
     Q_EMIT progressed();
+}
+
+void ExportPanel::showProblem()
+{
+    const std::optional<ExportProblem> &problem = run().problem();
+    const bool appears = problem && m_problem->isHidden();
+    m_note->parentWidget()->setVisible(working());
+    m_note->setVisible(!problem);
+    m_cancel->setVisible(m_cancel->isVisibleTo(m_progressBox) && !problem);
+    if (!problem) {
+        m_problem->hide();
+        return;
+    }
+    const int done = m_bar->value();
+    const int total = m_bar->maximum();
+    m_status->setPhrase([done, total] {
+        return localized({"已暂停 ", "Paused at ", "En pause à "}) + u"%1 / %2"_s.arg(done).arg(total);
+    });
+    m_photo->setPhrase(said({"1 个问题", "1 problem", "1 problème"}));
+    m_problem->show(*problem);
+    if (appears && isVisible()) {
+        m_problem->focusDefault();
+    } else if (appears) {
+        m_context.state.say(problem->photo.name + localized({"：", ": ", "\u202f: "}) + problem->cause,
+                            Toast::Kind::Error);
+    }
+}
+
+void ExportPanel::showError()
+{
+    const QString error = Wording::local(toLibrary() ? m_library.error() : m_folder.error());
+    const bool shown = !working() && !error.isEmpty();
+    m_error->setVisible(shown);
+    m_error->setPhrase([text = QString(error)]() mutable { return text; });
+    const std::optional<ExportProblem> &failure = run().failure();
+    const QString detail = toLibrary() && m_library.denied() ? m_library.refusal()
+                           : failure ? failure->photo.name + localized({"：", ": ", "\u202f: "}) + failure->cause
+                                     : QString();
+    m_errorDetail->setVisible(shown && !detail.isEmpty());
+    m_errorDetail->setPhrase([detail] { return QString(detail); });
+    m_otherFolder->setVisible(shown && toLibrary() && m_library.denied());
 }
 
 void ExportPanel::start()
@@ -333,16 +399,21 @@ void ExportPanel::start()
     }
     if (toLibrary()) {
         keepFiles(photos);
+        m_intoLibrary = true;
         m_library.start(photos, m_choices.options());
         return;
     }
-    m_chooser.folder(window(), [this](const QString &folder) {
-        const QList<PhotoItem> chosen = m_choices.photos(m_context.model);
-        if (!working() && !chosen.isEmpty()) {
-            keepFiles(chosen);
-            m_folder.start(chosen, m_choices.options(), folder);
-        }
-    });
+    m_chooser.folder(window(), [this](const QString &folder) { startInto(folder); });
+}
+
+void ExportPanel::startInto(const QString &folder)
+{
+    const QList<PhotoItem> photos = m_choices.photos(m_context.model);
+    if (!working() && !photos.isEmpty()) {
+        keepFiles(photos);
+        m_intoLibrary = false;
+        m_folder.start(photos, m_choices.options(), folder);
+    }
 }
 
 void ExportPanel::keepFiles(const QList<PhotoItem> &photos)
@@ -415,4 +486,4 @@ void ExportPanel::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(0, y), QPointF(width(), y));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

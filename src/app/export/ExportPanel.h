@@ -8,10 +8,11 @@
 
 class QVBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
+class ProblemCard;
 class ProgressBar;
 class Segments;
 class SizeChoice;
@@ -28,6 +29,8 @@ public:
     bool working() const;
     /// "5 / 12" while a run is under way.
     QString progress() const;
+    /// The photo that the run under way could not write; it waits for the user.
+    const std::optional<ExportProblem> &problem() const { return run().problem(); }
     const FolderExport &folderExport() const { return m_folder; }
     const LibraryExport &libraryExport() const { return m_library; }
     void dismissResult() { m_folder.dismissResult(); }
@@ -52,6 +55,12 @@ private:
     void showRun();
     void choose(const std::function<void(ExportChoices &)> &change);
     void start();
+    void startInto(const QString &folder);
+    /// The run under way, or the last one.
+    const ExportRun &run() const { return m_intoLibrary ? m_library.run() : m_folder.run(); }
+    ExportRun &run() { return m_intoLibrary ? m_library.run() : m_folder.run(); }
+    void showProblem();
+    void showError();
     /// Photos may be removed from the session while a run still reads their files.
     void keepFiles(const QList<PhotoItem> &photos);
     void cancel();
@@ -82,9 +91,13 @@ private:
     Label *m_note;
     Button *m_cancel;
     Button *m_start;
-    Button *m_openSettings;
+    Button *m_otherFolder;
     QWidget *m_progressBox;
+    ProblemCard *m_problem;
     Label *m_error;
+    /// What is in the library's way, and the photo that an error is about.
+    Label *m_errorDetail;
+    bool m_intoLibrary = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -6,7 +6,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -80,4 +80,4 @@ void SizeChoice::paintItem(QPainter &painter, int index, const State &state)
     painter.drawText(box.adjusted(0, 0, -12, 0), Qt::AlignRight | Qt::AlignVCenter, row.value);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

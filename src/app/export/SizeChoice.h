@@ -4,7 +4,7 @@
 
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// Rows of which one is chosen, each with a value at its end.
 class SizeChoice : public Items {
@@ -35,4 +35,4 @@ private:
     QList<Row> m_rows;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -20,7 +20,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -97,6 +97,19 @@ QString shortPath(const QString &folder)
     return folder.startsWith(home + u'/') ? u"~"_s + folder.mid(home.size()) : folder;
 }
 
+/// "Skipped: DSCF2711, DSCF2712 and 3 more".
+QString skippedText(const QStringList &names)
+{
+    constexpr qsizetype mostNames = 4;
+    const QString named = names.first(std::min(mostNames, names.size())).join(localized({"、", ", ", ", "}));
+    const qsizetype more = names.size() - mostNames;
+    return localized({"已跳过：", "Skipped: ", "Ignorées\u202f: "}) + named +
+           (more > 0 ? localized({" 等 %1 张", " and %1 more", " et %1 de plus"})
+                           .replace(u"%1"_s,
+                                    QString::number(currentLanguage() == AppLanguage::chinese ? names.size() : more))
+                     : QString());
+}
+
 Label *centred(Label *label)
 {
     label->setAlignment(Qt::AlignHCenter);
@@ -117,28 +130,30 @@ QHBoxLayout *buttons(Overlay *sheet, const Success &success, std::function<void(
     QObject::connect(folder, &QPushButton::clicked, sheet,
                      [path = success.folder, files = success.files] { Sharing::showInFolder(path, files); });
     auto *copy = new Button(Button::Kind::Secondary,
-                            tarnovel::said({"复制文件", "Copy files", "Copier les fichiers"}), "manage");
+                            app::said({"复制文件", "Copy files", "Copier les fichiers"}), "manage");
+    copy->setObjectName(u"copyFiles"_s);
     QObject::connect(copy, &QPushButton::clicked, sheet, [files = success.files, said = std::move(said)] {
         Sharing::copyFiles(files);
         said(localized({"文件已复制，可粘贴到任何地方。", "Files copied. Paste them anywhere.",
                         "Fichiers copiés. Collez-les où vous voulez."}));
     });
-    auto *done = new Button(Button::Kind::Primary, tarnovel::said({"完成", "Done", "Terminé"}));
+    auto *done = new Button(Button::Kind::Primary, app::said({"完成", "Done", "Terminé"}));
     QObject::connect(done, &QPushButton::clicked, sheet, &Overlay::close);
     QList<Button *> list = {folder, copy};
-    if (Sharing::canSendMail()) {
-        auto *mail = new Button(Button::Kind::Secondary, tarnovel::said({"邮件…", "E-mail…", "E-mail…"}));
-        QObject::connect(mail, &QPushButton::clicked, sheet,
-                         [files = success.files] { Sharing::sendMail(files); });
-        list.append(mail);
-    }
+    auto *mail = new Button(Button::Kind::Secondary, app::said({"邮件…", "E-mail…", "E-mail…"}));
+    QObject::connect(mail, &QPushButton::clicked, sheet,
+                     [files = success.files] { Sharing::sendMail(files); });
+    Sharing::askForMail(mail, [mail] { mail->show(); });
+    list.append(mail);
     list.append(done);
     for (Button *button : list) {
         button->setHeight(40);
         row->addWidget(button);
     }
     row->addStretch();
-    done->setFocus();
+    mail->hide();
+    sheet->setDefaultButton(done);
+    sheet->startOn(done);
     return row;
 }
 
@@ -156,27 +171,31 @@ Overlay *showSuccess(QWidget *window, const Success &success, std::function<void
     auto *path = new Label(
         Type::Body, [text = shortPath(success.folder)] { return text; }, Label::Tone::Secondary);
     column->addWidget(centred(path));
+    if (!success.skipped.isEmpty()) {
+        column->addSpacing(8);
+        column->addWidget(centred(new Label(
+            Type::BodyStrong, [names = success.skipped] { return skippedText(names); }, Label::Tone::Danger)));
+    }
     column->addSpacing(28);
     column->addWidget(new Thumbs(success.thumbnails));
     if (success.quote) {
         const PhotographyQuote quote = *success.quote;
         column->addWidget(centred(new Label(Type::Quote, [quote] {
-            return localized({"“", "“", "« "}) + quote.text(currentLanguage()) + localized({"”", "”", " »"});
+            return localized({"“", "“", "« "}) + quote.text(currentLanguage()) + localized({"”", "”", " »"});
         })));
         column->addSpacing(4);
         column->addWidget(centred(new Label(
             Type::Label, [quote] { return quote.author(currentLanguage()); }, Label::Tone::Secondary)));
     }
-    column->addSpacing(32);
+    if (success.hint) {
+        column->addSpacing(16);
+        column->addWidget(centred(new Label(Type::Label, success.hint, Label::Tone::Secondary)));
+    }
+    column->addSpacing(success.hint ? 12 : 32);
     column->addLayout(buttons(sheet, success, std::move(said)));
     sheet->setCardSize({sheetWidth, 0});
     sheet->open();
-    for (Button *button : sheet->findChildren<Button *>()) {
-        if (button->accessibleName() == localized({"完成", "Done", "Terminé"})) {
-            button->setFocus();
-        }
-    }
     return sheet;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

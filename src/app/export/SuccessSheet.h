@@ -11,7 +11,7 @@
 
 class QWidget;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Overlay;
 
@@ -20,6 +20,10 @@ struct Success {
     Phrase heading;
     QString folder;
     QStringList files;
+    /// The names of photos that were left out.
+    QStringList skipped;
+    /// Of the library's summary: what else can be done with the files.
+    Phrase hint;
     /// Asked for again whenever the sheet is painted: they arrive after the files.
     std::function<QList<QImage>()> thumbnails;
     std::optional<PhotographyQuote> quote;
@@ -28,4 +32,4 @@ struct Success {
 /// Opens the summary over the window, with what can be done with the files next.
 Overlay *showSuccess(QWidget *window, const Success &success, std::function<void(const QString &)> said);
 
-} // namespace tarnovel
+} // namespace tarnovel::app

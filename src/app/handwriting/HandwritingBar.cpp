@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -89,4 +89,4 @@ void HandwritingBar::changeEvent(QEvent *event)
     PageBar::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

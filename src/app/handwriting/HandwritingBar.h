@@ -3,9 +3,12 @@
 #include "app/screens/PageBar.h"
 
 namespace tarnovel {
+class HandwritingController;
+}
+
+namespace tarnovel::app {
 
 class Button;
-class HandwritingController;
 class Segments;
 
 /// The bar over the page: leave, draw or move, undo, redo, clear, done.
@@ -38,4 +41,4 @@ private:
     Button *m_done;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -14,11 +14,13 @@
 #include "app/kit/Button.h"
 #include "app/kit/Overlay.h"
 #include "app/kit/Theme.h"
+#include "base/Json.h"
+#include "base/Log.h"
 #include "handwriting/HandwritingReference.h"
 #include "pipeline/ImagePipeline.h"
 #include "pipeline/WhenFinished.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -128,6 +130,32 @@ bool HandwritingScreen::begin()
     return true;
 }
 
+bool HandwritingScreen::resume(const QByteArray &draft)
+{
+    InkDraft kept;
+    try {
+        kept = readInkDraft(draft);
+    } catch (const JsonError &error) {
+        qCWarning(logApp) << "a draft cannot be read:" << error.what();
+        return false;
+    }
+    if (!m_context.model.photo(kept.photo)) {
+        return false;
+    }
+    end();
+    m_context.model.select(kept.photo);
+    if (!begin()) {
+        return false;
+    }
+    m_studio->resume(kept);
+    return true;
+}
+
+QByteArray HandwritingScreen::draft()
+{
+    return m_studio ? m_studio->draft(m_photo) : QByteArray();
+}
+
 void HandwritingScreen::connectStudio()
 {
     connect(m_studio.get(), &HandwritingController::changed, this, &HandwritingScreen::display);
@@ -189,7 +217,7 @@ void HandwritingScreen::leave(std::function<void()> then)
         return;
     }
     ask(m_bar->closeButton(),
-        {said({"放弃这次书写？", "Discard what you wrote?", "Abandonner ce que vous avez écrit ?"}),
+        {said({"放弃这次书写？", "Discard what you wrote?", "Abandonner ce que vous avez écrit ?"}),
          said({"笔画尚未保存，离开后无法恢复。", "The strokes are not saved, and leaving cannot be undone.",
                "Les traits ne sont pas enregistrés et seront perdus."}),
          said({"放弃", "Discard", "Abandonner"})},
@@ -427,4 +455,4 @@ void HandwritingScreen::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), theme().canvas);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -10,7 +10,7 @@
 #include "app/EditorContext.h"
 #include "handwriting/HandwritingController.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class HandwritingBar;
@@ -30,6 +30,10 @@ public:
     /// Starts afresh over the current photo, unless the last visit was broken off with strokes on its page:
     /// that one goes on, on its own photo. False, with nothing begun, when there is no photo.
     bool begin();
+    /// Begins with the strokes of a draft; false, with nothing begun, when it cannot be read or its photo has gone.
+    bool resume(const QByteArray &draft);
+    /// What `resume` goes on from; empty when nothing is written.
+    QByteArray draft();
     /// Whether leaving now would lose strokes.
     bool hasUnsavedInk() const;
     /// Calls `then` once nothing is lost by it: at once for an empty page, otherwise when the user agrees to
@@ -84,4 +88,4 @@ private:
     ZoomControl *m_zoom;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

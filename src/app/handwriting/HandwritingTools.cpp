@@ -17,7 +17,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -33,6 +33,9 @@ constexpr int contentHeight = 64;
 constexpr int penWidth = 76;
 constexpr int effectWidth = 80;
 constexpr int sliderWidth = 200;
+/// And below this the slider is shorter, too.
+constexpr int tightWidth = 1100;
+constexpr int tightSliderWidth = 132;
 constexpr double usualWidth = 6;
 constexpr QSize iconSize(20, 20);
 constexpr QSize waveSize(52, 20);
@@ -244,6 +247,7 @@ void HandwritingTools::resizeEvent(QResizeEvent *event)
     m_row->setContentsMargins(side, 20, side, 24);
     m_pens->setNarrow(!roomy);
     m_colors->setFew(!roomy);
+    m_width->parentWidget()->setFixedWidth(width() >= tightWidth ? sliderWidth : tightSliderWidth);
     m_colors->parentWidget()->setFixedWidth(m_colors->sizeHint().width());
     QWidget::resizeEvent(event);
 }
@@ -256,4 +260,4 @@ void HandwritingTools::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

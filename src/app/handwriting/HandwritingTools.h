@@ -7,7 +7,7 @@
 
 class QHBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class InkColors;
 class Label;
@@ -54,4 +54,4 @@ private:
     ToolTiles *m_effects = nullptr;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

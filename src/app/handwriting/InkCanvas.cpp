@@ -12,11 +12,12 @@
 #include <QTouchEvent>
 #include <QWheelEvent>
 
+#include "app/kit/Accessible.h"
 #include "app/kit/Focus.h"
 #include "app/kit/Shadow.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -53,6 +54,7 @@ QPixmap ringCursor(double diameter, double devicePixelRatio)
 
 InkCanvas::InkCanvas(EditorState &state, QWidget *parent) : QWidget(parent), m_state(state)
 {
+    setAccessibleRole(*this, QAccessible::Canvas);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -485,4 +487,4 @@ void InkCanvas::focusOutEvent(QFocusEvent *event)
     QWidget::focusOutEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -15,7 +15,7 @@ class QInputEvent;
 class QNativeGestureEvent;
 class QTouchEvent;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// The page that one writes on, with mouse, tablet pen or finger. A sample of the pen paints only the pixels
 /// that it changes.
@@ -100,4 +100,4 @@ private:
 /// The ring of a cursor of this diameter in logical pixels, to be seen on light and on dark.
 QPixmap ringCursor(double diameter, double devicePixelRatio);
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 #include "handwriting/HandwritingTool.h"
 #include "render/CompositionRenderer.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -79,4 +79,4 @@ void InkColors::changeEvent(QEvent *event)
     ColorDots::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include "app/inspector/ColorDots.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// The colours of ink in two rows, with the wheel for any other at the end.
 class InkColors : public ColorDots {
@@ -29,4 +29,4 @@ private:
     bool m_few = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

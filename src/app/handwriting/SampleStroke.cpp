@@ -8,7 +8,7 @@
 #include "app/kit/Theme.h"
 #include "render/CompositionRenderer.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -118,4 +118,4 @@ void WidthSample::paintEvent(QPaintEvent *)
     painter.drawImage(0, 0, strokeImage(line, m_style, size(), devicePixelRatioF()));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -5,7 +5,7 @@
 
 #include "handwriting/HandwritingController.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A stroke with its finish on a small transparent image of `size` logical pixels, drawn by the page's own
 /// renderer; one reference unit is one logical pixel.
@@ -32,4 +32,4 @@ private:
     double m_width = 0;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

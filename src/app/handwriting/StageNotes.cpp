@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -114,4 +114,4 @@ void ZoomControl::changeEvent(QEvent *event)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 
@@ -44,4 +44,4 @@ private:
     Button *m_larger;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

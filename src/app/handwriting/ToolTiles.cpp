@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -100,4 +100,4 @@ bool ToolTiles::event(QEvent *event)
     return Items::event(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

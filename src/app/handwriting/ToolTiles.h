@@ -5,7 +5,7 @@
 #include "app/kit/Items.h"
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A row of tiles with a picture and a caption each, of which one is chosen.
 class ToolTiles : public Items {
@@ -44,4 +44,4 @@ private:
     bool m_narrow = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -35,6 +35,7 @@ BackgroundSection::BackgroundSection(const EditorContext &context) : Section(con
                            said({"模糊", "Blur", "Flou"}), said({"图片", "Image", "Image"})});
     m_kind->setName(said({"背景", "Background", "Fond"}));
     column()->addWidget(m_kind);
+    m_kind->setObjectName(u"kind"_s);
     m_filmHint = makeHint("info", said({"胶片边框会盖住背景。", "A film frame covers the background.",
                                         "Un cadre film recouvre le fond."}));
     column()->addSpacing(12);
@@ -56,6 +57,7 @@ BackgroundSection::BackgroundSection(const EditorContext &context) : Section(con
         makeHint("info", said({"也可以把图片拖到窗口上。", "You can also drop an image on the window.",
                                "Vous pouvez aussi déposer une image sur la fenêtre."})));
     column()->addWidget(m_picture);
+    m_choose->setObjectName(u"chooseImage"_s);
     connect(m_choose, &QPushButton::clicked, &context.state, &EditorState::backgroundAsked);
     connect(m_kind, &Items::chosen, this, [this](int index) {
         const auto kind = static_cast<Backdrop>(index);
@@ -96,6 +98,10 @@ void BackgroundSection::addColors()
     m_picker = new ColorPicker;
     box->addWidget(m_picker);
     column()->addWidget(m_colors);
+    m_which->setObjectName(u"whichColor"_s);
+    m_photoColors->setObjectName(u"photoColors"_s);
+    m_papers->setObjectName(u"papers"_s);
+    m_picker->setObjectName(u"picker"_s);
     connect(m_which, &Items::chosen, this, [this] { refresh(); });
     connect(m_photoColors, &Swatches::colorChosen, this,
             [this](const QColor &color) { setColor(color, false); });
@@ -159,4 +165,4 @@ void BackgroundSection::reset()
     model().loadPreview();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

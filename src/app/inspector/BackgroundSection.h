@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class ColorPicker;
@@ -39,4 +39,4 @@ private:
     QWidget *m_filmHint;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 BorderSection::BorderSection(const EditorContext &context) : Section(context)
 {
@@ -39,6 +39,10 @@ BorderSection::BorderSection(const EditorContext &context) : Section(context)
                                       {packedColor(0xFFFFFF), said({"白", "White", "Blanc"})}});
     m_dots->setName(said({"边框颜色", "Border color", "Couleur de la bordure"}));
     column()->addWidget(m_dots);
+    m_style->setObjectName(u"style"_s);
+    m_width->setObjectName(u"width"_s);
+    m_photoColors->setObjectName(u"photoColors"_s);
+    m_dots->setObjectName(u"color"_s);
 
     connect(m_style, &Items::chosen, this, [this](int index) {
         edits().step([index](FrameSettings &settings) {
@@ -90,4 +94,4 @@ void BorderSection::reset()
     model().loadPreview();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class ColorDots;
 class Segments;
@@ -27,4 +27,4 @@ private:
     ColorDots *m_dots;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

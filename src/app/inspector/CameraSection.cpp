@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -47,6 +47,7 @@ CameraSection::CameraSection(const EditorContext &context) : Section(context)
     m_enter->setHeight(28);
     box->addWidget(m_enter);
     column()->addWidget(m_notice);
+    m_enter->setObjectName(u"enterDate"_s);
     connect(m_enter, &QPushButton::clicked, this, &CameraSection::enterDate);
 }
 
@@ -54,16 +55,23 @@ void CameraSection::addRow(Row &row, const Text &title)
 {
     row.visible = new Switch(said(title));
     row.text = new Field(said(title));
+    row.text->setGivesKeyboardBack(true);
     column()->addWidget(row.visible);
     column()->addWidget(row.text);
     column()->addSpacing(12);
     const QString id = QString::fromLatin1(row.id);
+    row.visible->setObjectName(id + u"Shown"_s);
+    row.text->setObjectName(id + u"Text"_s);
     connect(row.visible, &Switch::toggledByUser, this, [this, id](bool on) {
         edits().step([&id, on](FrameSettings &settings) { layerIn(settings, id).visible = on; });
+        model().scheduleSave(SaveScheduler::Moment::AtOnce);
     });
     connect(row.text, &QLineEdit::textEdited, this, [this, id](const QString &text) {
-        edits().slide(u"text "_s + id,
-                      [&id, &text](FrameSettings &settings) { layerIn(settings, id).text = text; });
+        edits().slide(u"text "_s + id, [&id, &text](FrameSettings &settings) {
+            TextLayer &layer = layerIn(settings, id);
+            layer.visible = layer.visible || layer.text != text;
+            layer.text = text;
+        });
     });
     connect(row.text, &QLineEdit::editingFinished, this, [this, field = row.text] {
         field->setModified(false);
@@ -111,4 +119,4 @@ void CameraSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -4,7 +4,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Field;
@@ -35,4 +35,4 @@ private:
     Button *m_enter;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -1,6 +1,7 @@
 #include "app/inspector/CanvasSection.h"
 
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include <QBoxLayout>
@@ -12,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -23,6 +24,20 @@ constexpr std::array presets = {CanvasPreset::red,   CanvasPreset::instagram, Ca
 CanvasPreset presetAt(int index)
 {
     return presets.at(static_cast<size_t>(index));
+}
+
+/// "16:9" where small numbers say it, else "1.91:1".
+QString ratioText(double ratio)
+{
+    constexpr int largest = 21;
+    constexpr double tolerance = 0.004;
+    for (int height = 1; height <= largest; ++height) {
+        const int width = qRound(ratio * height);
+        if (width > 0 && std::abs(double(width) / height - ratio) < tolerance * ratio) {
+            return u"%1:%2"_s.arg(width).arg(height);
+        }
+    }
+    return QString::number(ratio, 'f', 2) + u":1"_s;
 }
 
 } // namespace
@@ -46,7 +61,7 @@ void RatioTiles::paintItem(QPainter &painter, int index, const State &state)
 CanvasSection::CanvasSection(const EditorContext &context) : Section(context)
 {
     m_tiles = new RatioTiles({.count = [] { return static_cast<int>(presets.size()); },
-                              .name = [](int index) { return canvasPresetTitle(presetAt(index)); },
+                              .name = [this](int index) { return nameOf(index); },
                               .image = [](int, QSize) { return QImage(); },
                               .chosen =
                                   [this](int index) {
@@ -56,6 +71,7 @@ CanvasSection::CanvasSection(const EditorContext &context) : Section(context)
                              [this](int index) { return ratioOf(index); });
     m_tiles->setName(said({"画布", "Canvas", "Format"}));
     column()->addWidget(m_tiles);
+    m_tiles->setObjectName(u"presets"_s);
     connect(m_tiles, &Items::chosen, this, [this](int index) {
         edits().step([index](FrameSettings &settings) { settings.preset = presetAt(index); });
     });
@@ -73,6 +89,8 @@ CanvasSection::CanvasSection(const EditorContext &context) : Section(context)
     row->insertWidget(1, new Label(
                              Type::Body, [] { return u":"_s; }, Label::Tone::Secondary));
     column()->addLayout(row);
+    m_width->setObjectName(u"customWidth"_s);
+    m_height->setObjectName(u"customHeight"_s);
     connect(m_width, &NumberField::valueTyped, this, [this](double value) {
         edits().slide(u"customWidth"_s, [value](FrameSettings &settings) {
             settings.preset = CanvasPreset::custom;
@@ -85,6 +103,14 @@ CanvasSection::CanvasSection(const EditorContext &context) : Section(context)
             settings.customHeight = value;
         });
     });
+}
+
+QString CanvasSection::nameOf(int index) const
+{
+    const QString title = canvasPresetTitle(presetAt(index));
+    const bool ownRatio =
+        presetAt(index) == CanvasPreset::custom || presetAt(index) == CanvasPreset::original;
+    return ownRatio && model().current() ? title + u" · "_s + ratioText(ratioOf(index)) : title;
 }
 
 double CanvasSection::ratioOf(int index) const
@@ -118,4 +144,4 @@ void CanvasSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -3,7 +3,7 @@
 #include "app/inspector/Section.h"
 #include "app/kit/CardGrid.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class NumberField;
 
@@ -34,10 +34,12 @@ protected:
 
 private:
     double ratioOf(int index) const;
+    /// The preset, with the ratio that holds where the preset does not name it.
+    QString nameOf(int index) const;
 
     RatioTiles *m_tiles;
     NumberField *m_width;
     NumberField *m_height;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 #include "app/kit/ColorPicker.h"
 #include "app/kit/Overlay.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -51,4 +51,4 @@ void ColorDots::openPicker()
     overlay->open();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -3,7 +3,7 @@
 #include "app/EditorContext.h"
 #include "app/kit/Swatches.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A row of colours whose wheel opens a picker for any other.
 class ColorDots : public Swatches {
@@ -26,4 +26,4 @@ private:
     QColor m_shown;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

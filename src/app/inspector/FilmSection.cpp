@@ -2,6 +2,7 @@
 
 #include <QBoxLayout>
 
+#include "app/inspector/EmptyState.h"
 #include "app/inspector/StockPicker.h"
 #include "app/kit/Button.h"
 #include "app/kit/Field.h"
@@ -13,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -37,14 +38,15 @@ Phrase automatic(const QString &text)
 
 FilmSection::FilmSection(const EditorContext &context) : Section(context)
 {
-    m_other = new QWidget;
-    QVBoxLayout *other = columnIn(m_other);
-    other->setSpacing(12);
     auto *use = new Button(Button::Kind::Secondary,
                            said({"使用胶片边框", "Use film frame", "Utiliser le cadre film"}), "film");
-    use->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    other->addWidget(use);
+    m_other = new EmptyState(
+        "film", said({"仅用于胶片边框", "Only with the film frame", "Seulement avec le cadre film"}),
+        said({"齿孔、片基和片号属于胶片边框。", "Perforations, base and numbers belong to the film frame.",
+              "Perforations, base et numéros vont avec le cadre film."}),
+        use);
     column()->addWidget(m_other);
+    use->setObjectName(u"useFilm"_s);
     connect(use, &QPushButton::clicked, this, [this] {
         edits().step([](FrameSettings &settings) {
             settings.style = FrameStyle::film;
@@ -65,7 +67,7 @@ FilmSection::FilmSection(const EditorContext &context) : Section(context)
     film->addWidget(makeHint(
         "info", said({"照片按画幅居中裁切，原图不变。",
                       "Photo is center-cropped to the film format; your original is kept.",
-                      "La photo est recadrée au centre selon le format ; l’original est conservé."})));
+                      "La photo est recadrée au centre selon le format ; l’original est conservé."})));
     film->addWidget(makeRule());
     film->addWidget(new Label(Type::Label, said({"胶卷", "Film stock", "Pellicule"})));
     film->addSpacing(8);
@@ -74,6 +76,8 @@ FilmSection::FilmSection(const EditorContext &context) : Section(context)
     film->addWidget(makeRule());
     addEdges(film);
     column()->addWidget(m_film);
+    m_format->setObjectName(u"format"_s);
+    m_stocks->setObjectName(u"stocks"_s);
     connect(m_format, &Items::chosen, this, [this](int index) {
         change(
             [index](FilmOptions &options) { options.format = filmFormats.at(static_cast<size_t>(index)); });
@@ -107,6 +111,12 @@ void FilmSection::addEdges(QVBoxLayout *box)
     box->addWidget(new Label(Type::Label, said({"下缘", "Lower edge", "Bord inférieur"})));
     box->addSpacing(8);
     box->addWidget(m_bottom);
+    m_perforations->setObjectName(u"perforations"_s);
+    m_light->setObjectName(u"light"_s);
+    m_numbers->setObjectName(u"numbers"_s);
+    m_number->setObjectName(u"number"_s);
+    m_top->setObjectName(u"topLabel"_s);
+    m_bottom->setObjectName(u"bottomLabel"_s);
     const auto toggles = [this](Switch *row, bool FilmOptions::*field) {
         connect(row, &Switch::toggledByUser, this,
                 [this, field](bool on) { change([field, on](FilmOptions &film) { film.*field = on; }); });
@@ -117,6 +127,8 @@ void FilmSection::addEdges(QVBoxLayout *box)
     connect(m_number, &Stepper::changed, this, [this](int value) {
         edits().slide(u"filmNumber"_s, [value](FrameSettings &settings) { settings.film->number = value; });
     });
+    m_top->setGivesKeyboardBack(true);
+    m_bottom->setGivesKeyboardBack(true);
     const auto types = [this](Field *field, const QString &key, std::optional<QString> FilmOptions::*place) {
         connect(field, &QLineEdit::textEdited, this, [this, key, place](const QString &text) {
             edits().slide(key, [text, place](FrameSettings &settings) {
@@ -172,4 +184,4 @@ void FilmSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

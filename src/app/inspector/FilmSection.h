@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Field;
@@ -38,4 +38,4 @@ private:
     Field *m_bottom;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -53,6 +53,8 @@ LayerShape::LayerShape(const EditorContext &context)
     column->setSpacing(8);
     column->addWidget(m_size);
     column->addWidget(m_rotation);
+    m_size->setObjectName(u"layerSize"_s);
+    m_rotation->setObjectName(u"layerRotation"_s);
     connect(m_size, &Slider::changed, this, [this](double value) {
         m_context.edits.slide(u"size "_s + m_id, [this, value](FrameSettings &settings) {
             layerIn(settings, m_id).size = value / 100;
@@ -102,6 +104,9 @@ LayerPlace::LayerPlace(const EditorContext &context)
     fields->addWidget(m_y);
     column->addLayout(fields);
     row->addLayout(column, 1);
+    m_pad->setObjectName(u"pad"_s);
+    m_x->setObjectName(u"layerX"_s);
+    m_y->setObjectName(u"layerY"_s);
     connect(m_pad, &Items::chosen, this, [this](int index) {
         const PhotoItem *photo = m_context.model.current();
         if (!photo || !photo->settings.layer(m_id)) {
@@ -145,4 +150,4 @@ void LayerPlace::display(const PhotoItem &photo, const TextLayer &layer)
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

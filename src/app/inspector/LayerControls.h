@@ -4,7 +4,7 @@
 
 #include "app/EditorContext.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Label;
 class NumberField;
@@ -46,4 +46,4 @@ private:
 /// The canvas that positions are worked out on; any size of its ratio would do.
 QSizeF referenceCanvas(const PhotoItem &photo);
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -1,20 +1,26 @@
 #include "app/inspector/LayerList.h"
 
+#include <algorithm>
+
+#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QPainter>
 
 #include "app/inspector/Section.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
+#include "editor/EditorRules.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
 constexpr int rowHeight = 36;
-constexpr int titleWidth = 68;
+constexpr int leastTitleWidth = 68;
+constexpr int mostTitleWidth = 104;
+constexpr int titleGap = 12;
 constexpr int eyeWidth = 32;
 constexpr int padding = 8;
 
@@ -58,6 +64,16 @@ QString LayerList::itemName(int index) const
                           : localized({"隐藏", "hidden", "masqué"}));
 }
 
+int LayerList::titleWidth() const
+{
+    const QFontMetrics metrics(typeFont(Type::Label));
+    int widest = leastTitleWidth;
+    for (const TextLayer &layer : m_layers) {
+        widest = std::max(widest, metrics.horizontalAdvance(layerTitle(layer)) + titleGap);
+    }
+    return std::min(widest, mostTitleWidth);
+}
+
 QSize LayerList::sizeHint() const
 {
     return {264, count() * rowHeight};
@@ -78,9 +94,11 @@ void LayerList::paintItem(QPainter &painter, int index, const State &state)
     }
     painter.setFont(typeFont(Type::Label));
     painter.setPen(state.chosen ? look.ink : look.inkSecondary);
+    const int titleWidth = this->titleWidth();
     const QRect title = row.adjusted(padding, 0, 0, 0);
-    painter.drawText(QRect(title.topLeft(), QSize(titleWidth, rowHeight)), Qt::AlignLeft | Qt::AlignVCenter,
-                     painter.fontMetrics().elidedText(layerTitle(layer), Qt::ElideRight, titleWidth - 4));
+    painter.drawText(
+        QRect(title.topLeft(), QSize(titleWidth, rowHeight)), Qt::AlignLeft | Qt::AlignVCenter,
+        painter.fontMetrics().elidedText(layerTitle(layer), Qt::ElideRight, titleWidth - titleGap));
     painter.setFont(typeFont(state.chosen ? Type::BodyStrong : Type::Body));
     painter.setPen(layer.visible && !layer.text.isEmpty() ? look.ink : look.inkSecondary);
     const QRect room = row.adjusted(padding + titleWidth, 0, -eyeWidth - 4, 0);
@@ -102,6 +120,15 @@ void LayerList::mousePressEvent(QMouseEvent *event)
     Items::mousePressEvent(event);
 }
 
+void LayerList::mouseReleaseEvent(QMouseEvent *event)
+{
+    const int pressed = pressedItem();
+    Items::mouseReleaseEvent(event);
+    if (event->button() == Qt::LeftButton && pressed >= 0 && pressed == itemAt(event->position().toPoint())) {
+        Q_EMIT rowClicked(pressed);
+    }
+}
+
 void LayerList::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Space && cursor() >= 0) {
@@ -111,4 +138,4 @@ void LayerList::keyPressEvent(QKeyEvent *event)
     Items::keyPressEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

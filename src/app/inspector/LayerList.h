@@ -3,7 +3,7 @@
 #include "app/kit/Items.h"
 #include "model/FrameSettings.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// The texts of a frame, one a row, with an eye each.
 class LayerList : public Items {
@@ -22,15 +22,19 @@ public:
 
 Q_SIGNALS:
     void visibilityAsked(int index);
+    /// The pointer has chosen the row; arrows do not say so.
+    void rowClicked(int index);
 
 protected:
     void paintItem(QPainter &painter, int index, const State &state) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QRect eyeRect(int index) const;
+    int titleWidth() const;
     QList<TextLayer> m_layers;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

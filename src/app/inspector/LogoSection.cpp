@@ -2,6 +2,7 @@
 
 #include <QBoxLayout>
 
+#include "app/inspector/EmptyState.h"
 #include "app/inspector/LayerControls.h"
 #include "app/inspector/PictureWell.h"
 #include "app/kit/Button.h"
@@ -9,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -24,19 +25,26 @@ LogoSection::LogoSection(const EditorContext &context) : Section(context)
 {
     m_well = new PictureWell;
     column()->addWidget(m_well);
-    m_hint = makeHint("info", said({"PNG 透明背景效果最好。", "A PNG with a transparent ground looks best.",
-                                    "Un PNG à fond transparent convient le mieux."}));
-    column()->addWidget(m_hint);
-    column()->addSpacing(12);
-    auto *row = new QHBoxLayout;
+    auto *first = new Button(Button::Kind::Secondary,
+                             said({"选择图片…", "Choose image…", "Choisir une image…"}), "image");
+    first->setObjectName(u"chooseLogo"_s);
+    m_empty = new EmptyState("logo", said({"还没有徽标", "No logo yet", "Pas encore de logo"}),
+                             said({"PNG 透明背景效果最好。", "A PNG with a transparent ground looks best.",
+                                   "Un PNG à fond transparent convient le mieux."}),
+                             first);
+    column()->addWidget(m_empty);
+    m_change = new QWidget;
+    auto *row = new QHBoxLayout(m_change);
+    row->setContentsMargins(0, 12, 0, 0);
     row->setSpacing(8);
-    m_choose = new Button(Button::Kind::Secondary, {}, "image");
+    m_choose = new Button(Button::Kind::Secondary,
+                          said({"更换图片…", "Replace image…", "Remplacer l’image…"}), "image");
     m_choose->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_remove = new Button(Button::Kind::Secondary, said({"移除徽标", "Remove logo", "Retirer le logo"}),
                           "trash", Button::Face::IconOnly);
     row->addWidget(m_choose, 1);
     row->addWidget(m_remove);
-    column()->addLayout(row);
+    column()->addWidget(m_change);
     m_controls = new QWidget;
     auto *controls = new QVBoxLayout(m_controls);
     controls->setContentsMargins(0, 12, 0, 0);
@@ -50,7 +58,12 @@ LogoSection::LogoSection(const EditorContext &context) : Section(context)
     m_place = new LayerPlace(context);
     controls->addWidget(m_place);
     column()->addWidget(m_controls);
-    connect(m_choose, &QPushButton::clicked, &context.state, &EditorState::logoAsked);
+    m_choose->setObjectName(u"chooseLogo"_s);
+    m_remove->setObjectName(u"removeLogo"_s);
+    m_visible->setObjectName(u"showLogo"_s);
+    for (const Button *button : {first, m_choose}) {
+        connect(button, &QPushButton::clicked, &context.state, &EditorState::logoAsked);
+    }
     connect(m_remove, &QPushButton::clicked, this, [this] {
         edits().step([](FrameSettings &settings) {
             TextLayer &logo = layerIn(settings, logoId());
@@ -71,11 +84,9 @@ void LogoSection::display(const PhotoItem &photo)
     const TextLayer *logo = photo.settings.layer(logoId());
     const bool present = logo && logo->imageFile;
     m_well->setVisible(present);
-    m_hint->setVisible(!present);
-    m_remove->setVisible(present);
+    m_empty->setVisible(!present);
+    m_change->setVisible(present);
     m_controls->setVisible(present);
-    m_choose->setPhrase(present ? said({"更换图片…", "Replace image…", "Remplacer l’image…"})
-                                : said({"选择图片…", "Choose image…", "Choisir une image…"}));
     if (present) {
         m_well->setPicture(model().previews().watermark);
         m_visible->show(logo->visible);
@@ -99,4 +110,4 @@ void LogoSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

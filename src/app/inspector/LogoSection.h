@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class LayerPlace;
@@ -23,7 +23,8 @@ protected:
 
 private:
     PictureWell *m_well;
-    QWidget *m_hint;
+    QWidget *m_empty;
+    QWidget *m_change;
     Button *m_choose;
     Button *m_remove;
     QWidget *m_controls;
@@ -32,4 +33,4 @@ private:
     LayerPlace *m_place;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

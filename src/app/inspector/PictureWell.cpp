@@ -4,7 +4,7 @@
 
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -43,4 +43,4 @@ void PictureWell::paintEvent(QPaintEvent *)
                       m_picture.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -3,7 +3,7 @@
 #include <QImage>
 #include <QWidget>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A tile that shows a logo or a signature on the paper of the frame.
 class PictureWell : public QWidget {
@@ -20,4 +20,4 @@ private:
     QImage m_picture;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

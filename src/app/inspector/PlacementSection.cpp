@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -37,6 +37,11 @@ PlacementSection::PlacementSection(const EditorContext &context) : Section(conte
     m_lockY = new Switch(said({"上下等距", "Equal top & bottom", "Marges haut et bas égales"}));
     column()->addWidget(m_lockX);
     column()->addWidget(m_lockY);
+    m_size->setObjectName(u"size"_s);
+    m_x->setObjectName(u"x"_s);
+    m_y->setObjectName(u"y"_s);
+    m_lockX->setObjectName(u"lockX"_s);
+    m_lockY->setObjectName(u"lockY"_s);
     addRule();
     addHint("info", said({"也可以直接拖动或双指缩放照片。", "You can also drag and pinch on the photo.",
                           "Vous pouvez aussi glisser et pincer la photo."}));
@@ -81,4 +86,4 @@ void PlacementSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

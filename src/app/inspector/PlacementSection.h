@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Slider;
 class Switch;
@@ -26,4 +26,4 @@ private:
     Switch *m_lockY;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

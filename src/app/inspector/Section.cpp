@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -81,31 +81,17 @@ TextLayer &layerIn(FrameSettings &settings, const QString &id)
     return layer ? *layer : gone = TextLayer();
 }
 
-QString layerTitle(const TextLayer &layer)
-{
-    static constexpr std::array names = std::to_array<std::pair<const char *, Text>>({
-        {"brand", {"品牌", "Brand", "Marque"}},
-        {"model", {"机型", "Model", "Modèle"}},
-        {"exif", {"参数", "Exposure", "Exposition"}},
-        {"watermark", {"水印", "Watermark", "Filigrane"}},
-        {"title", {"标题", "Title", "Titre"}},
-        {"caption", {"说明", "Caption", "Légende"}},
-        {"date", {"日期", "Date", "Date"}},
-    });
-    for (const auto &[id, name] : names) {
-        if (layer.id == QLatin1StringView(id)) {
-            return localized(name);
-        }
-    }
-    return localized({"文字", "Text", "Texte"});
-}
-
 Section::Section(const EditorContext &context, QWidget *parent)
-    : QWidget(parent), m_context(context), m_column(new QVBoxLayout(this))
+    : QWidget(parent), m_context(context), m_column(new QVBoxLayout)
 {
     m_column->setContentsMargins(20, 0, 20, 16);
     m_column->setSpacing(0);
-    m_column->setAlignment(Qt::AlignTop);
+    // Free height belongs below the last control, whatever the controls would take.
+    auto *whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->setSpacing(0);
+    whole->addLayout(m_column);
+    whole->addStretch(1);
     connect(&context.model, &EditorModel::changed, this, [this] {
         if (isVisible()) {
             refresh();
@@ -163,4 +149,4 @@ void Section::addHint(const char *icon, Phrase phrase)
     m_column->addWidget(makeHint(icon, std::move(phrase)));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

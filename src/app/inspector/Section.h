@@ -8,7 +8,7 @@
 
 class QVBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// One tool of the inspector: it shows the selected photo's values and says what the user did. It follows the
 /// model while it can be seen.
@@ -55,7 +55,4 @@ Ink inkOf(const QColor &color);
 /// The layer with this id, or one that nobody keeps when it has gone meanwhile.
 TextLayer &layerIn(FrameSettings &settings, const QString &id);
 
-/// What the user reads for a layer, in the current language.
-QString layerTitle(const TextLayer &layer);
-
-} // namespace tarnovel
+} // namespace tarnovel::app

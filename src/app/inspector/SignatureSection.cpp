@@ -1,14 +1,18 @@
 #include "app/inspector/SignatureSection.h"
 
-#include <QBoxLayout>
+#include <algorithm>
 
+#include <QBoxLayout>
+#include <QImage>
+
+#include "app/inspector/EmptyState.h"
 #include "app/inspector/PictureWell.h"
 #include "app/kit/Button.h"
 #include "app/kit/Slider.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -32,23 +36,55 @@ Slider::Range position(double usual)
             .origin = SliderTrack::Origin::Centre};
 }
 
+/// The part of a picture that holds ink: a signature covers the whole frame and is empty but for a line.
+QImage inked(const QImage &picture)
+{
+    QRect ink;
+    const QImage alpha = picture.convertToFormat(QImage::Format_Alpha8);
+    for (int y = 0; y < alpha.height(); ++y) {
+        const uchar *row = alpha.constScanLine(y);
+        const auto *const end = row + alpha.width();
+        const auto *first = std::find_if(row, end, [](uchar level) { return level != 0; });
+        if (first == end) {
+            continue;
+        }
+        int last = alpha.width() - 1;
+        while (row[last] == 0) {
+            --last;
+        }
+        ink |= QRect(QPoint(static_cast<int>(first - row), y), QPoint(last, y));
+    }
+    return ink.isEmpty() ? picture : picture.copy(ink);
+}
+
 } // namespace
 
 SignatureSection::SignatureSection(const EditorContext &context) : Section(context)
 {
     m_well = new PictureWell;
     column()->addWidget(m_well);
-    column()->addSpacing(12);
-    auto *row = new QHBoxLayout;
+    auto *first = new Button(Button::Kind::Secondary, said({"书写…", "Write…", "Écrire…"}), "signature");
+    first->setObjectName(u"write"_s);
+    m_empty =
+        new EmptyState("signature", said({"还没有签名", "No signature yet", "Pas encore de signature"}),
+                       said({"用鼠标或笔写一次，就能用在每张照片上。",
+                             "Write it once with mouse or pen; then it fits every photo.",
+                             "Écrivez-la une fois à la souris ou au stylet ; elle ira à chaque photo."}),
+                       first);
+    column()->addWidget(m_empty);
+    m_change = new QWidget;
+    auto *row = new QHBoxLayout(m_change);
+    row->setContentsMargins(0, 12, 0, 0);
     row->setSpacing(8);
-    m_write = new Button(Button::Kind::Secondary, {}, "signature");
+    m_write =
+        new Button(Button::Kind::Secondary, said({"重新书写…", "Write again…", "Réécrire…"}), "signature");
     m_write->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_remove =
         new Button(Button::Kind::Secondary, said({"移除签名", "Remove signature", "Retirer la signature"}),
                    "trash", Button::Face::IconOnly);
     row->addWidget(m_write, 1);
     row->addWidget(m_remove);
-    column()->addLayout(row);
+    column()->addWidget(m_change);
     m_controls = new QWidget;
     auto *controls = new QVBoxLayout(m_controls);
     controls->setContentsMargins(0, 12, 0, 0);
@@ -64,7 +100,14 @@ SignatureSection::SignatureSection(const EditorContext &context) : Section(conte
         connect(slider, &Slider::released, this, [this] { edits().endSlide(); });
     }
     column()->addWidget(m_controls);
-    connect(m_write, &QPushButton::clicked, &context.state, &EditorState::signatureAsked);
+    m_write->setObjectName(u"write"_s);
+    m_remove->setObjectName(u"removeSignature"_s);
+    m_size->setObjectName(u"signatureSize"_s);
+    m_x->setObjectName(u"signatureX"_s);
+    m_y->setObjectName(u"signatureY"_s);
+    for (const Button *button : {first, m_write}) {
+        connect(button, &QPushButton::clicked, &context.state, &EditorState::signatureAsked);
+    }
     connect(m_remove, &QPushButton::clicked, this, [this] {
         edits().step([](FrameSettings &settings) {
             settings.handwritingFile.reset();
@@ -91,12 +134,15 @@ void SignatureSection::display(const PhotoItem &photo)
     const FrameSettings &settings = photo.settings;
     const bool present = settings.handwritingFile.has_value();
     m_well->setVisible(present);
-    m_remove->setVisible(present);
+    m_empty->setVisible(!present);
+    m_change->setVisible(present);
     m_controls->setVisible(present);
-    m_write->setPhrase(present ? said({"重新书写…", "Write again…", "Réécrire…"})
-                               : said({"书写…", "Write…", "Écrire…"}));
     if (present) {
-        m_well->setPicture(model().previews().handwriting);
+        const QImage &picture = model().previews().handwriting;
+        if (picture.cacheKey() != m_shown) {
+            m_shown = picture.cacheKey();
+            m_well->setPicture(inked(picture));
+        }
         m_size->setValue(settings.handwritingWidth.value_or(absentWidth) * 100);
         m_x->setValue(settings.handwritingX.value_or(absentX) * 100);
         m_y->setValue(settings.handwritingY.value_or(absentY) * 100);
@@ -113,4 +159,4 @@ void SignatureSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class PictureWell;
@@ -21,6 +21,10 @@ protected:
 
 private:
     PictureWell *m_well;
+    /// The picture in the well.
+    qint64 m_shown = 0;
+    QWidget *m_empty;
+    QWidget *m_change;
     Button *m_write;
     Button *m_remove;
     QWidget *m_controls;
@@ -29,4 +33,4 @@ private:
     Slider *m_y;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

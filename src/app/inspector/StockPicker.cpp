@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -38,6 +38,7 @@ protected:
     {
         QPainter painter(this);
         Paint::outline(painter, QRectF(rect()).adjusted(0, -10, 0, 0), 8, theme().hairline);
+        Paint::hairline(painter, QPointF(0, 0), QPointF(width(), 0));
     }
 };
 
@@ -120,7 +121,7 @@ QRect StockList::itemRect(int index) const
 QString StockList::itemName(int index) const
 {
     const Row &row = m_rows.at(static_cast<size_t>(index));
-    return row.own ? localized({"使用“", "Use “", "Utiliser « "}) + row.stock + localized({"”", "”", " »"})
+    return row.own ? localized({"使用“", "Use “", "Utiliser « "}) + row.stock + localized({"”", "”", " »"})
                    : row.stock;
 }
 
@@ -219,4 +220,4 @@ void StockPicker::setStock(const QString &stock)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -6,7 +6,7 @@
 
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Field;
 class ScrollArea;
@@ -72,4 +72,4 @@ private:
     ScrollArea *m_scroll;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

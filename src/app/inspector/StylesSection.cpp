@@ -11,12 +11,13 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
 constexpr QSize tile(80, 96);
 constexpr int columns = 3;
+const QString keepTextsKey = QStringLiteral("keepCameraTexts");
 
 /// What a record that came from the style remembers of it.
 QString styleId(const SavedPreset &preset)
@@ -33,6 +34,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
     save->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(save, &QPushButton::clicked, &context.state, &EditorState::saveStyleAsked);
     column()->addWidget(save);
+    save->setObjectName(u"savePreset"_s);
     column()->addSpacing(16);
     m_grid = new CardGrid({.count = [this] { return static_cast<int>(model().presets().size()); },
                            .name = [this](int index) { return model().presets().at(index).name; },
@@ -44,6 +46,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
                           tile, columns);
     m_grid->setName(said({"我的风格", "My styles", "Mes styles"}));
     column()->addWidget(m_grid);
+    m_grid->setObjectName(u"styles"_s);
     m_empty = makeHint("info", said({"还没有保存的风格。调好一张照片，然后保存。",
                                      "No saved styles yet. Frame a photo as you like it, then save.",
                                      "Aucun style enregistré. Réglez une photo, puis enregistrez."}));
@@ -53,12 +56,24 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
                                           "Appuyez longuement sur une carte de style pour la supprimer."}));
     column()->addWidget(m_deleteHint);
     column()->addSpacing(8);
+    m_keepTexts = new Switch(said({"保留每张照片的相机文字", "Keep each photo’s camera texts",
+                                   "Garder les textes d’appareil de chaque photo"}));
+    m_keepTexts->setObjectName(u"keepCameraTexts"_s);
+    column()->addWidget(m_keepTexts);
+    connect(m_keepTexts, &Switch::toggledByUser, this, [this](bool on) {
+        this->context().preferences.setValue(keepTextsKey, on);
+        m_grid->reload();
+    });
     m_autoApply = new Switch(said({"新照片使用上次的风格", "Apply last style to new photos",
                                    "Appliquer le dernier style aux nouvelles photos"}));
     column()->addWidget(m_autoApply);
+    m_autoApply->setObjectName(u"autoApply"_s);
     connect(m_autoApply, &Switch::toggledByUser, &context.model, &EditorModel::setAutoApplyLastStyle);
     connect(m_grid, &Items::chosen, this, [this](int index) {
         SavedPreset preset = model().presets().at(index);
+        if (const PhotoItem *photo = model().current()) {
+            preset.settings = applied(preset, *photo);
+        }
         // So that the card stays marked while the photo is refined.
         preset.settings.templateID = styleId(preset);
         model().applyPreset(preset);
@@ -75,7 +90,7 @@ void StylesSection::askDelete(int index)
 {
     const SavedPreset preset = model().presets().at(index);
     const Phrase title = [name = preset.name] {
-        return localized({"删除“", "Delete “", "Supprimer « "}) + name + localized({"”？", "”?", " » ?"});
+        return localized({"删除“", "Delete “", "Supprimer « "}) + name + localized({"”？", "”?", " » ?"});
     };
     Overlay *overlay =
         ask(m_grid,
@@ -95,8 +110,19 @@ QImage StylesSection::card(int index, QSize roomPx) const
         return {};
     }
     const SavedPreset &preset = model().presets().at(index);
-    return context().thumbnails.image(u"style "_s + preset.id.toString(), styled(*photo, preset.settings, 0),
-                                      roomPx);
+    PhotoItem shown = *photo;
+    shown.settings = applied(preset, *photo);
+    return context().thumbnails.image(u"style "_s + preset.id.toString(), shown, roomPx);
+}
+
+FrameSettings StylesSection::applied(const SavedPreset &preset, const PhotoItem &photo) const
+{
+    if (context().preferences.boolean(keepTextsKey, true)) {
+        return styled(photo, preset.settings, 0).settings;
+    }
+    FrameSettings settings = preset.settings;
+    settings.normalize();
+    return settings;
 }
 
 void StylesSection::display(const PhotoItem &)
@@ -106,7 +132,14 @@ void StylesSection::display(const PhotoItem &)
     m_deleteHint->setVisible(!none);
     m_empty->setVisible(none);
     m_grid->reload();
+    m_keepTexts->setVisible(!none);
+    m_keepTexts->show(context().preferences.boolean(keepTextsKey, true));
+    // The keyboard begins at the style that was used last.
+    const SavedPreset *preferred = model().preferredPreset();
+    if (preferred && m_grid->cursor() < 0) {
+        m_grid->setCursorItem(static_cast<int>(preferred - model().presets().constData()));
+    }
     m_autoApply->show(model().autoApplyLastStyle());
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class CardGrid;
 class Label;
@@ -21,12 +21,15 @@ protected:
 
 private:
     QImage card(int index, QSize roomPx) const;
+    /// What a click on a style makes of the photo, which is what its card shows.
+    FrameSettings applied(const SavedPreset &preset, const PhotoItem &photo) const;
     void askDelete(int index);
 
     CardGrid *m_grid;
     QWidget *m_empty;
     QWidget *m_deleteHint;
+    Switch *m_keepTexts;
     Switch *m_autoApply;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

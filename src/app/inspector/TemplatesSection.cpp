@@ -1,5 +1,7 @@
 #include "app/inspector/TemplatesSection.h"
 
+#include <algorithm>
+
 #include <QBoxLayout>
 
 #include "app/kit/CardGrid.h"
@@ -7,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -29,6 +31,7 @@ TemplatesSection::TemplatesSection(const EditorContext &context) : Section(conte
         tile, columns);
     m_grid->setName(said({"模板", "Templates", "Modèles"}));
     column()->addWidget(m_grid);
+    m_grid->setObjectName(u"templates"_s);
     connect(m_grid, &Items::chosen, this, [this](int index) {
         edits().step([this, index](FrameSettings &settings) {
             settings = BuiltInTemplates::make(BuiltInTemplates::all().at(index), settings,
@@ -64,6 +67,11 @@ void TemplatesSection::display(const PhotoItem &photo)
     if (m_photo != photo.id || m_active != active) {
         m_photo = photo.id;
         m_active = active;
+        // The keyboard's place in the list is the template of the photo.
+        const QList<BuiltInTemplate> &looks = BuiltInTemplates::all();
+        const auto place = std::ranges::find_if(
+            looks, [&active](BuiltInTemplate look) { return active == BuiltInTemplates::id(look); });
+        m_grid->setCurrent(place == looks.end() ? -1 : static_cast<int>(place - looks.begin()));
         m_grid->update();
         return;
     }
@@ -75,4 +83,4 @@ void TemplatesSection::display(const PhotoItem &photo)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

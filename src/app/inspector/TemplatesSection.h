@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class CardGrid;
 
@@ -24,4 +24,4 @@ private:
     std::optional<QString> m_active;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -18,19 +18,28 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
 constexpr std::array faces = {"", "serif", "rounded", "mono", "handwritten"};
 
-/// Titles come first in the list, though the camera's texts are drawn first.
-QList<TextLayer> listed(const FrameSettings &settings)
+bool isOfCamera(const QString &id)
 {
-    static const QStringList order = {u"title"_s, u"caption"_s, u"date"_s,     u"brand"_s,
-                                      u"model"_s, u"exif"_s,    u"watermark"_s};
+    return id == u"brand"_s || id == u"model"_s || id == u"exif"_s;
+}
+
+/// Titles come first in the list, though the camera's texts are drawn first; those have a tool of their own
+/// and are listed only while one of them is at hand.
+QList<TextLayer> listed(const FrameSettings &settings, const QString &atHand)
+{
+    static const QStringList order = {u"title"_s, u"caption"_s, u"date"_s, u"watermark"_s,
+                                      u"brand"_s, u"model"_s,   u"exif"_s};
     QList<TextLayer> layers;
     for (const QString &id : order) {
+        if (isOfCamera(id) && id != atHand) {
+            continue;
+        }
         const TextLayer *layer = settings.layer(id);
         // A logo with a picture has its own section.
         if (layer && !layer->imageFile) {
@@ -82,9 +91,15 @@ TextSection::TextSection(const EditorContext &context) : Section(context)
 {
     m_list = new LayerList;
     column()->addWidget(m_list);
+    m_list->setObjectName(u"layers"_s);
     auto *add = new Button(Button::Kind::Link, said({"添加文字", "Add text", "Ajouter un texte"}), "plus");
     column()->addSpacing(4);
+    m_camera = new Button(Button::Kind::Link, {}, "camera");
+    m_camera->setObjectName(u"cameraInfo"_s);
     column()->addWidget(add);
+    column()->addWidget(m_camera);
+    connect(m_camera, &QPushButton::clicked, this, [this] { this->context().state.setTool(Tool::Camera); });
+    add->setObjectName(u"addText"_s);
     addRule();
     m_editor = new QWidget;
     column()->addWidget(m_editor);
@@ -99,6 +114,8 @@ TextSection::TextSection(const EditorContext &context) : Section(context)
         this->context().state.selectLayer(m_list->layers().at(index).id);
         refresh();
     });
+    connect(m_list, &LayerList::rowClicked, this, &TextSection::editText);
+    connect(m_list, &Items::activated, this, &TextSection::editText);
     connect(m_list, &LayerList::visibilityAsked, this, [this](int index) {
         const QString id = m_list->layers().at(index).id;
         edits().step([&id](FrameSettings &settings) {
@@ -120,6 +137,7 @@ void TextSection::addEditor()
     box->setSpacing(8);
     box->addWidget(new Label(Type::Label, said({"内容", "Text", "Contenu"})));
     m_text = new Field(said({"内容", "Text", "Contenu"}));
+    m_text->setGivesKeyboardBack(true);
     box->addWidget(m_text);
     box->addSpacing(4);
     box->addWidget(new Label(Type::Label, said({"字体", "Font", "Police"})));
@@ -141,6 +159,10 @@ void TextSection::addEditor()
     m_remove = new Button(Button::Kind::DangerGhost, said({"删除文字", "Remove text", "Supprimer le texte"}),
                           "trash");
     box->addWidget(m_remove);
+    m_text->setObjectName(u"text"_s);
+    m_font->setObjectName(u"font"_s);
+    m_ink->setObjectName(u"ink"_s);
+    m_remove->setObjectName(u"removeText"_s);
 
     connect(m_text, &QLineEdit::textEdited, this, [this](const QString &text) {
         edits().slide(u"text "_s + m_id, [this, text](FrameSettings &settings) {
@@ -180,9 +202,15 @@ QString TextSection::shownLayer(const PhotoItem &photo) const
 
 void TextSection::display(const PhotoItem &photo)
 {
-    const QList<TextLayer> layers = listed(photo.settings);
-    m_list->setLayers(layers);
     m_id = shownLayer(photo);
+    const QList<TextLayer> layers = listed(photo.settings, m_id);
+    m_list->setLayers(layers);
+    const auto shown = std::ranges::count_if(photo.settings.layers, [](const TextLayer &layer) {
+        return isOfCamera(layer.id) && layer.visible && !layer.text.trimmed().isEmpty();
+    });
+    m_camera->setPhrase([shown] {
+        return localized({"相机信息 ", "Camera info ", "Infos photo "}) + QString::number(shown) + u" ›"_s;
+    });
     const auto place = std::ranges::find(layers, m_id, &TextLayer::id);
     m_list->setCurrent(static_cast<int>(place - layers.begin()));
     const TextLayer *layer = photo.settings.layer(m_id);
@@ -258,4 +286,4 @@ void TextSection::reset()
     });
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include "app/inspector/Section.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class ColorDots;
@@ -32,6 +32,7 @@ private:
     QString shownLayer(const PhotoItem &photo) const;
 
     LayerList *m_list;
+    Button *m_camera;
     QWidget *m_editor;
     Field *m_text;
     Segments *m_font;
@@ -47,4 +48,4 @@ int fontIndex(const TextLayer &layer);
 std::optional<QString> fontAt(int index);
 Segments *makeFontSegments();
 
-} // namespace tarnovel
+} // namespace tarnovel::app

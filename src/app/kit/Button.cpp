@@ -4,15 +4,17 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QPainter>
 
+#include "app/kit/Focus.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Spinner.h"
 #include "app/kit/Theme.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -184,6 +186,18 @@ void Button::paintEvent(QPaintEvent *)
     }
 }
 
+void Button::keyPressEvent(QKeyEvent *event)
+{
+    // Of itself a button takes Enter in a dialog only.
+    if (isEnterKey(*event)) {
+        if (!event->isAutoRepeat()) {
+            click();
+        }
+        return;
+    }
+    QPushButton::keyPressEvent(event);
+}
+
 void Button::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange) {
@@ -210,4 +224,4 @@ void Button::timerEvent(QTimerEvent *)
     update();
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -6,7 +6,7 @@
 
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A button with an icon, a text, or both. The text follows the language; a button without one says it in its
 /// tooltip, with the key.
@@ -49,6 +49,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
     void leaveEvent(QEvent *event) override;
@@ -75,4 +76,4 @@ private:
     int m_angle = 0;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

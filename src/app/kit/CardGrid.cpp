@@ -5,18 +5,47 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QHelpEvent>
 #include <QPainter>
+#include <QTextLayout>
+#include <QToolTip>
 
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
 constexpr int captionGap = 4;
 constexpr int rowGap = 8;
+/// A caption may be a little wider than its tile.
+constexpr int captionReach = 4;
 constexpr int padding = 8;
 constexpr int gridWidth = 264;
+
+/// A name in lines under its tile, the last one elided where there are too many.
+QStringList captionLines(const QString &name, const QFont &font, int width)
+{
+    constexpr int most = 3;
+    const QFontMetrics metrics(font);
+    const int room = width + 2 * captionReach;
+    QTextLayout layout(name, font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(room);
+        if (lines.size() == most - 1) {
+            lines.append(metrics.elidedText(name.mid(line.textStart()), Qt::ElideRight, room));
+            break;
+        }
+        lines.append(name.mid(line.textStart(), line.textLength()).trimmed());
+    }
+    layout.endLayout();
+    return lines;
+}
 
 } // namespace
 
@@ -52,12 +81,10 @@ void CardGrid::reload()
 
 int CardGrid::captionHeight(int row) const
 {
-    const QFontMetrics metrics(typeFont(Type::CaptionStrong));
     int height = lineHeight(Type::Caption);
     for (int i = row * m_columns; i < std::min((row + 1) * m_columns, count()); ++i) {
-        const QRect box = metrics.boundingRect(QRect(0, 0, m_tile.width() + 8, 100),
-                                               Qt::TextWordWrap | Qt::AlignHCenter, itemName(i));
-        height = std::max(height, std::min(box.height(), 3 * lineHeight(Type::Caption)) + 2);
+        const auto lines = captionLines(itemName(i), typeFont(Type::CaptionStrong), m_tile.width());
+        height = std::max(height, static_cast<int>(lines.size()) * lineHeight(Type::Caption));
     }
     return height;
 }
@@ -114,21 +141,27 @@ void CardGrid::paintItem(QPainter &painter, int index, const State &state)
     }
     painter.setFont(typeFont(state.chosen ? Type::CaptionStrong : Type::Caption));
     painter.setPen(state.chosen ? look.ink : look.inkSecondary);
-    // A name that is wider than its tile may reach a little out of it, where there is room.
-    const QString name = itemName(index);
-    const bool wide = painter.fontMetrics().horizontalAdvance(name) > tile.width();
-    const double width = tile.width() + (wide ? 8 : 0);
-    const double left = std::clamp(tile.center().x() - width / 2, 0.0, this->width() - width);
-    painter.drawText(QRectF(left, tile.bottom() + captionGap, width, whole.bottom() - tile.bottom() + 2),
-                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, name);
+    double y = tile.bottom() + captionGap;
+    for (const QString &line : captionLines(itemName(index), painter.font(), m_tile.width())) {
+        painter.drawText(
+            QRectF(tile.left() - captionReach, y, tile.width() + 2 * captionReach, lineHeight(Type::Caption)),
+            Qt::AlignCenter, line);
+        y += lineHeight(Type::Caption);
+    }
 }
 
 bool CardGrid::event(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange) {
         reload();
+    } else if (event->type() == QEvent::ToolTip) {
+        // A name may be too long for its card.
+        const auto *help = static_cast<QHelpEvent *>(event);
+        const int index = itemAt(help->pos());
+        QToolTip::showText(help->globalPos(), index >= 0 ? itemName(index).toHtmlEscaped() : QString(), this);
+        return true;
     }
     return Items::event(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -6,7 +6,7 @@
 
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// Tiles with a picture and a name, in columns.
 class CardGrid : public Items {
@@ -53,4 +53,4 @@ private:
 /// Draws a framed picture centred in a tile: a soft edge, so that white shows on white.
 void paintFramed(QPainter &painter, const QImage &image, const QRectF &tile, bool shadow);
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -49,6 +49,7 @@ protected:
 
 ColorField::ColorField(QWidget *parent) : QWidget(parent)
 {
+    installAccessible();
     setFixedHeight(sizeHint().height());
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::CrossCursor);
@@ -60,6 +61,20 @@ void ColorField::setColor(float hue, float saturation, float value)
     m_saturation = saturation;
     m_value = value;
     update();
+}
+
+SpokenValue ColorField::spoken() const
+{
+    const int saturation = qRound(m_saturation * 100);
+    const QString text = localized(
+        {"饱和度 %1 %，明度 %2 %", "Saturation %1 %, brightness %2 %", "Saturation %1 %, luminosité %2 %"});
+    return {double(saturation), 0, 100, 1, text.arg(saturation).arg(qRound(m_value * 100))};
+}
+
+void ColorField::takeSpoken(double value)
+{
+    tell(static_cast<float>(value / 100), m_value);
+    Q_EMIT released();
 }
 
 void ColorField::paintEvent(QPaintEvent *)
@@ -88,6 +103,7 @@ void ColorField::tell(float saturation, float value)
     m_saturation = std::clamp(saturation, 0.F, 1.F);
     m_value = std::clamp(value, 0.F, 1.F);
     update();
+    tellSpoken(*this, m_saturation * 100);
     Q_EMIT picked(m_saturation, m_value);
 }
 
@@ -98,17 +114,23 @@ void ColorField::pick(QPointF position)
 
 void ColorField::mousePressEvent(QMouseEvent *event)
 {
-    pick(event->position());
+    if (event->button() == Qt::LeftButton) {
+        pick(event->position());
+    }
 }
 
 void ColorField::mouseMoveEvent(QMouseEvent *event)
 {
-    pick(event->position());
+    if (event->buttons() & Qt::LeftButton) {
+        pick(event->position());
+    }
 }
 
-void ColorField::mouseReleaseEvent(QMouseEvent *)
+void ColorField::mouseReleaseEvent(QMouseEvent *event)
 {
-    Q_EMIT released();
+    if (event->button() == Qt::LeftButton) {
+        Q_EMIT released();
+    }
 }
 
 void ColorField::keyPressEvent(QKeyEvent *event)
@@ -134,6 +156,7 @@ void ColorField::keyPressEvent(QKeyEvent *event)
 
 HueBar::HueBar(QWidget *parent) : QWidget(parent)
 {
+    installAccessible();
     setFixedHeight(sizeHint().height());
     setFocusPolicy(Qt::StrongFocus);
 }
@@ -142,6 +165,18 @@ void HueBar::setHue(float hue)
 {
     m_hue = hue;
     update();
+}
+
+SpokenValue HueBar::spoken() const
+{
+    const int degrees = qRound(m_hue * 360);
+    return {double(degrees), 0, 360, 1, QString::number(degrees) + u'°'};
+}
+
+void HueBar::takeSpoken(double value)
+{
+    tell(static_cast<float>(value / 360));
+    Q_EMIT released();
 }
 
 void HueBar::paintEvent(QPaintEvent *)
@@ -163,22 +198,34 @@ void HueBar::tell(float hue)
 {
     m_hue = std::clamp(hue, 0.F, 1.F);
     update();
+    tellSpoken(*this, m_hue * 360);
     Q_EMIT picked(m_hue);
 }
 
 void HueBar::mousePressEvent(QMouseEvent *event)
 {
-    tell(static_cast<float>((event->position().x() - knob / 2.0) / (width() - knob)));
+    if (event->button() == Qt::LeftButton) {
+        pick(event->position().x());
+    }
 }
 
 void HueBar::mouseMoveEvent(QMouseEvent *event)
 {
-    tell(static_cast<float>((event->position().x() - knob / 2.0) / (width() - knob)));
+    if (event->buttons() & Qt::LeftButton) {
+        pick(event->position().x());
+    }
 }
 
-void HueBar::mouseReleaseEvent(QMouseEvent *)
+void HueBar::mouseReleaseEvent(QMouseEvent *event)
 {
-    Q_EMIT released();
+    if (event->button() == Qt::LeftButton) {
+        Q_EMIT released();
+    }
+}
+
+void HueBar::pick(double x)
+{
+    tell(static_cast<float>((x - knob / 2.0) / (width() - knob)));
 }
 
 void HueBar::keyPressEvent(QKeyEvent *event)
@@ -291,4 +338,4 @@ void ColorPicker::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

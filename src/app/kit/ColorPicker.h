@@ -2,19 +2,23 @@
 
 #include <QWidget>
 
+#include "app/kit/Accessible.h"
 #include "app/kit/Field.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 
 /// Saturation and brightness of one hue in a field, to be dragged or moved with the arrows.
-class ColorField : public QWidget {
+class ColorField : public QWidget, public Speaking {
     Q_OBJECT
 
 public:
     explicit ColorField(QWidget *parent = nullptr);
     void setColor(float hue, float saturation, float value);
+    /// Saturation, which the arrows sideways change; both are written.
+    SpokenValue spoken() const override;
+    void takeSpoken(double value) override;
     QSize sizeHint() const override { return {264, 128}; }
 
 Q_SIGNALS:
@@ -37,12 +41,15 @@ private:
 };
 
 /// The hues in a bar.
-class HueBar : public QWidget {
+class HueBar : public QWidget, public Speaking {
     Q_OBJECT
 
 public:
     explicit HueBar(QWidget *parent = nullptr);
     void setHue(float hue);
+    /// In degrees.
+    SpokenValue spoken() const override;
+    void takeSpoken(double value) override;
     QSize sizeHint() const override { return {264, 16}; }
 
 Q_SIGNALS:
@@ -57,6 +64,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void pick(double x);
     void tell(float hue);
     float m_hue = 0;
 };
@@ -94,4 +102,4 @@ private:
     Field *m_hex;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

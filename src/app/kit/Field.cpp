@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include <QApplication>
 #include <QEvent>
 #include <QFontMetrics>
 #include <QKeyEvent>
@@ -11,18 +12,28 @@
 #include <QPainter>
 #include <QTimer>
 
+#include "app/kit/Focus.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
 constexpr int sidePadding = 10;
 constexpr int iconSize = 16;
 const QChar minusSign(0x2212);
+
+/// A number with its unit as the language writes it.
+QString asWritten(QString text)
+{
+    if (currentLanguage() == AppLanguage::french) {
+        text.replace(u'.', u',').replace(u' ', QChar(0x202F));
+    }
+    return text;
+}
 
 } // namespace
 
@@ -39,6 +50,55 @@ Field::Field(Phrase name, QWidget *parent) : QLineEdit(parent), m_name(std::move
     setPalette(clear);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     layoutMargins();
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *before, const QWidget *now) {
+        if (now == this && before && before->window() == window()) {
+            // From field to field the keyboard still came from where the first one got it.
+            const auto *field = qobject_cast<Field *>(before);
+            m_before = field && field->m_before ? field->m_before.data() : before;
+        }
+    });
+}
+
+void Field::giveKeyboardBack()
+{
+    if (m_before && m_before != this && m_before->isVisible() && m_before->isEnabled()) {
+        m_before->setFocus(Qt::OtherFocusReason);
+    } else {
+        clearFocus();
+    }
+}
+
+bool Field::isForOthers(const QKeyEvent &key) const
+{
+    // With nothing typed there is nothing to take back here: the step before is the window's.
+    return (key.matches(QKeySequence::Undo) && !isUndoAvailable()) ||
+           (key.matches(QKeySequence::Redo) && !isRedoAvailable());
+}
+
+bool Field::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && isForOthers(*static_cast<QKeyEvent *>(event))) {
+        event->ignore();
+        return false;
+    }
+    return QLineEdit::event(event);
+}
+
+void Field::keyPressEvent(QKeyEvent *event)
+{
+    if (isForOthers(*event)) {
+        event->ignore();
+        return;
+    }
+    if (m_givesBack && (isEnterKey(*event) || event->key() == Qt::Key_Escape)) {
+        if (isEnterKey(*event)) {
+            QLineEdit::keyPressEvent(event);
+        }
+        event->accept();
+        giveKeyboardBack();
+        return;
+    }
+    QLineEdit::keyPressEvent(event);
 }
 
 void Field::setPlaceholder(Phrase placeholder)
@@ -133,6 +193,7 @@ NumberField::NumberField(Phrase name, Range range, QWidget *parent)
     setAlignment(Qt::AlignRight);
     setFont(typeFont(Type::Label));
     setHeight(28);
+    setGivesKeyboardBack(true);
     setValue(m_range.low);
     connect(this, &QLineEdit::editingFinished, this, &NumberField::take);
 }
@@ -146,7 +207,7 @@ void NumberField::setRange(const Range &range)
 QString NumberField::textOf(double value) const
 {
     if (m_range.decimals < 0) {
-        return QString::number(std::round(value * 100) / 100, 'g', 6) + m_range.unit;
+        return asWritten(QString::number(std::round(value * 100) / 100, 'g', 6) + m_range.unit);
     }
     const double unit = std::pow(10, m_range.decimals);
     const double rounded = std::round(value * unit) / unit;
@@ -154,7 +215,7 @@ QString NumberField::textOf(double value) const
     if (rounded < 0) {
         text.prepend(minusSign);
     }
-    return text + m_range.unit;
+    return asWritten(text + m_range.unit);
 }
 
 void NumberField::setValue(double value)
@@ -209,17 +270,21 @@ void NumberField::keyPressEvent(QKeyEvent *event)
         step(event->modifiers() & Qt::ShiftModifier ? -10 : -1);
         return;
     case Qt::Key_Escape:
-        if (isModified()) {
-            setModified(false);
-            setText(textOf(m_value));
-            selectAll();
-            return;
-        }
+        setModified(false);
+        setText(textOf(m_value));
         break;
     default:
         break;
     }
     Field::keyPressEvent(event);
+}
+
+void NumberField::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange && !isModified()) {
+        setText(textOf(m_value));
+    }
+    Field::changeEvent(event);
 }
 
 void NumberField::focusInEvent(QFocusEvent *event)
@@ -228,4 +293,4 @@ void NumberField::focusInEvent(QFocusEvent *event)
     QTimer::singleShot(0, this, &QLineEdit::selectAll);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

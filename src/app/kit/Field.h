@@ -1,10 +1,11 @@
 #pragma once
 
 #include <QLineEdit>
+#include <QPointer>
 
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A line of text to type in.
 class Field : public QLineEdit {
@@ -20,6 +21,8 @@ public:
     void setIconName(const char *icon);
     /// A red border: what stands there cannot be used.
     void setFault(bool fault);
+    /// Enter and Esc give the keyboard back to where it came from, so that the window's own keys work again.
+    void setGivesKeyboardBack(bool gives) { m_givesBack = gives; }
     /// Shows a value unless the user is typing one; nobody is told.
     void display(const QString &text);
 
@@ -30,20 +33,27 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    bool event(QEvent *event) override;
+    void giveKeyboardBack();
 
 private:
     void layoutMargins();
+    bool isForOthers(const QKeyEvent &key) const;
 
     Phrase m_name;
     Phrase m_placeholder;
     QString m_prefix;
     const char *m_icon = nullptr;
     bool m_fault = false;
+    bool m_givesBack = false;
+    /// Who had the keyboard before.
+    QPointer<QWidget> m_before;
     int m_height = 32;
 };
 
 /// A number to type in, with its unit. Enter or leaving takes it, Esc brings the old one back, and the arrows
-/// step.
+/// step. After Enter and Esc the keyboard is back where it was.
 class NumberField : public Field {
     Q_OBJECT
 
@@ -72,6 +82,7 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void take();
@@ -81,4 +92,4 @@ private:
     double m_value = 0;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,13 +7,29 @@
 
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
 constexpr int reach = 4;
 constexpr int usualRadius = 8;
 bool withKeyboard = false;
+/// Whether the last thing that the user did was a key.
+bool lastWasKey = false;
+
+bool isModifier(const QKeyEvent &key)
+{
+    switch (key.key()) {
+    case Qt::Key_Shift:
+    case Qt::Key_Control:
+    case Qt::Key_Alt:
+    case Qt::Key_AltGr:
+    case Qt::Key_Meta:
+        return true;
+    default:
+        return false;
+    }
+}
 
 bool movesFocus(const QKeyEvent &key)
 {
@@ -49,6 +65,12 @@ QRect visiblePart(const QWidget *widget, const QWidget *window)
 
 } // namespace
 
+bool isEnterKey(const QKeyEvent &event)
+{
+    return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) &&
+           !(event.modifiers() & ~Qt::KeypadModifier);
+}
+
 bool keyboardFocusVisible()
 {
     return withKeyboard;
@@ -60,13 +82,21 @@ FocusRing::FocusRing(QWidget *window) : QWidget(window)
     setFocusPolicy(Qt::NoFocus);
     hide();
     qApp->installEventFilter(this);
-    connect(qApp, &QApplication::focusChanged, this, [this] { follow(); });
+    connect(qApp, &QApplication::focusChanged, this, [this] {
+        // What a key has opened shows where the keyboard is.
+        withKeyboard = withKeyboard || lastWasKey;
+        follow();
+    });
 }
 
 bool FocusRing::eventFilter(QObject *object, QEvent *event)
 {
     switch (event->type()) {
+    case QEvent::ShortcutOverride:
+        lastWasKey = lastWasKey || !isModifier(*static_cast<QKeyEvent *>(event));
+        break;
     case QEvent::KeyPress:
+        lastWasKey = lastWasKey || !isModifier(*static_cast<QKeyEvent *>(event));
         if (!withKeyboard && movesFocus(*static_cast<QKeyEvent *>(event))) {
             withKeyboard = true;
             follow();
@@ -76,6 +106,7 @@ bool FocusRing::eventFilter(QObject *object, QEvent *event)
         }
         break;
     case QEvent::MouseButtonPress:
+        lastWasKey = false;
         if (withKeyboard) {
             withKeyboard = false;
             follow();
@@ -124,4 +155,4 @@ void FocusRing::paintEvent(QPaintEvent *)
                      radius.isValid() ? radius.toInt() : usualRadius, theme().surface);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

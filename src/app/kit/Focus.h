@@ -3,7 +3,12 @@
 #include <QPointer>
 #include <QWidget>
 
-namespace tarnovel {
+class QKeyEvent;
+
+namespace tarnovel::app {
+
+/// Enter of either kind, with no other key held.
+bool isEnterKey(const QKeyEvent &event);
 
 /// Whether the user is moving with the keyboard at the moment: rings of focus show only then.
 bool keyboardFocusVisible();
@@ -25,4 +30,4 @@ private:
     QPointer<QWidget> m_target;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

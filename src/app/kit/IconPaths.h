@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// One icon: an SVG path in a box of 20 × 20, to be stroked 1.5 wide with round caps and joins.
 struct IconPath {
@@ -94,4 +94,4 @@ inline constexpr std::array iconPaths = std::to_array<IconPath>({
               "4.500 4 10 0 14.500M10 2.750c-4 4.500-4 10 0 14.500"},
 });
 
-} // namespace tarnovel
+} // namespace tarnovel::app

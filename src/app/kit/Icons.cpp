@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel::Icons {
+namespace tarnovel::app::Icons {
 
 namespace {
 
@@ -82,4 +82,4 @@ QPixmap application(int size)
     return rendered(mark(Theme::light().accent, Theme::light().onAccent), {size, size}, 1);
 }
 
-} // namespace tarnovel::Icons
+} // namespace tarnovel::app::Icons

@@ -7,7 +7,7 @@
 
 class QPainter;
 
-namespace tarnovel::Icons {
+namespace tarnovel::app::Icons {
 
 /// An icon of the table in one colour; `size` in logical pixels, drawn for the device's ratio. Kept from one
 /// call to the next. An unknown name is a bug.
@@ -22,4 +22,4 @@ void drawMark(QPainter &painter, const QRectF &rect);
 /// The program's icon for windows.
 QPixmap application(int size);
 
-} // namespace tarnovel::Icons
+} // namespace tarnovel::app::Icons

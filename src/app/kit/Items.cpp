@@ -12,7 +12,7 @@
 #include "app/kit/Focus.h"
 #include "app/kit/ItemsAccessible.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -129,6 +129,9 @@ void Items::mouseMoveEvent(QMouseEvent *event)
 
 void Items::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
     m_longPress.stop();
     const int pressed = std::exchange(m_pressed, -1);
     update();
@@ -244,7 +247,7 @@ void Items::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Space:
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (m_cursor >= 0 && event->modifiers() == Qt::NoModifier) {
+        if (m_cursor >= 0 && !(event->modifiers() & ~Qt::KeypadModifier)) {
             choose(m_cursor);
             if (event->key() != Qt::Key_Space) {
                 Q_EMIT activated(m_cursor);
@@ -291,4 +294,4 @@ bool Items::event(QEvent *event)
     return QWidget::event(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A group of things to choose from that is one stop of the Tab key: arrows move inside. Screen readers see
 /// each item by its name.
@@ -78,6 +78,7 @@ protected:
     bool event(QEvent *event) override;
 
     int hovered() const { return m_hovered; }
+    int pressedItem() const { return m_pressed; }
     /// The press that is under way will neither choose nor ask: it has become a drag.
     void cancelPress();
     /// Where the End key goes.
@@ -98,4 +99,4 @@ private:
     QBasicTimer m_longPress;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -9,7 +9,7 @@
 
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -131,4 +131,4 @@ void installItemsAccessible()
     Q_UNUSED(once)
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

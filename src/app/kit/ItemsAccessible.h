@@ -1,8 +1,8 @@
 #pragma once
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// Lets screen readers see the items of an Items widget. May be called again.
 void installItemsAccessible();
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -4,7 +4,7 @@
 
 #include <QEvent>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 Label::Label(Type type, Phrase phrase, Tone tone, QWidget *parent)
     : QLabel(parent), m_phrase(std::move(phrase))
@@ -53,4 +53,4 @@ void Label::changeEvent(QEvent *event)
     QLabel::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

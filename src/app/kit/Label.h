@@ -5,7 +5,7 @@
 #include "app/kit/Phrase.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A text in one of the sizes of type, in the current language; long ones wrap.
 class Label : public QLabel {
@@ -28,4 +28,4 @@ private:
     Phrase m_phrase;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 #include <QApplication>
 #include <QStyle>
 
-namespace tarnovel::Motion {
+namespace tarnovel::app::Motion {
 
 namespace {
 
@@ -44,4 +44,4 @@ QEasingCurve spring()
     return curve;
 }
 
-} // namespace tarnovel::Motion
+} // namespace tarnovel::app::Motion

@@ -3,7 +3,7 @@
 #include <QEasingCurve>
 
 /// How things move. Lengths of time are in milliseconds.
-namespace tarnovel::Motion {
+namespace tarnovel::app::Motion {
 
 /// The user has asked the desktop for less motion: things fade instead, or change at once.
 bool reduced();
@@ -19,4 +19,4 @@ constexpr int springMs = 480;
 /// A critically damped spring with a response of 0.24 s, over `springMs`.
 QEasingCurve spring();
 
-} // namespace tarnovel::Motion
+} // namespace tarnovel::app::Motion

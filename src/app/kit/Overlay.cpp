@@ -9,10 +9,11 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "app/kit/Focus.h"
 #include "app/kit/Shadow.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -66,7 +67,11 @@ void Overlay::open()
     show();
     raise();
     setFocus();
-    for (QWidget *next = nextInFocusChain(); next && next != this; next = next->nextInFocusChain()) {
+    if (m_start) {
+        m_start->setFocus(Qt::TabFocusReason);
+    }
+    for (QWidget *next = nextInFocusChain(); !m_start && next && next != this;
+         next = next->nextInFocusChain()) {
         if (m_card->isAncestorOf(next) && next->focusPolicy() & Qt::TabFocus && next->isEnabled() &&
             next->isVisible()) {
             next->setFocus(Qt::TabFocusReason);
@@ -143,6 +148,8 @@ void Overlay::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape) {
         close();
+    } else if (isEnterKey(*event) && m_default && m_default->isEnabled()) {
+        m_default->click();
     }
     // Nothing behind the card hears of keys.
     event->accept();
@@ -194,4 +201,4 @@ void Overlay::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAbstractButton>
 #include <QPointer>
 #include <QWidget>
 
@@ -7,7 +8,7 @@
 
 class QVBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A card over its window: a popover beside a control, or a sheet over a veil. It takes the keyboard and
 /// gives it back; Esc and, for a popover, a click outside close it.
@@ -26,6 +27,10 @@ public:
     /// Puts a popover above or below this widget, or at a point of the window.
     void anchorTo(QWidget *anchor);
     void anchorAt(QPoint inWindow);
+    /// The button that Enter presses wherever in the card the keyboard is and has no use for it.
+    void setDefaultButton(QAbstractButton *button) { m_default = button; }
+    /// Where the keyboard starts; otherwise on the first control.
+    void startOn(QWidget *control) { m_start = control; }
     void open();
     void close();
 
@@ -53,6 +58,8 @@ private:
     QPointer<QWidget> m_anchor;
     QPoint m_point;
     QPointer<QWidget> m_before;
+    QPointer<QAbstractButton> m_default;
+    QPointer<QWidget> m_start;
 };
 
 /// Asks before something goes: a popover over the button that asks. The keyboard starts on Cancel.
@@ -62,6 +69,10 @@ struct Question {
     Phrase confirm;
 };
 Overlay *ask(QWidget *anchor, const Question &question, std::function<void()> confirmed);
+
+/// The same where nothing need go: the confirmation is the default, and a second way out stands beside Cancel.
+Overlay *askTwoWays(QWidget *anchor, const Question &question, std::function<void()> confirmed,
+                    const Phrase &second, std::function<void()> secondChosen);
 
 /// Asks for a line of text. `accept` returns a complaint, or nothing when it has taken the text.
 struct TextQuestion {
@@ -75,4 +86,4 @@ struct TextQuestion {
 Overlay *askText(QWidget *anchor, const TextQuestion &question,
                  std::function<QString(const QString &)> accept);
 
-} // namespace tarnovel
+} // namespace tarnovel::app

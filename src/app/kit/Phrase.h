@@ -4,7 +4,7 @@
 
 #include "language/AppLanguage.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A text that is asked for whenever it is shown, so that it follows the language and the state.
 using Phrase = std::function<QString()>;
@@ -15,4 +15,4 @@ inline Phrase said(const Text &text)
     return [text] { return localized(text); };
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -5,7 +5,7 @@
 #include "app/kit/Theme.h"
 #include "editor/EditorRules.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 PositionPad::PositionPad(QWidget *parent) : Items(Arrows::Move, parent)
 {
@@ -46,4 +46,4 @@ void PositionPad::paintItem(QPainter &painter, int index, const State &state)
     Paint::rounded(painter, QRectF(box.center() - QPointF(2.5, 2.5), QSizeF(5, 5)), 2.5, dot);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

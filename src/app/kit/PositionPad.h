@@ -2,7 +2,7 @@
 
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// Nine places in a square.
 class PositionPad : public Items {
@@ -21,4 +21,4 @@ protected:
     void paintItem(QPainter &painter, int index, const State &state) override;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

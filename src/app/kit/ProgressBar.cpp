@@ -4,7 +4,7 @@
 
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 ProgressBar::ProgressBar(QWidget *parent) : QProgressBar(parent)
 {
@@ -22,4 +22,4 @@ void ProgressBar::paintEvent(QPaintEvent *)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

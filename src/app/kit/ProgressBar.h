@@ -2,7 +2,7 @@
 
 #include <QProgressBar>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A thin line that fills.
 class ProgressBar : public QProgressBar {
@@ -17,4 +17,4 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,11 +7,12 @@
 #include "app/kit/Label.h"
 #include "app/kit/Overlay.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
 constexpr int questionWidth = 336;
+constexpr int wideQuestionWidth = 440;
 constexpr int margin = 20;
 
 Overlay *card(QWidget *anchor, const Phrase &title, const Phrase &text)
@@ -57,6 +58,27 @@ Overlay *ask(QWidget *anchor, const Question &question, std::function<void()> co
     return overlay;
 }
 
+Overlay *askTwoWays(QWidget *anchor, const Question &question, std::function<void()> confirmed,
+                    const Phrase &second, std::function<void()> secondChosen)
+{
+    Overlay *overlay = card(anchor, question.title, question.text);
+    overlay->setCardSize({wideQuestionWidth, 0});
+    auto *confirm = new Button(Button::Kind::Primary, question.confirm);
+    auto *other = new Button(Button::Kind::DangerGhost, second);
+    buttons(overlay, confirm)->insertWidget(0, other);
+    const auto answers = [overlay](Button *button, std::function<void()> answer) {
+        QObject::connect(button, &QPushButton::clicked, overlay, [overlay, answer = std::move(answer)] {
+            overlay->close();
+            answer();
+        });
+    };
+    answers(confirm, std::move(confirmed));
+    answers(other, std::move(secondChosen));
+    overlay->open();
+    confirm->setFocus();
+    return overlay;
+}
+
 Overlay *askText(QWidget *anchor, const TextQuestion &question,
                  std::function<QString(const QString &)> accept)
 {
@@ -94,4 +116,4 @@ Overlay *askText(QWidget *anchor, const TextQuestion &question,
     return overlay;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

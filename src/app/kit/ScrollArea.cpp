@@ -4,7 +4,7 @@
 
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -59,4 +59,4 @@ void ScrollArea::hold(QWidget *column)
     column->setAutoFillBackground(false);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

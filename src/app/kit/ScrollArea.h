@@ -3,7 +3,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A bar of four pixels that shows where one is.
 class ThinScrollBar : public QScrollBar {
@@ -27,4 +27,4 @@ public:
     void hold(QWidget *column);
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -9,7 +9,7 @@
 #include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -61,6 +61,16 @@ QSize Segments::sizeHint() const
     return {264, tall() ? tallHeight : rowHeight};
 }
 
+void Segments::resizeEvent(QResizeEvent *event)
+{
+    // The height was asked for at another width.
+    if (tall() != m_wasTall) {
+        m_wasTall = tall();
+        updateGeometry();
+    }
+    Items::resizeEvent(event);
+}
+
 void Segments::paintGround(QPainter &painter)
 {
     Paint::rounded(painter, rect(), 8, theme().surfaceMuted);
@@ -102,4 +112,4 @@ void Segments::paintItem(QPainter &painter, int index, const State &state)
     painter.drawText(text, Qt::AlignCenter | Qt::TextWordWrap, itemName(index));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

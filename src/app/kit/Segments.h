@@ -5,7 +5,7 @@
 #include "app/kit/Items.h"
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A row of two to five choices of which one holds.
 class Segments : public Items {
@@ -27,12 +27,14 @@ public:
 protected:
     void paintGround(QPainter &painter) override;
     void paintItem(QPainter &painter, int index, const State &state) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     /// Two lines where a name is wider than its segment.
     bool tall() const;
+    bool m_wasTall = false;
     std::vector<Phrase> m_names;
     std::vector<const char *> m_icons;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -106,4 +106,4 @@ void drawShadow(QPainter &painter, const QRectF &rect, double radius, Elevation 
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

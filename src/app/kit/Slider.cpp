@@ -12,7 +12,7 @@
 #include "app/kit/Label.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -23,10 +23,28 @@ constexpr int fieldWidth = 60;
 
 SliderTrack::SliderTrack(Origin origin, QWidget *parent) : QSlider(Qt::Horizontal, parent), m_origin(origin)
 {
+    installAccessible();
     setAttribute(Qt::WA_Hover);
     setProperty("paintsFocus", true);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void SliderTrack::setShown(double unit, std::function<QString(double value)> text)
+{
+    m_unit = unit;
+    m_text = std::move(text);
+}
+
+SpokenValue SliderTrack::spoken() const
+{
+    return {value() / m_unit, minimum() / m_unit, maximum() / m_unit, singleStep() / m_unit,
+            m_text(value() / m_unit)};
+}
+
+void SliderTrack::takeSpoken(double value)
+{
+    setValue(qRound(value * m_unit));
 }
 
 double SliderTrack::knobCentre() const
@@ -97,8 +115,11 @@ void SliderTrack::mouseMoveEvent(QMouseEvent *event)
     }
 }
 
-void SliderTrack::mouseReleaseEvent(QMouseEvent *)
+void SliderTrack::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
     m_grabbed = false;
     setSliderDown(false);
     update();
@@ -164,6 +185,7 @@ Slider::Slider(Phrase name, const Range &range, QWidget *parent)
     m_track->setSingleStep(std::max(qRound(range.step * unit), 1));
     m_track->setPageStep(10 * m_track->singleStep());
     m_track->setAccessibleName(m_name());
+    m_track->setShown(unit, [this](double value) { return m_field->textOf(value); });
     connect(m_track, &QSlider::valueChanged, this, [this, unit](int value) {
         if (!m_showing) {
             tell(value / unit);
@@ -196,4 +218,4 @@ void Slider::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

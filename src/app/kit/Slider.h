@@ -1,14 +1,17 @@
 #pragma once
 
+#include <functional>
+
 #include <QSlider>
 
+#include "app/kit/Accessible.h"
 #include "app/kit/Field.h"
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A slider's track and knob.
-class SliderTrack : public QSlider {
+class SliderTrack : public QSlider, public Speaking {
     Q_OBJECT
 
 public:
@@ -16,6 +19,10 @@ public:
 
     explicit SliderTrack(Origin origin, QWidget *parent = nullptr);
 
+    /// How many of the track's units one of the shown values has, and how that value is written.
+    void setShown(double unit, std::function<QString(double value)> text);
+    SpokenValue spoken() const override;
+    void takeSpoken(double value) override;
     QSize sizeHint() const override { return {120, 24}; }
     QSize minimumSizeHint() const override { return {60, 24}; }
 
@@ -40,6 +47,8 @@ private:
 
     Origin m_origin;
     bool m_grabbed = false;
+    double m_unit = 1;
+    std::function<QString(double)> m_text = [](double value) { return QString::number(value); };
 };
 
 /// A value with its name, a field to type it and a slider to drag it.
@@ -83,4 +92,4 @@ private:
     bool m_showing = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,7 +2,7 @@
 
 #include <QPainter>
 
-namespace tarnovel::Spinner {
+namespace tarnovel::app::Spinner {
 
 void paint(QPainter &painter, const QRectF &box, int angle, const QColor &color)
 {
@@ -17,4 +17,4 @@ void paint(QPainter &painter, const QRectF &box, int angle, const QColor &color)
     painter.drawArc(ring, -angle * 16, 90 * 16);
 }
 
-} // namespace tarnovel::Spinner
+} // namespace tarnovel::app::Spinner

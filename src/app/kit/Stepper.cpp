@@ -10,7 +10,7 @@
 #include "app/kit/Field.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 Stepper::Stepper(Phrase name, int low, int high, QWidget *parent)
     : QWidget(parent),
@@ -25,7 +25,7 @@ Stepper::Stepper(Phrase name, int low, int high, QWidget *parent)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
-    m_field->setFixedWidth(36);
+    m_field->setFixedWidth(40);
     m_field->setHeight(32);
     m_field->setAlignment(Qt::AlignCenter);
     m_field->setTextMargins(0, 0, 0, 0);
@@ -68,4 +68,4 @@ void Stepper::paintEvent(QPaintEvent *)
     Paint::rounded(painter, rect(), 8, theme().surfaceMuted);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

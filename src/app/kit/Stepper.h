@@ -4,7 +4,7 @@
 
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class NumberField;
@@ -37,4 +37,4 @@ private:
     Button *m_more;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -119,4 +119,4 @@ void Swatches::paintItem(QPainter &painter, int index, const State &state)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

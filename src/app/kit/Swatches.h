@@ -7,7 +7,7 @@
 #include "app/kit/Items.h"
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A row of colours; the last may be a wheel that stands for any other.
 class Swatches : public Items {
@@ -56,4 +56,4 @@ private:
     QColor m_color;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

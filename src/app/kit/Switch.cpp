@@ -4,12 +4,13 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QPainter>
 
 #include "app/kit/Focus.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -26,7 +27,7 @@ Switch::Switch(Phrase phrase, Side side, QWidget *parent)
     setFont(typeFont(Type::Body));
     setAccessibleName(text());
     setProperty("paintsFocus", true);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     connect(this, &QCheckBox::clicked, this, &Switch::toggledByUser);
@@ -79,6 +80,17 @@ void Switch::paintEvent(QPaintEvent *)
     painter.drawText(room, textFlags, text());
 }
 
+void Switch::keyPressEvent(QKeyEvent *event)
+{
+    if (isEnterKey(*event)) {
+        if (!event->isAutoRepeat()) {
+            click();
+        }
+        return;
+    }
+    QCheckBox::keyPressEvent(event);
+}
+
 void Switch::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange) {
@@ -89,4 +101,4 @@ void Switch::changeEvent(QEvent *event)
     QCheckBox::changeEvent(event);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -4,7 +4,7 @@
 
 #include "app/kit/Phrase.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A row with a text and a switch at its right end; the whole row takes the click.
 class Switch : public QCheckBox {
@@ -29,6 +29,7 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
     bool hitButton(const QPoint &position) const override { return rect().contains(position); }
 
@@ -39,4 +40,4 @@ private:
     Side m_side;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -230,4 +230,4 @@ void hairline(QPainter &painter, QPointF from, QPointF to)
 
 } // namespace Paint
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -6,7 +6,7 @@
 
 class QPainter;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// The colours of the interface in one appearance.
 struct Theme {
@@ -83,4 +83,4 @@ void hairline(QPainter &painter, QPointF from, QPointF to);
 
 } // namespace Paint
 
-} // namespace tarnovel
+} // namespace tarnovel::app

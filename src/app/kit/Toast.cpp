@@ -10,7 +10,7 @@
 #include "app/kit/Spinner.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -127,4 +127,4 @@ void Toast::mousePressEvent(QMouseEvent *)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -3,7 +3,7 @@
 #include <QBasicTimer>
 #include <QWidget>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// A message that comes and goes over the picture. A new one takes the place of the old; the pointer over it
 /// holds it. Screen readers hear it.
@@ -39,4 +39,4 @@ private:
     int m_angle = 0;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -15,10 +15,11 @@
 #include "app/kit/ScrollArea.h"
 #include "app/kit/Theme.h"
 #include "app/screens/PageBar.h"
+#include "language/Plural.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -31,12 +32,9 @@ constexpr int footerHeight = 72;
 constexpr int box = 20;
 constexpr int padding = 12;
 
-Phrase counted(qsizetype count, const Text &one, const Text &many)
+Phrase countedPhrase(qsizetype count, const Text &one, const Text &other)
 {
-    return [=] {
-        QString text = localized(count == 1 ? one : many);
-        return text.replace(u"%1"_s, QString::number(count));
-    };
+    return [=] { return counted(count, one, other); };
 }
 
 } // namespace
@@ -167,6 +165,7 @@ ManagePhotos::ManagePhotos(const EditorContext &context)
     auto *bar = new PageBar(said({"管理照片", "Manage photos", "Gérer les photos"}));
     bar->addAction(m_selectAll);
     bar->addAction(m_clear);
+    m_clear->setObjectName(u"clearAll"_s);
     column->addWidget(bar);
     m_area->hold(m_grid);
     column->addWidget(m_area, 1);
@@ -236,14 +235,14 @@ void ManagePhotos::refresh()
 {
     const auto picked = static_cast<qsizetype>(m_grid->picked().size());
     const qsizetype total = m_context.model.photos().size();
-    m_selected->setPhrase(counted(picked, {"已选 %1 张", "%1 selected", "%1 sélectionnée"},
+    m_selected->setPhrase(countedPhrase(picked, {"已选 %1 张", "%1 selected", "%1 sélectionnée"},
                                   {"已选 %1 张", "%1 selected", "%1 sélectionnées"}));
     m_total->setPhrase([total] {
         return localized({"共 ", "", ""}) + QString::number(total) +
                localized({" / 50 张", " of 50 photos", " photos sur 50"});
     });
-    m_remove->setPhrase(counted(picked, {"移除 %1 张照片", "Remove %1 photo", "Retirer %1 photo"},
-                                {"移除 %1 张照片", "Remove %1 photos", "Retirer %1 photos"}));
+    m_remove->setPhrase(countedPhrase(picked, {"移除 %1 张照片", "Remove %1 photo", "Retirer %1 photo"},
+                                {"移除 %1 张照片", "Remove %1 photos", "Retirer %1 photos"}));
     m_remove->setEnabled(picked > 0);
     m_deselect->setEnabled(picked > 0);
     m_clear->setEnabled(total > 0);
@@ -257,15 +256,15 @@ void ManagePhotos::askRemove()
         return;
     }
     ask(m_remove,
-        {counted(picked, {"移除 %1 张照片？", "Remove %1 photo?", "Retirer %1 photo ?"},
-                 {"移除 %1 张照片？", "Remove %1 photos?", "Retirer %1 photos ?"}),
-         counted(picked,
+        {countedPhrase(picked, {"移除 %1 张照片？", "Remove %1 photo?", "Retirer %1 photo ?"},
+                 {"移除 %1 张照片？", "Remove %1 photos?", "Retirer %1 photos ?"}),
+         countedPhrase(picked,
                  {"从本次编辑中移除？原照片仍在原文件夹中。",
                   "Remove from this editing session? The original stays in its folder.",
-                  "Retirer de cette session ? L’original reste dans son dossier."},
+                  "Retirer de cette session ? L’original reste dans son dossier."},
                  {"从本次编辑中移除？原照片仍在原文件夹中。",
                   "Remove from this editing session? The originals stay in their folders.",
-                  "Retirer de cette session ? Les originaux restent dans leurs dossiers."}),
+                  "Retirer de cette session ? Les originaux restent dans leurs dossiers."}),
          said({"移除", "Remove", "Retirer"})},
         [this] {
             m_context.model.removePhotos(m_grid->picked());
@@ -307,4 +306,4 @@ void ManagePhotos::paintEvent(QPaintEvent *)
     Paint::hairline(painter, footer.topLeft(), QPointF(width(), footer.top()));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -5,7 +5,7 @@
 #include "app/EditorContext.h"
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -78,4 +78,4 @@ private:
     Button *m_remove;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -9,7 +9,7 @@
 #include "app/kit/Button.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 PageBar::PageBar(Phrase title)
     : m_title(std::move(title)),
@@ -58,4 +58,4 @@ void PageBar::paintEvent(QPaintEvent *)
     painter.drawText(rect(), Qt::AlignCenter, m_title());
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

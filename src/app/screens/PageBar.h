@@ -6,7 +6,7 @@
 
 class QHBoxLayout;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 
@@ -36,4 +36,4 @@ private:
     Button *m_close;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

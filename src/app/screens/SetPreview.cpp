@@ -13,18 +13,22 @@
 #include "app/kit/Shadow.h"
 #include "app/kit/Theme.h"
 #include "app/screens/PageBar.h"
+#include "language/Plural.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
 constexpr int columns = 3;
-constexpr int column = 176;
+constexpr int usualColumn = 176;
 constexpr int gap = 4;
 constexpr int coverWidth = 440;
 constexpr int cardWidth = 584;
+constexpr int leastCover = 320;
+/// Of the window.
+constexpr int narrowWidth = 1100;
 constexpr int cardPadding = 24;
 constexpr int dragDistance = 6;
 constexpr double liftedDegrees = 2;
@@ -71,13 +75,19 @@ protected:
 
 PostGrid::PostGrid(const EditorContext &context) : Items(Arrows::Move), m_context(context)
 {
-    setFixedWidth(columns * column + (columns - 1) * gap);
+    setColumn(usualColumn);
     setName(said({"套图", "Set", "Série"}));
     connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
         if (key.startsWith(u"photo "_s)) {
             update();
         }
     });
+}
+
+void PostGrid::setColumn(int width)
+{
+    m_column = width;
+    setFixedWidth(columns * m_column + (columns - 1) * gap);
     reload();
 }
 
@@ -89,19 +99,19 @@ void PostGrid::reload()
 
 QSize PostGrid::tile() const
 {
-    return {column, qRound(column / coverRatio(m_context.model))};
+    return {m_column, qRound(m_column / coverRatio(m_context.model))};
 }
 
 QSize PostGrid::sizeHint() const
 {
     const int rows = (count() + columns - 1) / columns;
-    return {columns * column + (columns - 1) * gap, std::max(rows * (tile().height() + gap) - gap, 1)};
+    return {columns * m_column + (columns - 1) * gap, std::max(rows * (tile().height() + gap) - gap, 1)};
 }
 
 QRect PostGrid::itemRect(int index) const
 {
     const QSize size = tile();
-    return {QPoint(index % columns * (column + gap), index / columns * (size.height() + gap)), size};
+    return {QPoint(index % columns * (m_column + gap), index / columns * (size.height() + gap)), size};
 }
 
 QString PostGrid::itemName(int index) const
@@ -191,7 +201,9 @@ void PostGrid::movePhoto(int from, int to)
 
 void PostGrid::mousePressEvent(QMouseEvent *event)
 {
-    m_press = event->position().toPoint();
+    if (event->button() == Qt::LeftButton) {
+        m_press = event->position().toPoint();
+    }
     Items::mousePressEvent(event);
 }
 
@@ -216,6 +228,9 @@ void PostGrid::mouseMoveEvent(QMouseEvent *event)
 
 void PostGrid::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
     m_press.reset();
     const int from = std::exchange(m_lifted, -1);
     const int to = std::exchange(m_target, -1);
@@ -278,7 +293,8 @@ void CoverView::paintEvent(QPaintEvent *)
     const qsizetype dots = std::min<qsizetype>(m_context.model.photos().size(), manyDots);
     double x = box.center().x() - static_cast<double>(dots) * 11 / 2;
     for (qsizetype i = 0; i < dots; ++i) {
-        Paint::rounded(painter, {x, box.bottom() + 24, 6, 6}, 3, i == 0 ? theme().accent : theme().hairline);
+        Paint::rounded(painter, {x, box.bottom() + 24, 6, 6}, 3,
+                       i == 0 ? theme().accent : theme().controlLine);
         x += 11;
     }
 }
@@ -290,7 +306,7 @@ SetPreview::SetPreview(const EditorContext &context)
       m_hint(new Label(Type::Body,
                        said({"第一张是帖子的封面。键盘：Alt + 方向键。",
                              "The first photo is the cover of the post. Keyboard: Alt + arrows.",
-                             "La première photo est la couverture. Clavier : Alt + flèches."}),
+                             "La première photo est la couverture. Clavier : Alt + flèches."}),
                        Label::Tone::Secondary)),
       m_cover(new CoverView(context)),
       m_card(new Card),
@@ -310,10 +326,7 @@ SetPreview::SetPreview(const EditorContext &context)
     }
     m_count->setParent(m_card);
     m_count->setAlignment(Qt::AlignRight);
-    m_count->setPhrase([this] {
-        return QString::number(m_context.model.photos().size()) +
-               localized({" 张照片", " photos", " photos"});
-    });
+    m_count->setPhrase([this] { return countedPhotos(m_context.model.photos().size()); });
     m_area->setParent(m_card);
     m_area->setWidgetResizable(false);
     m_area->hold(m_grid);
@@ -344,15 +357,23 @@ void SetPreview::open()
 void SetPreview::place()
 {
     m_bar->setGeometry(0, 0, width(), 56);
-    constexpr int between = 64;
-    const int cover = std::min(coverWidth, width() - cardWidth - between - 48);
-    const int left = (width() - cover - between - cardWidth) / 2;
-    m_title->setGeometry(left, 88, cover, 28);
-    m_hint->setGeometry(left, 120, cover, 40);
-    m_cover->setGeometry(left - 56, 164 - 56, cover + 112, height() - 164 + 56);
-    m_card->setGeometry(left + cover + between, 88, cardWidth, height() - 88 + 12);
-    m_count->setGeometry(cardWidth - cardPadding - 200, 32, 200, 16);
-    m_area->setGeometry(cardPadding, 80, cardWidth - cardPadding - 4, m_card->height() - 92);
+    // A narrow window takes first from the cover, then from the post.
+    const int between = width() < narrowWidth ? 32 : 64;
+    const int free = width() - between - 48;
+    const int card = std::min(cardWidth, free - leastCover);
+    const int cover = std::min(coverWidth, free - card);
+    m_grid->setColumn((card - 2 * cardPadding - (columns - 1) * gap) / columns);
+    const int left = (width() - cover - between - card) / 2;
+    const int title = std::max(m_title->heightForWidth(cover), 28);
+    const int hint = std::max(m_hint->heightForWidth(cover), 40);
+    m_title->setGeometry(left, 88, cover, title);
+    m_hint->setGeometry(left, 92 + title, cover, hint);
+    const int picture = 96 + title + hint;
+    m_cover->setGeometry(left - 56, picture - 56, cover + 112, height() - picture + 56);
+    m_card->setGeometry(left + cover + between, 88, card, height() - 88 + 12);
+    const int count = m_count->sizeHint().height();
+    m_count->setGeometry(card - cardPadding - 200, 40 - count / 2, 200, count);
+    m_area->setGeometry(cardPadding, 80, card - cardPadding - 4, m_card->height() - 92);
 }
 
 void SetPreview::resizeEvent(QResizeEvent *event)
@@ -376,4 +397,4 @@ void SetPreview::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), theme().canvas);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

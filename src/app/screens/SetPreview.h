@@ -5,7 +5,7 @@
 #include "app/EditorContext.h"
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Label;
 class ScrollArea;
@@ -18,6 +18,8 @@ public:
     explicit PostGrid(const EditorContext &context);
 
     void reload();
+    /// How wide one of the three columns is.
+    void setColumn(int width);
     int count() const override { return static_cast<int>(m_context.model.photos().size()); }
     QRect itemRect(int index) const override;
     QString itemName(int index) const override;
@@ -45,6 +47,7 @@ private:
 
     EditorContext m_context;
     std::optional<QPoint> m_press;
+    int m_column = 0;
     int m_lifted = -1;
     int m_target = -1;
     QPoint m_hand;
@@ -97,4 +100,4 @@ private:
     ScrollArea *m_area;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -4,8 +4,11 @@
 #include <utility>
 
 #include <QBoxLayout>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QPainter>
 #include <QPainterPath>
+#include <QSysInfo>
 
 #include "app/Wording.h"
 #include "app/inspector/Section.h"
@@ -17,10 +20,11 @@
 #include "app/kit/Segments.h"
 #include "app/kit/Switch.h"
 #include "app/kit/Theme.h"
+#include "base/Log.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -126,6 +130,37 @@ protected:
     }
 };
 
+/// What a report of a fault needs: versions, platform, and the log's last lines.
+QString aboutText()
+{
+    QStringList lines = {u"Tarnovel "_s + QStringLiteral(TARNOVEL_VERSION),
+                         u"Qt "_s + QString::fromLatin1(qVersion()) + u", "_s + QGuiApplication::platformName(),
+                         QSysInfo::prettyProductName() + u", "_s + QSysInfo::currentCpuArchitecture()};
+    return (lines + lastLogLines()).join(u'\n');
+}
+
+QWidget *makeAbout(const EditorContext &context)
+{
+    auto *about = new QWidget;
+    auto *row = new QHBoxLayout(about);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(new Label(
+                       Type::Label, [] { return u"Tarnovel "_s + QStringLiteral(TARNOVEL_VERSION); },
+                       Label::Tone::Secondary),
+                   1);
+    auto *copy = new Button(Button::Kind::Ghost, said({"复制详情", "Copy details", "Copier les détails"}));
+    copy->setObjectName(u"copyDetails"_s);
+    copy->setHint(said({"版本、系统和最近的日志，用于反馈问题", "Versions, system and the last log lines, for a report",
+                        "Versions, système et dernières lignes du journal, pour un rapport"}));
+    copy->setHeight(28);
+    QObject::connect(copy, &QPushButton::clicked, copy, [&state = context.state] {
+        QGuiApplication::clipboard()->setText(aboutText());
+        state.say(localized({"详情已复制。", "Details copied.", "Détails copiés."}), Toast::Kind::Done);
+    });
+    row->addWidget(copy);
+    return about;
+}
+
 QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
                       std::function<void()> languageChanged)
 {
@@ -147,7 +182,7 @@ QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
     auto *which = new Label(
         Type::Label,
         [] {
-            return localized({"系统语言：", "System language: ", "Langue du système : "}) +
+            return localized({"系统语言：", "System language: ", "Langue du système : "}) +
                    systemLanguageName();
         },
         Label::Tone::Secondary);
@@ -176,9 +211,7 @@ QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
                                "Images traitées localement. Les exports ne contiennent ni données GPS ni "
                                "filigrane."})));
     column->addStretch();
-    column->addWidget(new Label(
-        Type::Label, [] { return u"Tarnovel "_s + QStringLiteral(TARNOVEL_VERSION); },
-        Label::Tone::Secondary));
+    column->addWidget(makeAbout(context));
     QObject::connect(
         language, &Items::chosen, pane,
         [&preferences = context.preferences, languageChanged = std::move(languageChanged)](int index) {
@@ -266,6 +299,7 @@ QWidget *makeGuide(Overlay *sheet)
     auto *close =
         new Button(Button::Kind::Ghost, said({"关闭", "Close", "Fermer"}), "close", Button::Face::IconOnly);
     QObject::connect(close, &QPushButton::clicked, sheet, &Overlay::close);
+    sheet->setDefaultButton(close);
     head->addWidget(close);
     column->addLayout(head);
     column->addSpacing(16);
@@ -305,4 +339,4 @@ Overlay *showSettings(QWidget *window, const EditorContext &context, Appearance 
     return sheet;
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -3,7 +3,7 @@
 #include "app/Appearance.h"
 #include "app/EditorContext.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Overlay;
 
@@ -12,4 +12,4 @@ class Overlay;
 Overlay *showSettings(QWidget *window, const EditorContext &context, Appearance &appearance,
                       std::function<void()> languageChanged);
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -6,8 +6,9 @@
 #include "app/kit/Shadow.h"
 #include "app/kit/Theme.h"
 #include "language/AppLanguage.h"
+#include "language/Plural.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -19,10 +20,7 @@ QString title(DropVeil::Offer offer, qsizetype count)
 {
     switch (offer) {
     case DropVeil::Offer::Photos:
-        return count == 1
-                   ? localized({"松开以添加 1 张照片", "Drop to add 1 photo", "Déposez pour ajouter 1 photo"})
-                   : localized({"松开以添加 ", "Drop to add ", "Déposez pour ajouter "}) +
-                         QString::number(count) + localized({" 张照片", " photos", " photos"});
+        return localized({"松开以添加 ", "Drop to add ", "Déposez pour ajouter "}) + countedPhotos(count);
     case DropVeil::Offer::Background:
         return localized({"用作背景", "Use as background", "Utiliser comme fond"});
     case DropVeil::Offer::Nothing:
@@ -99,4 +97,4 @@ void DropVeil::paintEvent(QPaintEvent *)
                      Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, detail(m_offer));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

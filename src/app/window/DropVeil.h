@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// What lies over the picture while files are being dragged over the window: it says what dropping them would
 /// do.
@@ -24,4 +24,4 @@ private:
     qsizetype m_count = 0;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -29,6 +29,9 @@ constexpr std::array<Row, static_cast<size_t>(Act::Count)> rows = {{
     {{"使用指南", "Guide", "Guide"}, "F1"},
     {{"设置", "Settings", "Réglages"}, "Ctrl+,"},
     {{"粘贴照片", "Paste photos", "Coller des photos"}, "Ctrl+V"},
+    {{"关闭窗口", "Close window", "Fermer la fenêtre"}, "Ctrl+W"},
+    {{"退出", "Quit", "Quitter"}, "Ctrl+Q"},
+    {{"全屏", "Full screen", "Plein écran"}, "F11"},
 }};
 
 } // namespace
@@ -64,4 +67,4 @@ void EditorActions::retranslate()
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -9,7 +9,7 @@
 class QAction;
 class QWidget;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// What the editor's window can be told to do, with names and keys.
 enum class Act {
@@ -25,6 +25,9 @@ enum class Act {
     Guide,
     Settings,
     Paste,
+    Close,
+    Quit,
+    FullScreen,
     Count
 };
 
@@ -48,4 +51,4 @@ private:
     std::array<QAction *, static_cast<size_t>(Act::Count)> m_actions = {};
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

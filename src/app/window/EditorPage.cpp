@@ -15,11 +15,13 @@
 #include "app/window/ToolRail.h"
 #include "app/window/TopBar.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
 constexpr int toastGap = 16;
+/// Below this width of the window the panel is a drawer.
+constexpr int foldingWidth = 1100;
 
 QBoxLayout *tight(QBoxLayout *layout)
 {
@@ -64,19 +66,25 @@ EditorPage::EditorPage(const EditorContext &context, EditorActions &actions, con
     column->addWidget(m_body, 1);
     m_body->addWidget(m_home);
     m_body->addWidget(m_editor);
-    QBoxLayout *row = tight(new QHBoxLayout(m_editor));
+    m_row = new QHBoxLayout(m_editor);
+    tight(m_row);
     QBoxLayout *stage = tight(new QVBoxLayout);
     stage->addWidget(m_canvas, 1);
     stage->addWidget(m_strip);
-    row->addLayout(stage, 1);
-    row->addWidget(m_panel);
-    row->addWidget(m_rail);
-    row->addWidget(m_export);
+    m_row->addLayout(stage, 1);
+    m_row->addWidget(m_panel);
+    m_row->addWidget(m_rail);
+    m_row->addWidget(m_export);
+    m_editor->installEventFilter(this);
     m_export->hide();
     connect(m_home, &HomeScreen::continueAsked, this, &EditorPage::showEditor);
+    connect(m_rail, &Items::chosen, this, [this] {
+        const Tool tool = m_context.state.tool();
+        showDrawer(!(m_drawer && m_drawerTool == tool));
+    });
     connect(m_export, &ExportPanel::closeAsked, this, [this] { showExport(false); });
     connect(m_export, &ExportPanel::progressed, this,
-            [this] { m_bar->setExportProgress(m_export->progress()); });
+            [this] { m_bar->setExportProgress(m_export->progress(), m_export->problem().has_value()); });
     showHome();
 }
 
@@ -87,8 +95,12 @@ bool EditorPage::atHome() const
 
 void EditorPage::showHome()
 {
+    const bool left = m_body->currentWidget() != m_home;
     m_body->setCurrentWidget(m_home);
     m_bar->setHome(true);
+    if (left) {
+        m_home->takeKeyboard();
+    }
 }
 
 void EditorPage::showEditor()
@@ -101,9 +113,66 @@ void EditorPage::showEditor()
     }
 }
 
+void EditorPage::fold(bool folded)
+{
+    if (folded == m_folded) {
+        return;
+    }
+    m_folded = folded;
+    m_drawer = false;
+    if (folded) {
+        m_row->removeWidget(m_panel);
+        m_panel->raise();
+    } else {
+        m_row->insertWidget(m_row->indexOf(m_rail), m_panel);
+    }
+    m_panel->setVisible(!folded && !exportShown());
+}
+
+void EditorPage::placePanel()
+{
+    if (m_folded) {
+        const int width = m_panel->width();
+        m_panel->setGeometry(m_rail->x() - width, 0, width, m_editor->height());
+    }
+}
+
+void EditorPage::showDrawer(bool shown)
+{
+    m_drawerTool = m_context.state.tool();
+    if (!m_folded || m_drawer == shown) {
+        return;
+    }
+    m_drawer = shown;
+    if (!shown && m_panel->isAncestorOf(QApplication::focusWidget())) {
+        m_rail->setFocus(Qt::OtherFocusReason);
+    }
+    placePanel();
+    m_panel->setVisible(shown && !exportShown());
+    m_panel->raise();
+}
+
+void EditorPage::resizeEvent(QResizeEvent *event)
+{
+    fold(width() < foldingWidth);
+    QWidget::resizeEvent(event);
+}
+
+bool EditorPage::eventFilter(QObject *object, QEvent *event)
+{
+    if (object == m_editor && (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)) {
+        // After the layout, which comes by the same event.
+        QMetaObject::invokeMethod(this, &EditorPage::placePanel, Qt::QueuedConnection);
+    }
+    return QWidget::eventFilter(object, event);
+}
+
 void EditorPage::showExport(bool shown)
 {
-    m_panel->setVisible(!shown);
+    if (shown) {
+        m_drawer = false;
+    }
+    m_panel->setVisible(!shown && (!m_folded || m_drawer));
     m_rail->setVisible(!shown);
     m_export->setVisible(shown);
     if (shown) {
@@ -142,7 +211,11 @@ void EditorPage::focusNextPart(bool forward)
     } else if (exportShown()) {
         parts.append({m_canvas, m_strip, m_export});
     } else {
-        parts.append({m_canvas, m_strip, m_panel, m_rail});
+        parts.append({m_canvas, m_strip});
+        if (m_panel->isVisible()) {
+            parts.append(m_panel);
+        }
+        parts.append(m_rail);
     }
     const QWidget *focused = QApplication::focusWidget();
     qsizetype at = -1;
@@ -152,7 +225,9 @@ void EditorPage::focusNextPart(bool forward)
         }
     }
     const qsizetype next = (at + (forward ? 1 : parts.size() - 1)) % parts.size();
-    if (QWidget *stop = firstStop(parts.at(at < 0 ? 0 : next))) {
+    QWidget *part = parts.at(at < 0 ? 0 : next);
+    // In the strip one wants the photos, not the buttons over them.
+    if (QWidget *stop = part == m_strip ? m_strip->view() : firstStop(part)) {
         stop->setFocus(Qt::TabFocusReason);
     }
 }
@@ -163,4 +238,4 @@ void EditorPage::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), theme().canvas);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

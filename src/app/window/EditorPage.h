@@ -3,17 +3,20 @@
 #include "app/EditorContext.h"
 #include "app/FileChooser.h"
 
+class QHBoxLayout;
 class QStackedWidget;
-class QBoxLayout;
 
 namespace tarnovel {
+class PhotoLibrary;
+}
+
+namespace tarnovel::app {
 
 class CanvasView;
 class EditorActions;
 class ExportPanel;
 class FilmStrip;
 class HomeScreen;
-class PhotoLibrary;
 class ToolPanel;
 class ToolRail;
 class TopBar;
@@ -31,6 +34,11 @@ public:
     void showEditor();
     void showExport(bool shown);
     bool exportShown() const;
+    /// Where the window is too narrow for panel and picture, the panel lies over the picture while it is
+    /// wanted.
+    bool folded() const { return m_folded; }
+    void showDrawer(bool shown);
+    bool drawerShown() const { return m_folded && m_drawer; }
 
     HomeScreen *home() const { return m_home; }
     CanvasView *canvas() const { return m_canvas; }
@@ -49,8 +57,13 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
+    void fold(bool folded);
+    void placePanel();
+
     EditorContext m_context;
     TopBar *m_bar;
     QStackedWidget *m_body;
@@ -61,6 +74,11 @@ private:
     ToolPanel *m_panel;
     ToolRail *m_rail;
     ExportPanel *m_export;
+    QHBoxLayout *m_row;
+    bool m_folded = false;
+    bool m_drawer = false;
+    /// The tool that the drawer shows, so that a second choice of it closes it.
+    std::optional<Tool> m_drawerTool;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

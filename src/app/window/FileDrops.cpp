@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel::FileDrops {
+namespace tarnovel::app::FileDrops {
 
 namespace {
 
@@ -20,25 +20,39 @@ bool looksLikePicture(const QString &path)
 
 } // namespace
 
-QStringList pictures(const QMimeData *data)
+QStringList pictures(const QStringList &paths)
 {
     QStringList files;
-    for (const QUrl &url : data->urls()) {
-        if (!url.isLocalFile()) {
+    for (const QString &path : paths) {
+        if (!QFileInfo(path).isDir()) {
+            files.append(path);
             continue;
         }
-        const QFileInfo info(url.toLocalFile());
-        if (info.isDir()) {
-            for (const QFileInfo &inside : QDir(info.filePath()).entryInfoList(QDir::Files, QDir::Name)) {
-                if (looksLikePicture(inside.filePath())) {
-                    files.append(inside.filePath());
-                }
+        for (const QFileInfo &inside : QDir(path).entryInfoList(QDir::Files, QDir::Name)) {
+            if (looksLikePicture(inside.filePath())) {
+                files.append(inside.filePath());
             }
-        } else if (looksLikePicture(info.filePath())) {
-            files.append(info.filePath());
         }
     }
     return files;
+}
+
+QStringList pictures(const QMimeData *data)
+{
+    QStringList paths;
+    for (const QUrl &url : data->urls()) {
+        const QString path = url.isLocalFile() ? url.toLocalFile() : QString();
+        if (!path.isEmpty() && (QFileInfo(path).isDir() || looksLikePicture(path))) {
+            paths.append(path);
+        }
+    }
+    return pictures(paths);
+}
+
+QString pathOf(const QString &argument)
+{
+    const QUrl url(argument);
+    return QFileInfo(url.isLocalFile() ? url.toLocalFile() : argument).absoluteFilePath();
 }
 
 bool hasFiles(const QMimeData *data)
@@ -47,4 +61,12 @@ bool hasFiles(const QMimeData *data)
     return std::any_of(urls.begin(), urls.end(), [](const QUrl &url) { return url.isLocalFile(); });
 }
 
-} // namespace tarnovel::FileDrops
+bool hasWebAddress(const QMimeData *data)
+{
+    const QList<QUrl> urls = data->urls();
+    return std::any_of(urls.begin(), urls.end(), [](const QUrl &url) {
+        return url.scheme() == u"http"_s || url.scheme() == u"https"_s;
+    });
+}
+
+} // namespace tarnovel::app::FileDrops

@@ -19,7 +19,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -149,6 +149,24 @@ QImage StripView::thumbnail(int index) const
     return m_context.thumbnails.image(u"photo "_s + photo.id.toString(), photo, room);
 }
 
+QRect StripView::pictureRect(int index, const QImage &image) const
+{
+    const QRect tile = itemRect(index);
+    if (image.isNull()) {
+        return tile;
+    }
+    // A frame wider than its tile may be is lower than the strip.
+    const QSizeF fitted = QSizeF(image.size()).scaled(QSizeF(tile.size()), Qt::KeepAspectRatio);
+    QRect picture(QPoint(), QSize(std::max(qRound(fitted.width()), 1), std::max(qRound(fitted.height()), 1)));
+    picture.moveCenter(tile.center());
+    return picture;
+}
+
+QRect StripView::pictureRect(int index) const
+{
+    return isAddTile(index) ? itemRect(index) : pictureRect(index, thumbnail(index));
+}
+
 void StripView::requestChanged()
 {
     for (int i = 0; i + 1 < count(); ++i) {
@@ -201,16 +219,28 @@ void StripView::paintAddTile(QPainter &painter, const QRect &tile, const State &
     }
 }
 
+/// A mark at the corner of a frame that lacks one of its pictures.
+void paintBadge(QPainter &painter, const QRect &tile)
+{
+    constexpr int size = 18;
+    const QRectF badge(tile.right() - size / 2.0 - 2, tile.top() - 4, size, size);
+    Paint::rounded(painter, badge, size / 2.0, theme().danger);
+    painter.setFont(typeFont(Type::Label));
+    painter.setPen(theme().onDanger);
+    painter.drawText(badge, Qt::AlignCenter, u"!"_s);
+}
+
 void StripView::paintItem(QPainter &painter, int index, const State &state)
 {
     const Theme &look = theme();
-    const QRect tile = itemRect(index);
+    QRect tile = itemRect(index);
     if (isAddTile(index)) {
         paintAddTile(painter, tile, state);
         return;
     }
     const PhotoItem &photo = m_context.model.photos().at(index);
     const QImage image = thumbnail(index);
+    tile = pictureRect(index, image);
     if (image.isNull()) {
         Paint::rounded(painter, tile, 4, look.surfaceMuted);
         if (m_context.thumbnails.unreadable(photo.file)) {
@@ -229,13 +259,12 @@ void StripView::paintItem(QPainter &painter, int index, const State &state)
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.setClipPath(corners);
         painter.fillRect(tile, look.surface);
-        const QSizeF size = QSizeF(image.size()) / devicePixelRatioF();
-        const QRectF box(tile.center().x() + 0.5 - size.width() / 2,
-                         tile.center().y() + 0.5 - size.height() / 2, size.width(), size.height());
-        const QRectF fitted = std::abs(size.width() - tile.width()) < 2 ? QRectF(tile) : box;
-        painter.drawImage(fitted, image);
+        painter.drawImage(tile, image);
         painter.setClipping(false);
         Paint::outline(painter, tile, 3, look.rim);
+    }
+    if (!image.isNull() && m_context.thumbnails.incomplete(photo)) {
+        paintBadge(painter, tile);
     }
     if (state.hovered && !state.chosen) {
         Paint::outline(painter, QRectF(tile).adjusted(-3, -3, 3, 3), 6, look.hairline, 2);
@@ -272,9 +301,11 @@ void StripView::wheelEvent(QWheelEvent *event)
 
 void StripView::mousePressEvent(QMouseEvent *event)
 {
-    m_pressed = event->position();
-    m_offsetAtPress = m_offset;
-    m_dragging = false;
+    if (event->button() == Qt::LeftButton) {
+        m_pressed = event->position();
+        m_offsetAtPress = m_offset;
+        m_dragging = false;
+    }
     Items::mousePressEvent(event);
 }
 
@@ -296,6 +327,9 @@ void StripView::mouseMoveEvent(QMouseEvent *event)
 
 void StripView::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
     m_pressed.reset();
     if (m_dragging) {
         m_dragging = false;
@@ -417,4 +451,4 @@ void FilmStrip::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(0, 0), QPointF(width(), 0));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -7,7 +7,7 @@
 #include "app/EditorContext.h"
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -25,6 +25,8 @@ public:
     bool itemEnabled(int index) const override;
     bool itemChosen(int index) const override;
     bool isAddTile(int index) const;
+    /// Where the item's picture is drawn, in its own ratio, within its place.
+    QRect pictureRect(int index) const;
     int lastItem() const override { return count() - 2; }
     bool arrowsChoose(int index) const override { return !isAddTile(index); }
 
@@ -40,6 +42,7 @@ protected:
 
 private:
     QImage thumbnail(int index) const;
+    QRect pictureRect(int index, const QImage &image) const;
     /// Asks for the visible pictures whose photos have changed.
     void requestChanged();
     int widthOf(const PhotoItem &photo) const;
@@ -87,4 +90,4 @@ private:
     Button *m_remove;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

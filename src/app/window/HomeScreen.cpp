@@ -6,7 +6,6 @@
 #include <QBoxLayout>
 #include <QDateTime>
 #include <QEvent>
-#include <QFileInfo>
 #include <QLocale>
 #include <QPainter>
 
@@ -18,22 +17,30 @@
 #include "app/kit/Shadow.h"
 #include "app/kit/Switch.h"
 #include "app/kit/Theme.h"
-#include "model/LibraryPaths.h"
+#include "app/window/RecoveryCard.h"
+#include "language/Plural.h"
 #include "pipeline/PlacedPhoto.h"
 #include "render/BuiltInTemplate.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
 constexpr QSize dropCard(944, 416);
 constexpr int continueHeight = 96;
 constexpr int topDistance = 104;
+/// With a kept session below it, the drop card is lower and begins higher.
+constexpr int lowDropHeight = 376;
+constexpr int lowTopDistance = 48;
+/// What the drop card gives way to at the most.
+constexpr int leastDropHeight = 200;
 constexpr int cardGap = 24;
 constexpr int sideMargin = 24;
 constexpr int shownPhotos = 6;
+constexpr int leastTop = 12;
+constexpr QSize samplesSize(460, 400);
 
 class Card : public QWidget {
 public:
@@ -95,6 +102,15 @@ QImage framed(const Sample &sample, double ratio)
     return image;
 }
 
+/// A card lower than this is too low for them.
+constexpr int leastSampleHeight = 240;
+
+QDateTime dateTime(SecondsSince2001 seconds)
+{
+    const QDateTime epoch(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    return epoch.addMSecs(static_cast<qint64>(seconds * 1000)).toLocalTime();
+}
+
 /// "yesterday, 18:40", in the current language.
 QString spokenTime(const QDateTime &time)
 {
@@ -113,7 +129,9 @@ QString spokenTime(const QDateTime &time)
 
 SampleFrames::SampleFrames(QWidget *parent) : QWidget(parent)
 {
-    setFixedSize(460, 400);
+    setFixedWidth(samplesSize.width());
+    setMinimumHeight(0);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
 }
 
 void SampleFrames::paintEvent(QPaintEvent *)
@@ -127,6 +145,10 @@ void SampleFrames::paintEvent(QPaintEvent *)
     }
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const double scale = std::min(double(height()) / samplesSize.height(), 1.0);
+    painter.translate(width() / 2.0, height() / 2.0);
+    painter.scale(scale, scale);
+    painter.translate(-samplesSize.width() / 2.0, -samplesSize.height() / 2.0);
     for (size_t i = 0; i < samples.size(); ++i) {
         const Sample &sample = samples.at(i);
         painter.save();
@@ -176,6 +198,7 @@ void SessionRow::paintEvent(QPaintEvent *)
 HomeScreen::HomeScreen(const EditorContext &context)
     : m_context(context),
       m_drop(makeDropCard()),
+      m_recovery(new RecoveryCard(context)),
       m_continue(makeContinueCard()),
       m_privacy(makeHint(
           "lock", said({"照片均在本机处理。导出文件不含 GPS 信息，也没有应用水印。",
@@ -183,9 +206,15 @@ HomeScreen::HomeScreen(const EditorContext &context)
                         "Images traitées localement. Les exports ne contiennent ni données GPS ni "
                         "filigrane."})))
 {
-    for (QWidget *part : {m_drop, m_continue, m_privacy}) {
+    for (QWidget *part : {m_drop, static_cast<QWidget *>(m_recovery), m_continue, m_privacy}) {
         part->setParent(this);
     }
+    connect(m_recovery, &RecoveryCard::restored, this, &HomeScreen::continueAsked);
+    connect(&context.model, &EditorModel::changed, this, [this](EditorModel::Changes changes) {
+        if (changes & EditorModel::PhotosChanged && isVisible()) {
+            refresh();
+        }
+    });
     refresh();
 }
 
@@ -195,7 +224,8 @@ QWidget *HomeScreen::makeDropCard()
     auto *row = new QHBoxLayout(card);
     row->setContentsMargins(0, 8, 40, 8);
     row->setSpacing(0);
-    row->addWidget(new SampleFrames);
+    m_samples = new SampleFrames;
+    row->addWidget(m_samples);
     auto *column = new QVBoxLayout;
     column->setSpacing(0);
     column->addStretch();
@@ -244,10 +274,19 @@ QWidget *HomeScreen::makeContinueCard()
     column->addStretch();
     row->addLayout(column, 1);
     row->addWidget(new SessionRow(m_context));
-    auto *go = new Button(Button::Kind::Secondary, said({"继续", "Continue", "Reprendre"}));
-    connect(go, &QPushButton::clicked, this, &HomeScreen::continueAsked);
-    row->addWidget(go);
+    m_go = new Button(Button::Kind::Secondary, said({"继续", "Continue", "Reprendre"}));
+    connect(m_go, &QPushButton::clicked, this, &HomeScreen::continueAsked);
+    row->addWidget(m_go);
     return card;
+}
+
+void HomeScreen::takeKeyboard()
+{
+    if (!m_recovery->isHidden()) {
+        m_recovery->focusDefault();
+        return;
+    }
+    (m_continue->isHidden() ? m_add : m_go)->setFocus(Qt::OtherFocusReason);
 }
 
 QWidget *HomeScreen::addButton() const
@@ -260,12 +299,10 @@ void HomeScreen::refresh()
     const qsizetype count = m_context.model.photos().size();
     m_continue->setVisible(count > 0);
     m_autoApply->show(m_context.model.autoApplyLastStyle());
-    const QFileInfo document(m_context.model.libraryFolder() + u'/' + LibraryPaths::sessionFileName());
-    m_summary->setPhrase([count, time = document.lastModified()] {
-        const QString photos = count == 1
-                                   ? localized({"1 张照片", "1 photo", "1 photo"})
-                                   : QString::number(count) + localized({" 张照片", " photos", " photos"});
-        return time.isValid() ? photos + u" · "_s + spokenTime(time) : photos;
+    m_recovery->refresh();
+    m_summary->setPhrase([count, edited = m_context.model.lastEdit()] {
+        const QString photos = countedPhotos(count);
+        return edited ? photos + u" · "_s + spokenTime(dateTime(*edited)) : photos;
     });
     place();
 }
@@ -273,13 +310,22 @@ void HomeScreen::refresh()
 void HomeScreen::place()
 {
     const int wide = std::min(dropCard.width(), width() - 2 * sideMargin);
-    const bool two = !m_continue->isHidden();
-    const int needed = dropCard.height() + (two ? cardGap + continueHeight : 0);
+    const bool kept = !m_recovery->isHidden();
+    const int below = (kept ? cardGap + RecoveryCard::cardHeight : 0) +
+                      (m_continue->isHidden() ? 0 : cardGap + continueHeight);
     const int room = height() - 56;
-    const int top = std::max(std::min(topDistance, (room - needed) / 2), 16);
+    const int highest = kept ? lowDropHeight : dropCard.height();
+    const int drop = std::clamp(room - below - 2 * leastTop, leastDropHeight, highest);
+    const int top = std::max(std::min(kept ? lowTopDistance : topDistance, (room - below - drop) / 2), leastTop);
     const int left = (width() - wide) / 2;
-    m_drop->setGeometry(left, top, wide, dropCard.height());
-    m_continue->setGeometry(left, top + dropCard.height() + cardGap, wide, continueHeight);
+    m_samples->setVisible(drop >= leastSampleHeight);
+    m_drop->setGeometry(left, top, wide, drop);
+    int next = top + drop + cardGap;
+    if (kept) {
+        m_recovery->setGeometry(left, next, wide, RecoveryCard::cardHeight);
+        next += RecoveryCard::cardHeight + cardGap;
+    }
+    m_continue->setGeometry(left, next, wide, continueHeight);
     const auto *privacy = m_privacy->findChild<Label *>();
     const int wanted = privacy->fontMetrics().horizontalAdvance(privacy->text()) + 32;
     const int privacyWidth = std::min(wanted, width() - 2 * sideMargin);
@@ -304,4 +350,4 @@ void HomeScreen::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), theme().canvas);
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -5,10 +5,11 @@
 
 #include "app/EditorContext.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
+class RecoveryCard;
 class Switch;
 
 /// Three framed photos that show what the program does.
@@ -50,6 +51,8 @@ public:
     /// Offers the stored session again.
     void refresh();
     QWidget *addButton() const;
+    /// The keyboard starts on what one most likely wants: to go on, or to begin.
+    void takeKeyboard();
 
 Q_SIGNALS:
     void continueAsked();
@@ -66,11 +69,14 @@ private:
 
     EditorContext m_context;
     QWidget *m_drop;
+    RecoveryCard *m_recovery;
     QWidget *m_continue;
     QWidget *m_privacy;
     Button *m_add;
+    Button *m_go;
     Switch *m_autoApply;
     Label *m_summary;
+    SampleFrames *m_samples;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -2,15 +2,12 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QCloseEvent>
+#include <QFileInfo>
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QPainter>
 #include <QShortcut>
 #include <QStackedLayout>
-#include <QThreadPool>
-#include <QTimer>
 
 #include "app/Wording.h"
 #include "app/canvas/CanvasView.h"
@@ -19,6 +16,7 @@
 #include "app/export/ExportPanel.h"
 #include "app/export/SuccessSheet.h"
 #include "app/handwriting/HandwritingScreen.h"
+#include "app/kit/Accessible.h"
 #include "app/kit/Button.h"
 #include "app/kit/Focus.h"
 #include "app/kit/Overlay.h"
@@ -29,16 +27,17 @@
 #include "app/window/DropVeil.h"
 #include "app/window/EditorActions.h"
 #include "app/window/EditorPage.h"
-#include "app/window/FileDrops.h"
 #include "app/window/FilmStrip.h"
 #include "app/window/HomeScreen.h"
 #include "app/window/ToolPanel.h"
 #include "app/window/TopBar.h"
+#include "app/window/WindowClosing.h"
 #include "export/PhotoLibrary.h"
+#include "language/Plural.h"
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 MainWindow::MainWindow(const WindowServices &services)
     : m_services(services),
@@ -50,6 +49,8 @@ MainWindow::MainWindow(const WindowServices &services)
       m_toast(new Toast(this))
 {
     setWindowTitle(u"Tarnovel"_s);
+    setAccessibleRole(*this, QAccessible::Window);
+    setAccessibleName(windowTitle());
     setAcceptDrops(true);
     m_pages->setContentsMargins(0, 0, 0, 0);
     m_pages->addWidget(m_page);
@@ -64,11 +65,14 @@ MainWindow::MainWindow(const WindowServices &services)
             if (currentPage() == m_page && !m_page->atHome() && !overlayOpen()) {
                 m_page->showExport(false);
                 state().setTool(toolRows.at(i).tool);
+                m_page->showDrawer(true);
             }
         });
     }
     m_placement.restore();
+    m_closing = std::make_unique<WindowClosing>(*this, m_services.editor);
     updateActions();
+    m_page->home()->takeKeyboard();
 }
 
 MainWindow::~MainWindow() = default;
@@ -83,8 +87,8 @@ void MainWindow::connectActions()
         showEditor();
         m_page->showExport(!m_page->exportShown());
     });
-    m_actions->connectTo(Act::Undo, [this] { m_services.editor.model.undo(); });
-    m_actions->connectTo(Act::Redo, [this] { m_services.editor.model.redo(); });
+    m_actions->connectTo(Act::Undo, [this] { m_services.editor.model.undoVisibly(); });
+    m_actions->connectTo(Act::Redo, [this] { m_services.editor.model.redoVisibly(); });
     when(Act::ApplyToAll, &MainWindow::applyToAll);
     when(Act::SaveStyle, &MainWindow::askStyleName);
     when(Act::Collage, &MainWindow::showCollage);
@@ -93,6 +97,10 @@ void MainWindow::connectActions()
     m_actions->connectTo(Act::Guide, [this] { showSettings(); });
     m_actions->connectTo(Act::Settings, [this] { showSettings(); });
     when(Act::Paste, &MainWindow::paste);
+    // One window is the whole program.
+    m_actions->connectTo(Act::Close, [this] { close(); });
+    m_actions->connectTo(Act::Quit, [this] { close(); });
+    m_actions->connectTo(Act::FullScreen, [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
 }
 
 void MainWindow::connectState()
@@ -141,6 +149,30 @@ void MainWindow::connectState()
             showEditor();
         }
     });
+}
+
+HandwritingScreen *MainWindow::handwriting() const
+{
+    return m_handwriting;
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    event->setAccepted(m_closing->mayClose());
+    if (event->isAccepted()) {
+        m_placement.remember();
+    }
+}
+
+void MainWindow::saveNow()
+{
+    m_closing->saveNow();
+    m_placement.remember();
+}
+
+void MainWindow::offerDrafts()
+{
+    m_closing->offerDrafts();
 }
 
 CollageScreen *MainWindow::collage() const
@@ -211,29 +243,47 @@ void MainWindow::showCollage()
 {
     if (!m_collage) {
         m_collage = new CollageScreen(m_services.editor, m_services.chooser);
-        connect(m_collage, &CollageScreen::closeAsked, this, &MainWindow::showEditor);
-        connect(m_collage, &CollageScreen::finished, this, &MainWindow::showEditor);
+        for (const auto ended : {&CollageScreen::closeAsked, &CollageScreen::finished}) {
+            connect(m_collage, ended, this, &MainWindow::showEditor);
+            connect(m_collage, ended, this, [this] { m_closing->forgetDraft(Drafts::Kind::Collage); });
+        }
     }
     showPage(m_collage);
     m_collage->begin();
 }
 
-void MainWindow::showHandwriting()
+HandwritingScreen &MainWindow::handwritingScreen()
 {
     if (!m_handwriting) {
         m_handwriting = new HandwritingScreen(m_services.editor);
-        connect(m_handwriting, &HandwritingScreen::closeAsked, this, &MainWindow::showEditor);
-        connect(m_handwriting, &HandwritingScreen::finished, this, &MainWindow::showEditor);
+        for (const auto ended : {&HandwritingScreen::closeAsked, &HandwritingScreen::finished}) {
+            connect(m_handwriting, ended, this, &MainWindow::showEditor);
+            connect(m_handwriting, ended, this,
+                    [this] { m_closing->forgetDraft(Drafts::Kind::Handwriting); });
+        }
     }
-    showPage(m_handwriting);
-    if (!m_handwriting->begin()) {
+    return *m_handwriting;
+}
+
+void MainWindow::showHandwriting()
+{
+    HandwritingScreen &screen = handwritingScreen();
+    showPage(&screen);
+    if (!screen.begin()) {
         showEditor();
     }
 }
 
+bool MainWindow::resumeHandwriting(const QByteArray &draft)
+{
+    HandwritingScreen &screen = handwritingScreen();
+    showPage(&screen);
+    return screen.resume(draft);
+}
+
 Overlay *MainWindow::showSettings()
 {
-    return tarnovel::showSettings(this, m_services.editor, m_services.appearance, [this] {
+    return app::showSettings(this, m_services.editor, m_services.appearance, [this] {
         m_services.languageChosen();
         retranslate();
     });
@@ -290,65 +340,6 @@ void MainWindow::updateActions()
     m_actions->setEnabled(Act::Settings, onPage);
 }
 
-void MainWindow::openPhotos(const QStringList &photos)
-{
-    if (!photos.isEmpty()) {
-        import(photos, ImportMode::Photos, ImportSource::Files);
-    }
-    if (isVisible()) {
-        setWindowState(windowState() & ~Qt::WindowMinimized);
-        raise();
-        activateWindow();
-    }
-}
-
-void MainWindow::import(const QStringList &files, ImportMode mode, ImportSource source)
-{
-    if (files.isEmpty()) {
-        return;
-    }
-    ImportRequest request;
-    request.paths = files;
-    request.mode = mode;
-    request.source = source;
-    m_services.editor.imports.start(request);
-}
-
-bool MainWindow::backgroundWanted() const
-{
-    const PhotoItem *photo = m_services.editor.model.current();
-    return photo && !m_page->atHome() && !m_page->exportShown() &&
-           m_services.editor.state.tool() == Tool::Background &&
-           photo->settings.background == Backdrop::image;
-}
-
-void MainWindow::paste()
-{
-    const QMimeData *copied = QApplication::clipboard()->mimeData();
-    const QStringList files = FileDrops::pictures(copied);
-    if (!files.isEmpty()) {
-        import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
-        return;
-    }
-    const QImage image = qvariant_cast<QImage>(copied->imageData());
-    if (image.isNull() || !m_pasted.isValid()) {
-        state().say(localized({"剪贴板里没有图片。", "There is no picture on the clipboard.",
-                               "Il n’y a pas d’image dans le presse-papiers."}),
-                    Toast::Kind::Plain);
-        return;
-    }
-    const QString name = localized({"粘贴的图片", "Pasted picture", "Image collée"});
-    const QString path = m_pasted.filePath(u"%1 %2.png"_s.arg(name).arg(++m_pastes));
-    QThreadPool::globalInstance()->start([window = QPointer<MainWindow>(this), image, path] {
-        const bool saved = image.save(path, "PNG", 90);
-        QMetaObject::invokeMethod(qApp, [window, path, saved] {
-            if (saved && window) {
-                window->import({path}, ImportMode::Photos, ImportSource::Files);
-            }
-        });
-    });
-}
-
 void MainWindow::askRemove()
 {
     if (!m_services.editor.model.current()) {
@@ -394,11 +385,9 @@ void MainWindow::applyToAll()
         return;
     }
     model.applyToAll();
-    const QString count = QString::number(model.photos().size());
-    state().say(model.photos().size() == 1
-                    ? localized({"风格已应用。", "Style applied.", "Style appliqué."})
-                    : localized({"风格已应用到 ", "Style applied to ", "Style appliqué aux "}) + count +
-                          localized({" 张照片。", " photos.", " photos."}),
+    state().say(counted(model.photos().size(), {"风格已应用。", "Style applied.", "Style appliqué."},
+                        {"风格已应用到 %1 张照片。", "Style applied to %1 photos.",
+                         "Style appliqué aux %1 photos."}),
                 Toast::Kind::Done);
 }
 
@@ -412,6 +401,7 @@ void MainWindow::showFolderSuccess()
     const qsizetype count = result->files.size();
     m_success = showSuccess(this,
                             {[count] { return ExportTexts::exported(count); }, result->folder, result->files,
+                             result->skipped, {},
                              [panel] {
                                  const std::optional<ExportResult> &now = panel->folderExport().result();
                                  return now ? now->thumbnails : QList<QImage>();
@@ -431,7 +421,9 @@ void MainWindow::showLibrarySuccess()
     m_success =
         showSuccess(this,
                     {[] { return LibraryExport::savedText(); }, QFileInfo(run.saved().first()).absolutePath(),
-                     run.saved(), [&run] { return run.thumbnails(); }, run.quote()},
+                     run.saved(), run.run().skippedNames(),
+                     [] { return Wording::local(LibraryExport::shareText()); },
+                     [&run] { return run.thumbnails(); }, run.quote()},
                     [this](const QString &text) { state().say(text, Toast::Kind::Done); });
     connect(&run, &LibraryExport::changed, m_success, qOverload<>(&QWidget::update));
 }
@@ -474,39 +466,6 @@ void MainWindow::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
-void MainWindow::closeEvent(QCloseEvent *event)
-{
-    if (m_page->exporting()->working() && !m_mayStopExport) {
-        event->ignore();
-        if (overlayOpen()) {
-            return;
-        }
-        ask(currentPage(),
-            {said({"停止导出？", "Stop exporting?", "Arrêter l’export ?"}),
-             said({"已导出的照片会保留。", "Photos that are already exported stay.",
-                   "Les photos déjà exportées restent."}),
-             said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
-            [this] {
-                m_mayStopExport = true;
-                close();
-            });
-        return;
-    }
-    if (currentPage() == m_collage && m_collage->studio()) {
-        event->ignore();
-        m_collage->askToClose([this] { QTimer::singleShot(0, this, &QWidget::close); });
-        return;
-    }
-    if (currentPage() == m_handwriting && m_handwriting->hasUnsavedInk()) {
-        event->ignore();
-        m_handwriting->leave([this] { close(); });
-        return;
-    }
-    m_placement.remember();
-    m_services.editor.model.flush();
-    event->accept();
-}
-
 void MainWindow::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_F6 && currentPage() == m_page) {
@@ -520,65 +479,12 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
             m_services.editor.imports.cancel();
         } else if (m_page->exportShown()) {
             m_page->showExport(false);
+        } else if (m_page->drawerShown()) {
+            m_page->showDrawer(false);
         }
         return;
     }
     QWidget::keyPressEvent(event);
 }
 
-void MainWindow::dragEnterEvent(QDragEnterEvent *event)
-{
-    if (!FileDrops::hasFiles(event->mimeData())) {
-        return;
-    }
-    if (currentPage() == m_collage) {
-        event->acceptProposedAction();
-        return;
-    }
-    if (currentPage() != m_page) {
-        return;
-    }
-    const qsizetype count = FileDrops::pictures(event->mimeData()).size();
-    m_veil->setGeometry(m_page->dropArea());
-    m_veil->offer(count == 0           ? DropVeil::Offer::Nothing
-                  : backgroundWanted() ? DropVeil::Offer::Background
-                                       : DropVeil::Offer::Photos,
-                  count);
-    m_dropUsable = count > 0;
-    acceptDrag(event);
-}
-
-void MainWindow::dragMoveEvent(QDragMoveEvent *event)
-{
-    acceptDrag(event);
-}
-
-void MainWindow::acceptDrag(QDropEvent *event) const
-{
-    // What cannot be used is accepted for nothing: the pointer says so, and the drag tells when it leaves.
-    event->setDropAction(m_dropUsable || currentPage() == m_collage ? event->proposedAction()
-                                                                    : Qt::IgnoreAction);
-    event->accept();
-}
-
-void MainWindow::dragLeaveEvent(QDragLeaveEvent *)
-{
-    m_veil->hide();
-}
-
-void MainWindow::dropEvent(QDropEvent *event)
-{
-    m_veil->hide();
-    const QStringList files = FileDrops::pictures(event->mimeData());
-    if (currentPage() == m_collage) {
-        m_collage->addFiles(files);
-        event->acceptProposedAction();
-        return;
-    }
-    if (!files.isEmpty()) {
-        import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
-        event->acceptProposedAction();
-    }
-}
-
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -3,17 +3,22 @@
 #include <memory>
 
 #include <QPointer>
-#include <QTemporaryDir>
 #include <QWidget>
 
 #include "app/Appearance.h"
 #include "app/EditorContext.h"
 #include "app/FileChooser.h"
 #include "app/window/WindowPlacement.h"
+#include "base/ScratchFolder.h"
 
+class QMimeData;
 class QStackedLayout;
 
 namespace tarnovel {
+class PhotoLibrary;
+}
+
+namespace tarnovel::app {
 
 class CollageScreen;
 class DropVeil;
@@ -22,8 +27,8 @@ class EditorPage;
 class HandwritingScreen;
 class ManagePhotos;
 class Overlay;
-class PhotoLibrary;
 class SetPreview;
+class WindowClosing;
 
 /// What the window works with; all of it outlives it.
 struct WindowServices {
@@ -44,9 +49,10 @@ public:
     ~MainWindow() override;
 
     /// Brings photos in, as another start of the program or the command line asks.
-    void openPhotos(const QStringList &photos);
+    void openPhotos(const QStringList &photos, const QString &activationToken = {});
 
     CollageScreen *collage() const;
+    HandwritingScreen *handwriting() const;
     EditorPage *page() const { return m_page; }
     Toast *toast() const { return m_toast; }
     EditorState &state() { return m_services.editor.state; }
@@ -54,12 +60,21 @@ public:
     void showSetPreview();
     void showCollage();
     void showHandwriting();
+    /// Goes on with a draft; false when it cannot be read, or its photo has gone.
+    bool resumeHandwriting(const QByteArray &draft);
     Overlay *showSettings();
     /// Shows every text in the language that holds now.
     void retranslate();
     /// Back to the editor, or home when nothing is left.
     void showEditor();
     QWidget *currentPage() const;
+    /// A question or a sheet lies over the page.
+    bool overlayOpen() const;
+    /// Keeps everything without a question, for a program that has to end now: edits, photos that have come in,
+    /// and drafts of what the studios hold.
+    void saveNow();
+    /// Offers what an earlier end of the program left unfinished.
+    void offerDrafts();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -74,16 +89,18 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    HandwritingScreen &handwritingScreen();
     void connectActions();
     void connectState();
     void modelChanged(EditorModel::Changes changes);
     void updateActions();
-    bool overlayOpen() const;
     void acceptDrag(QDropEvent *event) const;
     void showPage(QWidget *page);
     void import(const QStringList &files, ImportMode mode, ImportSource source);
     bool backgroundWanted() const;
     void paste();
+    /// Takes the picture itself, where no file of it is at hand. False when there is none.
+    bool importImage(const QMimeData *carried, const QString &name);
     void askRemove();
     void askStyleName();
     void applyToAll();
@@ -104,10 +121,10 @@ private:
     Toast *m_toast;
     QPointer<Overlay> m_success;
     /// Pictures from the clipboard wait here for their import.
-    QTemporaryDir m_pasted;
+    std::unique_ptr<ScratchFolder> m_pasted;
     int m_pastes = 0;
-    bool m_mayStopExport = false;
+    std::unique_ptr<WindowClosing> m_closing;
     bool m_dropUsable = false;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -22,7 +22,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -46,6 +46,9 @@ ToolPanel::ToolPanel(const EditorContext &context)
                              Button::Face::IconOnly))
 {
     setFixedWidth(panelWidth);
+    m_reset->setObjectName(u"reset"_s);
+    m_applyToAll->setObjectName(u"applyToAll"_s);
+    m_saveStyle->setObjectName(u"saveStyle"_s);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(1, 0, 0, 0);
     column->setSpacing(0);
@@ -118,9 +121,21 @@ Section *ToolPanel::section()
     Section *&made = m_sections.at(index);
     if (!made) {
         made = make(tool);
+        QList<QWidget *> stops;
+        for (QWidget *next = made->nextInFocusChain(); next != made; next = next->nextInFocusChain()) {
+            stops.append(next);
+        }
         m_areas.at(index) = new ScrollArea;
         m_areas.at(index)->hold(made);
         m_pages->addWidget(m_areas.at(index));
+        // From the body one comes to the footer, whichever was made first.
+        QWidget *before = m_reset;
+        for (QWidget *stop : stops) {
+            setTabOrder(before, stop);
+            before = stop;
+        }
+        setTabOrder(before, m_applyToAll);
+        setTabOrder(m_applyToAll, m_saveStyle);
     }
     return made;
 }
@@ -142,4 +157,4 @@ void ToolPanel::paintEvent(QPaintEvent *)
     Paint::hairline(painter, QPointF(0, height() - footerHeight), QPointF(width(), height() - footerHeight));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

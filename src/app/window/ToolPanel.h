@@ -6,7 +6,7 @@
 
 class QStackedWidget;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 class Label;
@@ -43,4 +43,4 @@ private:
     std::array<ScrollArea *, toolRows.size()> m_areas = {};
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

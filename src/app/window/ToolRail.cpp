@@ -1,17 +1,24 @@
 #include "app/window/ToolRail.h"
 
+#include <algorithm>
+
 #include <QPainter>
 
 #include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
-constexpr QSize item(72, 56);
+constexpr int itemWidth = 72;
+constexpr int itemHeight = 56;
+/// Where the window is too low for all.
+constexpr int leastItemHeight = 44;
 constexpr int topMargin = 4;
 constexpr int groupGap = 13;
+/// Icon and caption, one under the other.
+constexpr int contentHeight = 42;
 
 const ToolRow &rowAt(int index)
 {
@@ -32,11 +39,14 @@ ToolRail::ToolRail(EditorState &state) : Items(Arrows::Choose), m_state(state)
 
 QRect ToolRail::itemRect(int index) const
 {
-    int y = topMargin + index * item.height();
+    const auto groups = static_cast<int>(std::ranges::count_if(toolRows, &ToolRow::beginsGroup));
+    const int room = height() - 2 * topMargin - groups * groupGap;
+    const int each = std::clamp(room / count(), leastItemHeight, itemHeight);
+    int y = topMargin + index * each;
     for (int i = 0; i <= index; ++i) {
         y += rowAt(i).beginsGroup ? groupGap : 0;
     }
-    return {(width() - item.width()) / 2, y, item.width(), item.height()};
+    return {(width() - itemWidth) / 2, y, itemWidth, each};
 }
 
 QString ToolRail::itemName(int index) const
@@ -69,11 +79,11 @@ void ToolRail::paintItem(QPainter &painter, int index, const State &state)
         Paint::outline(painter, box.adjusted(1, 1, -1, -1), 7, look.accent, 2);
     }
     const QColor color = state.chosen ? look.accent : state.hovered ? look.ink : look.inkSecondary;
-    Icons::draw(painter, rowAt(index).icon, {box.center().x() - 10, box.top() + 8}, 20, color);
+    const int top = box.top() + (box.height() - contentHeight) / 2;
+    Icons::draw(painter, rowAt(index).icon, {box.center().x() - 10.0, top + 1.0}, 20, color);
     painter.setFont(typeFont(state.chosen ? Type::CaptionStrong : Type::Caption));
     painter.setPen(color);
-    painter.drawText(QRectF(box.left() - 4, box.top() + 32, box.width() + 8, 18), Qt::AlignCenter,
-                     itemName(index));
+    painter.drawText(QRectF(box.left() - 4, top + 25, box.width() + 8, 18), Qt::AlignCenter, itemName(index));
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -3,7 +3,7 @@
 #include "app/EditorContext.h"
 #include "app/kit/Items.h"
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 /// The column of tools at the window's edge.
 class ToolRail : public Items {
@@ -25,4 +25,4 @@ private:
     EditorState &m_state;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 namespace {
 
@@ -78,9 +78,10 @@ void TopBar::setHome(bool home)
     m_export->setVisible(!home);
 }
 
-void TopBar::setExportProgress(const QString &progress)
+void TopBar::setExportProgress(const QString &progress, bool held)
 {
-    m_export->setBusy(!progress.isEmpty());
+    m_export->setBusy(!progress.isEmpty() && !held);
+    m_export->setIconName(held ? "warn" : "export");
     if (progress.isEmpty()) {
         m_export->setPhrase(said({"导出", "Export", "Exporter"}));
     } else {
@@ -103,4 +104,4 @@ void TopBar::paintEvent(QPaintEvent *)
     }
 }
 
-} // namespace tarnovel
+} // namespace tarnovel::app

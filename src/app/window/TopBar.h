@@ -4,7 +4,7 @@
 
 class QAction;
 
-namespace tarnovel {
+namespace tarnovel::app {
 
 class Button;
 
@@ -28,7 +28,8 @@ public:
     /// Without photos there is nothing to undo or to export.
     void setHome(bool home);
     /// Shows a running export on its button: "5 / 12", or nothing.
-    void setExportProgress(const QString &progress);
+    /// `held` while the run waits at a photo that it could not write.
+    void setExportProgress(const QString &progress, bool held);
     QSize sizeHint() const override { return {1100, 56}; }
 
 protected:
@@ -42,4 +43,4 @@ private:
     Button *m_export;
 };
 
-} // namespace tarnovel
+} // namespace tarnovel::app

@@ -1,0 +1,82 @@
+#include "base/Log.h"
+
+#include <cstdio>
+#include <cstring>
+#include <mutex>
+
+#include <QTime>
+
+using namespace Qt::StringLiterals;
+
+namespace tarnovel {
+
+Q_LOGGING_CATEGORY(logModel, "tarnovel.model")
+Q_LOGGING_CATEGORY(logImaging, "tarnovel.imaging")
+Q_LOGGING_CATEGORY(logEditor, "tarnovel.editor")
+Q_LOGGING_CATEGORY(logExport, "tarnovel.export")
+Q_LOGGING_CATEGORY(logCollage, "tarnovel.collage")
+Q_LOGGING_CATEGORY(logHandwriting, "tarnovel.handwriting")
+Q_LOGGING_CATEGORY(logApp, "tarnovel.app")
+Q_LOGGING_CATEGORY(logCli, "tarnovel.cli")
+
+namespace {
+
+constexpr qsizetype mostLines = 200;
+
+struct Log {
+    std::mutex mutex;
+    QStringList lines;
+    bool printed = qEnvironmentVariable("QT_LOGGING_RULES").contains(u"tarnovel"_s);
+    QtMessageHandler before = nullptr;
+};
+
+Log &theLog()
+{
+    static Log log;
+    return log;
+}
+
+void take(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    Log &log = theLog();
+    if (!context.category || std::strncmp(context.category, "tarnovel.", 9) != 0) {
+        if (log.before) {
+            log.before(type, context, message);
+        }
+        return;
+    }
+    const QString line = QTime::currentTime().toString(u"HH:mm:ss.zzz "_s) +
+                         QString::fromLatin1(context.category) + u": "_s + message;
+    const std::scoped_lock lock(log.mutex);
+    log.lines.append(line);
+    if (log.lines.size() > mostLines) {
+        log.lines.removeFirst();
+    }
+    if (log.printed) {
+        std::fputs((line.toStdString() + '\n').c_str(), stderr);
+    }
+}
+
+} // namespace
+
+void installLog()
+{
+    const QtMessageHandler before = qInstallMessageHandler(take);
+    if (before != take) {
+        theLog().before = before;
+    }
+}
+
+void printLog()
+{
+    const std::scoped_lock lock(theLog().mutex);
+    theLog().printed = true;
+}
+
+QStringList lastLogLines()
+{
+    const std::scoped_lock lock(theLog().mutex);
+    return theLog().lines;
+}
+
+} // namespace tarnovel
