@@ -232,8 +232,9 @@ QString publish(const QString &source, const QString &file)
 {
     const QFileInfo goal(file);
     const QString made = publishFile(source, goal.path(), [&goal](int attempt) {
-        return attempt == 0 ? goal.fileName()
-                            : goal.completeBaseName() + u'-' + QString::number(attempt + 1) + u'.' + goal.suffix();
+        return attempt == 0
+                   ? goal.fileName()
+                   : goal.completeBaseName() + u'-' + QString::number(attempt + 1) + u'.' + goal.suffix();
     });
     return file.left(file.lastIndexOf(u'/') + 1) + QFileInfo(made).fileName();
 }

@@ -80,8 +80,8 @@ FrameSettings styleFrom(const QString &path)
         resolveFiles(settings, QFileInfo(path).absoluteDir());
         return settings;
     } catch (const FileError &error) {
-        throw Refusal{path, localized({"无法读取这个样式：", "Cannot read this style: ",
-                                       "Impossible de lire ce style\u202f: "}) +
+        throw Refusal{path, localized({"无法读取这个样式：",
+                                       "Cannot read this style: ", "Impossible de lire ce style\u202f: "}) +
                                 errorDescription(error)};
     } catch (const JsonError &error) {
         throw Refusal{path, localized({"这不是有效的样式：", "Not a valid style: ", "Style non valide : "}) +
@@ -222,9 +222,9 @@ public:
         } catch (const FileError &error) {
             const QString temporary = QDir::tempPath();
             const bool elsewhere = error.path().startsWith(temporary + u"/tarnovel-run-"_s);
-            const QString where = elsewhere ? localized({"临时文件夹 ", "temporary folder ", "dossier temporaire "}) +
-                                                  temporary
-                                            : m_request.folder;
+            const QString where =
+                elsewhere ? localized({"临时文件夹 ", "temporary folder ", "dossier temporaire "}) + temporary
+                          : m_request.folder;
             reportFailure(photo, where + u": "_s + errorDescription(error));
         }
         ++m_done;

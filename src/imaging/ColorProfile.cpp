@@ -99,8 +99,8 @@ QImage convertedByTables(const QImage &image, const QByteArray &profile)
     if (converted.size() != pixels.bytes.size()) {
         return image;
     }
-    const QImage wrapped(reinterpret_cast<const uchar *>(converted.constData()), image.width(), image.height(),
-                         rowBytes, straight.format());
+    const QImage wrapped(reinterpret_cast<const uchar *>(converted.constData()), image.width(),
+                         image.height(), rowBytes, straight.format());
     return wrapped.convertToFormat(image.format());
 }
 
@@ -139,10 +139,10 @@ QImage convertedFrom(QImage image, const QColorSpace &space)
 
 QImage inBytes(const QImage &image)
 {
-    return image.depth() == 32 ? image
-                               : image.convertToFormat(image.hasAlphaChannel()
-                                                           ? QImage::Format_ARGB32_Premultiplied
-                                                           : QImage::Format_RGB32);
+    return image.depth() == 32
+               ? image
+               : image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                               : QImage::Format_RGB32);
 }
 
 } // namespace

@@ -25,8 +25,8 @@ namespace {
 
 constexpr int longestTargetSide = 32'000;
 
-/// A header, the profile that a JPEG file keeps beside it, and the colours that a file states otherwise, which
-/// hold where it has no profile.
+/// A header, the profile that a JPEG file keeps beside it, and the colours that a file states otherwise,
+/// which hold where it has no profile.
 struct Opened {
     ImageHeader header;
     QByteArray profile;

@@ -41,8 +41,8 @@ struct JpegSearchResult {
 /// find, where a quality that fits raises the lower end. Throws OperationCancelled between encodings.
 JpegSearchResult searchJpegQuality(const QImage &image, qint64 limit, const std::stop_token &stop = {});
 
-/// A PNG at a fast compression level that says that it is sRGB. Opaque images give RGB, others RGBA. Throws OperationCancelled
-/// between rows.
+/// A PNG at a fast compression level that says that it is sRGB. Opaque images give RGB, others RGBA. Throws
+/// OperationCancelled between rows.
 QByteArray encodePng(const QImage &image, const std::stop_token &stop = {});
 
 } // namespace tarnovel

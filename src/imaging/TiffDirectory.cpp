@@ -142,13 +142,15 @@ bool saysAdobeRgb(const QByteArray &exif)
     const TiffDirectories::Directory photo = below(block.directory(block.first()), exifDirectory);
     const TiffDirectories::Directory rules = below(photo, interoperabilityDirectory);
     const TiffField *index = rules.find(interoperabilityIndex);
-    return index && block.bytes(*index).startsWith("R03") && block.number(photo, colorSpace).value_or(0) != srgb;
+    return index && block.bytes(*index).startsWith("R03") &&
+           block.number(photo, colorSpace).value_or(0) != srgb;
 }
 
 TiffPicture findTiffPicture(const TiffDirectories &file)
 {
     const auto pixels = [&file](const TiffDirectories::Directory &directory) {
-        return file.number(directory, imageWidth).value_or(0) * file.number(directory, imageHeight).value_or(0);
+        return file.number(directory, imageWidth).value_or(0) *
+               file.number(directory, imageHeight).value_or(0);
     };
     // A smaller version of a picture that stands elsewhere in the file.
     const auto isPreview = [&](const TiffDirectories::Directory &directory) {

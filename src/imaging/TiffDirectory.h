@@ -52,8 +52,8 @@ private:
     qint64 m_first = 0;
 };
 
-/// Whether an EXIF block marks its picture as Adobe RGB the way cameras do, by rule R03 of the file system for
-/// cameras (DCF) with a colour space that is not sRGB.
+/// Whether an EXIF block marks its picture as Adobe RGB the way cameras do, by rule R03 of the file system
+/// for cameras (DCF) with a colour space that is not sRGB.
 bool saysAdobeRgb(const QByteArray &exif);
 
 /// What a TIFF file holds as its picture.

@@ -44,8 +44,9 @@ VipsImagePtr checked(int failed, VipsImage *const &made)
 /// The page of a TIFF file that is its picture. Throws for a file of nothing but previews.
 int pageOf(const ImageFile &file)
 {
-    const std::optional<int> page =
-        findTiffPicture(TiffDirectories([&file](qint64 at, qint64 count) { return file.read(at, count); })).page;
+    const std::optional<int> page = findTiffPicture(TiffDirectories([&file](qint64 at, qint64 count) {
+                                        return file.read(at, count);
+                                    })).page;
     // A raw file whose first directory looks like any picture's gives itself away by these two letters.
     constexpr qint64 rawMarkAt = 8;
     if (!page || file.read(rawMarkAt, 2) == "CR") {
@@ -155,8 +156,9 @@ VipsImagePtr toRgbBytes(VipsImagePtr image, QByteArray &profile)
     const VipsInterpretation kind = vips_image_guess_interpretation(image.get());
     const bool inks = kind == VIPS_INTERPRETATION_CMYK;
     if (inks || (!isRgb(kind) && !profile.isEmpty())) {
-        // A profile for grey or printing inks means nothing to the RGB pixels: it is applied here. The blackest
-        // ink is to be the screen's black; without a profile, common ones for offset printing are assumed.
+        // A profile for grey or printing inks means nothing to the RGB pixels: it is applied here. The
+        // blackest ink is to be the screen's black; without a profile, common ones for offset printing are
+        // assumed.
         profile.clear();
         VipsImage *made = nullptr;
         if (vips_icc_transform(image.get(), &made, "srgb", "embedded", TRUE, "input_profile",

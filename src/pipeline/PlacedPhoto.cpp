@@ -19,7 +19,8 @@ QImage resamplable(const QImage &image)
                                    : image.convertToFormat(QImage::Format_RGB32);
 }
 
-/// Whole pixels, at least one and not many more than the canvas has: a larger picture is enlarged as it is drawn.
+/// Whole pixels, at least one and not many more than the canvas has: a larger picture is enlarged as it is
+/// drawn.
 QSize heldPixels(QSizeF size, QSize canvas)
 {
     constexpr double mostCanvases = 2;

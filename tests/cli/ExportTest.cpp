@@ -273,7 +273,8 @@ TEST(Export, NamesThePictureThatIsAtFault)
     const Outcome field = program.run({u"export"_s, u"-o"_s, u"out"_s, u"--set"_s, u"background=image"_s,
                                        u"--set"_s, u"backgroundFile=none.png"_s, u"a.jpg"_s});
     EXPECT_EQ(field.status, 1);
-    EXPECT_EQ(field.errors, "tarnovel: a.jpg: none.png: The background picture cannot be read. There is no such file.\n");
+    EXPECT_EQ(field.errors,
+              "tarnovel: a.jpg: none.png: The background picture cannot be read. There is no such file.\n");
 }
 
 TEST(Export, SaysOfEachPhotoWhyItCannotBeRead)
@@ -282,8 +283,8 @@ TEST(Export, SaysOfEachPhotoWhyItCannotBeRead)
     ASSERT_TRUE(QDir().mkdir(program.path(u"album"_s)));
     ASSERT_EQ(mkfifo(QFile::encodeName(program.path(u"pipe"_s)).constData(), 0600), 0);
     program.file(u"empty.jpg"_s, "");
-    const Outcome outcome = program.run({u"export"_s, u"-o"_s, u"out"_s, u"gone.jpg"_s, u"album"_s, u"*.png"_s,
-                                         u"pipe"_s, u"empty.jpg"_s});
+    const Outcome outcome = program.run(
+        {u"export"_s, u"-o"_s, u"out"_s, u"gone.jpg"_s, u"album"_s, u"*.png"_s, u"pipe"_s, u"empty.jpg"_s});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errors, "tarnovel: gone.jpg: There is no such file.\n"
                               "tarnovel: album: This is a folder, not a photo.\n"
@@ -293,8 +294,9 @@ TEST(Export, SaysOfEachPhotoWhyItCannotBeRead)
     // A name that is not UTF-8 cannot even be written as an argument of Qt's.
     QProcess shell;
     shell.setWorkingDirectory(program.path(QString()));
-    shell.start(u"bash"_s, {u"-c"_s, u"printf x >$'a\\xff.jpg'; LANG=C \"$0\" inspect $'a\\xff.jpg'; rm $'a\\xff.jpg'"_s,
-                            Program::executable()});
+    shell.start(u"bash"_s,
+                {u"-c"_s, u"printf x >$'a\\xff.jpg'; LANG=C \"$0\" inspect $'a\\xff.jpg'; rm $'a\\xff.jpg'"_s,
+                 Program::executable()});
     ASSERT_TRUE(shell.waitForFinished(30'000));
     EXPECT_TRUE(shell.readAllStandardError().contains("The file’s name is not UTF-8. Rename it first."));
     const Outcome silent = program.run({u"inspect"_s, u"gone.jpg"_s});
@@ -325,7 +327,8 @@ TEST(Export, RefusesAStyleThatIsTooLargeBeforeReadingIt)
     program.photo(u"a.jpg"_s);
     QFile huge(program.path(u"huge.json"_s));
     ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize(20'000'000'000));
-    const Outcome outcome = program.run({u"export"_s, u"-o"_s, u"out"_s, u"--style"_s, u"huge.json"_s, u"a.jpg"_s});
+    const Outcome outcome =
+        program.run({u"export"_s, u"-o"_s, u"out"_s, u"--style"_s, u"huge.json"_s, u"a.jpg"_s});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errors, "tarnovel: huge.json: Not a valid style: /: larger than 64 MB\n");
 }

@@ -25,12 +25,14 @@ using namespace test;
 
 std::string text(QRgb pixel)
 {
-    return std::to_string(qRed(pixel)) + ' ' + std::to_string(qGreen(pixel)) + ' ' + std::to_string(qBlue(pixel));
+    return std::to_string(qRed(pixel)) + ' ' + std::to_string(qGreen(pixel)) + ' ' +
+           std::to_string(qBlue(pixel));
 }
 
 bool near(QRgb one, QRgb other, int tolerance)
 {
-    return std::abs(qRed(one) - qRed(other)) <= tolerance && std::abs(qGreen(one) - qGreen(other)) <= tolerance &&
+    return std::abs(qRed(one) - qRed(other)) <= tolerance &&
+           std::abs(qGreen(one) - qGreen(other)) <= tolerance &&
            std::abs(qBlue(one) - qBlue(other)) <= tolerance;
 }
 
@@ -76,15 +78,14 @@ QByteArray greyProfile(double gamma)
     profile.replace(12, 12, "mntrGRAYXYZ ");
     profile.replace(36, 4, "acsp");
     profile.replace(68, 12, big(0xf6d6, 4) + big(0x10000, 4) + big(0xd32d, 4));
-    const QByteArray description =
-        QByteArray("desc\0\0\0\0", 8) + big(2, 4) + QByteArray("g\0", 2) + QByteArray(79, '\0') + QByteArray(3, '\0');
+    const QByteArray description = QByteArray("desc\0\0\0\0", 8) + big(2, 4) + QByteArray("g\0", 2) +
+                                   QByteArray(79, '\0') + QByteArray(3, '\0');
     const QByteArray white = QByteArray("XYZ \0\0\0\0", 8) + profile.mid(68, 12);
     const QByteArray curve = QByteArray("curv\0\0\0\0", 8) + big(1, 4) +
                              big(static_cast<quint32>(std::lround(gamma * 256)), 2) + QByteArray(2, '\0');
     quint32 at = 128 + 4 + 3 * 12;
     QByteArray table = big(3, 4);
-    for (const auto &[name, content] :
-         {std::pair("desc", description), {"wtpt", white}, {"kTRC", curve}}) {
+    for (const auto &[name, content] : {std::pair("desc", description), {"wtpt", white}, {"kTRC", curve}}) {
         table += QByteArray(name, 4) + big(at, 4) + big(static_cast<quint32>(content.size()), 4);
         at += static_cast<quint32>(content.size());
     }
@@ -104,13 +105,15 @@ private:
 
 TEST_F(SourceColors, GreyPhotosGetTheTonesOfTheirProfile)
 {
-    // (100 ÷ 255) to the power 1.4 is 0.2697 of the light; sRGB writes it as 1.055 · 0.2697^(1 ÷ 2.4) − 0.055.
+    // (100 ÷ 255) to the power 1.4 is 0.2697 of the light; sRGB writes it as 1.055 · 0.2697^(1 ÷ 2.4) −
+    // 0.055.
     const int expected = 142;
     const QByteArray segment = QByteArray("ICC_PROFILE\0\x01\x01", 14) + greyProfile(1.4);
     JpegOptions grey{100};
     grey.grey = true;
     written(path(u"grey.jpg"_s), withSegment(jpeg(flat(qRgb(100, 100, 100)), grey), 0xe2, segment));
-    EXPECT_TRUE(near(decoded(u"grey.jpg"_s), qRgb(expected, expected, expected), 1)) << text(decoded(u"grey.jpg"_s));
+    EXPECT_TRUE(near(decoded(u"grey.jpg"_s), qRgb(expected, expected, expected), 1))
+        << text(decoded(u"grey.jpg"_s));
     // A grey profile in a coloured file means nothing.
     written(path(u"odd.jpg"_s), withSegment(jpeg(flat(qRgb(180, 100, 60)), {100}), 0xe2, segment));
     EXPECT_TRUE(near(decoded(u"odd.jpg"_s), qRgb(180, 100, 60), 2)) << text(decoded(u"odd.jpg"_s));
@@ -154,8 +157,8 @@ TEST_F(SourceColors, TheBlackestInkIsBlack)
     const auto saved = [this](int level, const QString &name) {
         ensureVips();
         QByteArray inks(64 * 64 * 4, static_cast<char>(level));
-        const VipsImagePtr image(vips_image_new_from_memory(inks.constData(), static_cast<size_t>(inks.size()), 64, 64,
-                                                            4, VIPS_FORMAT_UCHAR));
+        const VipsImagePtr image(vips_image_new_from_memory(
+            inks.constData(), static_cast<size_t>(inks.size()), 64, 64, 4, VIPS_FORMAT_UCHAR));
         image->Type = VIPS_INTERPRETATION_CMYK;
         ASSERT_EQ(vips_image_write_to_file(image.get(), path(name).toUtf8().constData(),
                                            static_cast<void *>(nullptr)),
@@ -179,8 +182,8 @@ TEST_F(SourceColors, SixteenBitsKeepTheirStepsThroughTheProfile)
         const auto level = static_cast<quint16>(i % 64 * 8); // 0…504: all below two of 255
         samples << level << level << level;
     }
-    const VipsImagePtr image(vips_image_new_from_memory(samples.constData(), static_cast<size_t>(samples.size()) * 2,
-                                                        64, 64, 3, VIPS_FORMAT_USHORT));
+    const VipsImagePtr image(vips_image_new_from_memory(
+        samples.constData(), static_cast<size_t>(samples.size()) * 2, 64, 64, 3, VIPS_FORMAT_USHORT));
     image->Type = VIPS_INTERPRETATION_RGB16;
     vips_image_set_blob_copy(image.get(), VIPS_META_ICC_NAME, profile.constData(),
                              static_cast<size_t>(profile.size()));
@@ -264,13 +267,16 @@ TEST_F(SourceColors, APreviewIsNeverTakenForThePicture)
     const quint32 three = 8 + 2 + 3 * 12 + 4; // behind a first directory of three fields
     EXPECT_EQ(page(file({directory(size(600, 400))})), 0);
     EXPECT_EQ(page(file({directory(QList<QByteArray>{reduced} + size(160, 120))})), std::nullopt);
-    EXPECT_EQ(page(file({directory(QList<QByteArray>{reduced} + size(160, 120), three), directory(size(600, 400))})),
+    EXPECT_EQ(page(file({directory(QList<QByteArray>{reduced} + size(160, 120), three),
+                         directory(size(600, 400))})),
               1);
     // A raw file: its first directory is a thumbnail that does not say so, the picture stands below it.
-    EXPECT_EQ(page(file({directory(size(160, 120) << field(330, 4, 1, little(three, 4))), directory(size(6000, 4000))})),
+    EXPECT_EQ(page(file({directory(size(160, 120) << field(330, 4, 1, little(three, 4))),
+                         directory(size(6000, 4000))})),
               std::nullopt);
     // Smaller versions below a picture are no matter.
-    EXPECT_EQ(page(file({directory(size(600, 400) << field(330, 4, 1, little(three, 4))), directory(size(60, 40))})),
+    EXPECT_EQ(page(file({directory(size(600, 400) << field(330, 4, 1, little(three, 4))),
+                         directory(size(60, 40))})),
               0);
 
     save(flat(qRgb(10, 200, 30)), path(u"whole.tif"_s));
