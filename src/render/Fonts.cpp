@@ -17,7 +17,8 @@ namespace tarnovel::Fonts {
 
 namespace {
 
-Q_LOGGING_CATEGORY(fonts, "tarnovel.fonts")
+// Not one of the log, which a person does not see: this one is for whoever can install the package.
+Q_LOGGING_CATEGORY(fonts, "fonts")
 
 struct Family {
     QString name;

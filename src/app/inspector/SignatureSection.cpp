@@ -1,6 +1,9 @@
 #include "app/inspector/SignatureSection.h"
 
+#include <algorithm>
+
 #include <QBoxLayout>
+#include <QImage>
 
 #include "app/inspector/EmptyState.h"
 #include "app/inspector/PictureWell.h"
@@ -31,6 +34,27 @@ Slider::Range position(double usual)
             .unit = {},
             .usual = usual * 100,
             .origin = SliderTrack::Origin::Centre};
+}
+
+/// The part of a picture that holds ink: a signature covers the whole frame and is empty but for a line.
+QImage inked(const QImage &picture)
+{
+    QRect ink;
+    const QImage alpha = picture.convertToFormat(QImage::Format_Alpha8);
+    for (int y = 0; y < alpha.height(); ++y) {
+        const uchar *row = alpha.constScanLine(y);
+        const auto *const end = row + alpha.width();
+        const auto *first = std::find_if(row, end, [](uchar level) { return level != 0; });
+        if (first == end) {
+            continue;
+        }
+        int last = alpha.width() - 1;
+        while (row[last] == 0) {
+            --last;
+        }
+        ink |= QRect(QPoint(static_cast<int>(first - row), y), QPoint(last, y));
+    }
+    return ink.isEmpty() ? picture : picture.copy(ink);
 }
 
 } // namespace
@@ -114,7 +138,11 @@ void SignatureSection::display(const PhotoItem &photo)
     m_change->setVisible(present);
     m_controls->setVisible(present);
     if (present) {
-        m_well->setPicture(model().previews().handwriting);
+        const QImage &picture = model().previews().handwriting;
+        if (picture.cacheKey() != m_shown) {
+            m_shown = picture.cacheKey();
+            m_well->setPicture(inked(picture));
+        }
         m_size->setValue(settings.handwritingWidth.value_or(absentWidth) * 100);
         m_x->setValue(settings.handwritingX.value_or(absentX) * 100);
         m_y->setValue(settings.handwritingY.value_or(absentY) * 100);

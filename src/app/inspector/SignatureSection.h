@@ -21,6 +21,8 @@ protected:
 
 private:
     PictureWell *m_well;
+    /// The picture in the well.
+    qint64 m_shown = 0;
     QWidget *m_empty;
     QWidget *m_change;
     Button *m_write;
