@@ -22,6 +22,7 @@
 #include "app/export/SuccessSheet.h"
 #include "app/handwriting/HandwritingScreen.h"
 #include "app/inspector/ColorDots.h"
+#include "app/kit/Button.h"
 #include "app/kit/Items.h"
 #include "app/kit/Motion.h"
 #include "app/kit/Overlay.h"
@@ -33,6 +34,7 @@
 #include "app/window/FilmStrip.h"
 #include "app/window/HomeScreen.h"
 #include "collage/CollageStudio.h"
+#include "model/Drafts.h"
 #include "render/BuiltInTemplate.h"
 #include "support/AppWorld.h"
 #include "support/RecordedSignature.h"
@@ -48,6 +50,23 @@ using namespace Qt::StringLiterals;
 class World : public test::AppWorld {
 public:
     World(const QStringList &photos, int count) : World(std::make_unique<QTemporaryDir>(), photos, count) {}
+
+    /// The next start over a world whose document speaks of something that this version does not know.
+    static std::unique_ptr<World> withSessionSetAside(const QStringList &photos, int count)
+    {
+        World before(photos, count);
+        before.model().flush();
+        std::unique_ptr<QTemporaryDir> folder = std::move(before.m_folder);
+        QFile document(folder->filePath(u"library/session.json"_s));
+        if (document.open(QIODevice::ReadWrite)) {
+            const QByteArray newer =
+                document.readAll().replace("\"style\":\"cinema\"", "\"style\":\"newer\"");
+            document.resize(0);
+            document.write(newer);
+        }
+        document.close();
+        return std::unique_ptr<World>(new World(std::move(folder), {}, 0));
+    }
 
 private:
     World(std::unique_ptr<QTemporaryDir> folder, const QStringList &photos, int count)
@@ -216,6 +235,35 @@ QList<Screen> editorScreens()
     screens.append({u"save-style"_s, [](World &world) {
                         Q_EMIT world.state().saveStyleAsked();
                         return closing(world.window().findChild<Overlay *>());
+                    }});
+    screens.append({u"export-stopped"_s, [](World &world) {
+                        const QString file = world.library() + u'/' + world.model().photos().last().file;
+                        QFile::rename(file, file + u".away"_s);
+                        world.answers().folder = QDir::tempPath();
+                        world.window().page()->showExport(true);
+                        ExportPanel *panel = world.window().page()->exporting();
+                        panel->findChild<Button *>(u"startExport"_s)->click();
+                        while (panel->working() && !panel->problem()) {
+                            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+                        }
+                        return [&world, panel, file] {
+                            QFile::rename(file + u".away"_s, file);
+                            panel->cancelRun();
+                            world.window().page()->showExport(false);
+                            for (Overlay *sheet : world.window().findChildren<Overlay *>()) {
+                                sheet->close();
+                            }
+                        };
+                    }});
+    screens.append({u"draft"_s, [](World &world) {
+                        Drafts::keep(world.library(), Drafts::Kind::Collage, "{}");
+                        world.window().offerDrafts();
+                        return [&world] {
+                            Drafts::remove(world.library(), Drafts::Kind::Collage);
+                            for (Overlay *sheet : world.window().findChildren<Overlay *>()) {
+                                sheet->close();
+                            }
+                        };
                     }});
     return screens;
 }
@@ -436,6 +484,8 @@ int main(int argc, char **argv)
     Motion::setReduced(true);
     Camera camera(folder, parser.value(only));
     World empty(arguments, 0);
+    const std::unique_ptr<World> kept = World::withSessionSetAside(arguments, 12);
+    camera.take(*kept, homeScreens(), u"kept"_s);
     camera.take(empty, homeScreens(), u"empty"_s);
     World full(arguments, 12);
     camera.take(full, homeScreens(), u"twelve"_s);

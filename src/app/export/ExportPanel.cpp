@@ -214,6 +214,7 @@ QWidget *ExportPanel::makeFooter()
                            : ExportTexts::startButton(m_choices.photos(m_context.model).size());
     });
     m_start->setHeight(40);
+    m_start->setObjectName(u"startExport"_s);
     m_start->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     column->addWidget(m_start);
     connect(m_start, &QPushButton::clicked, this, &ExportPanel::start);
