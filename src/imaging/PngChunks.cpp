@@ -159,7 +159,9 @@ void checkPngChunkSizes(const ImageFile &file)
         }
         const auto length = qFromBigEndian<quint32>(head.constData());
         if (type != "IDAT" && length > largestOther) {
-            throw ImageError(ImageError::Cause::TooLarge, "a giant chunk " + type);
+            const bool there = at + 12 + qint64(length) <= file.size();
+            throw ImageError(there ? ImageError::Cause::TooLarge : ImageError::Cause::Damaged,
+                             "a giant chunk " + type);
         }
         at += 12 + qint64(length);
     }
