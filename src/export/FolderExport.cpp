@@ -31,6 +31,7 @@ void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &op
     m_progress = 0;
     m_total = static_cast<int>(photos.size());
     m_error.clear();
+    m_cancelled = false;
     m_result.reset();
     m_run.start(photos, options,
                 {.deliver =
@@ -51,7 +52,11 @@ void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &op
                          }
                          sumUp();
                      },
-                 .cancelled = [this] { fail(ExportTexts::cancelled(m_written.size())); },
+                 .cancelled =
+                     [this] {
+                         m_cancelled = true;
+                         fail(ExportTexts::cancelled(m_written.size()));
+                     },
                  .paused = [this] { Q_EMIT changed(); },
                  .failed =
                      [this](const ExportProblem &problem) {

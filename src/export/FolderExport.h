@@ -45,6 +45,8 @@ public:
     int total() const { return m_total; }
     /// The last failure or cancellation, as the user is told; empty when there is none.
     const QString &error() const { return m_error; }
+    /// The last run was ended by the user: no failure.
+    bool cancelled() const { return m_cancelled; }
     const std::optional<ExportResult> &result() const { return m_result; }
     void dismissResult();
 
@@ -66,6 +68,7 @@ private:
     int m_progress = 0;
     int m_total = 0;
     QString m_error;
+    bool m_cancelled = false;
     std::optional<ExportResult> m_result;
     ExportRun m_run;
 };

@@ -38,6 +38,8 @@ public:
     int progress() const { return m_progress; }
     int total() const { return m_total; }
     const QString &error() const { return m_error; }
+    /// The last run was ended by the user: no failure.
+    bool cancelled() const { return m_cancelled && !m_error.isEmpty(); }
     /// The library has refused; the panel offers another folder.
     bool denied() const { return m_denied; }
     /// What is in its way, in the language of that moment; empty when that is not known.

@@ -382,6 +382,8 @@ void ExportPanel::showError()
     const QString error = Wording::local(toLibrary() ? m_library.error() : m_folder.error());
     const bool shown = !working() && !error.isEmpty();
     m_error->setVisible(shown);
+    m_error->setTone((toLibrary() ? m_library.cancelled() : m_folder.cancelled()) ? Label::Tone::Secondary
+                                                                                  : Label::Tone::Danger);
     m_error->setPhrase([text = QString(error)]() mutable { return text; });
     const std::optional<ExportProblem> &failure = run().failure();
     const QString detail = toLibrary() && m_library.denied() ? m_library.refusal()

@@ -6,6 +6,7 @@
 
 #include "app/kit/Button.h"
 #include "app/kit/CardGrid.h"
+#include "app/kit/Icons.h"
 #include "app/kit/Label.h"
 #include "app/kit/Switch.h"
 #include "app/kit/Theme.h"
@@ -51,6 +52,7 @@ protected:
         const QImage image = m_context.thumbnails.image(u"problem "_s + m_photo.id.toString(), m_photo, room);
         if (image.isNull()) {
             Paint::rounded(painter, box, 4, theme().surfaceMuted);
+            Icons::draw(painter, "warn", box.center() - QPointF(10, 10), 20, theme().danger);
         } else {
             paintFramed(painter, image, box, false);
         }

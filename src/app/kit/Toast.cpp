@@ -95,7 +95,10 @@ void Toast::paintEvent(QPaintEvent *)
         Spinner::paint(painter, QRectF(at, QSizeF(iconSize, iconSize)).adjusted(-2, -2, 2, 2), m_angle,
                        theme().onToast);
     } else if (m_kind != Kind::Plain) {
-        Icons::draw(painter, m_kind == Kind::Error ? "warn" : "check", at, iconSize, theme().onToast);
+        // A message lies on the ink of its theme, where the other theme's colours can be seen.
+        const Theme &marks = theme().dark ? Theme::light() : Theme::darkness();
+        const bool error = m_kind == Kind::Error;
+        Icons::draw(painter, error ? "warn" : "check", at, iconSize, error ? marks.danger : marks.accent);
     }
     if (m_kind != Kind::Plain) {
         room.setLeft(room.left() + iconSize + 8);

@@ -320,6 +320,7 @@ void HomeScreen::place()
         std::max(std::min(kept ? lowTopDistance : topDistance, (room - below - drop) / 2), leastTop);
     const int left = (width() - wide) / 2;
     m_samples->setVisible(drop >= leastSampleHeight);
+    m_drop->layout()->setContentsMargins(m_samples->isHidden() ? 40 : 0, 8, 40, 8);
     m_drop->setGeometry(left, top, wide, drop);
     int next = top + drop + cardGap;
     if (kept) {
