@@ -18,8 +18,6 @@ namespace {
 
 constexpr int captionGap = 4;
 constexpr int rowGap = 8;
-/// A caption may be a little wider than its tile.
-constexpr int captionReach = 4;
 constexpr int padding = 8;
 constexpr int gridWidth = 264;
 
@@ -28,7 +26,6 @@ QStringList captionLines(const QString &name, const QFont &font, int width)
 {
     constexpr int most = 3;
     const QFontMetrics metrics(font);
-    const int room = width + 2 * captionReach;
     QTextLayout layout(name, font);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -36,9 +33,9 @@ QStringList captionLines(const QString &name, const QFont &font, int width)
     QStringList lines;
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-        line.setLineWidth(room);
+        line.setLineWidth(width);
         if (lines.size() == most - 1) {
-            lines.append(metrics.elidedText(name.mid(line.textStart()), Qt::ElideRight, room));
+            lines.append(metrics.elidedText(name.mid(line.textStart()), Qt::ElideRight, width));
             break;
         }
         lines.append(name.mid(line.textStart(), line.textLength()).trimmed());
@@ -143,9 +140,8 @@ void CardGrid::paintItem(QPainter &painter, int index, const State &state)
     painter.setPen(state.chosen ? look.ink : look.inkSecondary);
     double y = tile.bottom() + captionGap;
     for (const QString &line : captionLines(itemName(index), painter.font(), m_tile.width())) {
-        painter.drawText(
-            QRectF(tile.left() - captionReach, y, tile.width() + 2 * captionReach, lineHeight(Type::Caption)),
-            Qt::AlignCenter, line);
+        painter.drawText(QRectF(tile.left(), y, tile.width(), lineHeight(Type::Caption)), Qt::AlignCenter,
+                         line);
         y += lineHeight(Type::Caption);
     }
 }

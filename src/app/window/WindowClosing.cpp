@@ -28,21 +28,28 @@ void WindowClosing::closeLater()
     QTimer::singleShot(0, &m_window, &QWidget::close);
 }
 
+/// No button asked: the question stands where the eye is.
+void WindowClosing::centre(Overlay *question) const
+{
+    question->anchorAt({(m_window.width() + question->card()->width()) / 2, m_window.height() / 3});
+    question->open();
+}
+
 bool WindowClosing::askToStopExport()
 {
     if (!m_window.page()->exporting()->working() || m_mayStopExport) {
         return false;
     }
     if (!m_window.overlayOpen()) {
-        ask(m_window.currentPage(),
-            {said({"停止导出？", "Stop exporting?", "Arrêter l’export\u202f?"}),
-             said({"已导出的照片会保留。", "Photos that are already exported stay.",
-                   "Les photos déjà exportées restent."}),
-             said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
-            [this] {
-                m_mayStopExport = true;
-                closeLater();
-            });
+        centre(ask(m_window.currentPage(),
+                   {said({"停止导出？", "Stop exporting?", "Arrêter l’export\u202f?"}),
+                    said({"已导出的照片会保留。", "Photos that are already exported stay.",
+                          "Les photos déjà exportées restent."}),
+                    said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
+                   [this] {
+                       m_mayStopExport = true;
+                       closeLater();
+                   }));
     }
     return true;
 }
@@ -68,16 +75,16 @@ bool WindowClosing::askToStopImport()
         return false;
     }
     if (!m_window.overlayOpen()) {
-        ask(m_window.currentPage(),
-            {said({"停止导入？", "Stop importing?", "Arrêter l’import\u202f?"}),
-             said({"已导入的照片会保留，其余的不再导入。",
-                   "Photos that have come in stay; the rest is left out.",
-                   "Les photos déjà importées restent, les autres sont laissées."}),
-             said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
-            [this] {
-                m_context.imports.endNow();
-                closeLater();
-            });
+        centre(ask(m_window.currentPage(),
+                   {said({"停止导入？", "Stop importing?", "Arrêter l’import\u202f?"}),
+                    said({"已导入的照片会保留，其余的不再导入。",
+                          "Photos that have come in stay; the rest is left out.",
+                          "Les photos déjà importées restent, les autres sont laissées."}),
+                    said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
+                   [this] {
+                       m_context.imports.endNow();
+                       closeLater();
+                   }));
     }
     return true;
 }
@@ -88,7 +95,7 @@ bool WindowClosing::askToLoseEdits()
         return false;
     }
     if (!m_window.overlayOpen()) {
-        askTwoWays(
+        centre(askTwoWays(
             m_window.currentPage(),
             {said({"最近的编辑无法保存", "Your last edits could not be saved",
                    "Vos dernières modifications n’ont pas pu être enregistrées"}),
@@ -101,7 +108,7 @@ bool WindowClosing::askToLoseEdits()
             [this] {
                 m_mayLoseEdits = true;
                 closeLater();
-            });
+            }));
     }
     return true;
 }
@@ -144,7 +151,7 @@ void WindowClosing::offerDrafts()
 void WindowClosing::offer(Drafts::Kind kind)
 {
     const bool collage = kind == Drafts::Kind::Collage;
-    askTwoWays(
+    centre(askTwoWays(
         m_window.currentPage(),
         {collage ? said({"有一个未完成的拼图", "A collage is unfinished", "Un collage est inachevé"})
                  : said({"有一个未完成的签名", "A signature is unfinished", "Une signature est inachevée"}),
@@ -155,7 +162,7 @@ void WindowClosing::offer(Drafts::Kind kind)
         [this, kind] {
             forgetDraft(kind);
             offerDrafts();
-        });
+        }));
 }
 
 void WindowClosing::resume(Drafts::Kind kind)

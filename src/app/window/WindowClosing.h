@@ -8,6 +8,7 @@
 namespace tarnovel::app {
 
 class MainWindow;
+class Overlay;
 
 /// What stands between a window and its end: each thing that would be lost is asked about, one after another;
 /// and what is kept when nobody can be asked.
@@ -32,6 +33,7 @@ private:
     bool askToLeaveStudio();
     bool askToStopImport();
     bool askToLoseEdits();
+    void centre(Overlay *question) const;
     void closeLater();
     void offer(Drafts::Kind kind);
     void resume(Drafts::Kind kind);
