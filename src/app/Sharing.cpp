@@ -14,6 +14,8 @@
 #include <QMimeData>
 #include <QUrl>
 
+#include "base/Log.h"
+
 using namespace Qt::StringLiterals;
 
 namespace tarnovel::app::Sharing {
@@ -61,6 +63,7 @@ void showInFolder(const QString &folder, const QStringList &files)
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, openFolder] {
         if (watcher->isError()) {
+            qCInfo(logApp) << "no file manager shows files:" << watcher->error().message();
             openFolder();
         }
         watcher->deleteLater();

@@ -1,6 +1,7 @@
 #include "handwriting/EffectPreview.h"
 
 #include "base/Cancellation.h"
+#include "base/Log.h"
 
 namespace tarnovel {
 
@@ -49,6 +50,7 @@ void EffectPreview::render(const InkDrawing &drawing, const FinishStyle &style)
         } catch (const OperationCancelled &) {
             return;
         } catch (const std::bad_alloc &) {
+            qCWarning(logHandwriting) << "not enough memory for a picture of the ink";
             return; // the older picture stays
         }
         QMetaObject::invokeMethod(

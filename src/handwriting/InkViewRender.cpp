@@ -3,6 +3,7 @@
 #include <new>
 
 #include "base/Cancellation.h"
+#include "base/Log.h"
 
 namespace tarnovel {
 
@@ -30,6 +31,7 @@ void InkViewRender::request(const InkDrawing &drawing, const InkView &view)
         } catch (const OperationCancelled &) {
             return;
         } catch (const std::bad_alloc &) {
+            qCWarning(logHandwriting) << "not enough memory for a picture of the ink";
             return; // the stretched view stays
         }
         QMetaObject::invokeMethod(

@@ -1,7 +1,9 @@
 // What the session must not lose: documents set aside, saves that failed, files that something still needs.
 
-#include <sys/file.h>
 #include <thread>
+#include <unistd.h>
+
+#include <QProcess>
 
 #include "base/Json.h"
 #include "base/Uuid.h"
@@ -30,6 +32,13 @@ protected:
         EXPECT_TRUE(model.flush());
         QCoreApplication::processEvents();
         QCoreApplication::processEvents();
+    }
+
+    static FrameSettings filmed()
+    {
+        FrameSettings settings;
+        settings.style = FrameStyle::film;
+        return settings;
     }
 
     void store(const Session &session) { EXPECT_TRUE(m_writer.save(session, m_writer.latestRevision() + 1)); }
@@ -182,6 +191,37 @@ TEST_F(KeepingSaves, CleansUpOnlyAfterTheLatestSave)
     EXPECT_EQ(stored().photos.size(), 1);
 }
 
+TEST_F(KeepingSaves, EveryOperationReachesTheDocument)
+{
+    EditorModel model(m_services, EditorModel::Load::StoredSession);
+    const auto saved = [&] {
+        EXPECT_TRUE(model.flush());
+        return stored();
+    };
+    const QList<PhotoItem> items = photos(4);
+    model.append(items);
+    EXPECT_EQ(saved().photos.size(), 4);
+    model.removePhotos({items.at(1).id});
+    EXPECT_EQ(saved().photos.size(), 3);
+    model.movePhoto(items.at(3).id, items.at(0).id);
+    EXPECT_EQ(saved().photos.first().id, items.at(3).id);
+    model.select(items.at(2).id);
+    EXPECT_EQ(saved().selected, items.at(2).id);
+    model.savePreset(u"mine"_s);
+    EXPECT_EQ(saved().presets.size(), 1);
+    model.deletePreset(model.presets().first().id);
+    EXPECT_TRUE(saved().presets.isEmpty());
+    model.checkpoint();
+    model.update(filmed());
+    EXPECT_EQ(saved().photos.at(2).settings.style, FrameStyle::film);
+    model.undo();
+    EXPECT_EQ(saved().photos.at(2).settings.style, FrameStyle::simple);
+    model.removeCurrent();
+    EXPECT_EQ(saved().photos.size(), 2);
+    model.removeAll();
+    EXPECT_TRUE(saved().photos.isEmpty());
+}
+
 TEST_F(KeepingSaves, RemembersEditsAndNotLooks)
 {
     EditorModel model(m_services, EditorModel::Load::StoredSession);
@@ -279,6 +319,45 @@ TEST_F(KeepingOneEditor, AStoppedOwnerCostsASecondAndNothingElse)
     EXPECT_TRUE(waitFor([&] { return received.contains(u"/tmp/b.jpg"_s); }));
     again.join();
     EXPECT_TRUE(handed);
+}
+
+/// Hands photos to the owner of a library as this user would; prints the answer.
+constexpr const char *strangerProgram = R"(
+import hashlib, os, socket, struct, sys
+name = "tarnovel-%s-%s" % (sys.argv[2], hashlib.sha256(os.path.realpath(sys.argv[1]).encode()).hexdigest()[:16])
+text = lambda t: struct.pack(">I", 2 * len(t)) + t.encode("utf-16-be")
+message = struct.pack(">I", 1) + text("/tmp/theirs.jpg") + text("")
+peer = socket.socket(socket.AF_UNIX)
+peer.settimeout(10)
+try:
+    peer.connect("\0" + name)
+    peer.sendall(struct.pack(">I", len(message)) + message)
+    print(peer.recv(1).decode() or "closed")
+except OSError:
+    print("closed")
+)";
+
+TEST_F(KeepingOneEditor, ListensToItsOwnUserAlone)
+{
+    SingleInstance owner(m_library);
+    ASSERT_TRUE(owner.acquire({}));
+    QStringList received;
+    QObject::connect(&owner, &SingleInstance::photosReceived, &owner,
+                     [&](const QStringList &photos) { received += photos; });
+    const auto answerTo = [&](const QStringList &as) {
+        QProcess program;
+        program.start(u"env"_s,
+                      as + QStringList{u"/usr/bin/python3"_s, u"-c"_s, QString::fromLatin1(strangerProgram),
+                                       m_library, QString::number(getuid())});
+        EXPECT_TRUE(waitFor([&] { return program.state() == QProcess::NotRunning; }));
+        return program.readAllStandardOutput().trimmed();
+    };
+    EXPECT_EQ(answerTo({}), "k");
+    EXPECT_EQ(received.size(), 1);
+    if (geteuid() == 0) { // only root may play somebody else
+        EXPECT_EQ(answerTo({u"setpriv"_s, u"--reuid=65534"_s, u"--clear-groups"_s}), "closed");
+        EXPECT_EQ(received.size(), 1);
+    }
 }
 
 TEST_F(KeepingOneEditor, NeedNeitherRoomOnTheDiskNorTheSameRuntimeFolder)
