@@ -90,7 +90,8 @@ QSize Label::sizeHint() const
 QSize Label::minimumSizeHint() const
 {
     const QSize usual = QLabel::minimumSizeHint();
-    return {usual.width(), wordWrap() ? std::min(usual.height(), lineHeight(m_type)) : heightOf(usual.width())};
+    return {usual.width(),
+            wordWrap() ? std::min(usual.height(), lineHeight(m_type)) : heightOf(usual.width())};
 }
 
 int Label::heightForWidth(int width) const

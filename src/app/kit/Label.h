@@ -9,7 +9,8 @@ class QPainter;
 
 namespace tarnovel::app {
 
-/// A text in one of the sizes of type with its own distance of lines, in the current language; long ones wrap.
+/// A text in one of the sizes of type with its own distance of lines, in the current language; long ones
+/// wrap.
 class Label : public QLabel {
     Q_OBJECT
 
@@ -32,7 +33,8 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    /// Sets the text in lines of this width, and returns their common height. Paints them where there is a painter.
+    /// Sets the text in lines of this width, and returns their common height. Paints them where there is a
+    /// painter.
     double setLines(double width, QPainter *painter, QPointF at) const;
     int heightOf(int width) const;
 
