@@ -159,7 +159,10 @@ void checkPngChunkSizes(const ImageFile &file)
         }
         const auto length = qFromBigEndian<quint32>(head.constData());
         if (type != "IDAT" && length > largestOther) {
-            throw ImageError(ImageError::Cause::TooLarge, "a giant chunk " + type);
+            // One that ends beyond the file is a length that was changed.
+            const bool isThere = at + 12 + qint64(length) <= file.size();
+            throw ImageError(isThere ? ImageError::Cause::TooLarge : ImageError::Cause::Damaged,
+                             "a giant chunk " + type);
         }
         at += 12 + qint64(length);
     }
