@@ -12,6 +12,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QPainter>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 
@@ -33,6 +34,8 @@
 #include "app/window/FilmStrip.h"
 #include "app/window/HomeScreen.h"
 #include "collage/CollageStudio.h"
+#include "handwriting/HandwritingFinish.h"
+#include "handwriting/SignatureSave.h"
 #include "render/BuiltInTemplate.h"
 #include "support/AppWorld.h"
 #include "support/RecordedSignature.h"
@@ -100,6 +103,38 @@ std::function<void()> closing(Overlay *overlay)
     return [overlay] { overlay->close(); };
 }
 
+/// The recorded signature near the foot of the frame, and a ring for a logo above it.
+FrameSettings signedAndMarked(World &world, FrameSettings settings)
+{
+    constexpr QSize page(1050, 1400);
+    InkDrawing drawing;
+    for (QList<InkSample> stroke : test::recordedSignature(TARNOVEL_SOURCE_DIR "/samples/signature.txt")) {
+        for (InkSample &sample : stroke) {
+            sample.position += QPointF(215, 1130);
+        }
+        drawing.append(
+            std::make_shared<const DryStroke>(InkStroke{InkPen::signature, softBlack, 6, 1, stroke}));
+    }
+    finishedImage(drawing, {HandwritingFinish::color, softBlack}, page, 1)
+        .save(world.model().libraryFolder() + u"/signature.png"_s);
+    QImage ring(400, 400, QImage::Format_ARGB32_Premultiplied);
+    ring.fill(Qt::transparent);
+    QPainter painter(&ring);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Qt::black, 24));
+    painter.drawEllipse(QPointF(200, 200), 180, 180);
+    painter.drawLine(200, 20, 200, 380);
+    painter.end();
+    ring.save(world.model().libraryFolder() + u"/ring.png"_s);
+    TextLayer &logo = *settings.layer(u"watermark"_s);
+    logo.visible = true;
+    logo.imageFile = u"ring.png"_s;
+    logo.imageAspect = 1;
+    logo.x = 0.85;
+    logo.y = 0.9;
+    return withSignature(settings, u"signature.png"_s, 0.75);
+}
+
 QList<Screen> editorScreens()
 {
     QList<Screen> screens;
@@ -118,6 +153,19 @@ QList<Screen> editorScreens()
                  world.model().photos().at(std::min<qsizetype>(3, world.model().photos().size() - 1)).id);
              return [&world, before] { world.model().select(before); };
          }});
+    for (const auto &[name, tool] :
+         {std::pair("signed", Tool::Signature), std::pair("signed-templates", Tool::Templates)}) {
+        screens.append({QString::fromLatin1(name), [tool = tool](World &world) {
+                            world.state().setTool(tool);
+                            const FrameSettings before = world.model().current()->settings;
+                            world.model().update(signedAndMarked(world, before));
+                            world.model().loadPreview();
+                            return [&world, before] {
+                                world.model().update(before);
+                                world.model().loadPreview();
+                            };
+                        }});
+    }
     screens.append({u"text-selected"_s, [](World &world) {
                         world.state().setTool(Tool::Text);
                         world.state().selectLayer(u"brand"_s);
