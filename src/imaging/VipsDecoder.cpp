@@ -10,8 +10,8 @@
 #include "base/Cancellation.h"
 #include "imaging/ImageError.h"
 #include "imaging/ImageLimits.h"
-#include "imaging/PngChunks.h"
 #include "imaging/PlaneScaler.h"
+#include "imaging/PngChunks.h"
 #include "imaging/TiffDirectory.h"
 #include "imaging/VipsRuntime.h"
 
@@ -56,8 +56,8 @@ int pageOf(const ImageFile &file)
     return *page;
 }
 
-/// The formats whose files the libraries take as a whole. They would map them, and a mapped file that somebody
-/// cuts short meanwhile ends the program: those are read instead.
+/// The formats whose files the libraries take as a whole. They would map them, and a mapped file that
+/// somebody cuts short meanwhile ends the program: those are read instead.
 bool isReadWhole(const ImageFile &file)
 {
     return file.format() == PictureFormat::Heif || file.format() == PictureFormat::Avif ||
@@ -137,8 +137,7 @@ void checkWholeDecode(const ImageFile &file, VipsImage *image)
 {
     const qint64 pixels = qint64(image->Xsize) * image->Ysize;
     const qint64 bytes = pixels * qint64(VIPS_IMAGE_SIZEOF_PEL(image));
-    if (isReadWhole(file) ? pixels > mostWholePixels
-              : isInterlaced(image) && bytes > mostWholeBytes) {
+    if (isReadWhole(file) ? pixels > mostWholePixels : isInterlaced(image) && bytes > mostWholeBytes) {
         throw ImageError(ImageError::Cause::TooLarge, "too large to be decoded as a whole");
     }
 }

@@ -235,8 +235,7 @@ void CollageBoard::pinch(const QPinchGesture &fingers)
         m_pinched = slotAt(m_pinchCentre);
     }
     if (m_pinched) {
-        m_gestures.pinchPhoto(*m_pinched, fingers.totalScaleFactor(),
-                              m_pinchCentre - boardRect().topLeft());
+        m_gestures.pinchPhoto(*m_pinched, fingers.totalScaleFactor(), m_pinchCentre - boardRect().topLeft());
     }
     if (fingers.state() == Qt::GestureFinished || fingers.state() == Qt::GestureCanceled) {
         m_gestures.endPinch();
