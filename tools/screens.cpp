@@ -153,19 +153,6 @@ QList<Screen> editorScreens()
                  world.model().photos().at(std::min<qsizetype>(3, world.model().photos().size() - 1)).id);
              return [&world, before] { world.model().select(before); };
          }});
-    for (const auto &[name, tool] :
-         {std::pair("signed", Tool::Signature), std::pair("signed-templates", Tool::Templates)}) {
-        screens.append({QString::fromLatin1(name), [tool = tool](World &world) {
-                            world.state().setTool(tool);
-                            const FrameSettings before = world.model().current()->settings;
-                            world.model().update(signedAndMarked(world, before));
-                            world.model().loadPreview();
-                            return [&world, before] {
-                                world.model().update(before);
-                                world.model().loadPreview();
-                            };
-                        }});
-    }
     screens.append({u"text-selected"_s, [](World &world) {
                         world.state().setTool(Tool::Text);
                         world.state().selectLayer(u"brand"_s);
@@ -265,6 +252,24 @@ QList<Screen> editorScreens()
                         Q_EMIT world.state().saveStyleAsked();
                         return closing(world.window().findChild<Overlay *>());
                     }});
+    for (const auto &[name, tool] :
+         {std::pair("signed", std::optional(Tool::Signature)), {"signed-home", std::nullopt}}) {
+        screens.append({QString::fromLatin1(name), [tool = tool](World &world) {
+                            const FrameSettings before = world.model().current()->settings;
+                            world.model().update(signedAndMarked(world, before));
+                            world.model().loadPreview();
+                            if (tool) {
+                                world.state().setTool(*tool);
+                            } else {
+                                world.window().page()->showHome();
+                            }
+                            return [&world, before] {
+                                world.window().showEditor();
+                                world.model().update(before);
+                                world.model().loadPreview();
+                            };
+                        }});
+    }
     return screens;
 }
 
