@@ -135,6 +135,30 @@ FrameSettings signedAndMarked(World &world, FrameSettings settings)
     return withSignature(settings, u"signature.png"_s, 0.75);
 }
 
+QList<Screen> signedScreens()
+{
+    QList<Screen> screens;
+    for (const auto &[name, tool] :
+         {std::pair("signed", std::optional(Tool::Signature)), {"signed-home", std::nullopt}}) {
+        screens.append({QString::fromLatin1(name), [tool = tool](World &world) {
+                            const FrameSettings before = world.model().current()->settings;
+                            world.model().update(signedAndMarked(world, before));
+                            world.model().loadPreview();
+                            if (tool) {
+                                world.state().setTool(*tool);
+                            } else {
+                                world.window().page()->showHome();
+                            }
+                            return [&world, before] {
+                                world.window().showEditor();
+                                world.model().update(before);
+                                world.model().loadPreview();
+                            };
+                        }});
+    }
+    return screens;
+}
+
 QList<Screen> editorScreens()
 {
     QList<Screen> screens;
@@ -252,24 +276,6 @@ QList<Screen> editorScreens()
                         Q_EMIT world.state().saveStyleAsked();
                         return closing(world.window().findChild<Overlay *>());
                     }});
-    for (const auto &[name, tool] :
-         {std::pair("signed", std::optional(Tool::Signature)), {"signed-home", std::nullopt}}) {
-        screens.append({QString::fromLatin1(name), [tool = tool](World &world) {
-                            const FrameSettings before = world.model().current()->settings;
-                            world.model().update(signedAndMarked(world, before));
-                            world.model().loadPreview();
-                            if (tool) {
-                                world.state().setTool(*tool);
-                            } else {
-                                world.window().page()->showHome();
-                            }
-                            return [&world, before] {
-                                world.window().showEditor();
-                                world.model().update(before);
-                                world.model().loadPreview();
-                            };
-                        }});
-    }
     return screens;
 }
 
@@ -493,7 +499,8 @@ int main(int argc, char **argv)
     World full(arguments, 12);
     camera.take(full, homeScreens(), u"twelve"_s);
     full.window().showEditor();
-    camera.take(full, editorScreens() + collageScreens() + handwritingScreens(), u"twelve"_s);
+    camera.take(full, editorScreens() + signedScreens() + collageScreens() + handwritingScreens(),
+                u"twelve"_s);
     World one(arguments, 1);
     one.window().showEditor();
     camera.take(one, {editorScreens().first()}, u"one"_s);
