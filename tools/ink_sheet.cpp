@@ -1,5 +1,7 @@
 // Draws the sheet of the pens, for looking at: each pen with each finish at three widths, at 100 % of the
-// saved picture; on the left as a tablet reports a signature, on the right as a mouse would.
+// saved picture; on the left as a tablet reports a signature, on the right as a mouse would. Below, as an
+// export of 4096 pixels shows them: what a mouse wrote without and with the smoothing along its path, and the
+// pencil.
 //
 //     build/release/tools/ink_sheet sheet.png
 
@@ -9,6 +11,7 @@
 #include <QPainter>
 
 #include "handwriting/HandwritingFinish.h"
+#include "imaging/Resampler.h"
 #include "support/RecordedSignature.h"
 
 namespace {
@@ -21,7 +24,12 @@ constexpr std::array pens = {InkPen::signature, InkPen::fountain, InkPen::pencil
 /// One for each finish.
 constexpr std::array colors = {softBlack, softBlack, Ink{0.36, 0.3, 0.55}};
 
-enum class Device { Tablet, Mouse };
+/// From the saved picture, whose longer side has 1400 pixels, to an export.
+constexpr double exportScale = 4096.0 / 1400;
+const QSize exportPixels = (QSizeF(cellPixels) * exportScale).toSize();
+
+/// Pressure, even if it never changes, is told by a pen, whose path is not smoothed again.
+enum class Device { Tablet, Mouse, UnsmoothedMouse };
 
 /// A mouse reports half as often, in whole pixels, and feels nothing.
 QList<InkSample> reported(const QList<InkSample> &samples, Device device)
@@ -31,7 +39,11 @@ QList<InkSample> reported(const QList<InkSample> &samples, Device device)
     }
     QList<InkSample> reports;
     for (qsizetype i = 0; i < samples.size(); i += 2) {
-        reports.append({samples.at(i).position.toPoint(), samples.at(i).seconds});
+        InkSample report = {samples.at(i).position.toPoint(), samples.at(i).seconds};
+        if (device == Device::UnsmoothedMouse) {
+            report.pressure = 1;
+        }
+        reports.append(report);
     }
     return reports;
 }
@@ -60,6 +72,13 @@ void drawRow(QPainter &sheet, int row, InkPen pen, HandwritingFinish finish)
     }
 }
 
+void drawExport(QPainter &sheet, QPoint place, InkPen pen, double width, Device device)
+{
+    const QImage saved = finishedImage(signature(pen, width, device, softBlack),
+                                       {HandwritingFinish::color, softBlack}, cellPixels, 1);
+    sheet.drawImage(place, resampled(saved, saved.rect(), exportPixels));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -73,7 +92,8 @@ int main(int argc, char **argv)
     }
     const int columns = static_cast<int>(widths.size()) * 2;
     const int rows = static_cast<int>(pens.size() * handwritingFinishes.size());
-    QImage sheet(cellPixels.width() * columns, cellPixels.height() * rows, QImage::Format_RGB32);
+    const int exportsTop = cellPixels.height() * rows;
+    QImage sheet(cellPixels.width() * columns, exportsTop + 2 * exportPixels.height(), QImage::Format_RGB32);
     sheet.fill(Qt::white);
     QPainter painter(&sheet);
     int row = 0;
@@ -82,6 +102,13 @@ int main(int argc, char **argv)
             drawRow(painter, row++, pen, finish);
         }
     }
+    const QPoint right(exportPixels.width(), 0);
+    const QPoint below(0, exportPixels.height());
+    const QPoint first(0, exportsTop);
+    drawExport(painter, first, InkPen::signature, 6, Device::UnsmoothedMouse);
+    drawExport(painter, first + right, InkPen::signature, 6, Device::Mouse);
+    drawExport(painter, first + below, InkPen::pencil, 6, Device::Tablet);
+    drawExport(painter, first + below + right, InkPen::pencil, 12, Device::Tablet);
     painter.end();
     if (!sheet.save(words[1])) {
         std::fprintf(stderr, "%s: cannot be written\n", qPrintable(words[1]));

@@ -12,6 +12,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QPainter>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 
@@ -34,6 +35,8 @@
 #include "app/window/FilmStrip.h"
 #include "app/window/HomeScreen.h"
 #include "collage/CollageStudio.h"
+#include "handwriting/HandwritingFinish.h"
+#include "handwriting/SignatureSave.h"
 #include "model/Drafts.h"
 #include "render/BuiltInTemplate.h"
 #include "support/AppWorld.h"
@@ -117,6 +120,62 @@ struct Screen {
 std::function<void()> closing(Overlay *overlay)
 {
     return [overlay] { overlay->close(); };
+}
+
+/// The recorded signature near the foot of the frame, and a ring for a logo above it.
+FrameSettings signedAndMarked(World &world, FrameSettings settings)
+{
+    constexpr QSize page(1050, 1400);
+    InkDrawing drawing;
+    for (QList<InkSample> stroke : test::recordedSignature(TARNOVEL_SOURCE_DIR "/samples/signature.txt")) {
+        for (InkSample &sample : stroke) {
+            sample.position += QPointF(215, 1130);
+        }
+        drawing.append(
+            std::make_shared<const DryStroke>(InkStroke{InkPen::signature, softBlack, 6, 1, stroke}));
+    }
+    finishedImage(drawing, {HandwritingFinish::color, softBlack}, page, 1)
+        .save(world.model().libraryFolder() + u"/signature.png"_s);
+    QImage ring(400, 400, QImage::Format_ARGB32_Premultiplied);
+    ring.fill(Qt::transparent);
+    QPainter painter(&ring);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Qt::black, 24));
+    painter.drawEllipse(QPointF(200, 200), 180, 180);
+    painter.drawLine(200, 20, 200, 380);
+    painter.end();
+    ring.save(world.model().libraryFolder() + u"/ring.png"_s);
+    TextLayer &logo = *settings.layer(u"watermark"_s);
+    logo.visible = true;
+    logo.imageFile = u"ring.png"_s;
+    logo.imageAspect = 1;
+    logo.x = 0.85;
+    logo.y = 0.9;
+    return withSignature(settings, u"signature.png"_s, 0.75);
+}
+
+QList<Screen> signedScreens()
+{
+    QList<Screen> screens;
+    for (const auto &[name, tool] :
+         {std::pair("signed", std::optional(Tool::Signature)), {"signed-home", std::nullopt}}) {
+        screens.append({QString::fromLatin1(name), [tool = tool](World &world) {
+                            const FrameSettings before = world.model().current()->settings;
+                            world.model().update(signedAndMarked(world, before));
+                            world.model().loadPreview();
+                            if (tool) {
+                                world.state().setTool(*tool);
+                            } else {
+                                world.window().page()->showHome();
+                            }
+                            return [&world, before] {
+                                world.window().showEditor();
+                                world.model().update(before);
+                                world.model().loadPreview();
+                            };
+                        }});
+    }
+    return screens;
 }
 
 QList<Screen> editorScreens()
@@ -490,7 +549,8 @@ int main(int argc, char **argv)
     World full(arguments, 12);
     camera.take(full, homeScreens(), u"twelve"_s);
     full.window().showEditor();
-    camera.take(full, editorScreens() + collageScreens() + handwritingScreens(), u"twelve"_s);
+    camera.take(full, editorScreens() + signedScreens() + collageScreens() + handwritingScreens(),
+                u"twelve"_s);
     World one(arguments, 1);
     one.window().showEditor();
     camera.take(one, {editorScreens().first()}, u"one"_s);

@@ -12,9 +12,13 @@ constexpr int side = 256;
 
 constexpr quint32 seed = 20;
 
-/// Two layers of grain: the fine tooth, and the felt's marks 2.7 times as broad.
+/// Two layers of grain: the fine tooth, and the felt's marks 2.7 times as broad. An export of 4096 pixels
+/// enlarges both almost three times, and more of the marks would run together into blobs there.
 constexpr double broadness = 2.7;
-constexpr double broadShare = 0.35;
+constexpr double broadShare = 0.12;
+
+/// How far the heights reach about their middle.
+constexpr double depth = 0.55;
 
 /// A hash of the cell's place, spread evenly over 0…1 (the finalizer of MurmurHash3).
 float noise(quint32 x, quint32 y)
@@ -65,7 +69,9 @@ double PaperGrain::height(double x, double y) const
 {
     // The broad layer is turned against the fine one, so that the tile's repeats do not line up.
     const double broad = smooth((0.8 * x - 0.6 * y) / broadness, (0.6 * x + 0.8 * y) / broadness);
-    return (1 - broadShare) * smooth(x, y) + broadShare * broad;
+    // A cell of the tooth is a pixel of the saved picture: read at its middle, it keeps its own height.
+    const double tooth = smooth(x - 0.5, y - 0.5);
+    return 0.5 + depth * ((1 - broadShare) * tooth + broadShare * broad - 0.5);
 }
 
 int PaperGrain::graphite(int ink, double x, double y) const

@@ -159,8 +159,9 @@ void checkPngChunkSizes(const ImageFile &file)
         }
         const auto length = qFromBigEndian<quint32>(head.constData());
         if (type != "IDAT" && length > largestOther) {
-            const bool there = at + 12 + qint64(length) <= file.size();
-            throw ImageError(there ? ImageError::Cause::TooLarge : ImageError::Cause::Damaged,
+            // One that ends beyond the file is a length that was changed.
+            const bool isThere = at + 12 + qint64(length) <= file.size();
+            throw ImageError(isThere ? ImageError::Cause::TooLarge : ImageError::Cause::Damaged,
                              "a giant chunk " + type);
         }
         at += 12 + qint64(length);

@@ -376,6 +376,76 @@ TEST_F(CollageScreenTest, AnArrangedBoardIsNotLostWithoutAQuestion)
     EXPECT_EQ(m_closed.size(), 2);
 }
 
+TEST_F(CollageScreenTest, EnterOnAFocusedButtonIsThatButtonsOwn)
+{
+    const auto enter = [](Button *button, Qt::Key key) {
+        ASSERT_TRUE(button);
+        button->setFocus(Qt::TabFocusReason);
+        ASSERT_EQ(QApplication::focusWidget(), button);
+        QTest::keyClick(button, key);
+    };
+    // In the question about an arranged board: the board stays as it is.
+    openBoard({0, 3, 4});
+    QTest::mouseClick(&board(), Qt::LeftButton, {}, middle(1));
+    studio().setFrame(CellFrame::instant);
+    QTest::keyClick(&board(), Qt::Key_Escape);
+    QTest::keyClick(&board(), Qt::Key_Escape);
+    const QList<Button *> answers = m_screen->findChild<Overlay *>()->findChildren<Button *>();
+    const auto keep = std::ranges::find(answers, u"Cancel"_s, &Button::accessibleName);
+    ASSERT_NE(keep, answers.end());
+    enter(*keep, Qt::Key_Return);
+    EXPECT_TRUE(m_closed.isEmpty());
+    ASSERT_TRUE(m_screen->studio());
+    EXPECT_EQ(cell(1).frame, CellFrame::instant);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    // Beside a finished board and beside enough chosen photos it cancels, too, and makes nothing of them.
+    enter(button(u"Cancel"_s), Qt::Key_Return);
+    EXPECT_FALSE(studio().saving());
+    press(u"Discard"_s);
+    EXPECT_EQ(m_closed.size(), 1);
+    m_screen->begin();
+    QCoreApplication::processEvents();
+    tap(0);
+    tap(1);
+    enter(button(u"Cancel"_s), Qt::Key_Enter);
+    EXPECT_EQ(m_closed.size(), 2);
+    EXPECT_FALSE(m_screen->studio());
+    EXPECT_EQ(m_model.photos().size(), 12);
+}
+
+TEST_F(CollageScreenTest, OnlyAWheelWithItsKeyZooms)
+{
+    openBoard({0, 1});
+    const auto turn = [this](Qt::KeyboardModifiers keys) {
+        const QPointF at = middle(1);
+        QWheelEvent event(at, board().mapToGlobal(at), {}, {0, 240}, Qt::NoButton, keys, Qt::NoScrollPhase,
+                          false);
+        QCoreApplication::sendEvent(&board(), &event);
+    };
+    turn(Qt::NoModifier);
+    EXPECT_EQ(cell(1).zoom, 1);
+    EXPECT_FALSE(studio().canUndo());
+    turn(Qt::ControlModifier);
+    EXPECT_GT(cell(1).zoom, 1.2);
+}
+
+TEST_F(CollageScreenTest, ACarriedCellLiesAboveTheVeilOfItsTarget)
+{
+    openBoard({0, 3, 4});
+    const auto shown = [this](int slot) { return board().grab().toImage().pixelColor(middle(slot)); };
+    ASSERT_TRUE(waitFor([&] { return shown(0).saturation() > 150 && shown(2).saturation() > 150; }));
+    const QColor carried = shown(0);
+    lift(0);
+    QTest::mouseMove(&board(), middle(2) - QPoint(5, 5));
+    QTest::mouseMove(&board(), middle(2));
+    const QColor seen = shown(2);
+    EXPECT_NEAR(seen.red(), carried.red(), 6);
+    EXPECT_NEAR(seen.green(), carried.green(), 6);
+    EXPECT_NEAR(seen.blue(), carried.blue(), 6);
+    release(middle(2));
+}
+
 TEST_F(CollageScreenTest, ClosingWhileSavingGivesTheCollageUp)
 {
     openBoard({0, 3, 4});

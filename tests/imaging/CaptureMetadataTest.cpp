@@ -78,6 +78,35 @@ TEST_F(CaptureMetadataTest, ReadsWhatACameraWrites)
     }
 }
 
+TEST_F(CaptureMetadataTest, TheDecoderFindsTheBlockThatTheParserMisses)
+{
+    const QList<ExifEntry> first = {text(0x010f, "Maker"), text(0x0110, "Model 5")};
+    const QByteArray block = exifBlock(first, {fraction(0x829d, 18, 10)});
+    const auto check = [this](const QString &name) {
+        const CaptureMetadata found = readCaptureMetadata(path(name));
+        EXPECT_EQ(found.make, u"Maker"_s) << name.toStdString();
+        EXPECT_EQ(found.model, u"Model 5"_s) << name.toStdString();
+        EXPECT_EQ(found.fNumber, 1.8) << name.toStdString();
+    };
+    for (const QString &ending : {u".avif"_s, u".heic"_s}) {
+        const QString brackets = ending == u".heic" ? u"[compression=hevc]"_s : u"[compression=av1]"_s;
+        save(texture(QSize(64, 64)), path(u"base"_s + ending), brackets, {.exif = block});
+        // The place of the second item: its number, no reference, the base that says where it lies, and one
+        // extent that lies at the base. There the parser finds it.
+        QByteArray file = contents(path(u"base"_s + ending));
+        const qsizetype item = file.indexOf("iloc") + 12 + 18;
+        ASSERT_EQ(file.mid(item, 4), QByteArray("\0\2\0\0", 4));
+        const QByteArray place = file.mid(item + 4, 4);
+        ASSERT_EQ(file.mid(item + 8, 6), QByteArray("\0\1\0\0\0\0", 6));
+        check(u"base"_s + ending);
+        // The base says nothing and the extent all: only the decoder adds the two.
+        file.replace(item + 4, 4, QByteArray(4, '\0'));
+        file.replace(item + 10, 4, place);
+        written(path(u"extent"_s + ending), file);
+        check(u"extent"_s + ending);
+    }
+}
+
 TEST_F(CaptureMetadataTest, NumbersThatAreNoneAreAbsent)
 {
     const CaptureMetadata found =

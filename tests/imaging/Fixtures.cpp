@@ -308,6 +308,11 @@ void save(const QImage &image, const QString &path, const QString &brackets, con
     if (options.orientation != 1) {
         vips_image_set_int(picture.get(), VIPS_META_ORIENTATION, options.orientation);
     }
+    if (!options.exif.isEmpty()) {
+        const QByteArray block = QByteArray("Exif\0\0", 6) + options.exif;
+        vips_image_set_blob_copy(picture.get(), VIPS_META_EXIF_NAME, block.constData(),
+                                 static_cast<size_t>(block.size()));
+    }
     const QByteArray name = QFile::encodeName(path) + brackets.toLatin1();
     if (vips_image_write_to_file(picture.get(), name.constData(), end) != 0) {
         throw std::runtime_error(vips_error_buffer());

@@ -52,6 +52,8 @@ struct SaveOptions {
     int depth = 8;
     int orientation = 1;
     bool cmyk = false;
+    /// What the camera wrote, as in a JPEG file's segment behind its heading; none when empty.
+    QByteArray exif = {};
 };
 void save(const QImage &image, const QString &path, const QString &brackets = {},
           const SaveOptions &options = {});

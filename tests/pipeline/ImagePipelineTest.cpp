@@ -278,6 +278,49 @@ TEST_F(Exporting, DrawsLogoAndSignatureAtTheirSizeAndPlace)
     EXPECT_EQ(extent(Qt::blue), QRect(600, 550, 200, 100));
 }
 
+TEST_F(Exporting, KeepsFineLinesOfLogoAndSignature)
+{
+    const auto striped = [](QSize size, int width) {
+        QImage image(size, QImage::Format_ARGB32_Premultiplied);
+        for (int y = 0; y < size.height(); ++y) {
+            for (int x = 0; x < size.width(); ++x) {
+                image.setPixel(x, y, x / width % 2 == 0 ? qRgb(0, 0, 0) : qRgb(255, 255, 255));
+            }
+        }
+        return image;
+    };
+    write(u"photo.png"_s, plain(Qt::white));
+    write(u"logo.png"_s, striped({300, 100}, 4));
+    write(u"signature.png"_s, striped({640, 320}, 8));
+    PhotoItem photo = item(u"photo.png"_s);
+    photo.settings.preset = CanvasPreset::square;
+    TextLayer &logo = *photo.settings.layer(u"watermark"_s);
+    logo.visible = true;
+    logo.imageFile = u"logo.png"_s;
+    logo.imageAspect = 3;
+    logo.size = 0.03;
+    logo.x = 0.25;
+    logo.y = 0.2;
+    photo.settings.handwritingFile = u"signature.png"_s;
+    photo.settings.handwritingX = 0.7;
+    photo.settings.handwritingY = 0.6;
+    photo.settings.handwritingWidth = 0.2;
+    const QImage canvas(m_pipeline.exportPhoto(photo, {.longEdge = 1000, .png = true}).result().path);
+    const auto alternations = [&canvas](QPoint from, int count) {
+        int found = 0;
+        for (int x = from.x() + 1; x < from.x() + count; ++x) {
+            found += (canvas.pixelColor(x - 1, from.y()).red() < 128) !=
+                             (canvas.pixelColor(x, from.y()).red() < 128)
+                         ? 1
+                         : 0;
+        }
+        return found;
+    };
+    // Lines of 4 × 150 ÷ 300 = 2 pixels over 150, and of 8 × 200 ÷ 640 = 2.5 pixels over 200.
+    EXPECT_NEAR(alternations({175, 200}, 150), 150 / 2 - 1, 1);
+    EXPECT_NEAR(alternations({600, 600}, 200), 200 / 2.5 - 1, 1);
+}
+
 TEST_F(Serving, KeepsTransparencyInPicturesFromMemory)
 {
     QImage image(80, 60, QImage::Format_ARGB32);
