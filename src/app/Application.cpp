@@ -80,18 +80,20 @@ QString privateTemporaryFolder()
     return LibraryPaths::root() + u"/Temporary"_s;
 }
 
-QStringList photosOf(const QStringList &arguments)
+QStringList pathsOf(const QStringList &arguments)
 {
     QStringList paths;
     bool named = false;
     for (const QString &argument : arguments.mid(1)) {
         if (argument == u"--"_s && !named) {
             named = true;
+        } else if (!named && (argument == u"-v"_s || argument == u"--verbose"_s)) {
+            printLog();
         } else if (named || !ExportReviewPolicy::isAutomation(argument)) {
             paths.append(FileDrops::pathOf(argument));
         }
     }
-    return FileDrops::pictures(paths);
+    return paths;
 }
 
 /// Qt's own texts, as of its file dialog, in the language that holds now.
@@ -175,7 +177,8 @@ int runEditor(int argc, char **argv)
     QApplication::setWindowIcon(icon);
 
     const QString library = LibraryPaths::root();
-    const QStringList photos = photosOf(QApplication::arguments());
+    const QStringList paths = pathsOf(QApplication::arguments());
+    const QStringList photos = FileDrops::pictures(paths);
     SingleInstance instance(library);
     while (!instance.acquire(photos, activationToken)) {
         if (instance.handedOver() || !askUnanswered()) {
@@ -206,9 +209,14 @@ int runEditor(int argc, char **argv)
                            texts.load();
                        }});
     QObject::connect(&instance, &SingleInstance::photosReceived, &window, &MainWindow::openPhotos);
-    const ProgramEnd end([&window] { window.saveNow(); });
+    const ProgramEnd end([&window](bool certain) { window.saveNow(certain); });
     window.show();
     window.openPhotos(photos);
+    if (photos.isEmpty() && !paths.isEmpty()) {
+        state.say(localized({"里面没有可以打开的图片。", "There is no picture in it that can be opened.",
+                             "Il ne s’y trouve aucune image lisible."}),
+                  Toast::Kind::Error);
+    }
     QTimer::singleShot(0, &window, &MainWindow::offerDrafts);
     return QApplication::exec();
 }

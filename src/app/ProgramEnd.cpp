@@ -23,7 +23,7 @@ constexpr std::array endingSignals = {SIGTERM, SIGHUP, SIGINT};
 std::array<int, 2> signalPipe = {-1, -1};
 
 /// What is still to be saved when the program is left by `exit`, as Qt leaves it when the display has gone.
-std::function<void()> lastSave;
+std::function<void(bool)> lastSave;
 
 void noteSignal(int signal)
 {
@@ -34,11 +34,11 @@ void noteSignal(int signal)
 
 } // namespace
 
-ProgramEnd::ProgramEnd(std::function<void()> save) : m_save(std::move(save))
+ProgramEnd::ProgramEnd(std::function<void(bool certain)> save) : m_save(std::move(save))
 {
     static const bool registered = std::atexit([] {
                                        if (lastSave) {
-                                           std::exchange(lastSave, nullptr)();
+                                           std::exchange(lastSave, nullptr)(true);
                                        }
                                    }) == 0;
     if (!registered || pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
@@ -58,7 +58,7 @@ ProgramEnd::ProgramEnd(std::function<void()> save) : m_save(std::move(save))
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
     connect(
-        qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager &) { m_save(); },
+        qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager &) { m_save(false); },
         Qt::DirectConnection);
 }
 
@@ -83,7 +83,7 @@ void ProgramEnd::signalled()
         return;
     }
     qCInfo(logApp) << "ended by signal" << static_cast<int>(number);
-    m_save();
+    m_save(true);
     // As shells report a program that a signal ended.
     QCoreApplication::exit(128 + number);
 }

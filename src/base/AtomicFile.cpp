@@ -34,23 +34,20 @@ constexpr int mostAttempts = 100'000;
 class TemporaryFile {
 public:
     TemporaryFile(const QString &folder, Audience audience)
-        : m_path(folder + u'/' + temporaryPrefix +
-                 QUuid::createUuid().toString(QUuid::Id128).left(temporaryDigits)),
-          m_descriptor(open(encoded().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
-                            audience == Audience::Owner ? 0600 : 0666))
     {
-        if (m_descriptor < 0) {
-            throw FileError(folder, errno);
-        }
-        flock(m_descriptor, LOCK_EX | LOCK_NB);
+        // Somebody who sweeps may come between the making and the lock: then it is made again.
+        do {
+            release();
+            m_path = folder + u'/' + temporaryPrefix +
+                     QUuid::createUuid().toString(QUuid::Id128).left(temporaryDigits);
+            m_descriptor = open(encoded().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                                audience == Audience::Owner ? 0600 : 0666);
+            if (m_descriptor < 0) {
+                throw FileError(folder, errno);
+            }
+        } while (!hold());
     }
-    ~TemporaryFile()
-    {
-        if (!m_moved) {
-            unlink(encoded().constData());
-        }
-        close(m_descriptor);
-    }
+    ~TemporaryFile() { release(); }
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
 
@@ -143,6 +140,26 @@ public:
     }
 
 private:
+    void release()
+    {
+        if (m_descriptor < 0) {
+            return;
+        }
+        if (!m_moved) {
+            unlink(encoded().constData());
+        }
+        close(m_descriptor);
+    }
+
+    /// Locks the file; false when somebody else has, or has taken it away. File systems without locks have no
+    /// sweepers.
+    bool hold() const
+    {
+        struct stat status = {};
+        return (flock(m_descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) &&
+               fstat(m_descriptor, &status) == 0 && status.st_nlink > 0;
+    }
+
     bool linkToFreeName(const QByteArray &goal) const
     {
         return link(encoded().constData(), goal.constData()) == 0;
@@ -170,7 +187,7 @@ private:
     }
 
     QString m_path;
-    int m_descriptor;
+    int m_descriptor = -1;
     qint64 m_size = 0;
     bool m_moved = false;
 };

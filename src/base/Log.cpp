@@ -10,14 +10,14 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
-Q_LOGGING_CATEGORY(logModel, "tarnovel.model")
-Q_LOGGING_CATEGORY(logImaging, "tarnovel.imaging")
-Q_LOGGING_CATEGORY(logEditor, "tarnovel.editor")
-Q_LOGGING_CATEGORY(logExport, "tarnovel.export")
-Q_LOGGING_CATEGORY(logCollage, "tarnovel.collage")
-Q_LOGGING_CATEGORY(logHandwriting, "tarnovel.handwriting")
-Q_LOGGING_CATEGORY(logApp, "tarnovel.app")
-Q_LOGGING_CATEGORY(logCli, "tarnovel.cli")
+Q_LOGGING_CATEGORY(logModel, "tarnovel.model", QtInfoMsg)
+Q_LOGGING_CATEGORY(logImaging, "tarnovel.imaging", QtInfoMsg)
+Q_LOGGING_CATEGORY(logEditor, "tarnovel.editor", QtInfoMsg)
+Q_LOGGING_CATEGORY(logExport, "tarnovel.export", QtInfoMsg)
+Q_LOGGING_CATEGORY(logCollage, "tarnovel.collage", QtInfoMsg)
+Q_LOGGING_CATEGORY(logHandwriting, "tarnovel.handwriting", QtInfoMsg)
+Q_LOGGING_CATEGORY(logApp, "tarnovel.app", QtInfoMsg)
+Q_LOGGING_CATEGORY(logCli, "tarnovel.cli", QtInfoMsg)
 
 namespace {
 
@@ -26,7 +26,7 @@ constexpr qsizetype mostLines = 200;
 struct Log {
     std::mutex mutex;
     QStringList lines;
-    bool printed = qEnvironmentVariable("QT_LOGGING_RULES").contains(u"tarnovel"_s);
+    bool printed = false;
     QtMessageHandler before = nullptr;
 };
 
@@ -61,6 +61,10 @@ void take(QtMsgType type, const QMessageLogContext &context, const QString &mess
 
 void installLog()
 {
+    // Lines of debugging are off unless the rules turn them on: then somebody wants to read along.
+    if (logApp().isDebugEnabled()) {
+        printLog();
+    }
     const QtMessageHandler before = qInstallMessageHandler(take);
     if (before != take) {
         theLog().before = before;

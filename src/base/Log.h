@@ -6,7 +6,7 @@
 namespace tarnovel {
 
 /// Where the program says what went wrong and why, for those who ask: a category a room. Nothing of it is
-/// printed unless QT_LOGGING_RULES names "tarnovel" or `printLog` was called; the last lines are kept.
+/// printed unless QT_LOGGING_RULES turns "tarnovel" on or `printLog` was called; the last lines are kept.
 Q_DECLARE_LOGGING_CATEGORY(logModel)
 Q_DECLARE_LOGGING_CATEGORY(logImaging)
 Q_DECLARE_LOGGING_CATEGORY(logEditor)

@@ -244,8 +244,9 @@ bool isCommand(int argc, char **argv)
         return false;
     }
     const std::string_view first = argv[1];
-    if (first.starts_with('-') && ExportReviewPolicy::isAutomation(fromArgument(argv[1]))) {
-        return false; // the editor, started by a machine
+    const bool verbose = first == "-v" || first == "--verbose";
+    if (verbose || (first.starts_with('-') && ExportReviewPolicy::isAutomation(fromArgument(argv[1])))) {
+        return isCommand(argc - 1, argv + 1); // said of the editor too
     }
     if (first.starts_with('-') || std::ranges::find(commands, first) != commands.end()) {
         return true;

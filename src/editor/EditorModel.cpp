@@ -447,12 +447,12 @@ std::optional<SecondsSince2001> EditorModel::lastEdit() const
 SalvagedSession EditorModel::restorable(const SetAsideSession &document) const
 {
     SalvagedSession found = SetAsideSessions::salvage(document, m_services.libraryFolder);
-    found.session.photos.removeIf([this](const PhotoItem &item) {
+    found.known = found.session.photos.removeIf([this](const PhotoItem &item) {
         return std::ranges::any_of(photos(), [&item](const PhotoItem &known) {
             return known.id == item.id || known.file == item.file;
         });
     });
-    found.session.presets.removeIf([this](const SavedPreset &preset) {
+    found.known += found.session.presets.removeIf([this](const SavedPreset &preset) {
         return std::ranges::any_of(presets(),
                                    [&preset](const SavedPreset &known) { return known.id == preset.id; });
     });
@@ -482,14 +482,18 @@ EditorModel::Restored EditorModel::restore(const SetAsideSession &document)
     return result;
 }
 
-/// The program may have ended between the save that brought a document's photos back and the document's
-/// removal.
+/// The program may have ended between the save that brought a document back and the document's removal: one
+/// that says nothing else than the session is over.
 void EditorModel::removeBroughtBack()
 {
+    const auto isHere = [](const auto &list, const auto &item) { return list.contains(item); };
     for (const SetAsideSession &document : QList(m_setAside)) {
         const SalvagedSession all = SetAsideSessions::salvage(document, m_services.libraryFolder);
-        const Session left = restorable(document).session;
-        if (all.whole() && !all.session.photos.isEmpty() && left.photos.isEmpty() && left.presets.isEmpty()) {
+        const bool same = std::ranges::all_of(all.session.photos,
+                                              [&](const PhotoItem &item) { return isHere(photos(), item); });
+        if (all.whole() && same && !all.session.photos.isEmpty() &&
+            std::ranges::all_of(all.session.presets,
+                                [&](const SavedPreset &preset) { return isHere(presets(), preset); })) {
             removeDocument(document.path);
         }
     }

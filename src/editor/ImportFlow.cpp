@@ -133,13 +133,27 @@ void ImportFlow::endNow()
         return;
     }
     m_queue.clear();
-    m_stop.request_stop();
     m_copier.waitForDone();
-    remove(m_copied);
-    m_copied.clear();
     ++m_run;
+    if (!m_copied.isEmpty()) {
+        takeCopied();
+    }
+    m_stop.request_stop();
     m_summary.cancelled = false;
     finish();
+}
+
+/// A photo that is copied and still being looked at belongs to what has come in.
+void ImportFlow::takeCopied()
+{
+    try {
+        PhotoItem item = m_pipeline.inspect({m_copied}).result();
+        item.name = QFileInfo(m_request.paths.at(m_index - 1)).completeBaseName();
+        m_items.append(item);
+    } catch (const QException &) {
+        remove(m_copied);
+    }
+    m_copied.clear();
 }
 
 void ImportFlow::next()

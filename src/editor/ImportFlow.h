@@ -86,6 +86,7 @@ private:
     void copied(const QString &file, const std::optional<FileError> &refusal);
     void refused(const FileError &refusal);
     void inspected(const QString &file, const std::optional<PhotoItem> &item);
+    void takeCopied();
     void finish();
     /// Gives the selected photo the picture that was brought in for it.
     void finishPicture();

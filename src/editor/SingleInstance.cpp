@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
+#include <optional>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -49,6 +51,33 @@ bool isOwnUser(const QLocalSocket &socket)
     return getsockopt(static_cast<int>(socket.socketDescriptor()), SOL_SOCKET, SO_PEERCRED, &peer, &size) ==
                0 &&
            peer.uid == getuid();
+}
+
+/// What another start hands over.
+struct Request {
+    QStringList photos;
+    QString activationToken;
+};
+
+/// None until all of it is there; then it is answered.
+std::optional<Request> requestFrom(QLocalSocket &socket)
+{
+    QDataStream stream(&socket);
+    stream.startTransaction();
+    QByteArray message;
+    stream >> message;
+    if (!stream.commitTransaction()) {
+        if (socket.bytesAvailable() > largestMessage) {
+            socket.abort();
+        }
+        return std::nullopt;
+    }
+    Request request;
+    QDataStream unpacking(message);
+    unpacking >> request.photos >> request.activationToken;
+    socket.write("k");
+    socket.flush();
+    return request;
 }
 
 QStringList absolutePaths(const QStringList &photos)
@@ -101,7 +130,9 @@ bool SingleInstance::acquire(const QStringList &photos, const QString &activatio
     timer.start();
     // The owner may be about to listen, or about to end.
     do {
-        if (lock() && listen()) {
+        // A name that another user's program has taken makes nobody an owner; only hand-overs come to nothing
+        // then.
+        if (lock() && (listen() || !ownUserListens())) {
             return true;
         }
         if (handOver(photos, activationToken,
@@ -126,6 +157,14 @@ bool SingleInstance::listen()
     return true;
 }
 
+bool SingleInstance::ownUserListens() const
+{
+    QLocalSocket socket;
+    socket.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
+    socket.connectToServer(m_socketName);
+    return socket.waitForConnected(patienceMs) && isOwnUser(socket);
+}
+
 bool SingleInstance::handOver(const QStringList &photos, const QString &activationToken, int patienceMs) const
 {
     QElapsedTimer timer;
@@ -142,8 +181,13 @@ bool SingleInstance::handOver(const QStringList &photos, const QString &activati
     packing << absolutePaths(photos) << activationToken;
     QDataStream sending(&socket);
     sending << message;
-    // The owner answers once it has read everything.
-    return socket.waitForBytesWritten(left()) && socket.waitForReadyRead(left()) && socket.read(1) == "k";
+    // The owner answers once it has read everything, and takes it only when it hears that its answer came in
+    // time: who has given up may ask again.
+    if (!socket.waitForBytesWritten(left()) || !socket.waitForReadyRead(left()) || socket.read(1) != "k") {
+        return false;
+    }
+    socket.write("y");
+    return socket.waitForBytesWritten(left());
 }
 
 void SingleInstance::receive()
@@ -156,24 +200,15 @@ void SingleInstance::receive()
             continue;
         }
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
-            QDataStream stream(socket);
-            stream.startTransaction();
-            QByteArray message;
-            stream >> message;
-            if (!stream.commitTransaction()) {
-                if (socket->bytesAvailable() > largestMessage) {
-                    socket->abort();
-                }
-                return;
+        const auto asked = std::make_shared<std::optional<Request>>();
+        connect(socket, &QLocalSocket::readyRead, this, [this, socket, asked] {
+            if (!*asked) {
+                *asked = requestFrom(*socket);
+            } else if (socket->read(1) == "y") {
+                const Request request = **asked;
+                socket->disconnectFromServer();
+                Q_EMIT photosReceived(request.photos, request.activationToken);
             }
-            QStringList photos;
-            QString activationToken;
-            QDataStream unpacking(message);
-            unpacking >> photos >> activationToken;
-            socket->write("k");
-            socket->flush();
-            Q_EMIT photosReceived(photos, activationToken);
         });
     }
 }

@@ -33,6 +33,7 @@ Q_SIGNALS:
 private:
     bool lock();
     bool listen();
+    bool ownUserListens() const;
     bool handOver(const QStringList &photos, const QString &activationToken, int patienceMs) const;
     void receive();
 

@@ -12,7 +12,7 @@ bool recordSuccess(Preferences &preferences, const QString &currentVersion, cons
     constexpr int soonest = 3;
     const QString countKey = u"successfulExportCount"_s;
     const QString versionKey = u"lastExportReviewVersion"_s;
-    const int count = static_cast<int>(preferences.number(countKey, 0)) + 1;
+    const int count = static_cast<int>(std::clamp(preferences.number(countKey, 0), 0.0, 1e9)) + 1;
     preferences.setValue(countKey, count);
     if (promptsDisabled(arguments, environment) || count < soonest || currentVersion.isEmpty() ||
         preferences.value(versionKey).toString() == currentVersion) {

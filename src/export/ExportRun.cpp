@@ -1,5 +1,6 @@
 #include "export/ExportRun.h"
 
+#include <cerrno>
 #include <utility>
 
 #include "base/Cancellation.h"
@@ -112,7 +113,9 @@ void ExportRun::rendered(const QFuture<ExportedFile> &finished)
 void ExportRun::delivered(const std::optional<FileError> &refusal)
 {
     if (refusal) {
-        fail({m_photos.at(m_index), errorDescription(*refusal), errorDescription(*refusal), true});
+        // A file that is too large is this photo's matter; anything else the next one would meet too.
+        fail({m_photos.at(m_index), errorDescription(*refusal), errorDescription(*refusal),
+              refusal->code() != EFBIG});
         return;
     }
     const std::shared_ptr<const Steps> steps = m_steps;

@@ -13,6 +13,8 @@ constexpr int mostDirectories = 64;
 
 // Of TIFF 6.0, of its supplements for raw files, and of EXIF.
 constexpr int newSubfileType = 254;
+constexpr int oldSubfileType = 255;
+constexpr int reducedVersion = 2;
 constexpr int imageWidth = 256;
 constexpr int imageHeight = 257;
 constexpr int subDirectories = 330;
@@ -154,7 +156,8 @@ TiffPicture findTiffPicture(const TiffDirectories &file)
     };
     // A smaller version of a picture that stands elsewhere in the file.
     const auto isPreview = [&](const TiffDirectories::Directory &directory) {
-        if (file.number(directory, newSubfileType).value_or(0) & 1U) {
+        if ((file.number(directory, newSubfileType).value_or(0) & 1U) ||
+            file.number(directory, oldSubfileType).value_or(0) == reducedVersion) {
             return true;
         }
         const TiffField *below = directory.find(subDirectories);

@@ -3,6 +3,7 @@
 #include "base/Json.h"
 #include "base/Uuid.h"
 #include "model/FrameSettingsJson.h"
+#include "model/LibraryPaths.h"
 
 namespace tarnovel {
 
@@ -49,6 +50,12 @@ SavedPreset presetFrom(const JsonReader &reader)
     return preset;
 }
 
+std::optional<double> numberOrNone(const JsonReader &reader, const char *key)
+{
+    const auto member = reader.optionalMember(key);
+    return member && member->value().is_number() ? std::optional(member->number()) : std::nullopt;
+}
+
 /// The elements of an array member; none where there is no such thing.
 std::vector<JsonReader> elementsOf(const Json &object, const char *key)
 {
@@ -58,6 +65,20 @@ std::vector<JsonReader> elementsOf(const Json &object, const char *key)
 }
 
 } // namespace
+
+void dropForeignFiles(FrameSettings &settings)
+{
+    const auto check = [](std::optional<QString> &file) {
+        if (file && !LibraryPaths::isBareName(*file)) {
+            file.reset();
+        }
+    };
+    check(settings.backgroundFile);
+    check(settings.handwritingFile);
+    for (TextLayer &layer : settings.layers) {
+        check(layer.imageFile);
+    }
+}
 
 std::set<QString> Session::referencedFiles() const
 {
@@ -82,6 +103,7 @@ SalvagedSession salvageSession(const Json &document)
         const auto settings = reader.optionalMember("settings");
         bool whole = settings.has_value();
         FrameSettings read = settings ? salvageFrameSettings(*settings, whole) : FrameSettings();
+        dropForeignFiles(read);
         read.normalize();
         salvaged.changed += whole ? 0 : 1;
         return read;
@@ -99,7 +121,7 @@ SalvagedSession salvageSession(const Json &document)
         try {
             salvaged.session.presets.append({uuidFrom(reader.member("id")),
                                              reader.member("name").text(longestName), settingsOf(reader),
-                                             std::nullopt});
+                                             numberOrNone(reader, "lastUsed")});
         } catch (const JsonError &) {
             ++salvaged.lostPresets;
         }
@@ -109,6 +131,7 @@ SalvagedSession salvageSession(const Json &document)
         if (const auto style = reader.optionalMember("lastStyle")) {
             bool whole = true;
             salvaged.session.lastStyle = salvageFrameSettings(*style, whole);
+            dropForeignFiles(*salvaged.session.lastStyle);
             salvaged.session.lastStyle->normalize();
         }
         if (const auto selected = reader.optionalMember("selected")) {

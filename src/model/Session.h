@@ -54,6 +54,9 @@ struct Session {
     std::set<QString> referencedFiles() const;
 };
 
+/// A stored name that leads out of the library folder names nothing.
+void dropForeignFiles(FrameSettings &settings);
+
 /// The compact document of a session.
 QByteArray writeSession(const Session &session);
 
@@ -71,6 +74,8 @@ struct SalvagedSession {
     qsizetype changed = 0;
     /// The document ends in a fault: it may have held more.
     bool cutShort = false;
+    /// Photos and styles that the session at hand has already.
+    qsizetype known = 0;
 
     bool whole() const { return lostPhotos == 0 && lostPresets == 0 && changed == 0 && !cutShort; }
 };

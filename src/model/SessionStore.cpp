@@ -18,21 +18,6 @@ namespace tarnovel {
 
 namespace {
 
-/// A stored name that leads out of the library folder names nothing.
-void dropForeignFiles(FrameSettings &settings)
-{
-    const auto check = [](std::optional<QString> &file) {
-        if (file && !LibraryPaths::isBareName(*file)) {
-            file.reset();
-        }
-    };
-    check(settings.backgroundFile);
-    check(settings.handwritingFile);
-    for (TextLayer &layer : settings.layers) {
-        check(layer.imageFile);
-    }
-}
-
 /// Drops what the folder no longer has, then lets selection and last style fall back to what is left.
 void settle(Session &session, const QString &folder)
 {
@@ -72,7 +57,8 @@ LoadedSession loadSession(const QString &libraryFolder, LibraryAccess access)
     LoadedSession loaded;
     const QString document = libraryFolder + u'/' + LibraryPaths::sessionFileName();
     const QFileInfo entry(document);
-    if (!entry.exists() && !entry.isSymLink()) {
+    // A folder of that name is no document: it stays, and saves say that they cannot take its place.
+    if ((!entry.exists() && !entry.isSymLink()) || entry.isDir()) {
         return loaded;
     }
     try {

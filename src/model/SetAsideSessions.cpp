@@ -10,7 +10,6 @@
 
 #include "base/FileError.h"
 #include "base/Json.h"
-#include "base/Log.h"
 #include "model/LibraryCleanup.h"
 #include "model/LibraryPaths.h"
 
@@ -42,12 +41,11 @@ std::optional<PartialJson> parsed(const QString &path)
 {
     try {
         return parseJsonUpToFault(readJsonFile(path));
-    } catch (const FileError &error) {
-        qCWarning(logModel) << "a set-aside session cannot be read:" << error.what();
-    } catch (const JsonError &error) {
-        qCWarning(logModel) << "a set-aside session cannot be read:" << path << error.what();
+    } catch (const FileError &) {
+        return std::nullopt; // told when it was set aside
+    } catch (const JsonError &) {
+        return std::nullopt;
     }
-    return std::nullopt;
 }
 
 bool isThere(const QString &file, const QString &folder)

@@ -37,9 +37,13 @@ namespace {
 QString readingDescription(const FileError &error)
 {
     switch (error.code()) {
+    case ENAMETOOLONG:
+        return localized(
+            {"文件名太长。", "The file’s name is too long.", "Le nom du fichier est trop long."});
     case ENOENT:
     case ENOTDIR:
-        return error.path().contains(QRegularExpression(QStringLiteral("[*?\\[]")))
+    case ELOOP:
+        return error.path().contains(QRegularExpression(QStringLiteral("[*?]")))
                    ? localized({"没有符合这个模式的文件。", "No file matches this pattern.",
                                 "Aucun fichier ne correspond à ce motif."})
                    : localized({"文件不存在。", "There is no such file.", "Ce fichier n’existe pas."});

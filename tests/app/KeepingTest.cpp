@@ -132,6 +132,12 @@ TEST_F(KeepingWindow, ASuddenEndKeepsEditsAndDraftsForTheNextStart)
     window().saveNow();
     restart();
     EXPECT_EQ(settings().scale, 0.4);
+    // Put off, it outlives a visit that has nothing to do with it.
+    window().offerDrafts();
+    press(Qt::Key_Escape);
+    window().showCollage();
+    window().collage()->askToClose();
+    EXPECT_TRUE(Drafts::read(m_world->library(), Drafts::Kind::Collage));
     window().offerDrafts();
     answer(2);
     ASSERT_TRUE(waitFor([this] { return window().collage() && window().collage()->studio(); }));
@@ -188,8 +194,13 @@ TEST_F(KeepingWindow, HomeBringsASetAsideSessionBack)
     file.resize(0);
     file.write(writeJson(document));
     file.close();
+    Drafts::keep(m_world->library(), Drafts::Kind::Collage, "{}");
     restart();
     EXPECT_TRUE(model().photos().isEmpty());
+    // Its photos are still to be brought back: the draft waits for them.
+    window().offerDrafts();
+    EXPECT_FALSE(question());
+    Drafts::remove(m_world->library(), Drafts::Kind::Collage);
     auto *card = page().home()->findChild<app::RecoveryCard *>();
     ASSERT_TRUE(card && card->isVisible());
     // The keyboard is on what one most likely wants.
@@ -245,6 +256,19 @@ TEST_F(KeepingWindow, AStoppedExportNamesThePhotoAndGoesOnWithoutIt)
         summary += label->text();
     }
     EXPECT_TRUE(summary.contains(u"Skipped: 1"_s)) << summary.toStdString();
+}
+
+TEST_F(KeepingWindow, ClosingAsksThroughWhateverIsOpen)
+{
+    showPhotos(1);
+    blockSaving();
+    scaleTo(0.4);
+    window().showSettings();
+    window().close();
+    ASSERT_TRUE(window().isVisible());
+    unblockSaving();
+    answer(2);
+    EXPECT_TRUE(waitFor([this] { return !window().isVisible(); }));
 }
 
 TEST_F(KeepingWindow, AMissingPictureIsShownWhereThePhotoIs)

@@ -50,7 +50,7 @@ TEST_F(Chooser, TakesFilesWhereTheyAre)
     EXPECT_EQ(m_studio.candidates().last().name, u"on disk"_s);
     EXPECT_EQ(m_studio.order(m_studio.candidates().last().id), 2);
     EXPECT_EQ(m_studio.total(), 2);
-    EXPECT_EQ(m_studio.message(), u"1 files could not be read."_s);
+    EXPECT_EQ(m_studio.message(), u"1 file could not be read."_s);
     m_studio.start();
     EXPECT_EQ(m_studio.design().cells.size(), 2);
     m_studio.cancel();

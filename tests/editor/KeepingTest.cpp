@@ -141,6 +141,25 @@ TEST_F(Recovery, LeavesTheDocumentWhereNotEverythingCameBack)
     EXPECT_TRUE(exists(session.photos.at(1).file));
 }
 
+TEST_F(Recovery, NeverDropsEditsThatTheSessionLacks)
+{
+    Session session;
+    session.photos = {ownPhoto()};
+    session.presets = {{QUuid::createUuid(), u"mine"_s, {}, 5.0}};
+    store(session);
+    const auto keep = [&](const Session &kept) {
+        QFile aside(m_library + u"/session-damaged-20260101-120000.json"_s);
+        EXPECT_TRUE(aside.open(QIODevice::WriteOnly));
+        aside.write(writeSession(kept));
+    };
+    Session newer = session;
+    newer.photos.first().settings.scale = 0.2;
+    keep(newer);
+    start([](EditorModel &model) { EXPECT_EQ(model.setAside().size(), 1); });
+    keep(session);
+    start([](EditorModel &model) { EXPECT_TRUE(model.setAside().isEmpty()); });
+}
+
 TEST_F(Recovery, SetsAsideWhatCouldNotBeOpened)
 {
     // A link into nowhere stands for a disk that is not there now.
@@ -319,6 +338,8 @@ TEST_F(KeepingOneEditor, AStoppedOwnerCostsASecondAndNothingElse)
     EXPECT_TRUE(waitFor([&] { return received.contains(u"/tmp/b.jpg"_s); }));
     again.join();
     EXPECT_TRUE(handed);
+    // What was given up is not taken up once the owner goes on.
+    EXPECT_EQ(received, QStringList{u"/tmp/b.jpg"_s});
 }
 
 /// Hands photos to the owner of a library as this user would; prints the answer.
@@ -333,6 +354,7 @@ try:
     peer.connect("\0" + name)
     peer.sendall(struct.pack(">I", len(message)) + message)
     print(peer.recv(1).decode() or "closed")
+    peer.sendall(b"y")
 except OSError:
     print("closed")
 )";

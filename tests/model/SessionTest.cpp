@@ -244,6 +244,7 @@ TEST_F(SetAside, BringsBackAllThatCanBeRead)
     Json document = parseJson(writeSession(session));
     document["photos"][1]["settings"]["style"] = "of a newer version";
     document["photos"][1]["settings"]["layers"][2]["x"] = "left";
+    document["photos"][1]["settings"]["backgroundFile"] = "../../x.jpg";
     document["photos"][2].erase("file");
     document["presets"][0]["id"] = 7;
     write(u"session.json"_s, writeJson(document));
@@ -258,9 +259,11 @@ TEST_F(SetAside, BringsBackAllThatCanBeRead)
     EXPECT_EQ(patched.scale, 0.4);
     EXPECT_EQ(patched.style, FrameStyle::simple);
     EXPECT_EQ(patched.layers.size(), 7);
+    EXPECT_TRUE(patched.referencedFiles().empty());
     EXPECT_EQ(found.session.selected, session.selected);
     ASSERT_EQ(found.session.presets.size(), 1);
     EXPECT_EQ(found.session.presets.first().name, u"other"_s);
+    EXPECT_EQ(found.session.presets.first().lastUsed, 1);
     EXPECT_EQ(found.lostPhotos, 2);
     EXPECT_EQ(found.lostPresets, 1);
     EXPECT_EQ(found.changed, 1);

@@ -320,7 +320,9 @@ void ExportPanel::showRun()
     }
     m_limit->setEnabled(!busy && !m_choices.png);
     // The keyboard goes with the button that takes the other's place.
-    const bool held = m_start->hasFocus() || m_cancel->hasFocus();
+    // Of the window, which a dialog that closes has not given the keyboard back to yet.
+    const QWidget *keyboard = window()->focusWidget();
+    const bool held = keyboard == m_start || keyboard == m_cancel;
     m_progressBox->setVisible(busy);
     m_start->setVisible(!busy);
     m_start->setEnabled(!busy && m_context.model.current());

@@ -33,6 +33,8 @@ public:
     const std::optional<ExportProblem> &problem() const { return run().problem(); }
     const FolderExport &folderExport() const { return m_folder; }
     const LibraryExport &libraryExport() const { return m_library; }
+    /// Of the run under way.
+    bool savesToLibrary() const { return m_intoLibrary; }
     /// Gives up the run under way.
     void cancelRun() { cancel(); }
     void dismissResult() { m_folder.dismissResult(); }

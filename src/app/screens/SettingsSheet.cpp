@@ -302,6 +302,7 @@ QWidget *makeGuide(Overlay *sheet)
         new Button(Button::Kind::Ghost, said({"关闭", "Close", "Fermer"}), "close", Button::Face::IconOnly);
     QObject::connect(close, &QPushButton::clicked, sheet, &Overlay::close);
     sheet->setDefaultButton(close);
+    sheet->startOn(close);
     head->addWidget(close);
     column->addLayout(head);
     column->addSpacing(16);

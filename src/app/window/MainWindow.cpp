@@ -164,9 +164,9 @@ void MainWindow::closeEvent(QCloseEvent *event)
     }
 }
 
-void MainWindow::saveNow()
+void MainWindow::saveNow(bool certain)
 {
-    m_closing->saveNow();
+    m_closing->saveNow(certain ? WindowClosing::Ending::Certain : WindowClosing::Ending::Possible);
     m_placement.remember();
 }
 
@@ -245,7 +245,7 @@ void MainWindow::showCollage()
         m_collage = new CollageScreen(m_services.editor, m_services.chooser);
         for (const auto ended : {&CollageScreen::closeAsked, &CollageScreen::finished}) {
             connect(m_collage, ended, this, &MainWindow::showEditor);
-            connect(m_collage, ended, this, [this] { m_closing->forgetDraft(Drafts::Kind::Collage); });
+            connect(m_collage, ended, this, [this] { m_closing->endVisit(Drafts::Kind::Collage); });
         }
     }
     showPage(m_collage);
@@ -258,8 +258,7 @@ HandwritingScreen &MainWindow::handwritingScreen()
         m_handwriting = new HandwritingScreen(m_services.editor);
         for (const auto ended : {&HandwritingScreen::closeAsked, &HandwritingScreen::finished}) {
             connect(m_handwriting, ended, this, &MainWindow::showEditor);
-            connect(m_handwriting, ended, this,
-                    [this] { m_closing->forgetDraft(Drafts::Kind::Handwriting); });
+            connect(m_handwriting, ended, this, [this] { m_closing->endVisit(Drafts::Kind::Handwriting); });
         }
     }
     return *m_handwriting;

@@ -70,9 +70,9 @@ public:
     QWidget *currentPage() const;
     /// A question or a sheet lies over the page.
     bool overlayOpen() const;
-    /// Keeps everything without a question, for a program that has to end now: edits, photos that have come
-    /// in, and drafts of what the studios hold.
-    void saveNow();
+    /// Keeps everything without a question, for a program that has to end now, or may have to: edits, photos
+    /// that have come in, and drafts of what the studios hold.
+    void saveNow(bool certain = true);
     /// Offers what an earlier end of the program left unfinished.
     void offerDrafts();
 

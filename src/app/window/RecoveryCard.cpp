@@ -30,35 +30,63 @@ QString countedStyles(qsizetype count)
     return counted(count, {"%1 个风格", "%1 style", "%1 style"}, {"%1 个风格", "%1 styles", "%1 styles"});
 }
 
+/// "12 photos and 2 styles", without what there is none of.
+QString photosAndStyles(qsizetype photos, qsizetype styles)
+{
+    return photos == 0   ? countedStyles(styles)
+           : styles == 0 ? countedPhotos(photos)
+                         : countedPhotos(photos) + localized({"和", " and ", " et "}) + countedStyles(styles);
+}
+
 /// What can be brought back, and what cannot.
 QString summaryOf(const SalvagedSession &found)
 {
+    const qsizetype photos = found.session.photos.size();
+    const qsizetype styles = found.session.presets.size();
     QStringList parts;
-    const QString photos = countedPhotos(found.session.photos.size());
-    const QString styles = countedStyles(found.session.presets.size());
-    const bool some = !found.session.photos.isEmpty() || !found.session.presets.isEmpty();
-    if (some) {
-        const QString what = found.session.presets.isEmpty() ? photos
-                             : found.session.photos.isEmpty()
-                                 ? styles
-                                 : photos + localized({"和", " and ", " et "}) + styles;
+    if (photos + styles > 0) {
         parts.append(localized({"可以恢复%1。", "%1 can be brought back.", "À récupérer\u202f: %1."})
-                         .replace(u"%1"_s, what));
+                         .replace(u"%1"_s, photosAndStyles(photos, styles)));
+    } else if (found.known > 0) {
+        parts.append(localized({"能读取的内容都已恢复。", "What can be read of it is back in your session.",
+                                "Ce qui est lisible est de retour dans votre session."}));
     } else {
         parts.append(localized(
             {"没有可以恢复的内容。", "Nothing in it can be brought back.", "Rien ne peut être récupéré."}));
     }
     if (found.lostPhotos + found.lostPresets > 0) {
-        const QString lost =
-            found.lostPhotos > 0 ? countedPhotos(found.lostPhotos) : countedStyles(found.lostPresets);
-        parts.append(localized({"%1无法恢复。", "%1 cannot.", "Perdu\u202f: %1."}).replace(u"%1"_s, lost));
-    } else if (found.cutShort && some) {
+        parts.append(localized({"%1无法恢复。", "Lost: %1.", "Perdu\u202f: %1."})
+                         .replace(u"%1"_s, photosAndStyles(found.lostPhotos, found.lostPresets)));
+    } else if (found.cutShort && photos + styles > 0) {
         parts.append(
             localized({"之后的内容无法读取。", "What follows cannot be read.", "La suite est illisible."}));
     }
-    if (found.changed > 0) {
+    if (found.changed > 0 && photos + styles > 0) {
         parts.append(localized({"部分设置恢复为默认值。", "Some settings go back to their defaults.",
                                 "Certains réglages reprennent leurs valeurs par défaut."}));
+    }
+    return parts.join(u' ');
+}
+
+/// What has come back, and whether that is all.
+QString outcomeOf(const EditorModel::Restored &result, const SalvagedSession &found)
+{
+    QStringList parts;
+    if (result.photos + result.presets > 0) {
+        parts.append(localized({"已恢复%1。", "Brought back: %1.", "Récupéré\u202f: %1."})
+                         .replace(u"%1"_s, photosAndStyles(result.photos, result.presets)));
+    }
+    if (result.truncated) {
+        parts.append(
+            localized({"一次最多编辑 50 张，文件已保留。", "A session holds 50 photos; the file is kept.",
+                       "Une session contient 50 photos\u202f; le fichier est conservé."}));
+    } else if (found.lostPhotos + found.lostPresets > 0 || found.cutShort) {
+        parts.append(localized({"其余无法读取，文件已保留。", "The rest could not be read; the file is kept.",
+                                "Le reste est illisible\u202f; le fichier est conservé."}));
+    } else if (found.changed > 0) {
+        parts.append(localized(
+            {"部分设置已恢复为默认值，文件已保留。", "Some settings have their defaults; the file is kept.",
+             "Certains réglages ont leurs valeurs par défaut\u202f; le fichier est conservé."}));
     }
     return parts.join(u' ');
 }
@@ -189,23 +217,7 @@ void RecoveryCard::restore()
         return;
     }
     const EditorModel::Restored result = m_context.model.restore(m_context.model.setAside().first());
-    const QString back = localized({"已恢复%1。", "%1 are back.", "Récupéré\u202f: %1."})
-                             .replace(u"%1"_s, result.photos > 0 ? countedPhotos(result.photos)
-                                                                 : countedStyles(result.presets));
-    if (result.complete) {
-        m_context.state.say(back, Toast::Kind::Done);
-    } else {
-        m_context.state.say(
-            back + u' ' +
-                (result.truncated
-                     ? localized({"一次最多编辑 50 张，文件已保留。",
-                                  "A session holds 50 photos; the file is kept.",
-                                  "Une session contient 50 photos\u202f; le fichier est conservé."})
-                     : localized({"其余无法读取，文件已保留。",
-                                  "The rest could not be read; the file is kept.",
-                                  "Le reste est illisible\u202f; le fichier est conservé."})),
-            Toast::Kind::Error);
-    }
+    m_context.state.say(outcomeOf(result, m_found), result.complete ? Toast::Kind::Done : Toast::Kind::Plain);
     refresh();
     if (result.photos > 0) {
         Q_EMIT restored();

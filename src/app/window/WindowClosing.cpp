@@ -8,6 +8,7 @@
 #include "app/kit/Overlay.h"
 #include "app/window/EditorPage.h"
 #include "app/window/MainWindow.h"
+#include "base/Json.h"
 #include "base/Log.h"
 
 namespace tarnovel::app {
@@ -28,9 +29,22 @@ void WindowClosing::closeLater()
     QTimer::singleShot(0, &m_window, &QWidget::close);
 }
 
-/// No button asked: the question stands where the eye is.
-void WindowClosing::centre(Overlay *question) const
+/// Whether a question of the end is open already. Whatever else lies over the page makes room for one.
+bool WindowClosing::asking()
 {
+    if (m_question && m_question->isVisible()) {
+        return true;
+    }
+    for (Overlay *overlay : m_window.findChildren<Overlay *>(Qt::FindDirectChildrenOnly)) {
+        overlay->close();
+    }
+    return false;
+}
+
+/// No button asked: the question stands where the eye is.
+void WindowClosing::centre(Overlay *question)
+{
+    m_question = question;
     question->anchorAt({(m_window.width() + question->card()->width()) / 2, m_window.height() / 3});
     question->open();
 }
@@ -40,11 +54,14 @@ bool WindowClosing::askToStopExport()
     if (!m_window.page()->exporting()->working() || m_mayStopExport) {
         return false;
     }
-    if (!m_window.overlayOpen()) {
+    if (!asking()) {
         centre(ask(m_window.currentPage(),
                    {said({"停止导出？", "Stop exporting?", "Arrêter l’export\u202f?"}),
-                    said({"已导出的照片会保留。", "Photos that are already exported stay.",
-                          "Les photos déjà exportées restent."}),
+                    m_window.page()->exporting()->savesToLibrary()
+                        ? said({"这批照片不会保存到“图片”。", "None of these photos will be in Pictures.",
+                                "Aucune de ces photos ne sera dans Images."})
+                        : said({"已导出的照片会保留。", "Photos that are already exported stay.",
+                                "Les photos déjà exportées restent."}),
                     said({"停止并退出", "Stop and quit", "Arrêter et quitter"})},
                    [this] {
                        m_mayStopExport = true;
@@ -74,7 +91,7 @@ bool WindowClosing::askToStopImport()
     if (!m_context.imports.running()) {
         return false;
     }
-    if (!m_window.overlayOpen()) {
+    if (!asking()) {
         centre(ask(m_window.currentPage(),
                    {said({"停止导入？", "Stop importing?", "Arrêter l’import\u202f?"}),
                     said({"已导入的照片会保留，其余的不再导入。",
@@ -94,7 +111,8 @@ bool WindowClosing::askToLoseEdits()
     if (m_mayLoseEdits || m_context.model.flush()) {
         return false;
     }
-    if (!m_window.overlayOpen()) {
+    m_mayStopExport = false; // the end may be called off
+    if (!asking()) {
         centre(askTwoWays(
             m_window.currentPage(),
             {said({"最近的编辑无法保存", "Your last edits could not be saved",
@@ -113,20 +131,27 @@ bool WindowClosing::askToLoseEdits()
     return true;
 }
 
-void WindowClosing::saveNow()
+void WindowClosing::saveNow(Ending ending)
 {
-    m_context.imports.endNow();
+    if (ending == Ending::Certain) {
+        m_context.imports.endNow();
+    }
     const QString &library = m_context.model.libraryFolder();
-    const auto keep = [&library](Drafts::Kind kind, const QByteArray &document) {
-        if (!document.isEmpty()) {
-            Drafts::keep(library, kind, document);
+    const auto keep = [&library](Drafts::Kind kind, const auto &draft) {
+        try {
+            const QByteArray document = draft();
+            if (!document.isEmpty()) {
+                Drafts::keep(library, kind, document);
+            }
+        } catch (const JsonError &error) {
+            qCWarning(logApp) << "a draft was not kept:" << error.what();
         }
     };
     if (const CollageScreen *collage = m_window.collage(); collage && collage->studio()) {
-        keep(Drafts::Kind::Collage, collage->studio()->draft());
+        keep(Drafts::Kind::Collage, [collage] { return collage->studio()->draft(); });
     }
     if (HandwritingScreen *handwriting = m_window.handwriting()) {
-        keep(Drafts::Kind::Handwriting, handwriting->draft());
+        keep(Drafts::Kind::Handwriting, [handwriting] { return handwriting->draft(); });
     }
     if (!m_context.model.flush()) {
         qCWarning(logApp) << "the program ends with edits that could not be saved";
@@ -140,6 +165,10 @@ void WindowClosing::forgetDraft(Drafts::Kind kind)
 
 void WindowClosing::offerDrafts()
 {
+    // What was drawn or arranged belongs to photos that a kept session may still bring back.
+    if (!m_context.model.setAside().isEmpty()) {
+        return;
+    }
     for (const Drafts::Kind kind : {Drafts::Kind::Collage, Drafts::Kind::Handwriting}) {
         if (Drafts::read(m_context.model.libraryFolder(), kind)) {
             offer(kind);
@@ -165,6 +194,14 @@ void WindowClosing::offer(Drafts::Kind kind)
         }));
 }
 
+void WindowClosing::endVisit(Drafts::Kind kind)
+{
+    if (m_resumed == kind) {
+        m_resumed.reset();
+        forgetDraft(kind);
+    }
+}
+
 void WindowClosing::resume(Drafts::Kind kind)
 {
     const QByteArray document = Drafts::read(m_context.model.libraryFolder(), kind).value_or(QByteArray());
@@ -175,13 +212,16 @@ void WindowClosing::resume(Drafts::Kind kind)
     } else {
         resumed = m_window.resumeHandwriting(document);
     }
-    if (!resumed) {
-        forgetDraft(kind);
-        m_window.showEditor();
-        m_context.state.say(
-            localized({"无法读取草稿。", "The draft could not be read.", "Le brouillon n’a pas pu être lu."}),
-            Toast::Kind::Error);
+    if (resumed) {
+        m_resumed = kind;
+        return;
     }
+    // Its photos may lie in a session that is still to be brought back: the draft stays.
+    m_window.showEditor();
+    m_context.state.say(
+        localized({"现在无法继续这个草稿，文件已保留。", "The draft cannot be gone on with now. It is kept.",
+                   "Impossible de reprendre ce brouillon pour l’instant. Il est conservé."}),
+        Toast::Kind::Error);
 }
 
 } // namespace tarnovel::app
