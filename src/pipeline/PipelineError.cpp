@@ -49,7 +49,7 @@ QString readingDescription(const FileError &error)
                    : localized({"文件不存在。", "There is no such file.", "Ce fichier n’existe pas."});
     case EISDIR:
         return localized(
-            {"这是文件夹，不是照片。", "This is a folder, not a photo.", "C’est un dossier, pas une photo."});
+            {"这是文件夹，不是文件。", "This is a folder, not a file.", "C’est un dossier, pas un fichier."});
     case EACCES:
     case EPERM:
         return localized({"没有读取这个文件的权限。", "You are not allowed to read this file.",
