@@ -8,7 +8,9 @@
 
 #include "app/canvas/CanvasView.h"
 #include "app/collage/CollageScreen.h"
+#include "app/export/SuccessSheet.h"
 #include "app/handwriting/HandwritingScreen.h"
+#include "app/inspector/ColorDots.h"
 #include "app/kit/Accessible.h"
 #include "app/kit/Button.h"
 #include "app/kit/Label.h"
@@ -99,6 +101,26 @@ protected:
                         window().showEditor();
                         window().showSettings();
                     }});
+        all.append({u"remove"_s, [this] { Q_EMIT window().state().removeAsked(); }});
+        all.append({u"save style"_s, [this] { Q_EMIT window().state().saveStyleAsked(); }});
+        all.append({u"text on the picture"_s, [this] { Q_EMIT page().canvas()->editTextAsked(u"title"_s); }});
+        all.append({u"any color"_s, [this] {
+                        window().state().setTool(Tool::Border);
+                        page().showDrawer(true);
+                        auto *dots = page().panel()->findChild<ColorDots *>();
+                        Q_EMIT dots->wheelChosen();
+                    }});
+        all.append({u"success"_s, [this] {
+                        Success success;
+                        success.heading = said({"36 张已导出", "36 photos exported", "36 photos exportées"});
+                        success.folder = u"/home/someone/Pictures/A folder with a long name"_s;
+                        success.skipped = {u"DSCF2711"_s, u"DSCF2712"_s};
+                        success.thumbnails = [] {
+                            return QList<QImage>(4, QImage(300, 400, QImage::Format_RGB32));
+                        };
+                        success.quote = PhotographyQuotes::all().front();
+                        showSuccess(&window(), success, [](const QString &) {});
+                    }});
         return all;
     }
 
@@ -136,7 +158,7 @@ protected:
         return result;
     }
 
-    /// Whether a sheet or the drawer lies over it.
+    /// Whether a sheet lies over it.
     bool covered(const QWidget *widget)
     {
         for (const Overlay *overlay : window().findChildren<Overlay *>()) {
@@ -144,7 +166,7 @@ protected:
                 return true;
             }
         }
-        return page().drawerShown() && page().isAncestorOf(widget) && !page().panel()->isAncestorOf(widget);
+        return false;
     }
 
     /// Notes and tools lie over the pages that one works on.

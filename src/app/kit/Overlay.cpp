@@ -157,11 +157,6 @@ void Overlay::keyPressEvent(QKeyEvent *event)
 
 bool Overlay::event(QEvent *event)
 {
-    // Nor of the shortcuts of its window.
-    if (event->type() == QEvent::ShortcutOverride) {
-        event->accept();
-        return true;
-    }
     if (event->type() == QEvent::LayoutRequest && isVisible()) {
         place();
     }

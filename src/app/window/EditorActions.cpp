@@ -55,6 +55,11 @@ void EditorActions::connectTo(Act act, const std::function<void()> &done)
     });
 }
 
+void EditorActions::connectAlways(Act act, const std::function<void()> &done)
+{
+    connect(action(act), &QAction::triggered, this, done);
+}
+
 void EditorActions::setEnabled(Act act, bool enabled)
 {
     action(act)->setEnabled(enabled);

@@ -42,6 +42,8 @@ public:
     /// While this holds, the keys do nothing.
     void blockWhen(std::function<bool()> blocked) { m_blocked = std::move(blocked); }
     void connectTo(Act act, const std::function<void()> &done);
+    /// The same for what concerns the window itself, which is never blocked.
+    void connectAlways(Act act, const std::function<void()> &done);
     void setEnabled(Act act, bool enabled);
     /// Asks for the names again.
     void retranslate();

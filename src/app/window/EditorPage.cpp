@@ -20,7 +20,7 @@ namespace tarnovel::app {
 namespace {
 
 constexpr int toastGap = 16;
-/// Below this width of the window the panel is a drawer.
+/// Below this width of the window the panel comes only when asked for.
 constexpr int foldingWidth = 1100;
 
 QBoxLayout *tight(QBoxLayout *layout)
@@ -66,16 +66,14 @@ EditorPage::EditorPage(const EditorContext &context, EditorActions &actions, con
     column->addWidget(m_body, 1);
     m_body->addWidget(m_home);
     m_body->addWidget(m_editor);
-    m_row = new QHBoxLayout(m_editor);
-    tight(m_row);
+    QBoxLayout *row = tight(new QHBoxLayout(m_editor));
     QBoxLayout *stage = tight(new QVBoxLayout);
     stage->addWidget(m_canvas, 1);
     stage->addWidget(m_strip);
-    m_row->addLayout(stage, 1);
-    m_row->addWidget(m_panel);
-    m_row->addWidget(m_rail);
-    m_row->addWidget(m_export);
-    m_editor->installEventFilter(this);
+    row->addLayout(stage, 1);
+    row->addWidget(m_panel);
+    row->addWidget(m_rail);
+    row->addWidget(m_export);
     m_export->hide();
     connect(m_home, &HomeScreen::continueAsked, this, &EditorPage::showEditor);
     connect(m_rail, &Items::chosen, this, [this] {
@@ -120,21 +118,16 @@ void EditorPage::fold(bool folded)
     }
     m_folded = folded;
     m_drawer = false;
-    if (folded) {
-        m_row->removeWidget(m_panel);
-        m_panel->raise();
-    } else {
-        m_row->insertWidget(m_row->indexOf(m_rail), m_panel);
-    }
-    m_panel->setVisible(!folded && !exportShown());
+    updatePanel();
 }
 
-void EditorPage::placePanel()
+void EditorPage::updatePanel()
 {
-    if (m_folded) {
-        const int width = m_panel->width();
-        m_panel->setGeometry(m_rail->x() - width, 0, width, m_editor->height());
+    const bool shown = !exportShown() && (!m_folded || m_drawer);
+    if (!shown && m_panel->isAncestorOf(QApplication::focusWidget())) {
+        m_rail->setFocus(Qt::OtherFocusReason);
     }
+    m_panel->setVisible(shown);
 }
 
 void EditorPage::showDrawer(bool shown)
@@ -144,12 +137,7 @@ void EditorPage::showDrawer(bool shown)
         return;
     }
     m_drawer = shown;
-    if (!shown && m_panel->isAncestorOf(QApplication::focusWidget())) {
-        m_rail->setFocus(Qt::OtherFocusReason);
-    }
-    placePanel();
-    m_panel->setVisible(shown && !exportShown());
-    m_panel->raise();
+    updatePanel();
 }
 
 void EditorPage::resizeEvent(QResizeEvent *event)
@@ -158,27 +146,24 @@ void EditorPage::resizeEvent(QResizeEvent *event)
     QWidget::resizeEvent(event);
 }
 
-bool EditorPage::eventFilter(QObject *object, QEvent *event)
-{
-    if (object == m_editor && (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)) {
-        // After the layout, which comes by the same event.
-        QMetaObject::invokeMethod(this, &EditorPage::placePanel, Qt::QueuedConnection);
-    }
-    return QWidget::eventFilter(object, event);
-}
-
 void EditorPage::showExport(bool shown)
 {
+    if (shown == exportShown()) {
+        return;
+    }
     if (shown) {
         m_drawer = false;
+        m_beforeExport = QApplication::focusWidget();
     }
-    m_panel->setVisible(!shown && (!m_folded || m_drawer));
+    const bool inside = m_export->isAncestorOf(QApplication::focusWidget());
     m_rail->setVisible(!shown);
     m_export->setVisible(shown);
+    updatePanel();
     if (shown) {
         m_export->open();
-    } else {
-        m_canvas->setFocus();
+    } else if (inside) {
+        QWidget *back = m_beforeExport && m_beforeExport->isVisible() ? m_beforeExport.data() : m_canvas;
+        back->setFocus(Qt::OtherFocusReason);
     }
 }
 

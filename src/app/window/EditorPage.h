@@ -1,9 +1,10 @@
 #pragma once
 
+#include <QPointer>
+
 #include "app/EditorContext.h"
 #include "app/FileChooser.h"
 
-class QHBoxLayout;
 class QStackedWidget;
 
 namespace tarnovel {
@@ -34,9 +35,8 @@ public:
     void showEditor();
     void showExport(bool shown);
     bool exportShown() const;
-    /// Where the window is too narrow for panel and picture, the panel lies over the picture while it is
-    /// wanted.
-    bool folded() const { return m_folded; }
+    /// Where the window is narrow, the panel is a drawer: it takes its width from the picture's stage only
+    /// while it is wanted.
     void showDrawer(bool shown);
     bool drawerShown() const { return m_folded && m_drawer; }
 
@@ -58,11 +58,10 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
-    bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
     void fold(bool folded);
-    void placePanel();
+    void updatePanel();
 
     EditorContext m_context;
     TopBar *m_bar;
@@ -74,7 +73,8 @@ private:
     ToolPanel *m_panel;
     ToolRail *m_rail;
     ExportPanel *m_export;
-    QHBoxLayout *m_row;
+    /// Where the keyboard was when the export panel came.
+    QPointer<QWidget> m_beforeExport;
     bool m_folded = false;
     bool m_drawer = false;
     /// The tool that the drawer shows, so that a second choice of it closes it.

@@ -98,9 +98,10 @@ void MainWindow::connectActions()
     m_actions->connectTo(Act::Settings, [this] { showSettings(); });
     when(Act::Paste, &MainWindow::paste);
     // One window is the whole program.
-    m_actions->connectTo(Act::Close, [this] { close(); });
-    m_actions->connectTo(Act::Quit, [this] { close(); });
-    m_actions->connectTo(Act::FullScreen, [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
+    m_actions->connectAlways(Act::Close, [this] { close(); });
+    m_actions->connectAlways(Act::Quit, [this] { close(); });
+    m_actions->connectAlways(Act::FullScreen,
+                             [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
 }
 
 void MainWindow::connectState()
