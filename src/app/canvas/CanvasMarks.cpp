@@ -8,7 +8,9 @@
 
 #include "app/kit/Icons.h"
 #include "app/kit/Theme.h"
+#include "editor/EditorRules.h"
 #include "language/AppLanguage.h"
+#include "render/CompositionRenderer.h"
 
 namespace tarnovel::app::CanvasMarks {
 
@@ -21,6 +23,8 @@ constexpr double knob = 24;
 constexpr double knobGap = 8;
 constexpr int guideReach = 24;
 constexpr float restingGuide = 0.35F;
+/// What can still be seen on a card.
+constexpr QSizeF smallestPlaceholder(16, 4);
 
 QRectF padded(const QRectF &box)
 {
@@ -106,24 +110,51 @@ QRegion guideRegion(const QRectF &frame)
     return region;
 }
 
-void paintPlaceholder(QPainter &painter, const QRectF &box, const QFont &font, const QString &name, bool dark)
+void paintPlaceholders(QPainter &painter, const FrameSettings &settings, const QRectF &frame,
+                       const QImage &ground, Naming naming)
 {
-    constexpr QSizeF around(12, 2);
-    QColor color = dark ? QColor(Qt::white) : marks().disabled;
-    if (dark) {
-        color.setAlphaF(0.55F);
+    const bool named = naming == Naming::Full;
+    for (const TextLayer &layer : settings.layers) {
+        if (!Placeholders::isWanted(layer)) {
+            continue;
+        }
+        TextLayer shown = Placeholders::shown(layer, frame.size());
+        shown.size = named ? shown.size : layer.size;
+        const QRectF text = CompositionRenderer::textRect(shown, frame.size());
+        const QPoint pixel = (text.center() * ground.width() / frame.width()).toPoint();
+        const bool dark = ground.rect().contains(pixel) && ground.pixelColor(pixel).lightness() < 128;
+        QColor color = dark ? QColor(Qt::white) : marks().disabled;
+        color.setAlphaF(dark ? 0.55F : 1.F);
+        QPen pen(color, 1);
+        pen.setDashPattern(named ? QList<qreal>{4, 3} : QList<qreal>{2, 2});
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.translate(frame.topLeft() + text.center());
+        painter.rotate(layer.rotation.value_or(0));
+        const QSizeF size = named ? text.size() + QSizeF(24, 4) : text.size().expandedTo(smallestPlaceholder);
+        const QRectF box(QPointF(-size.width() / 2, -size.height() / 2), size);
+        painter.setPen(pen);
+        painter.drawRoundedRect(QRectF(box.toAlignedRect()).adjusted(0.5, 0.5, -0.5, -0.5), named ? 2 : 0,
+                                named ? 2 : 0);
+        if (named) {
+            painter.setFont(CompositionRenderer::font(shown, frame.width()));
+            painter.drawText(box, Qt::AlignCenter | Qt::TextDontClip, shown.text);
+        }
+        painter.restore();
     }
-    QPen pen(color, 1);
-    pen.setDashPattern({4, 3});
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(pen);
-    painter.setBrush(Qt::NoBrush);
-    const QRectF outer =
-        box.adjusted(-around.width(), -around.height(), around.width(), around.height()).toAlignedRect();
-    painter.drawRoundedRect(outer.adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
-    painter.setPen(color);
-    painter.setFont(font);
-    painter.drawText(outer, Qt::AlignCenter, name);
+}
+
+QImage withPlaceholders(QImage picture, const FrameSettings &settings, double ratio)
+{
+    if (picture.isNull() || std::ranges::none_of(settings.layers, Placeholders::isWanted)) {
+        return picture;
+    }
+    const QImage ground = picture;
+    picture = std::move(picture).convertToFormat(QImage::Format_RGB32);
+    QPainter painter(&picture);
+    painter.scale(ratio, ratio);
+    paintPlaceholders(painter, settings, {QPointF(), QSizeF(picture.size()) / ratio}, ground, Naming::Dashes);
+    return picture;
 }
 
 void paintSelection(QPainter &painter, const QRectF &box, bool keyboard)

@@ -1,12 +1,16 @@
 #pragma once
 
-#include <QFont>
+#include <QImage>
 #include <QRectF>
 #include <QRegion>
 
 #include "editor/CanvasGestures.h"
 
 class QPainter;
+
+namespace tarnovel {
+struct FrameSettings;
+}
 
 /// What is drawn over the picture for the hand; none of it is exported.
 namespace tarnovel::app::CanvasMarks {
@@ -22,9 +26,14 @@ void paintNotice(QPainter &painter, const QRectF &frame, const QString &text);
 /// All that guides and their words may cover.
 QRegion guideRegion(const QRectF &frame);
 
-/// The name of an empty text in dashes, over a ground that is dark or not.
-void paintPlaceholder(QPainter &painter, const QRectF &box, const QFont &font, const QString &name,
-                      bool dark);
+enum class Naming { Full, Dashes };
+/// The empty texts of a frame in dashes, with their names or, on a card, without. `ground` is what is drawn
+/// there already, by which their colour is chosen.
+void paintPlaceholders(QPainter &painter, const FrameSettings &settings, const QRectF &frame,
+                       const QImage &ground, Naming naming);
+/// A card's picture, in device pixels of `ratio`, with its empty texts.
+QImage withPlaceholders(QImage picture, const FrameSettings &settings, double ratio);
+
 /// The box around a chosen layer with its handles; the painter is turned with the layer.
 void paintSelection(QPainter &painter, const QRectF &box, bool keyboard);
 

@@ -175,7 +175,8 @@ void CanvasView::paintEvent(QPaintEvent *event)
     if (const QList<FramePicture> &missing = m_context.model.previews().missing; !missing.isEmpty()) {
         CanvasMarks::paintNotice(painter, frame, missingPicture(missing.first()));
     }
-    paintPlaceholders(painter, frame);
+    CanvasMarks::paintPlaceholders(painter, m_context.model.current()->settings, frame, m_frame,
+                                   CanvasMarks::Naming::Full);
     paintGuides(painter, frame);
     paintSelection(painter, frame);
     if (hasFocus() && keyboardFocusVisible() && !m_context.state.selectedLayer()) {
@@ -192,24 +193,6 @@ void CanvasView::paintLoading(QPainter &painter, const QRectF &frame)
     constexpr int size = 20;
     Icons::draw(painter, "warn", frame.center() - QPointF(size / 2.0, size / 2.0), size,
                 Theme::light().danger);
-}
-
-void CanvasView::paintPlaceholders(QPainter &painter, const QRectF &frame) const
-{
-    for (const TextLayer &layer : m_context.model.current()->settings.layers) {
-        if (!Placeholders::isWanted(layer)) {
-            continue;
-        }
-        const TextLayer named = Placeholders::shown(layer, frame.size());
-        const QRectF box = CompositionRenderer::textRect(named, frame.size()).translated(frame.topLeft());
-        const QPoint pixel = ((box.center() - frame.topLeft()) * devicePixelRatioF()).toPoint();
-        const bool dark = m_frame.rect().contains(pixel) && m_frame.pixelColor(pixel).lightness() < 128;
-        painter.save();
-        painter.setTransform(layerTransform(named, box), true);
-        CanvasMarks::paintPlaceholder(painter, box, CompositionRenderer::font(named, frame.width()),
-                                      named.text, dark);
-        painter.restore();
-    }
 }
 
 void CanvasView::paintGuides(QPainter &painter, const QRectF &frame) const
@@ -234,11 +217,7 @@ std::optional<QRectF> CanvasView::layerBox() const
 
 QTransform CanvasView::layerTransform(const QRectF &box) const
 {
-    return layerTransform(*m_context.model.current()->settings.layer(*m_context.state.selectedLayer()), box);
-}
-
-QTransform CanvasView::layerTransform(const TextLayer &layer, const QRectF &box)
-{
+    const TextLayer &layer = *m_context.model.current()->settings.layer(*m_context.state.selectedLayer());
     QTransform turned;
     turned.translate(box.center().x(), box.center().y());
     turned.rotate(layer.rotation.value_or(0));

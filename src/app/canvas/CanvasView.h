@@ -58,13 +58,11 @@ private:
     /// What lies under the frame: the stage with the frame's shadow, kept for the next repaint.
     void drawGround(const QRectF &frame);
     void paintSelection(QPainter &painter, const QRectF &frame) const;
-    void paintPlaceholders(QPainter &painter, const QRectF &frame) const;
     void paintGuides(QPainter &painter, const QRectF &frame) const;
     void paintLoading(QPainter &painter, const QRectF &frame);
     Grip gripAt(QPointF position) const;
     QPointF inLayer(QPointF position, const QRectF &box) const;
     QTransform layerTransform(const QRectF &box) const;
-    static QTransform layerTransform(const TextLayer &layer, const QRectF &box);
     void showCursor(QPointF position);
     void endGesture();
     void pinch(double factor);

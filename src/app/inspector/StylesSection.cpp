@@ -2,6 +2,7 @@
 
 #include <QBoxLayout>
 
+#include "app/canvas/CanvasMarks.h"
 #include "app/kit/Button.h"
 #include "app/kit/CardGrid.h"
 #include "app/kit/Label.h"
@@ -112,7 +113,9 @@ QImage StylesSection::card(int index, QSize roomPx) const
     const SavedPreset &preset = model().presets().at(index);
     PhotoItem shown = *photo;
     shown.settings = applied(preset, *photo);
-    return context().thumbnails.image(u"style "_s + preset.id.toString(), shown, roomPx);
+    return CanvasMarks::withPlaceholders(
+        context().thumbnails.image(u"style "_s + preset.id.toString(), shown, roomPx), shown.settings,
+        devicePixelRatioF());
 }
 
 FrameSettings StylesSection::applied(const SavedPreset &preset, const PhotoItem &photo) const

@@ -4,6 +4,7 @@
 
 #include <QBoxLayout>
 
+#include "app/canvas/CanvasMarks.h"
 #include "app/kit/CardGrid.h"
 #include "render/BuiltInTemplate.h"
 
@@ -57,7 +58,9 @@ QImage TemplatesSection::card(int index, QSize roomPx) const
     const BuiltInTemplate look = BuiltInTemplates::all().at(index);
     PhotoItem dressed = *photo;
     dressed.settings = BuiltInTemplates::make(look, photo->settings, model().previews().palette);
-    return context().thumbnails.image(u"template "_s + BuiltInTemplates::id(look), dressed, roomPx);
+    return CanvasMarks::withPlaceholders(
+        context().thumbnails.image(u"template "_s + BuiltInTemplates::id(look), dressed, roomPx),
+        dressed.settings, devicePixelRatioF());
 }
 
 void TemplatesSection::display(const PhotoItem &photo)
