@@ -45,7 +45,7 @@ CollageView sample(CollageStudio &studio, const QUuid &photo, CellFrame frame, Q
 
 FrameTiles::FrameTiles(CollageStudio &studio) : Items(Arrows::Move), m_studio(studio)
 {
-    setAccessibleName(localized({"格子边框", "Cell frame", "Cadre de la case"}));
+    setName(said({"格子边框", "Cell frame", "Cadre de la case"}));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(this, &Items::chosen, this,
             [this](int index) { m_studio.setFrame(cellFrames.at(static_cast<size_t>(index))); });
@@ -181,6 +181,7 @@ void CellsPage::addFrames()
     column->addLayout(heading);
     column->addSpacing(4);
     m_frames = new FrameTiles(m_studio);
+    m_frames->setObjectName(u"frames"_s);
     m_frames->setFixedHeight(m_frames->sizeHint().height());
     column->addWidget(m_frames);
     column->addSpacing(12);
@@ -197,6 +198,7 @@ void CellsPage::addFrames()
         copy->setIconSizePx(16);
         copy->setFont(typeFont(Type::Label));
         row->addWidget(copy);
+        copy->setObjectName(u"copyTo%1"_s.arg(static_cast<int>(scope)));
         connect(copy, &QPushButton::clicked, this, [this, scope] { m_studio.copyFrame(scope); });
     };
     add(CopyScope::row, "row", said({"本行", "Row", "Ligne"}));
@@ -232,6 +234,9 @@ void CellsPage::addPhoto()
     row->addStretch();
     column->addLayout(row);
     column->addSpacing(4);
+    m_zoom->setObjectName(u"zoom"_s);
+    m_center->setObjectName(u"centerPhoto"_s);
+    m_reset->setObjectName(u"resetPhoto"_s);
     connect(m_zoom, &Slider::changed, this, [this](double zoom) { m_studio.setZoom(zoom); });
     connect(m_center, &QPushButton::clicked, this, [this] { m_studio.centerPhoto(); });
     connect(m_reset, &QPushButton::clicked, this, [this] { m_studio.resetPhoto(); });

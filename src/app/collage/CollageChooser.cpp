@@ -178,7 +178,7 @@ CollageChooser::CollageChooser(CollageStudio &studio)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(makeHeader());
-    m_grid->setAccessibleName(localized({"照片", "Photos", "Photos"}));
+    m_grid->setName(said({"照片", "Photos", "Photos"}));
     m_scroll->setWidget(m_grid);
     // The page shows through.
     m_grid->setAutoFillBackground(false);
@@ -257,7 +257,7 @@ QWidget *CollageChooser::makeTray()
     m_trayRow->addWidget(m_count);
     m_trayRow->addStretch(1);
     auto *places = new ChooserTray(m_studio);
-    places->setAccessibleName(localized({"已选照片", "Chosen photos", "Photos choisies"}));
+    places->setName(said({"已选照片", "Chosen photos", "Photos choisies"}));
     m_trayRow->addWidget(places);
     m_trayRow->addStretch(3);
     m_clear = new Button(Button::Kind::Ghost, said({"清除", "Clear", "Effacer"}));

@@ -11,6 +11,8 @@
 #include "app/kit/Segments.h"
 #include "app/kit/Theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tarnovel::app {
 
 namespace {
@@ -38,7 +40,8 @@ CollagePanel::CollagePanel(const EditorContext &context, CollageStudio &studio)
     column->setSpacing(12);
     auto *tabs = new QHBoxLayout;
     tabs->setContentsMargins(inset - 1, 0, inset, 0);
-    m_tabs->setAccessibleName(localized({"设置", "Settings", "Réglages"}));
+    m_tabs->setName(said({"设置", "Settings", "Réglages"}));
+    m_tabs->setObjectName(u"collageTabs"_s);
     tabs->addWidget(m_tabs);
     column->addLayout(tabs);
     const auto add = [this](QWidget *page) {

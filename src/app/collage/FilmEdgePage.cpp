@@ -53,6 +53,11 @@ FilmEdgePage::FilmEdgePage(CollageStudio &studio)
     column->addWidget(makeHint(
         "info", said({"间距和背景随 35 毫米胶片而定。", "Spacing and background follow the 35 mm strip.",
                       "L’espacement et le fond suivent la bande 35 mm."})));
+    m_text->setGivesKeyboardBack(true);
+    m_stock->setObjectName(u"stock"_s);
+    m_text->setObjectName(u"edgeText"_s);
+    m_numbers->setObjectName(u"frameNumbers"_s);
+    m_first->setObjectName(u"firstFrame"_s);
     connect(m_stock, &StockPicker::chosen, this,
             [this](const QString &stock) { change([&stock](FilmEdge &edge) { edge.stock = stock; }); });
     connect(m_text, &QLineEdit::textEdited, this,

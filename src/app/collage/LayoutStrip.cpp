@@ -34,7 +34,7 @@ constexpr int ringGap = 5;
 LayoutStrip::LayoutStrip(CollageStudio &studio) : Items(Arrows::Move), m_studio(studio)
 {
     setFixedHeight(stripHeight);
-    setAccessibleName(localized({"版式", "Layout", "Mise en page"}));
+    setName(said({"版式", "Layout", "Mise en page"}));
     connect(&studio, &CollageStudio::changed, this, &LayoutStrip::studioChanged);
     connect(this, &Items::chosen, this, [this](int index) { m_studio.choosePreset(m_presets.at(index).id); });
     connect(this, &Items::cursorMoved, this, &LayoutStrip::reveal);
@@ -208,7 +208,6 @@ void LayoutStrip::timerEvent(QTimerEvent *event)
 bool LayoutStrip::event(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange && !m_studio.choosing()) {
-        setAccessibleName(localized({"版式", "Layout", "Mise en page"}));
         learn();
     }
     return Items::event(event);

@@ -32,12 +32,15 @@ PageControls::PageControls(const EditorContext &context, CollageStudio &studio)
                          &CollageStudio::setMargin);
     m_radius = addLength(said({"圆角", "Corners", "Coins"}), CollageStudio::largestRadius, fresh.radius,
                          &CollageStudio::setRadius);
+    m_gap->setObjectName(u"gap"_s);
+    m_margin->setObjectName(u"margin"_s);
+    m_radius->setObjectName(u"corners"_s);
     column->addWidget(makeRule());
     column->addWidget(new Label(Type::Label, said({"比例", "Aspect", "Format"})));
     column->addSpacing(8);
     m_aspect = new Segments({said({"版式", "Layout", "Modèle"}), [] { return u"1:1"_s; },
                              [] { return u"4:5"_s; }, [] { return u"3:4"_s; }, [] { return u"9:16"_s; }});
-    m_aspect->setAccessibleName(localized({"比例", "Aspect", "Format"}));
+    m_aspect->setName(said({"比例", "Aspect", "Format"}));
     column->addWidget(m_aspect);
     column->addSpacing(4);
     auto *paper = new QVBoxLayout(m_paper);
@@ -53,9 +56,11 @@ PageControls::PageControls(const EditorContext &context, CollageStudio &studio)
                                       {packedColor(0x6E6D68), said({"灰", "Grey", "Gris"})},
                                       {packedColor(0x0D0D0D), said({"黑", "Black", "Noir"})},
                                       {packedColor(0xD9A184), said({"陶土", "Terracotta", "Terre cuite"})}});
-    m_background->setAccessibleName(localized({"背景", "Background", "Fond"}));
+    m_background->setName(said({"背景", "Background", "Fond"}));
     paper->addWidget(m_background);
     column->addWidget(m_paper);
+    m_aspect->setObjectName(u"aspect"_s);
+    m_background->setObjectName(u"paper"_s);
     connect(m_aspect, &Items::chosen, this,
             [this](int index) { m_studio.setAspect(collageAspects.at(static_cast<size_t>(index))); });
     const auto take = [this](const QColor &color) { m_studio.setBackground(color); };

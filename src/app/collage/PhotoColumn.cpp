@@ -30,7 +30,7 @@ constexpr int dragDistance = 8;
 
 ColumnPhotos::ColumnPhotos(CollageStudio &studio) : PhotoItems(studio, tileSide)
 {
-    setAccessibleName(localized({"照片", "Photos", "Photos"}));
+    setName(said({"照片", "Photos", "Photos"}));
     connect(&studio, &CollageStudio::changed, this, [this](CollageStudio::Changes changes) {
         if (changes & (CollageStudio::PhotosChanged | CollageStudio::PhaseChanged)) {
             learn();

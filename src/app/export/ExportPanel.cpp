@@ -151,6 +151,11 @@ void ExportPanel::addOptions(QVBoxLayout *column)
     column->addWidget(makeHint("lock", [] { return ExportTexts::privacy(); }));
     column->addStretch();
 
+    m_destination->setObjectName(u"destination"_s);
+    m_which->setObjectName(u"which"_s);
+    m_size->setObjectName(u"sizes"_s);
+    m_format->setObjectName(u"format"_s);
+    m_limit->setObjectName(u"limit"_s);
     connect(m_destination, &Items::chosen, this, [this](int index) {
         // The photo library's choices have no memory.
         const bool all = m_choices.all;

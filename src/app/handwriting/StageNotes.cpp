@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include "app/kit/Button.h"
+#include "app/kit/Field.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Label.h"
 #include "app/kit/Theme.h"
@@ -72,6 +73,9 @@ ZoomControl::ZoomControl(QWidget *parent)
     row->setContentsMargins(4, 4, 4, 4);
     row->setSpacing(0);
     m_zoom->setFixedWidth(zoomWidth);
+    m_zoom->setHint([] {
+        return localized({"显示整页", "Show the whole page", "Afficher toute la page"}) + u"  Ctrl+0"_s;
+    });
     m_smaller->setKeyHint(u"−"_s);
     m_larger->setKeyHint(u"+"_s);
     for (Button *button : {m_smaller, m_zoom, m_larger}) {
@@ -86,17 +90,10 @@ ZoomControl::ZoomControl(QWidget *parent)
 
 void ZoomControl::setZoom(double zoom, double most)
 {
-    m_zoom->setPhrase([percent = qRound(zoom * 100)] { return QString::number(percent) + u" %"_s; });
+    m_zoom->setPhrase(
+        [percent = qRound(zoom * 100)] { return asWritten(QString::number(percent) + u" %"_s); });
     m_smaller->setEnabled(zoom > 1 + sameZoom);
     m_larger->setEnabled(zoom < most - sameZoom);
-    hint();
-}
-
-void ZoomControl::hint()
-{
-    const QString text = localized({"显示整页", "Show the whole page", "Afficher toute la page"});
-    m_zoom->setToolTip(text + u"  Ctrl+0"_s);
-    m_zoom->setAccessibleDescription(text);
 }
 
 void ZoomControl::paintEvent(QPaintEvent *)
@@ -104,14 +101,6 @@ void ZoomControl::paintEvent(QPaintEvent *)
     // Readable where a zoomed page lies under it, not to be seen where none does.
     QPainter painter(this);
     Paint::rounded(painter, rect(), 8, theme().canvas);
-}
-
-void ZoomControl::changeEvent(QEvent *event)
-{
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::LanguageChange) {
-        hint();
-    }
 }
 
 } // namespace tarnovel::app

@@ -34,11 +34,8 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-    void changeEvent(QEvent *event) override;
 
 private:
-    void hint();
-
     Button *m_smaller;
     Button *m_zoom;
     Button *m_larger;

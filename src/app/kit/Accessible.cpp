@@ -16,7 +16,9 @@ public:
 
     QString text(QAccessible::Text kind) const override
     {
-        return kind == QAccessible::Value ? speaking()->spoken().text : QAccessibleWidget::text(kind);
+        // A value is one number to the platform; what it cannot hold is read as the description.
+        return kind == QAccessible::Value || kind == QAccessible::Description ? speaking()->spoken().text
+                                                                              : QAccessibleWidget::text(kind);
     }
     void *interface_cast(QAccessible::InterfaceType type) override
     {
@@ -68,6 +70,8 @@ void tellSpoken(QWidget &widget, double value)
 {
     QAccessibleValueChangeEvent changed(&widget, value);
     QAccessible::updateAccessibility(&changed);
+    QAccessibleEvent described(&widget, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&described);
 }
 
 } // namespace tarnovel::app

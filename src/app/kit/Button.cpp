@@ -4,8 +4,10 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QToolTip>
 
 #include "app/kit/Focus.h"
 #include "app/kit/Icons.h"
@@ -88,13 +90,28 @@ void Button::refresh()
     const QString text = m_phrase ? m_phrase() : QString();
     setText(m_face == Face::Text ? QString(text).replace(u'&', u"&&"_s) : QString());
     setAccessibleName(text);
-    if (m_hint) {
-        setToolTip(m_hint());
-    } else {
-        setToolTip(m_face == Face::Text ? QString() : m_key.isEmpty() ? text : text + u"  "_s + m_key);
-    }
+    // An icon's tooltip says its name, which readers have as such already.
+    setAccessibleDescription(m_hint ? m_hint() : m_key);
     updateGeometry();
     update();
+}
+
+QString Button::tip() const
+{
+    if (m_hint) {
+        return m_hint();
+    }
+    const QString name = accessibleName();
+    return m_face == Face::Text ? QString() : m_key.isEmpty() ? name : name + u"  "_s + m_key;
+}
+
+bool Button::event(QEvent *event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), tip(), this);
+        return true;
+    }
+    return QPushButton::event(event);
 }
 
 int Button::padding() const

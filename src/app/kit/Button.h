@@ -48,6 +48,7 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -62,6 +63,7 @@ private:
     };
     Colors colors() const;
     int padding() const;
+    QString tip() const;
 
     Kind m_kind;
     Face m_face;

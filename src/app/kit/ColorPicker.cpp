@@ -263,6 +263,7 @@ ColorPicker::ColorPicker(Dropper dropper, QWidget *parent)
         auto *take = new Button(Button::Kind::Secondary,
                                 said({"从画面取色", "Pick a color from the picture", "Prélever une couleur"}),
                                 "dropper", Button::Face::IconOnly);
+        take->setObjectName(u"dropper"_s);
         connect(take, &QPushButton::clicked, this, &ColorPicker::dropperRequested);
         row->addWidget(take);
     }

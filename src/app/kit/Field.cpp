@@ -26,16 +26,15 @@ constexpr int sidePadding = 10;
 constexpr int iconSize = 16;
 const QChar minusSign(0x2212);
 
-/// A number with its unit as the language writes it.
-QString asWritten(QString text)
+} // namespace
+
+QString asWritten(QString number)
 {
     if (currentLanguage() == AppLanguage::french) {
-        text.replace(u'.', u',').replace(u' ', QChar(0x202F));
+        number.replace(u'.', u',').replace(u' ', QChar(0x202F));
     }
-    return text;
+    return number;
 }
-
-} // namespace
 
 Field::Field(Phrase name, QWidget *parent) : QLineEdit(parent), m_name(std::move(name))
 {

@@ -7,6 +7,9 @@
 
 namespace tarnovel::app {
 
+/// A number with its unit ("4.0 %") as the language writes it.
+QString asWritten(QString number);
+
 /// A line of text to type in.
 class Field : public QLineEdit {
     Q_OBJECT

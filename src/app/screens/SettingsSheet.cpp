@@ -180,6 +180,7 @@ QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
     const std::optional<AppLanguage> stored =
         languageFromName(context.preferences.value(u"language"_s).toString());
     language->setCurrent(stored ? static_cast<int>(*stored) + 1 : 0);
+    language->setObjectName(u"language"_s);
     column->addWidget(language);
     auto *which = new Label(
         Type::Label,
@@ -194,11 +195,13 @@ QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
     auto *tiles = new AppearanceTiles;
     tiles->setName(said({"外观", "Appearance", "Apparence"}));
     tiles->setCurrent(static_cast<int>(appearance.choice()));
+    tiles->setObjectName(u"appearance"_s);
     column->addWidget(tiles);
     column->addWidget(makeRule());
     auto *autoApply = new Switch(said({"新照片使用上次的风格", "Apply last style to new photos",
                                        "Appliquer le dernier style aux nouvelles photos"}));
     autoApply->show(context.model.autoApplyLastStyle());
+    autoApply->setObjectName(u"autoApplyStyle"_s);
     column->addWidget(autoApply);
     column->addWidget(new Label(
         Type::Label,
