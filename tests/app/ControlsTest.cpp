@@ -418,6 +418,65 @@ TEST_F(Controls, TemplatesAndStyles)
     EXPECT_TRUE(model().presets().isEmpty());
 }
 
+TEST_F(Controls, EverySectionCanBeReset)
+{
+    const FrameSettings fresh;
+    const Change changed = [&](FrameSettings &settings) {
+        settings.preset = CanvasPreset::custom;
+        settings.customWidth = 7;
+        settings.background = Backdrop::gradient;
+        settings.color = settings.secondColor = {0.2, 0.3, 0.4};
+        settings.border = 0.03;
+        settings.borderColor = {1, 0, 0};
+        settings.style = FrameStyle::film;
+        settings.film = FilmOptions();
+        settings.film->number = 9;
+        settings.handwritingFile = settings.layer(u"watermark"_s)->imageFile = u"mark.png"_s;
+        settings.handwritingX = settings.handwritingY = settings.handwritingWidth = 0.3;
+        for (TextLayer &layer : settings.layers) {
+            layer.text = u"Word"_s;
+            layer.visible = true;
+            layer.x = layer.y = 0.25;
+            layer.size = 0.09;
+            layer.rotation = 45;
+        }
+    };
+    const auto reset = [&](Tool tool, std::function<bool(const FrameSettings &)> holds) {
+        play(tool, changed, {{"reset", [&] { click(control(u"reset"_s)); }, std::move(holds)}});
+    };
+    reset(Tool::Canvas,
+          [&](auto &now) { return now.preset == fresh.preset && now.customWidth == fresh.customWidth; });
+    reset(Tool::Background, [&](auto &now) {
+        return now.background == fresh.background && now.color == fresh.color &&
+               now.secondColor == fresh.secondColor && now.border == 0.03;
+    });
+    reset(Tool::Border, [&](auto &now) {
+        return now.style == fresh.style && now.border == fresh.border && now.borderColor == fresh.borderColor;
+    });
+    reset(Tool::Film, [](auto &now) {
+        return now.style == FrameStyle::film && now.film == FilmOptions() && now.border == 0.03;
+    });
+    const auto isFresh = [&](const FrameSettings &now, const QString &id) {
+        const TextLayer &layer = *now.layer(id);
+        const auto known = std::ranges::find(defaultLayers(), id, &TextLayer::id);
+        return layer.x == known->x && layer.y == known->y && layer.size == known->size && !layer.rotation;
+    };
+    reset(Tool::Text, [&](auto &now) {
+        return isFresh(now, u"title"_s) && now.layer(u"title"_s)->text == u"Word"_s &&
+               !isFresh(now, u"caption"_s);
+    });
+    reset(Tool::Logo,
+          [&](auto &now) { return isFresh(now, u"watermark"_s) && now.layer(u"watermark"_s)->imageFile; });
+    reset(Tool::Signature, [](auto &now) {
+        return now.handwritingFile && near(*now.handwritingX, 0.5) && near(*now.handwritingY, 0.5) &&
+               near(*now.handwritingWidth, 1);
+    });
+    reset(Tool::Camera, [](auto &now) {
+        return !now.layer(u"brand"_s)->visible && !now.layer(u"date"_s)->visible &&
+               now.layer(u"title"_s)->visible && now.layer(u"brand"_s)->text == u"Word"_s;
+    });
+}
+
 TEST_F(Controls, NumberFieldsGiveTheKeyboardBack)
 {
     window().state().setTool(Tool::Placement);
