@@ -13,6 +13,7 @@
 #include "app/handwriting/ToolTiles.h"
 #include "app/inspector/ColorDots.h"
 #include "app/kit/Button.h"
+#include "app/kit/Field.h"
 #include "app/kit/Overlay.h"
 #include "editor/EditorWorld.h"
 #include "handwriting/HandwritingReference.h"
@@ -403,6 +404,17 @@ TEST_F(HandwritingScreenTest, KeysReachEveryToolFromTheWholeScreen)
     EXPECT_TRUE(tools->findChild<ColorDots *>()->isVisible());
     QTest::keyClick(canvas(), ']');
     EXPECT_EQ(studio().width(), 7);
+    // A number that is typed leaves the keyboard where it was: what follows is the page's again.
+    auto *width = tools->findChild<NumberField *>();
+    canvas()->setFocus();
+    QTest::mouseClick(width, Qt::LeftButton);
+    QCoreApplication::processEvents();
+    QTest::keyClicks(width, u"14"_s);
+    QTest::keyClick(width, Qt::Key_Return);
+    EXPECT_EQ(QApplication::focusWidget(), canvas());
+    QTest::keyClick(QApplication::focusWidget(), '2');
+    EXPECT_EQ(studio().width(), 14);
+    EXPECT_EQ(studio().tool(), handwritingTools.at(1));
     QTest::keyClick(canvas(), Qt::Key_M);
     EXPECT_TRUE(studio().moving());
     QTest::keyClick(canvas(), Qt::Key_E);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include <QFontMetrics>
 #include <QPainter>
@@ -25,6 +26,7 @@ constexpr int guideReach = 24;
 constexpr float restingGuide = 0.35F;
 /// What can still be seen on a card.
 constexpr QSizeF smallestPlaceholder(16, 4);
+constexpr double leastOutline = 2;
 
 QRectF padded(const QRectF &box)
 {
@@ -114,6 +116,7 @@ void paintPlaceholders(QPainter &painter, const FrameSettings &settings, const Q
                        const QImage &ground, Naming naming)
 {
     const bool named = naming == Naming::Full;
+    QList<QRectF> drawn;
     for (const TextLayer &layer : settings.layers) {
         if (!Placeholders::isWanted(layer)) {
             continue;
@@ -133,9 +136,19 @@ void paintPlaceholders(QPainter &painter, const FrameSettings &settings, const Q
         painter.rotate(layer.rotation.value_or(0));
         const QSizeF size = named ? text.size() + QSizeF(24, 4) : text.size().expandedTo(smallestPlaceholder);
         const QRectF box(QPointF(-size.width() / 2, -size.height() / 2), size);
+        QRectF outline = QRectF(box.toAlignedRect()).adjusted(0.5, 0.5, -0.5, -0.5);
+        // Lines that lie closer than their outlines part at the upper one's edge.
+        for (const QRectF &above : std::as_const(drawn)) {
+            const QRectF there = above.translated(-text.center());
+            if (!layer.rotation && there.intersects(outline)) {
+                outline.setTop(std::max(outline.top(), there.bottom() + 1));
+            }
+        }
         painter.setPen(pen);
-        painter.drawRoundedRect(QRectF(box.toAlignedRect()).adjusted(0.5, 0.5, -0.5, -0.5), named ? 2 : 0,
-                                named ? 2 : 0);
+        if (outline.height() >= leastOutline) {
+            painter.drawRoundedRect(outline, named ? 2 : 0, named ? 2 : 0);
+            drawn.append(outline.translated(text.center()));
+        }
         if (named) {
             painter.setFont(CompositionRenderer::font(shown, frame.width()));
             painter.drawText(box, Qt::AlignCenter | Qt::TextDontClip, shown.text);

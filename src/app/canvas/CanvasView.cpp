@@ -22,8 +22,8 @@ namespace {
 
 constexpr QSizeF roomyMargins(112, 112);
 constexpr QSizeF tightMargins(96, 72);
-/// Below this width of the stage the margins are the tight ones.
-constexpr int tightStage = 800;
+/// On a stage narrower or lower than this the margins are the tight ones.
+constexpr QSize tightStage(800, 600);
 
 } // namespace
 
@@ -104,7 +104,8 @@ QRectF CanvasView::frameRect() const
     if (!photo) {
         return {};
     }
-    const QSizeF margins = width() < tightStage ? tightMargins : roomyMargins;
+    const QSizeF margins =
+        width() < tightStage.width() || height() < tightStage.height() ? tightMargins : roomyMargins;
     const double device = devicePixelRatioF();
     const QSizeF room = (QSizeF(size()) - margins).expandedTo({40, 40});
     const QSize pixels = Thumbnails::canvasIn((room * device).toSize(), *photo);

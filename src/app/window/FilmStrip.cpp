@@ -273,7 +273,10 @@ void StripView::paintItem(QPainter &painter, int index, const State &state)
         Paint::outline(painter, QRectF(tile).adjusted(-4, -4, 4, 4), 8, look.accent, 2);
     }
     if (state.focused) {
-        Paint::outline(painter, QRectF(tile).adjusted(-1, -1, 1, 1), 4, look.accent, 1.5);
+        // Inside the ring of the shown photo, with a gap that parts it from any picture.
+        Paint::outline(painter, QRectF(tile).adjusted(-2, -2, 2, 2), 5, look.canvas, 2);
+        Paint::outline(painter, tile, 3, look.accent, 2);
+        Paint::outline(painter, QRectF(tile).adjusted(2, 2, -2, -2), 2, look.canvas, 1);
     }
 }
 
