@@ -75,7 +75,7 @@ private:
     World(std::unique_ptr<QTemporaryDir> folder, const QStringList &photos, int count)
         : AppWorld(folder->path()), m_folder(std::move(folder))
     {
-        preferences().setValue(u"autoApplyLastStyle"_s, false);
+        preferences().set(PreferenceKeys::autoApplyLastStyle, false);
         QStringList wanted;
         for (int i = 0; i < count; ++i) {
             wanted.append(photos.at(i % photos.size()));
@@ -168,7 +168,6 @@ QList<Screen> signedScreens()
         screens.append({QString::fromLatin1(name), [tool = tool](World &world) {
                             const FrameSettings before = world.model().current()->settings;
                             world.model().update(signedAndMarked(world, before));
-                            world.model().loadPreview();
                             if (tool) {
                                 world.state().setTool(*tool);
                             } else {
@@ -177,7 +176,6 @@ QList<Screen> signedScreens()
                             return [&world, before] {
                                 world.window().showEditor();
                                 world.model().update(before);
-                                world.model().loadPreview();
                             };
                         }});
     }

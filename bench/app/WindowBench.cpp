@@ -99,7 +99,6 @@ void measureDrags(test::AppWorld &world)
         settings = BuiltInTemplates::make(row.look, settings, {});
         settings.background = row.background;
         world.model().update(settings);
-        world.model().loadPreview();
         world.settle();
         const Times times = drag(world);
         std::printf("drag, %-24s median %5.2f ms, 95 %% %5.2f ms (by the clock %5.2f, %5.2f)\n", row.name,

@@ -54,7 +54,7 @@ Appearance::Appearance(Preferences &preferences, const QDBusConnection &bus)
 
 AppearanceChoice Appearance::choice() const
 {
-    const QString stored = m_preferences.value(u"appearance"_s).toString();
+    const QString stored = m_preferences.get(PreferenceKeys::appearance).toString();
     for (size_t i = 0; i < names.size(); ++i) {
         if (stored == QLatin1StringView(names.at(i))) {
             return static_cast<AppearanceChoice>(i);
@@ -65,7 +65,8 @@ AppearanceChoice Appearance::choice() const
 
 void Appearance::choose(AppearanceChoice choice)
 {
-    m_preferences.setValue(u"appearance"_s, QString::fromLatin1(names.at(static_cast<size_t>(choice))));
+    m_preferences.set(PreferenceKeys::appearance,
+                      {QString::fromLatin1(names.at(static_cast<size_t>(choice)))});
     apply();
 }
 

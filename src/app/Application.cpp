@@ -48,7 +48,7 @@ public:
 
     void reload()
     {
-        const QString stored = m_preferences.value(u"language"_s).toString();
+        const QString stored = m_preferences.get(PreferenceKeys::language).toString();
         const std::lock_guard lock(m_mutex);
         m_name = stored;
     }

@@ -26,14 +26,14 @@ QString pictureFilter()
 /// What the dialog is for, and with it the place that it opens in.
 struct Purpose {
     Preferences *preferences;
-    QString key;
+    Preference<QVariant> folder;
 };
 
 QFileDialog *dialog(QWidget *window, const QString &title, const Purpose &purpose)
 {
     auto *made = new QFileDialog(window, title);
     made->setAttribute(Qt::WA_DeleteOnClose);
-    const QString last = purpose.preferences->value(purpose.key).toString();
+    const QString last = purpose.preferences->get(purpose.folder).toString();
     // A folder that has gone would stand in the dialog as a name to open.
     made->setDirectory(
         QFileInfo(last).isDir() ? last : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
@@ -49,7 +49,7 @@ void askFiles(QWidget *window, QFileDialog::FileMode mode, const QString &title,
     ask->setOption(QFileDialog::HideNameFilterDetails);
     QObject::connect(ask, &QFileDialog::filesSelected, window, [chosen, purpose](const QStringList &files) {
         if (!files.isEmpty()) {
-            purpose.preferences->setValue(purpose.key, QFileInfo(files.first()).absolutePath());
+            purpose.preferences->set(purpose.folder, {QFileInfo(files.first()).absolutePath()});
         }
         chosen(files);
     });
@@ -60,8 +60,8 @@ void askFiles(QWidget *window, QFileDialog::FileMode mode, const QString &title,
 
 FileChooser FileChooser::dialogs(Preferences &preferences)
 {
-    const Purpose photos{&preferences, u"photosFolder"_s};
-    const Purpose exports{&preferences, u"exportFolder"_s};
+    const Purpose photos{&preferences, PreferenceKeys::photosFolder};
+    const Purpose exports{&preferences, PreferenceKeys::exportFolder};
     FileChooser chooser;
     chooser.photos = [photos](QWidget *window, const Files &chosen) {
         askFiles(window, QFileDialog::ExistingFiles,
@@ -78,7 +78,7 @@ FileChooser FileChooser::dialogs(Preferences &preferences)
         ask->setOption(QFileDialog::ShowDirsOnly);
         ask->selectFile({});
         QObject::connect(ask, &QFileDialog::fileSelected, window, [chosen, exports](const QString &folder) {
-            exports.preferences->setValue(exports.key, folder);
+            exports.preferences->set(exports.folder, {folder});
             chosen(folder);
         });
         ask->open();

@@ -166,7 +166,7 @@ bool chooseLanguage(int argc, char **argv)
     const QStringList system = systemLanguagesFromEnvironment();
     QString preference;
     if (hasArgument(argc, argv, "--session")) {
-        preference = Preferences().value(u"language"_s).toString();
+        preference = Preferences().get(PreferenceKeys::language).toString();
     }
     const std::optional<QString> code = languageArgument(argc, argv);
     const auto language = code ? languageFromCode(*code) : std::nullopt;

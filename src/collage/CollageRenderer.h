@@ -10,7 +10,7 @@
 #include "collage/CollageCell.h"
 #include "collage/CollageGeometry.h"
 #include "collage/CollagePreset.h"
-#include "collage/FilmStrip.h"
+#include "collage/FilmStripDecor.h"
 
 class QPainter;
 

@@ -31,7 +31,6 @@ CollageStudio::CollageStudio(EditorModel &model, ImagePipeline &pipeline, Clock 
       m_images(pipeline, clock),
       m_sliders([this] { checkpoint(); }, clock)
 {
-    m_saver.setMaxThreadCount(1);
     connect(&m_photos, &CollagePhotos::changed, this, [this] { tell(PhotosChanged); });
     connect(&m_photos, &CollagePhotos::tileChanged, this, [this] { tell(ImagesChanged); });
     connect(&m_images, &CollageBoardImages::changed, this, [this] { tell(ImagesChanged); });
@@ -46,7 +45,6 @@ CollageStudio::CollageStudio(EditorModel &model, ImagePipeline &pipeline, Clock 
 CollageStudio::~CollageStudio()
 {
     m_stop.request_stop();
-    m_saver.waitForDone();
 }
 
 bool CollageStudio::pick(const QList<QUuid> &photos)
@@ -375,30 +373,32 @@ void CollageStudio::finish()
     m_saving = true;
     m_message.clear();
     tell(PhaseChanged | MessageChanged | HistoryChanged);
-    m_saver.start([this, design = m_design, photos = photosOf(m_design), library = m_model.libraryFolder(),
-                   stop = m_stop.get_token()] {
-        std::function<void()> outcome;
-        try {
-            const CollageOutput::Saved collage =
-                CollageOutput::save(m_pipeline, design, photos, library, stop);
-            outcome = [this, collage] { saved(collage); };
-        } catch (const OperationCancelled &) {
-            return; // closed meanwhile
-        } catch (const PipelineFailure &failure) {
-            const auto culprit = std::ranges::find(photos, failure.file(), &PhotoItem::file);
-            const QString name =
-                culprit == photos.end() ? QString() : culprit->name + localized({"：", ": ", "\u202f: "});
-            outcome = [this, reason = name + errorDescription(failure.error())] { saveFailed(reason); };
-        } catch (const FileError &error) {
-            qCWarning(logCollage) << "the collage was not saved:" << error.what();
-            outcome = [this, reason = errorDescription(error)] { saveFailed(reason); };
-        } catch (const std::exception &error) {
-            qCWarning(logCollage) << "the collage was not saved:" << error.what();
-            outcome = [this] { saveFailed({}); };
-        }
-        // A call that is never delivered takes the unclaimed file with it.
-        QMetaObject::invokeMethod(this, outcome, Qt::QueuedConnection);
-    });
+    m_saver.run(
+        [this, design = m_design, photos = photosOf(m_design), library = m_model.libraryFolder(),
+         stop = m_stop.get_token()] {
+            std::function<void()> outcome = [] {}; // closed meanwhile
+            try {
+                const CollageOutput::Saved collage =
+                    CollageOutput::save(m_pipeline, design, photos, library, stop);
+                outcome = [this, collage] { saved(collage); };
+            } catch (const OperationCancelled &) {
+                return outcome;
+            } catch (const PipelineFailure &failure) {
+                const auto culprit = std::ranges::find(photos, failure.file(), &PhotoItem::file);
+                const QString name =
+                    culprit == photos.end() ? QString() : culprit->name + localized({"：", ": ", "\u202f: "});
+                outcome = [this, reason = name + errorDescription(failure.error())] { saveFailed(reason); };
+            } catch (const FileError &error) {
+                qCWarning(logCollage) << "the collage was not saved:" << error.what();
+                outcome = [this, reason = errorDescription(error)] { saveFailed(reason); };
+            } catch (const std::exception &error) {
+                qCWarning(logCollage) << "the collage was not saved:" << error.what();
+                outcome = [this] { saveFailed({}); };
+            }
+            // A call that is never delivered takes the unclaimed file with it.
+            return outcome;
+        },
+        [](const std::function<void()> &outcome) { outcome(); });
 }
 
 void CollageStudio::saved(const CollageOutput::Saved &collage)

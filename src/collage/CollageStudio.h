@@ -7,8 +7,8 @@
 
 #include <QObject>
 #include <QStringList>
-#include <QThreadPool>
 
+#include "base/Worker.h"
 #include "collage/CollageBoardImages.h"
 #include "collage/CollageEdits.h"
 #include "collage/CollageOutput.h"
@@ -223,7 +223,7 @@ private:
     QString m_message;
     MessageKind m_messageKind = MessageKind::Error;
     std::stop_source m_stop;
-    QThreadPool m_saver;
+    Worker m_saver;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(CollageStudio::Changes)

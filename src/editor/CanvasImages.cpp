@@ -40,17 +40,6 @@ QSize signatureSize(const PhotoItem &item, QSize canvas, const QImage &picture)
 
 } // namespace
 
-CanvasImages::CanvasImages()
-{
-    m_thread.setMaxThreadCount(1);
-}
-
-CanvasImages::~CanvasImages()
-{
-    m_thread.clear();
-    m_thread.waitForDone();
-}
-
 PhotoImage CanvasImages::photoAtHand(const Wanted &wanted, bool &exact) const
 {
     const PhotoPlacement placement = wholePlacement(wanted.item, wanted.canvas);
@@ -125,17 +114,15 @@ CanvasImages::Ready CanvasImages::make(const Wanted &wanted, Ready old)
 void CanvasImages::begin()
 {
     m_running = true;
-    m_thread.start([this, wanted = *std::exchange(m_wanted, {}), old = m_ready] {
-        Ready made = make(wanted, old);
-        QMetaObject::invokeMethod(this, [this, made = std::move(made)]() mutable {
-            m_running = false;
-            m_ready = std::move(made);
-            Q_EMIT changed();
-            if (m_wanted) {
-                begin();
-            }
-        });
-    });
+    m_worker.run([wanted = *std::exchange(m_wanted, {}), old = m_ready] { return make(wanted, old); },
+                 [this](Ready made) {
+                     m_running = false;
+                     m_ready = std::move(made);
+                     Q_EMIT changed();
+                     if (m_wanted) {
+                         begin();
+                     }
+                 });
 }
 
 } // namespace tarnovel

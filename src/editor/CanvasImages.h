@@ -3,8 +3,8 @@
 #include <optional>
 
 #include <QObject>
-#include <QThreadPool>
 
+#include "base/Worker.h"
 #include "editor/PreviewLoader.h"
 #include "render/CompositionRenderer.h"
 
@@ -16,9 +16,6 @@ class CanvasImages : public QObject {
     Q_OBJECT
 
 public:
-    CanvasImages();
-    ~CanvasImages() override;
-
     /// What a canvas of `canvas` device pixels is drawn with now. `changed` follows when better ones are
     /// there.
     CompositionImages images(const PhotoItem &item, QSize canvas, const Previews &previews);
@@ -53,7 +50,7 @@ private:
     Ready m_ready;
     std::optional<Wanted> m_wanted;
     bool m_running = false;
-    QThreadPool m_thread;
+    Worker m_worker;
 };
 
 } // namespace tarnovel

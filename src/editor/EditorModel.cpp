@@ -18,13 +18,6 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
-namespace {
-
-/// Seconds since 2001 of the last change that was saved.
-const QString lastEditKey = QStringLiteral("lastEdit");
-
-} // namespace
-
 EditorModel::EditorModel(const EditorServices &services, Load load)
     : m_services(services), m_loader(services.pipeline)
 {
@@ -110,11 +103,22 @@ void EditorModel::update(const FrameSettings &settings)
     if (!item) {
         return;
     }
+    const bool otherPictures =
+        PreviewLoader::picturesOf(item->settings) != PreviewLoader::picturesOf(settings);
     item->settings = settings;
     m_session.lastStyle = settings;
     edited();
+    if (otherPictures) {
+        loadPreview();
+    }
     tell(SettingsChanged);
     scheduleSave();
+}
+
+void EditorModel::step(const FrameSettings &settings)
+{
+    checkpoint();
+    update(settings);
 }
 
 qsizetype EditorModel::append(const QList<PhotoItem> &items)
@@ -192,13 +196,11 @@ void EditorModel::applyToAll()
 
 void EditorModel::applyPreset(const SavedPreset &preset)
 {
-    checkpoint();
     FrameSettings settings = preset.settings;
     settings.normalize();
     const QUuid id = preset.id;
-    update(settings);
+    step(settings);
     markPresetUsed(id);
-    loadPreview();
 }
 
 bool EditorModel::savePreset(const QString &name)
@@ -420,7 +422,7 @@ void EditorModel::saved(bool done)
         return;
     }
     if (std::exchange(m_editedSinceSave, false)) {
-        m_services.preferences.setValue(lastEditKey, m_services.clock.date());
+        m_services.preferences.set(PreferenceKeys::lastEdit, m_services.clock.date());
     }
     if (!m_restoredDocument.isEmpty()) {
         removeDocument(std::exchange(m_restoredDocument, {}));
@@ -440,7 +442,7 @@ void EditorModel::edited()
 
 std::optional<SecondsSince2001> EditorModel::lastEdit() const
 {
-    const double stored = m_services.preferences.number(lastEditKey, 0);
+    const double stored = m_services.preferences.get(PreferenceKeys::lastEdit);
     return stored > 0 ? std::optional(stored) : std::nullopt;
 }
 
@@ -544,12 +546,12 @@ void EditorModel::setImport(bool busy, const QString &progress)
 
 bool EditorModel::autoApplyLastStyle() const
 {
-    return m_services.preferences.boolean(u"autoApplyLastStyle"_s, true);
+    return m_services.preferences.get(PreferenceKeys::autoApplyLastStyle);
 }
 
 void EditorModel::setAutoApplyLastStyle(bool on)
 {
-    m_services.preferences.setValue(u"autoApplyLastStyle"_s, on);
+    m_services.preferences.set(PreferenceKeys::autoApplyLastStyle, on);
 }
 
 } // namespace tarnovel

@@ -77,7 +77,9 @@ public:
     const QString &message() const { return m_message; }
 
     void select(const QUuid &id);
-    /// Replaces the selected photo's settings. The checkpoint of the step is the caller's.
+    /// Replaces the selected photo's settings, as a step of the history.
+    void step(const FrameSettings &settings);
+    /// The same amid a step that has begun. Pictures that the settings now need are loaded.
     void update(const FrameSettings &settings);
     /// The same for any photo, as one step; nothing happens when it has gone.
     void change(const QUuid &id, const FrameSettings &settings);
@@ -152,8 +154,6 @@ public:
 
     /// When a photo or a style was last changed, rather than looked at; none when that is not known.
     std::optional<SecondsSince2001> lastEdit() const;
-    void loadPreview();
-
     void setMessage(const QString &message);
     void setImport(bool busy, const QString &progress);
     bool autoApplyLastStyle() const;
@@ -168,6 +168,7 @@ private:
     bool autoApplied(std::optional<bool> autoApply) const;
     void bringBack(const EditSnapshot &step);
     void edited();
+    void loadPreview();
     void removeDocument(const QString &path);
     void removeBroughtBack();
     void selectFirst();

@@ -59,8 +59,7 @@ bool enter(EditorModel &model, const QString &text)
     layer.text = date.toString(u"yyyy.MM.dd"_s);
     // Whoever enters a date wants to see it.
     layer.visible = true;
-    model.checkpoint();
-    model.update(settings);
+    model.step(settings);
     return true;
 }
 

@@ -95,15 +95,12 @@ QString ImportSummary::message(ImportSource source) const
     return parts.join(u' ');
 }
 
-ImportFlow::ImportFlow(EditorModel &model, ImagePipeline &pipeline) : m_model(model), m_pipeline(pipeline)
-{
-    m_copier.setMaxThreadCount(1);
-}
+ImportFlow::ImportFlow(EditorModel &model, ImagePipeline &pipeline) : m_model(model), m_pipeline(pipeline) {}
 
 ImportFlow::~ImportFlow()
 {
     m_stop.request_stop();
-    m_copier.waitForDone();
+    m_copier.wait();
     if (m_running) {
         remove(m_copied);
         removeFrom(0);
@@ -133,7 +130,7 @@ void ImportFlow::endNow()
         return;
     }
     m_queue.clear();
-    m_copier.waitForDone();
+    m_copier.wait();
     ++m_run;
     if (!m_copied.isEmpty()) {
         takeCopied();
@@ -183,26 +180,25 @@ void ImportFlow::step()
     }
     m_model.setImport(true, u"%1 / %2"_s.arg(m_index + 1).arg(m_request.paths.size()));
     const QString path = m_request.paths.at(m_index++);
-    m_copier.start([this, path, run = m_run, library = m_model.libraryFolder()] {
-        QString file;
-        std::optional<FileError> refusal = fileTrouble(path);
-        try {
-            if (!refusal) {
-                file = ImportedFile::receive(path, library).file;
-                m_copied = file; // read elsewhere only when this thread rests
-            }
-        } catch (const FileError &error) {
-            refusal = error;
-        }
-        QMetaObject::invokeMethod(
-            this,
-            [this, run, file, refusal] {
-                if (run == m_run) {
-                    copied(file, refusal);
+    m_copier.run(
+        [this, path, library = m_model.libraryFolder()] {
+            QString file;
+            std::optional<FileError> refusal = fileTrouble(path);
+            try {
+                if (!refusal) {
+                    file = ImportedFile::receive(path, library).file;
+                    m_copied = file; // read elsewhere only when this thread rests
                 }
-            },
-            Qt::QueuedConnection);
-    });
+            } catch (const FileError &error) {
+                refusal = error;
+            }
+            return std::pair(file, refusal);
+        },
+        [this, run = m_run](const std::pair<QString, std::optional<FileError>> &copy) {
+            if (run == m_run) {
+                copied(copy.first, copy.second);
+            }
+        });
 }
 
 void ImportFlow::refused(const FileError &refusal)

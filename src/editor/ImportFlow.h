@@ -5,9 +5,9 @@
 
 #include <QObject>
 #include <QStringList>
-#include <QThreadPool>
 
 #include "base/FileError.h"
+#include "base/Worker.h"
 #include "editor/EditorModel.h"
 
 namespace tarnovel {
@@ -107,7 +107,7 @@ private:
     /// Counts the imports and their early ends: what is told of an older one comes too late.
     int m_run = 0;
     std::stop_source m_stop;
-    QThreadPool m_copier;
+    Worker m_copier;
 };
 
 } // namespace tarnovel

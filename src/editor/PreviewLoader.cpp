@@ -65,20 +65,19 @@ void PreviewLoader::load(const PhotoItem &item)
             },
             [this] { Q_EMIT unreadable(); });
     }
-    loadBackground(item);
-    const TextLayer *logo = item.settings.layer(u"watermark"_s);
-    if (logo && logo->imageFile) {
-        request(FramePicture::Logo, *logo->imageFile, logoPixels, &Previews::watermark);
+    const Pictures pictures = picturesOf(item.settings);
+    loadBackground(item.file, pictures);
+    if (pictures.logo) {
+        request(FramePicture::Logo, *pictures.logo, logoPixels, &Previews::watermark);
     } else {
         m_previews.watermark = {};
     }
     // Another signature lies elsewhere: the old one would show there, stretched, until the new one arrives.
-    if (std::exchange(m_signatureFile, item.settings.handwritingFile) != item.settings.handwritingFile) {
+    if (std::exchange(m_signatureFile, pictures.signature) != pictures.signature) {
         m_previews.handwriting = {};
     }
-    if (item.settings.handwritingFile) {
-        request(FramePicture::Signature, *item.settings.handwritingFile, signaturePixels,
-                &Previews::handwriting);
+    if (pictures.signature) {
+        request(FramePicture::Signature, *pictures.signature, signaturePixels, &Previews::handwriting);
     } else {
         m_previews.handwriting = {};
     }
@@ -92,18 +91,17 @@ void PreviewLoader::load(const PhotoItem &item)
     Q_EMIT changed();
 }
 
-void PreviewLoader::loadBackground(const PhotoItem &item)
+void PreviewLoader::loadBackground(const QString &photo, const Pictures &pictures)
 {
-    const FrameSettings &settings = item.settings;
-    if (settings.background == Backdrop::image && settings.backgroundFile) {
-        request(FramePicture::Background, *settings.backgroundFile, backdropPixels, &Previews::background);
-    } else if (settings.background == Backdrop::blur) {
+    if (pictures.backgroundFile) {
+        request(FramePicture::Background, *pictures.backgroundFile, backdropPixels, &Previews::background);
+    } else if (pictures.background == Backdrop::blur) {
         const auto failed = [this] {
             m_previews.background = {};
             Q_EMIT changed();
         };
         whenDone<QImage>(
-            m_pipeline.read(item.file, ImagePipeline::blurSourcePixels, m_stop.get_token()),
+            m_pipeline.read(photo, ImagePipeline::blurSourcePixels, m_stop.get_token()),
             [this, failed](const QImage &source) {
                 whenDone<QImage>(
                     m_pipeline.blurred(source, m_stop.get_token()),
@@ -117,6 +115,23 @@ void PreviewLoader::loadBackground(const PhotoItem &item)
     } else {
         m_previews.background = {};
     }
+}
+
+PreviewLoader::Pictures PreviewLoader::picturesOf(const FrameSettings &settings)
+{
+    Pictures pictures;
+    const bool image = settings.background == Backdrop::image && settings.backgroundFile;
+    if (image || settings.background == Backdrop::blur) {
+        pictures.background = settings.background;
+    }
+    if (image) {
+        pictures.backgroundFile = settings.backgroundFile;
+    }
+    if (const TextLayer *logo = settings.layer(u"watermark"_s)) {
+        pictures.logo = logo->imageFile;
+    }
+    pictures.signature = settings.handwritingFile;
+    return pictures;
 }
 
 void PreviewLoader::clear()

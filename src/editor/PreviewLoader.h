@@ -38,6 +38,17 @@ public:
     /// Stops loading and forgets the decoded photo too.
     void forget();
 
+    /// The pictures beside the photo that these settings show; previews of settings with the same are the
+    /// same.
+    struct Pictures {
+        Backdrop background = Backdrop::solid;
+        std::optional<QString> backgroundFile;
+        std::optional<QString> logo;
+        std::optional<QString> signature;
+        bool operator==(const Pictures &) const = default;
+    };
+    static Pictures picturesOf(const FrameSettings &settings);
+
     const Previews &previews() const { return m_previews; }
 
 Q_SIGNALS:
@@ -46,7 +57,7 @@ Q_SIGNALS:
     void unreadable();
 
 private:
-    void loadBackground(const PhotoItem &item);
+    void loadBackground(const QString &photo, const Pictures &pictures);
     void request(FramePicture picture, const QString &file, int maxPixel, QImage Previews::*place);
     template<typename Value>
     void whenDone(QFuture<Value> future, std::function<void(const Value &)> arrived,

@@ -13,7 +13,6 @@ constexpr std::chrono::milliseconds quiet(350);
 SaveScheduler::SaveScheduler(SessionWriter &writer, Clock &clock, std::function<void(bool)> finished)
     : m_writer(writer), m_clock(clock), m_finished(std::move(finished)), m_revision(writer.latestRevision())
 {
-    m_thread.setMaxThreadCount(1);
 }
 
 SaveScheduler::~SaveScheduler()
@@ -38,10 +37,10 @@ bool SaveScheduler::flush()
     if (m_pause) {
         write();
     }
-    m_thread.waitForDone();
+    m_worker.wait();
     if (m_failed) {
         write();
-        m_thread.waitForDone();
+        m_worker.wait();
     }
     return !m_failed;
 }
@@ -52,18 +51,17 @@ void SaveScheduler::write()
     const std::shared_ptr<PendingCall> over = std::move(m_pause);
     QMetaObject::invokeMethod(
         this, [over] {}, Qt::QueuedConnection);
-    m_thread.start([this, session = m_latest, revision = m_revision] {
-        const bool saved = m_writer.save(session, revision);
-        m_failed = !saved;
-        QMetaObject::invokeMethod(
-            this,
-            [this, saved, revision] {
-                if (revision == m_revision && m_finished) {
-                    m_finished(saved);
-                }
-            },
-            Qt::QueuedConnection);
-    });
+    m_worker.run(
+        [this, session = m_latest, revision = m_revision] {
+            const bool saved = m_writer.save(session, revision);
+            m_failed = !saved;
+            return saved;
+        },
+        [this, revision = m_revision](bool saved) {
+            if (revision == m_revision && m_finished) {
+                m_finished(saved);
+            }
+        });
 }
 
 } // namespace tarnovel

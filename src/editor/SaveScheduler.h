@@ -5,8 +5,8 @@
 #include <memory>
 
 #include <QObject>
-#include <QThreadPool>
 
+#include "base/Worker.h"
 #include "editor/Clock.h"
 #include "model/SessionWriter.h"
 
@@ -44,7 +44,7 @@ private:
     /// Set on the writing thread.
     std::atomic<bool> m_failed = false;
     std::unique_ptr<PendingCall> m_pause;
-    QThreadPool m_thread;
+    Worker m_worker;
 };
 
 } // namespace tarnovel

@@ -1,8 +1,19 @@
 #include "editor/SettingsEdits.h"
 
+#include <utility>
+
 #include "editor/EditorModel.h"
 
 namespace tarnovel {
+
+std::function<void(FrameSettings &)> inLayer(const QString &id, std::function<void(TextLayer &)> change)
+{
+    return [id, change = std::move(change)](FrameSettings &settings) {
+        if (TextLayer *layer = settings.layer(id)) {
+            change(*layer);
+        }
+    };
+}
 
 void SettingsEdits::step(const Change &change)
 {
@@ -16,11 +27,10 @@ void SettingsEdits::step(const Change &change)
         return;
     }
     m_sliders.end();
-    m_model.checkpoint();
-    m_model.update(settings);
+    m_model.step(settings);
 }
 
-void SettingsEdits::slide(const QString &key, const Change &change)
+void SettingsEdits::adjust(const QString &key, const Change &change)
 {
     const PhotoItem *photo = m_model.current();
     if (!photo) {

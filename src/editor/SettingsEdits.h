@@ -6,6 +6,9 @@
 
 namespace tarnovel {
 
+/// A change of the layer with this id; none when it has gone.
+std::function<void(FrameSettings &)> inLayer(const QString &id, std::function<void(TextLayer &)> change);
+
 /// How the screens change the selected photo's settings: each change is a step of the history, or joins the
 /// one before it. A change that comes to nothing is none.
 class SettingsEdits {
@@ -17,9 +20,9 @@ public:
     /// A step of its own.
     void step(const Change &change);
     /// Joined with the last change of the same control, when that is not long ago.
-    void slide(const QString &key, const Change &change);
+    void adjust(const QString &key, const Change &change);
     /// The control has been let go: its next change is a new step.
-    void endSlide() { m_sliders.end(); }
+    void endAdjusting() { m_sliders.end(); }
 
 private:
     EditorModel &m_model;

@@ -34,15 +34,11 @@ int sourceSize(QSize canvas)
 
 } // namespace
 
-Thumbnails::Thumbnails(ImagePipeline &pipeline) : m_pipeline(pipeline), m_sources(keptBytes)
-{
-    m_thread.setMaxThreadCount(1);
-}
+Thumbnails::Thumbnails(ImagePipeline &pipeline) : m_pipeline(pipeline), m_sources(keptBytes) {}
 
 Thumbnails::~Thumbnails()
 {
     m_stop.request_stop();
-    m_thread.waitForDone();
 }
 
 QSize Thumbnails::canvasIn(QSize box, const PhotoItem &item)
@@ -52,7 +48,7 @@ QSize Thumbnails::canvasIn(QSize box, const PhotoItem &item)
     return fitted.toSize().expandedTo({1, 1});
 }
 
-QImage Thumbnails::image(const QString &key, const PhotoItem &item, QSize box)
+QImage Thumbnails::image(const ThumbnailKey &key, const PhotoItem &item, QSize box)
 {
     const QSize canvas = canvasIn(box, item);
     const Key place(key, std::max(box.width(), box.height()));
@@ -209,22 +205,24 @@ void Thumbnails::loaded(size_t index, const std::shared_ptr<const std::vector<So
 
 void Thumbnails::draw()
 {
-    m_thread.start([this, job = *m_job]() mutable {
-        const FrameSettings &settings = job.item.settings;
-        job.images.photo = placedPhoto(
-            job.photo, CompositionRenderer::photoPlacement(job.item, settings, job.canvas), job.canvas);
-        job.images.background = coveringPicture(job.images.background, job.canvas);
-        job.images.watermark = scaledPicture(job.images.watermark, logoPixels(job.item, job.canvas));
-        job.images.handwriting = scaledPicture(
-            job.images.handwriting, signaturePixels(job.item, job.images.handwriting.size(), job.canvas));
-        QImage image(job.canvas, QImage::Format_RGB32);
-        image.fill(Qt::white);
-        {
-            QPainter painter(&image);
-            CompositionRenderer::draw(painter, job.item, settings, job.canvas, job.images);
-        }
-        QMetaObject::invokeMethod(this, [this, image] { finish(image); });
-    });
+    m_worker.run(
+        [job = *m_job]() mutable {
+            const FrameSettings &settings = job.item.settings;
+            job.images.photo = placedPhoto(
+                job.photo, CompositionRenderer::photoPlacement(job.item, settings, job.canvas), job.canvas);
+            job.images.background = coveringPicture(job.images.background, job.canvas);
+            job.images.watermark = scaledPicture(job.images.watermark, logoPixels(job.item, job.canvas));
+            job.images.handwriting = scaledPicture(
+                job.images.handwriting, signaturePixels(job.item, job.images.handwriting.size(), job.canvas));
+            QImage image(job.canvas, QImage::Format_RGB32);
+            image.fill(Qt::white);
+            {
+                QPainter painter(&image);
+                CompositionRenderer::draw(painter, job.item, settings, job.canvas, job.images);
+            }
+            return image;
+        },
+        [this](const QImage &image) { finish(image); });
 }
 
 void Thumbnails::finish(const QImage &image)

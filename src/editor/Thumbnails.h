@@ -4,17 +4,33 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <tuple>
 #include <vector>
 
 #include <QCache>
 #include <QHash>
 #include <QObject>
-#include <QThreadPool>
 
+#include "base/Worker.h"
 #include "pipeline/ImagePipeline.h"
 #include "render/CompositionRenderer.h"
 
 namespace tarnovel {
+
+/// What a small picture shows: a photo of the set in its own settings, or in those of a card.
+struct ThumbnailKey {
+    enum class Of { Photo, Template, Style, SetAside, Problem };
+    Of of = Of::Photo;
+    /// The photo's, the template's or the style's.
+    QString id;
+    bool operator==(const ThumbnailKey &) const = default;
+    bool operator<(const ThumbnailKey &other) const
+    {
+        return std::tie(of, id) < std::tie(other.of, other.id);
+    }
+
+    static ThumbnailKey photo(const PhotoItem &item) { return {Of::Photo, item.id.toString()}; }
+};
 
 /// Small pictures of framed photos, drawn in the background: those asked for last, which are those that can
 /// be seen, come first, and one whose settings have not changed is not drawn again. Photos are kept decoded
@@ -26,10 +42,10 @@ public:
     explicit Thumbnails(ImagePipeline &pipeline);
     ~Thumbnails() override;
 
-    /// The picture called `key` of a photo with its settings, fitted into `box` device pixels. Until it has
+    /// The picture `key` of a photo with its settings, fitted into `box` device pixels. Until it has
     /// been drawn this is an older one, or null; `ready` tells when it is there. The same key may be asked
     /// for in several sizes.
-    QImage image(const QString &key, const PhotoItem &item, QSize box);
+    QImage image(const ThumbnailKey &key, const PhotoItem &item, QSize box);
     /// The file has been tried and cannot be read.
     bool unreadable(const QString &file) const { return m_unreadable.contains(file); }
     /// The photo is shown without one of the pictures that its frame names.
@@ -40,10 +56,10 @@ public:
     static QSize canvasIn(QSize box, const PhotoItem &item);
 
 Q_SIGNALS:
-    void ready(const QString &key);
+    void ready(const tarnovel::ThumbnailKey &key);
 
 private:
-    using Key = std::pair<QString, int>;
+    using Key = std::pair<ThumbnailKey, int>;
     struct Entry {
         PhotoItem item;
         QSize canvas;
@@ -83,7 +99,7 @@ private:
     QCache<QString, QImage> m_sources;
     std::set<QString> m_unreadable;
     std::stop_source m_stop;
-    QThreadPool m_thread;
+    Worker m_worker;
 };
 
 } // namespace tarnovel

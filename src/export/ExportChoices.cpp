@@ -10,12 +10,12 @@ namespace tarnovel {
 ExportChoices ExportChoices::stored(const Preferences &preferences)
 {
     ExportChoices choices;
-    const double resolution = preferences.number(u"macExportResolution"_s, choices.resolution);
+    const double resolution = preferences.get(PreferenceKeys::exportResolution);
     if (resolution == 1080 || resolution == 0) {
         choices.resolution = static_cast<int>(resolution);
     }
-    choices.png = preferences.boolean(u"macExportPNG"_s, false);
-    const double limit = preferences.number(u"macExportMaxMB"_s, 0);
+    choices.png = preferences.get(PreferenceKeys::exportPng);
+    const double limit = preferences.get(PreferenceKeys::exportMaxMB);
     if (limit == 1 || limit == 2 || limit == 5) {
         choices.maxMB = limit;
     }
@@ -31,9 +31,9 @@ ExportChoices ExportChoices::forSheet()
 
 void ExportChoices::store(Preferences &preferences) const
 {
-    preferences.setValue(u"macExportResolution"_s, resolution);
-    preferences.setValue(u"macExportPNG"_s, png);
-    preferences.setValue(u"macExportMaxMB"_s, maxMB);
+    preferences.set(PreferenceKeys::exportResolution, double(resolution));
+    preferences.set(PreferenceKeys::exportPng, png);
+    preferences.set(PreferenceKeys::exportMaxMB, maxMB);
 }
 
 ExportOptions ExportChoices::options() const

@@ -1,6 +1,7 @@
 #include "export/ExportReviewPolicy.h"
 
 #include <algorithm>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -10,15 +11,14 @@ bool recordSuccess(Preferences &preferences, const QString &currentVersion, cons
                    const QProcessEnvironment &environment)
 {
     constexpr int soonest = 3;
-    const QString countKey = u"successfulExportCount"_s;
-    const QString versionKey = u"lastExportReviewVersion"_s;
-    const int count = static_cast<int>(std::clamp(preferences.number(countKey, 0), 0.0, 1e9)) + 1;
-    preferences.setValue(countKey, count);
+    const double count =
+        std::trunc(std::clamp(preferences.get(PreferenceKeys::successfulExportCount), 0.0, 1e9)) + 1;
+    preferences.set(PreferenceKeys::successfulExportCount, count);
     if (promptsDisabled(arguments, environment) || count < soonest || currentVersion.isEmpty() ||
-        preferences.value(versionKey).toString() == currentVersion) {
+        preferences.get(PreferenceKeys::lastExportReviewVersion).toString() == currentVersion) {
         return false;
     }
-    preferences.setValue(versionKey, currentVersion);
+    preferences.set(PreferenceKeys::lastExportReviewVersion, {currentVersion});
     return true;
 }
 

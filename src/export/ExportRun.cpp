@@ -13,15 +13,11 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
-ExportRun::ExportRun(ImagePipeline &pipeline) : m_pipeline(pipeline)
-{
-    m_disk.setMaxThreadCount(1);
-}
+ExportRun::ExportRun(ImagePipeline &pipeline) : m_pipeline(pipeline) {}
 
 ExportRun::~ExportRun()
 {
     m_stop.request_stop();
-    m_disk.waitForDone();
 }
 
 void ExportRun::start(const QList<PhotoItem> &photos, const ExportOptions &options, Steps steps)
@@ -97,17 +93,17 @@ void ExportRun::rendered(const QFuture<ExportedFile> &finished)
               true});
         return;
     }
-    m_disk.start([this, file, index = m_index, steps = m_steps] {
-        std::optional<FileError> refusal;
-        try {
-            steps->deliver(index, file);
-        } catch (const FileError &error) {
-            qCWarning(logExport) << "not delivered:" << error.what();
-            refusal = error;
-        }
-        QMetaObject::invokeMethod(
-            this, [this, refusal] { delivered(refusal); }, Qt::QueuedConnection);
-    });
+    m_disk.run(
+        [file, index = m_index, steps = m_steps]() -> std::optional<FileError> {
+            try {
+                steps->deliver(index, file);
+            } catch (const FileError &error) {
+                qCWarning(logExport) << "not delivered:" << error.what();
+                return error;
+            }
+            return {};
+        },
+        [this](const std::optional<FileError> &refusal) { delivered(refusal); });
 }
 
 void ExportRun::delivered(const std::optional<FileError> &refusal)

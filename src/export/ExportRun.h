@@ -8,8 +8,8 @@
 #include <QObject>
 #include <QSet>
 #include <QStringList>
-#include <QThreadPool>
 
+#include "base/Worker.h"
 #include "pipeline/ImagePipeline.h"
 
 namespace tarnovel {
@@ -94,7 +94,7 @@ private:
     QList<ExportProblem> m_skipped;
     QSet<QString> m_skippedAlike;
     std::stop_source m_stop;
-    QThreadPool m_disk;
+    Worker m_disk;
 };
 
 } // namespace tarnovel

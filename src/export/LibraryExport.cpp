@@ -36,12 +36,6 @@ LibraryExport::LibraryExport(ImagePipeline &pipeline, PhotoLibrary &library)
       m_files(std::make_shared<ExportFileLifetime>()),
       m_run(pipeline)
 {
-    m_disk.setMaxThreadCount(1);
-}
-
-LibraryExport::~LibraryExport()
-{
-    m_disk.waitForDone();
 }
 
 void LibraryExport::start(const QList<PhotoItem> &photos, const ExportOptions &options)
@@ -65,19 +59,18 @@ void LibraryExport::start(const QList<PhotoItem> &photos, const ExportOptions &o
     m_thumbnails.clear();
     m_quote.reset();
     Q_EMIT changed();
-    m_disk.start([this] {
-        const PhotoLibraryAccess access = m_library.requestAccess();
-        const std::optional<FileError> refusal = m_library.refusal();
-        QMetaObject::invokeMethod(
-            this,
-            [this, access, refusal] {
-                m_refusal = refusal ? refusal->path() + localized({"：", ": ", "\u202f: "}) +
-                                          errorDescription(*refusal)
-                                    : QString();
-                begin(access);
-            },
-            Qt::QueuedConnection);
-    });
+    m_disk.run(
+        [this] {
+            const PhotoLibraryAccess access = m_library.requestAccess();
+            return std::pair(access, m_library.refusal());
+        },
+        [this](const std::pair<PhotoLibraryAccess, std::optional<FileError>> &answer) {
+            const std::optional<FileError> &refusal = answer.second;
+            m_refusal =
+                refusal ? refusal->path() + localized({"：", ": ", "\u202f: "}) + errorDescription(*refusal)
+                        : QString();
+            begin(answer.first);
+        });
 }
 
 void LibraryExport::cancel()
@@ -146,28 +139,27 @@ void LibraryExport::save()
     for (qsizetype i = 0; i < photos.size(); ++i) {
         additions.append({m_files->files().at(i), photos.at(i).name});
     }
-    m_disk.start([this, additions] {
-        QStringList saved;
-        std::optional<FileError> refusal;
-        try {
-            saved = m_library.add(additions);
-        } catch (const FileError &error) {
-            refusal = error;
-        }
-        QMetaObject::invokeMethod(
-            this,
-            [this, saved, refusal] {
-                if (refusal) {
-                    fail(localized({"无法保存到相册：", "Could not save to Photos: ",
-                                    "Enregistrement dans Photos impossible : "}) +
-                         errorDescription(*refusal));
-                    return;
-                }
-                m_saved = saved;
-                finishSaving();
-            },
-            Qt::QueuedConnection);
-    });
+    m_disk.run(
+        [this, additions] {
+            QStringList saved;
+            std::optional<FileError> refusal;
+            try {
+                saved = m_library.add(additions);
+            } catch (const FileError &error) {
+                refusal = error;
+            }
+            return std::pair(saved, refusal);
+        },
+        [this](const std::pair<QStringList, std::optional<FileError>> &outcome) {
+            if (outcome.second) {
+                fail(localized({"无法保存到相册：",
+                                "Could not save to Photos: ", "Enregistrement dans Photos impossible : "}) +
+                     errorDescription(*outcome.second));
+                return;
+            }
+            m_saved = outcome.first;
+            finishSaving();
+        });
 }
 
 void LibraryExport::finishSaving()

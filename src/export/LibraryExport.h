@@ -5,8 +5,8 @@
 
 #include <QImage>
 #include <QObject>
-#include <QThreadPool>
 
+#include "base/Worker.h"
 #include "export/ExportFileLifetime.h"
 #include "export/ExportRun.h"
 #include "export/PhotoLibrary.h"
@@ -28,7 +28,6 @@ public:
     };
 
     LibraryExport(ImagePipeline &pipeline, PhotoLibrary &library);
-    ~LibraryExport() override;
 
     /// Nothing happens without photos or while a run is under way.
     void start(const QList<PhotoItem> &photos, const ExportOptions &options);
@@ -93,7 +92,7 @@ private:
     QList<QImage> m_thumbnails;
     std::optional<PhotographyQuote> m_quote;
     ExportRun m_run;
-    QThreadPool m_disk;
+    Worker m_disk;
 };
 
 } // namespace tarnovel

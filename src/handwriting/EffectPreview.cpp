@@ -1,6 +1,8 @@
 #include "handwriting/EffectPreview.h"
 
-#include "base/Cancellation.h"
+#include <new>
+#include <optional>
+
 #include "base/Log.h"
 
 namespace tarnovel {
@@ -17,20 +19,12 @@ constexpr double previewScale = 0.5;
 EffectPreview::EffectPreview(Clock &clock, QSizeF referenceSize)
     : m_clock(clock), m_referenceSize(referenceSize)
 {
-    m_thread.setMaxThreadCount(1);
-}
-
-EffectPreview::~EffectPreview()
-{
-    m_stop.request_stop();
-    m_thread.waitForDone();
 }
 
 void EffectPreview::refresh(const InkDrawing &drawing, const FinishStyle &style, Moment moment)
 {
     m_pause.reset();
-    m_stop.request_stop();
-    m_stop = {};
+    m_worker.abandon();
     if (style.finish == HandwritingFinish::color) {
         show({}, {});
     } else if (moment == Moment::AtOnce) {
@@ -42,26 +36,21 @@ void EffectPreview::refresh(const InkDrawing &drawing, const FinishStyle &style,
 
 void EffectPreview::render(const InkDrawing &drawing, const FinishStyle &style)
 {
-    m_thread.start([this, drawing, style, size = m_referenceSize, stop = m_stop.get_token()] {
-        QImage image;
-        try {
-            throwIfCancelled(stop);
-            image = finishedImage(drawing, style, size, previewScale, stop);
-        } catch (const OperationCancelled &) {
-            return;
-        } catch (const std::bad_alloc &) {
-            qCWarning(logHandwriting) << "not enough memory for a picture of the ink";
-            return; // the older picture stays
-        }
-        QMetaObject::invokeMethod(
-            this,
-            [this, image, drawing, stop] {
-                if (!stop.stop_requested()) {
-                    show(image, drawing);
-                }
-            },
-            Qt::QueuedConnection);
-    });
+    m_worker.runLatest(
+        [drawing, style, size = m_referenceSize](const std::stop_token &stop) -> std::optional<QImage> {
+            try {
+                return finishedImage(drawing, style, size, previewScale, stop);
+            } catch (const std::bad_alloc &) {
+                qCWarning(logHandwriting) << "not enough memory for a picture of the ink";
+                return {};
+            }
+        },
+        [this, drawing](const std::optional<QImage> &image) {
+            // Without one the older picture stays.
+            if (image) {
+                show(*image, drawing);
+            }
+        });
 }
 
 void EffectPreview::show(const QImage &image, const InkDrawing &drawing)

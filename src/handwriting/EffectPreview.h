@@ -1,12 +1,11 @@
 #pragma once
 
 #include <memory>
-#include <stop_token>
 
 #include <QImage>
 #include <QObject>
-#include <QThreadPool>
 
+#include "base/Worker.h"
 #include "editor/Clock.h"
 #include "handwriting/HandwritingFinish.h"
 
@@ -22,7 +21,6 @@ public:
     enum class Moment { AfterAPause, AtOnce };
 
     EffectPreview(Clock &clock, QSizeF referenceSize);
-    ~EffectPreview() override;
 
     void refresh(const InkDrawing &drawing, const FinishStyle &style, Moment moment);
 
@@ -43,8 +41,7 @@ private:
     QImage m_image;
     InkDrawing m_drawing;
     std::unique_ptr<PendingCall> m_pause;
-    std::stop_source m_stop;
-    QThreadPool m_thread;
+    Worker m_worker;
 };
 
 } // namespace tarnovel

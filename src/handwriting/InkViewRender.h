@@ -1,11 +1,9 @@
 #pragma once
 
-#include <stop_token>
-
 #include <QImage>
 #include <QObject>
-#include <QThreadPool>
 
+#include "base/Worker.h"
 #include "handwriting/InkRenderer.h"
 #include "handwriting/InkSurface.h"
 
@@ -17,19 +15,15 @@ class InkViewRender : public QObject {
     Q_OBJECT
 
 public:
-    InkViewRender();
-    ~InkViewRender() override;
-
     void request(const InkDrawing &drawing, const InkView &view);
     /// What was asked for is not wanted any more.
-    void cancel() { m_stop.request_stop(); }
+    void cancel() { m_worker.abandon(); }
 
 Q_SIGNALS:
     void ready(const QImage &dry);
 
 private:
-    std::stop_source m_stop;
-    QThreadPool m_thread;
+    Worker m_worker;
 };
 
 } // namespace tarnovel

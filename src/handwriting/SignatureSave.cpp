@@ -34,15 +34,12 @@ FrameSettings withoutSignature(FrameSettings settings)
     return settings;
 }
 
-SignatureSave::SignatureSave(EditorModel &model) : m_model(model)
-{
-    m_thread.setMaxThreadCount(1);
-}
+SignatureSave::SignatureSave(EditorModel &model) : m_model(model) {}
 
 SignatureSave::~SignatureSave()
 {
     m_stop.request_stop();
-    m_thread.waitForDone();
+    m_worker.wait();
     if (m_running && !m_written.file.isEmpty()) {
         QFile::remove(m_model.libraryFolder() + u'/' + m_written.file);
     }
@@ -55,12 +52,12 @@ void SignatureSave::start(Render render)
     }
     m_running = true;
     m_photo = m_model.selected();
-    m_thread.start(
+    m_worker.run(
         [this, render = std::move(render), folder = m_model.libraryFolder(), stop = m_stop.get_token()] {
             m_written = write(render, folder, stop); // read elsewhere only when this thread rests
-            QMetaObject::invokeMethod(
-                this, [this, written = m_written] { settle(written); }, Qt::QueuedConnection);
-        });
+            return m_written;
+        },
+        [this](const Written &written) { settle(written); });
 }
 
 SignatureSave::Written SignatureSave::write(const Render &render, const QString &folder,
@@ -102,9 +99,7 @@ void SignatureSave::settle(const Written &written)
         Q_EMIT finished(false);
         return;
     }
-    m_model.checkpoint();
-    m_model.update(withSignature(photo->settings, written.file, written.aspect));
-    m_model.loadPreview();
+    m_model.step(withSignature(photo->settings, written.file, written.aspect));
     Q_EMIT finished(true);
 }
 

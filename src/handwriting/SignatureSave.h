@@ -6,9 +6,9 @@
 
 #include <QImage>
 #include <QObject>
-#include <QThreadPool>
 #include <QUuid>
 
+#include "base/Worker.h"
 #include "editor/EditorModel.h"
 
 namespace tarnovel {
@@ -51,7 +51,7 @@ private:
     std::optional<QUuid> m_photo;
     Written m_written;
     std::stop_source m_stop;
-    QThreadPool m_thread;
+    Worker m_worker;
 };
 
 } // namespace tarnovel

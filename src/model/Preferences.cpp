@@ -21,25 +21,25 @@ Preferences::Preferences(const QString &file)
 
 Preferences::~Preferences() = default;
 
-QVariant Preferences::value(const QString &key, const QVariant &absent) const
+QVariant Preferences::get(const Preference<QVariant> &preference) const
 {
-    return m_settings->value(key, absent);
+    return m_settings->value(preference.key);
 }
 
-double Preferences::number(const QString &key, double absent) const
+double Preferences::get(const Preference<double> &preference) const
 {
     bool valid = false;
-    const double stored = value(key).toString().toDouble(&valid);
-    return valid && std::isfinite(stored) ? stored : absent;
+    const double stored = m_settings->value(preference.key).toString().toDouble(&valid);
+    return valid && std::isfinite(stored) ? stored : preference.fallback;
 }
 
-bool Preferences::boolean(const QString &key, bool absent) const
+bool Preferences::get(const Preference<bool> &preference) const
 {
-    const QString stored = value(key).toString();
-    return stored == u"true"_s ? true : stored == u"false"_s ? false : absent;
+    const QString stored = m_settings->value(preference.key).toString();
+    return stored == u"true"_s ? true : stored == u"false"_s ? false : preference.fallback;
 }
 
-void Preferences::setValue(const QString &key, const QVariant &value)
+void Preferences::setValue(QLatin1StringView key, const QVariant &value)
 {
     m_settings->setValue(key, value);
 }

@@ -55,7 +55,6 @@ protected:
             given(start);
             model().update(start);
             m_world->state().selectLayer({});
-            model().loadPreview();
             m_world->settle();
             const auto steps = model().history().undoStack().size();
             page().canvas()->setFocus();
@@ -489,8 +488,30 @@ TEST_F(Controls, NumberFieldsGiveTheKeyboardBack)
         press(end, end == Qt::Key_Enter ? Qt::KeypadModifier : Qt::NoModifier);
         EXPECT_EQ(QApplication::focusWidget(), page().canvas());
         EXPECT_EQ(near(settings().scale, 0.44), end != Qt::Key_Escape);
+        EXPECT_EQ(field->text(), end == Qt::Key_Escape ? u"88 %"_s : u"44 %"_s);
         model().undo();
     }
+    auto *field = control(u"size"_s)->findChild<NumberField *>();
+    click(field);
+    press(Qt::Key_Down);
+    EXPECT_NEAR(settings().scale, 0.87, 1e-9);
+    press(Qt::Key_Up, Qt::ShiftModifier);
+    EXPECT_NEAR(settings().scale, 0.97, 1e-9);
+    // A press that is let go elsewhere chooses nothing.
+    window().state().setTool(Tool::Canvas);
+    const FrameSettings before = settings();
+    auto *presets = control<Items>(u"presets"_s);
+    QTest::mousePress(presets, Qt::LeftButton, {}, presets->itemRect(2).center());
+    QTest::mouseMove(presets, presets->itemRect(4).center());
+    QTest::mouseRelease(presets, Qt::LeftButton, {}, presets->itemRect(4).center());
+    EXPECT_EQ(settings(), before);
+    // Up and Down go from row to row.
+    presets->setFocus();
+    presets->setCursorItem(1);
+    press(Qt::Key_Down);
+    EXPECT_EQ(presets->cursor(), 4);
+    press(Qt::Key_Up);
+    EXPECT_EQ(presets->cursor(), 1);
 }
 
 TEST_F(Controls, AnotherButtonsReleaseDoesNotEndADrag)

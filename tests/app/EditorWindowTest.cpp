@@ -1,9 +1,11 @@
 #include <QApplication>
 #include <QDir>
 #include <QImage>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QWheelEvent>
 #include <QtTest/qtest_widgets.h>
 #include <gtest/gtest.h>
 
@@ -297,11 +299,23 @@ TEST_F(EditorWindow, TheStripScrollsWithoutAsking)
     QTest::mouseMove(strip, QPoint(300, 30));
     QTest::qWait(700);
     QTest::mouseRelease(strip, Qt::LeftButton, {}, QPoint(300, 30));
+    const int dragged = strip->itemRect(0).left();
+    EXPECT_LT(dragged, -60) << "the photos follow the hand";
+    QWheelEvent turn({400, 30}, strip->mapToGlobal(QPointF(400, 30)), {}, {0, 60}, {}, {}, Qt::NoScrollPhase,
+                     false);
+    QCoreApplication::sendEvent(strip, &turn);
+    EXPECT_GT(strip->itemRect(0).left(), dragged) << "and the wheel as in any list";
     EXPECT_EQ(window().findChild<Overlay *>(), nullptr);
     EXPECT_EQ(model().selected(), selected);
     strip->setFocus();
     QTest::keyClick(strip, Qt::Key_End);
     EXPECT_EQ(model().selected(), model().photos().last().id);
+    EXPECT_TRUE(strip->rect().contains(strip->itemRect(19))) << "what is chosen comes into sight";
+    QStringList shown;
+    for (const QLabel *label : page().strip()->findChildren<QLabel *>()) {
+        shown.append(label->text());
+    }
+    EXPECT_TRUE(shown.contains(u"20 of 20"_s)) << shown.join(u'|').toStdString();
 }
 
 TEST_F(EditorWindow, SaysWhatCouldNotBeReadAndKeepsTheRest)

@@ -124,7 +124,7 @@ TEST_F(Exporting, SettingsTakeEffectAtOnce)
     EXPECT_TRUE(theme().dark);
     clickItem(u"appearance"_s, 1);
     EXPECT_FALSE(theme().dark);
-    EXPECT_EQ(m_world->preferences().value(u"appearance"_s).toString(), u"light"_s);
+    EXPECT_EQ(m_world->preferences().get(PreferenceKeys::appearance).toString(), u"light"_s);
     const bool before = model().autoApplyLastStyle();
     click(control(u"autoApplyStyle"_s));
     EXPECT_EQ(model().autoApplyLastStyle(), !before);

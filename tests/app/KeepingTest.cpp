@@ -308,7 +308,7 @@ TEST_F(KeepingWindow, AStyleGivesWhatItsCardShows)
     clickItem(u"styles"_s, 0);
     EXPECT_EQ(settings().layer(u"brand"_s)->text, u"of the first"_s);
     restart();
-    EXPECT_FALSE(m_world->preferences().boolean(u"keepCameraTexts"_s, true));
+    EXPECT_FALSE(m_world->preferences().get(PreferenceKeys::keepCameraTexts));
 }
 
 TEST_F(KeepingWindow, AboutCopiesVersionsAndTheLog)

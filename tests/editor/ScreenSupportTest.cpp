@@ -17,10 +17,11 @@ TEST_F(ScreenSupport, DrawsAThumbnailOnceUntilItsPhotoChanges)
 {
     Thumbnails thumbnails(m_pipeline);
     QStringList drawn;
-    QObject::connect(&thumbnails, &Thumbnails::ready, [&drawn](const QString &key) { drawn.append(key); });
+    QObject::connect(&thumbnails, &Thumbnails::ready,
+                     [&drawn](const ThumbnailKey &key) { drawn.append(key.id); });
     const QList<PhotoItem> items = photos(3);
     const auto ask = [&](int index, const PhotoItem &item) {
-        return thumbnails.image(QString::number(index), item, {90, 90});
+        return thumbnails.image({ThumbnailKey::Of::Photo, QString::number(index)}, item, {90, 90});
     };
     EXPECT_TRUE(ask(0, items.at(0)).isNull());
     ask(1, items.at(1));
@@ -45,10 +46,10 @@ TEST_F(ScreenSupport, ThumbnailsTellWhichFilesCannotBeRead)
     Thumbnails thumbnails(m_pipeline);
     PhotoItem gone = photo(u"gone.jpg"_s);
     QFile::remove(m_library + u"/gone.jpg"_s);
-    thumbnails.image(u"gone"_s, gone, {90, 90});
+    thumbnails.image(ThumbnailKey::photo(gone), gone, {90, 90});
     ASSERT_TRUE(waitFor([&] { return thumbnails.idle(); }));
     EXPECT_TRUE(thumbnails.unreadable(gone.file));
-    thumbnails.image(u"gone"_s, gone, {90, 90});
+    thumbnails.image(ThumbnailKey::photo(gone), gone, {90, 90});
     EXPECT_TRUE(thumbnails.idle()) << "it is not tried again at every repaint";
 }
 
@@ -81,10 +82,10 @@ TEST_F(ScreenSupport, EditsAreStepsOrJoinTheControlThatIsHeld)
     edits.step([](FrameSettings &settings) { settings.lockX = settings.lockX; });
     EXPECT_FALSE(m_model.canUndo()) << "a change to the same value is none";
     for (const double scale : {0.5, 0.6, 0.7}) {
-        edits.slide(u"scale"_s, [scale](FrameSettings &settings) { settings.scale = scale; });
+        edits.adjust(u"scale"_s, [scale](FrameSettings &settings) { settings.scale = scale; });
     }
-    edits.endSlide();
-    edits.slide(u"scale"_s, [](FrameSettings &settings) { settings.scale = 0.9; });
+    edits.endAdjusting();
+    edits.adjust(u"scale"_s, [](FrameSettings &settings) { settings.scale = 0.9; });
     m_model.undo();
     EXPECT_EQ(m_model.current()->settings.scale, 0.7);
     m_model.undo();

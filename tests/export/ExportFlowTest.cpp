@@ -41,13 +41,13 @@ TEST_F(Choosing, RemembersThePanelAndCountsTheRun)
     EXPECT_EQ(ExportChoices::stored(m_preferences).resolution, 4096);
     ExportChoices choices{.resolution = 0, .png = true, .maxMB = 2};
     choices.store(m_preferences);
-    m_preferences.setValue(u"macExportMaxMB"_s, 7);
-    m_preferences.setValue(u"macExportResolution"_s, u"wide"_s);
+    m_preferences.set(PreferenceKeys::exportMaxMB, 7.0);
+    m_preferences.set(Preference<QVariant>{PreferenceKeys::exportResolution.key}, {u"wide"_s});
     EXPECT_EQ(ExportChoices::stored(m_preferences).resolution, 4096);
-    m_preferences.setValue(u"macExportResolution"_s, 0);
-    m_preferences.setValue(u"macExportMaxMB"_s, 5);
+    m_preferences.set(PreferenceKeys::exportResolution, 0.0);
+    m_preferences.set(PreferenceKeys::exportMaxMB, 5.0);
     EXPECT_EQ(ExportChoices::stored(m_preferences).maxMB, 5);
-    m_preferences.setValue(u"macExportMaxMB"_s, 7);
+    m_preferences.set(PreferenceKeys::exportMaxMB, 7.0);
     const ExportChoices stored = ExportChoices::stored(m_preferences);
     EXPECT_EQ(stored.resolution, 0);
     EXPECT_TRUE(stored.png);
@@ -400,7 +400,7 @@ TEST_F(Review, AsksOnceAVersionFromTheThirdSuccessOn)
     EXPECT_TRUE(success(u"1.2"_s));
     EXPECT_FALSE(success(u"1.2"_s));
     EXPECT_TRUE(success(u"1.3"_s));
-    EXPECT_EQ(m_preferences.value(u"successfulExportCount"_s).toInt(), 7);
+    EXPECT_EQ(m_preferences.get(PreferenceKeys::successfulExportCount), 7);
     EXPECT_TRUE(ExportReviewPolicy::promptsDisabled({u"-UITestMode"_s}, {}));
     EXPECT_TRUE(ExportReviewPolicy::promptsDisabled({u"-preview-x"_s}, {}));
     QProcessEnvironment environment;

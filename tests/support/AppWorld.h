@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -37,8 +38,8 @@ public:
           m_appearance(m_preferences),
           m_pictures(folder + QStringLiteral("/Pictures"))
     {
-        m_preferences.setValue(QStringLiteral("macWindowSized"), true);
-        m_preferences.setValue(QStringLiteral("appearance"), QStringLiteral("light"));
+        m_preferences.set(PreferenceKeys::windowSized, true);
+        m_preferences.set(PreferenceKeys::appearance, {QStringLiteral("light")});
     }
 
     /// The window is made when it is first asked for.
@@ -73,13 +74,16 @@ public:
         settle();
     }
 
-    /// Waits until nothing is imported or drawn any more.
+    /// Waits until nothing is imported or drawn any more, and fails when that takes beyond all reason.
     void settle()
     {
         QElapsedTimer timer;
         timer.start();
         qint64 quietSince = 0;
-        while (timer.elapsed() < longestMs && timer.elapsed() - quietSince < quietMs) {
+        while (timer.elapsed() - quietSince < quietMs) {
+            if (timer.elapsed() > longestMs) {
+                throw std::runtime_error("the window has not come to rest");
+            }
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
             if (m_imports.running() || !m_thumbnails.idle()) {
                 quietSince = timer.elapsed();
@@ -88,7 +92,7 @@ public:
     }
 
 private:
-    static constexpr int longestMs = 30'000;
+    static constexpr int longestMs = 300'000;
     static constexpr int quietMs = 250;
 
     app::FileChooser chooser()

@@ -39,15 +39,14 @@ QHBoxLayout *colorRow(Overlay *card, const EditorContext &context, const TextLay
     row->addWidget(dots, 1);
     row->addWidget(hide);
     QObject::connect(dots, &ColorDots::chosenColor, card, [&edits, dots, id = layer.id](const QColor &color) {
-        edits.step([&](FrameSettings &settings) { layerIn(settings, id).ink = inkOf(color); });
+        edits.step(inLayer(id, [&](TextLayer &changed) { changed.ink = inkOf(color); }));
         dots->setColor(color);
     });
     QObject::connect(dots, &ColorDots::dragged, card, [&edits, id = layer.id](const QColor &color) {
-        edits.slide(u"ink "_s + id,
-                    [&](FrameSettings &settings) { layerIn(settings, id).ink = inkOf(color); });
+        edits.adjust(u"ink "_s + id, inLayer(id, [&](TextLayer &changed) { changed.ink = inkOf(color); }));
     });
     QObject::connect(hide, &QPushButton::clicked, card, [&edits, card, id = layer.id] {
-        edits.step([&](FrameSettings &settings) { layerIn(settings, id).visible = false; });
+        edits.step(inLayer(id, [](TextLayer &changed) { changed.visible = false; }));
         card->close();
     });
     return row;
@@ -77,15 +76,15 @@ Overlay *editTextOnCanvas(QWidget *window, const EditorContext &context, const Q
     card->column()->addWidget(text);
     card->column()->addWidget(font);
     card->column()->addLayout(colorRow(card, context, layer));
-    QObject::connect(text, &QLineEdit::textEdited, card, [&edits, layerId](const QString &typed) {
-        edits.slide(u"text "_s + layerId,
-                    [&](FrameSettings &settings) { layerIn(settings, layerId).text = typed; });
+    QObject::connect(text, &QLineEdit::textEdited, card, [&edits, layerId](const QString &words) {
+        edits.adjust(u"text "_s + layerId,
+                     inLayer(layerId, [&](TextLayer &changed) { changed.text = words; }));
     });
     QObject::connect(text, &QLineEdit::returnPressed, card, &Overlay::close);
     QObject::connect(font, &Items::chosen, card, [&edits, layerId](int index) {
-        edits.step([&](FrameSettings &settings) { layerIn(settings, layerId).fontStyle = fontAt(index); });
+        edits.step(inLayer(layerId, [&](TextLayer &changed) { changed.fontStyle = fontAt(index); }));
     });
-    QObject::connect(card, &Overlay::closed, card, [&edits] { edits.endSlide(); });
+    QObject::connect(card, &Overlay::closed, card, [&edits] { edits.endAdjusting(); });
     // The editor goes with its text.
     QObject::connect(&context.model, &EditorModel::changed, card,
                      [card, &model = context.model, photoId = photo->id, layerId] {

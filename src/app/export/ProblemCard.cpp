@@ -49,7 +49,8 @@ protected:
         const QSizeF tile = QSizeF(Thumbnails::canvasIn(room, m_photo)) / devicePixelRatioF();
         const QRectF box(padding + (thumbnailRoom.width() - tile.width()) / 2, (height() - tile.height()) / 2,
                          tile.width(), tile.height());
-        const QImage image = m_context.thumbnails.image(u"problem "_s + m_photo.id.toString(), m_photo, room);
+        const QImage image =
+            m_context.thumbnails.image({ThumbnailKey::Of::Problem, m_photo.id.toString()}, m_photo, room);
         if (image.isNull()) {
             Paint::rounded(painter, box, 4, theme().surfaceMuted);
             Icons::draw(painter, "warn", box.center() - QPointF(10, 10), 20, theme().danger);

@@ -62,7 +62,6 @@ BackgroundSection::BackgroundSection(const EditorContext &context) : Section(con
     connect(m_kind, &Items::chosen, this, [this](int index) {
         const auto kind = static_cast<Backdrop>(index);
         edits().step([kind](FrameSettings &settings) { settings.background = kind; });
-        model().loadPreview();
     });
 }
 
@@ -107,7 +106,7 @@ void BackgroundSection::addColors()
             [this](const QColor &color) { setColor(color, false); });
     connect(m_papers, &Swatches::colorChosen, this, [this](const QColor &color) { setColor(color, false); });
     connect(m_picker, &ColorPicker::changed, this, [this](const QColor &color) { setColor(color, true); });
-    connect(m_picker, &ColorPicker::released, this, [this] { edits().endSlide(); });
+    connect(m_picker, &ColorPicker::released, this, [this] { edits().endAdjusting(); });
     connect(m_picker, &ColorPicker::dropperRequested, this,
             [this] { context().state.pickColor([this](const QColor &color) { setColor(color, false); }); });
 }
@@ -123,7 +122,7 @@ void BackgroundSection::setColor(const QColor &color, bool dragging)
         (other ? settings.secondColor : settings.color) = ink;
     };
     if (dragging) {
-        edits().slide(second() ? u"secondColor"_s : u"color"_s, change);
+        edits().adjust(second() ? u"secondColor"_s : u"color"_s, change);
     } else {
         edits().step(change);
     }
@@ -162,7 +161,6 @@ void BackgroundSection::reset()
         settings.secondColor = fresh.secondColor;
         settings.backgroundFile = fresh.backgroundFile;
     });
-    model().loadPreview();
 }
 
 } // namespace tarnovel::app

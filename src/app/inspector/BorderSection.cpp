@@ -51,20 +51,19 @@ BorderSection::BorderSection(const EditorContext &context) : Section(context)
                 settings.film = FilmOptions();
             }
         });
-        model().loadPreview();
     });
     connect(m_width, &Slider::changed, this, [this](double value) {
-        edits().slide(u"border"_s, [value](FrameSettings &settings) { settings.border = value / 100; });
+        edits().adjust(u"border"_s, [value](FrameSettings &settings) { settings.border = value / 100; });
     });
-    connect(m_width, &Slider::released, this, [this] { edits().endSlide(); });
+    connect(m_width, &Slider::released, this, [this] { edits().endAdjusting(); });
     const auto take = [this](const QColor &color) {
         edits().step([ink = inkOf(color)](FrameSettings &settings) { settings.borderColor = ink; });
     };
     connect(m_photoColors, &Swatches::colorChosen, this, take);
     connect(m_dots, &ColorDots::chosenColor, this, take);
     connect(m_dots, &ColorDots::dragged, this, [this](const QColor &color) {
-        edits().slide(u"borderColor"_s,
-                      [ink = inkOf(color)](FrameSettings &settings) { settings.borderColor = ink; });
+        edits().adjust(u"borderColor"_s,
+                       [ink = inkOf(color)](FrameSettings &settings) { settings.borderColor = ink; });
     });
 }
 
@@ -91,7 +90,6 @@ void BorderSection::reset()
         settings.border = fresh.border;
         settings.borderColor = fresh.borderColor;
     });
-    model().loadPreview();
 }
 
 } // namespace tarnovel::app

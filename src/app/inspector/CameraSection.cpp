@@ -63,19 +63,14 @@ void CameraSection::addRow(Row &row, const Text &title)
     row.visible->setObjectName(id + u"Shown"_s);
     row.text->setObjectName(id + u"Text"_s);
     connect(row.visible, &Switch::toggledByUser, this, [this, id](bool on) {
-        edits().step([&id, on](FrameSettings &settings) { layerIn(settings, id).visible = on; });
+        edits().step(inLayer(id, [on](TextLayer &layer) { layer.visible = on; }));
         model().scheduleSave(SaveScheduler::Moment::AtOnce);
     });
-    connect(row.text, &QLineEdit::textEdited, this, [this, id](const QString &text) {
-        edits().slide(u"text "_s + id, [&id, &text](FrameSettings &settings) {
-            TextLayer &layer = layerIn(settings, id);
-            layer.visible = layer.visible || layer.text != text;
-            layer.text = text;
-        });
-    });
+    connect(row.text, &QLineEdit::textEdited, this,
+            [this, id](const QString &text) { edits().adjust(u"text "_s + id, inLayer(id, typed(text))); });
     connect(row.text, &QLineEdit::editingFinished, this, [this, field = row.text] {
         field->setModified(false);
-        edits().endSlide();
+        edits().endAdjusting();
     });
 }
 

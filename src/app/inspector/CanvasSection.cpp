@@ -92,13 +92,13 @@ CanvasSection::CanvasSection(const EditorContext &context) : Section(context)
     m_width->setObjectName(u"customWidth"_s);
     m_height->setObjectName(u"customHeight"_s);
     connect(m_width, &NumberField::valueTyped, this, [this](double value) {
-        edits().slide(u"customWidth"_s, [value](FrameSettings &settings) {
+        edits().adjust(u"customWidth"_s, [value](FrameSettings &settings) {
             settings.preset = CanvasPreset::custom;
             settings.customWidth = value;
         });
     });
     connect(m_height, &NumberField::valueTyped, this, [this](double value) {
-        edits().slide(u"customHeight"_s, [value](FrameSettings &settings) {
+        edits().adjust(u"customHeight"_s, [value](FrameSettings &settings) {
             settings.preset = CanvasPreset::custom;
             settings.customHeight = value;
         });

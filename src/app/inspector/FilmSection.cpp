@@ -52,7 +52,6 @@ FilmSection::FilmSection(const EditorContext &context) : Section(context)
             settings.style = FrameStyle::film;
             settings.film = settings.film.value_or(FilmOptions());
         });
-        model().loadPreview();
     });
 
     m_film = new QWidget;
@@ -125,17 +124,17 @@ void FilmSection::addEdges(QVBoxLayout *box)
     toggles(m_light, &FilmOptions::light);
     toggles(m_numbers, &FilmOptions::showsNumber);
     connect(m_number, &Stepper::changed, this, [this](int value) {
-        edits().slide(u"filmNumber"_s, [value](FrameSettings &settings) { settings.film->number = value; });
+        edits().adjust(u"filmNumber"_s, [value](FrameSettings &settings) { settings.film->number = value; });
     });
     m_top->setGivesKeyboardBack(true);
     m_bottom->setGivesKeyboardBack(true);
     const auto types = [this](Field *field, const QString &key, std::optional<QString> FilmOptions::*place) {
         connect(field, &QLineEdit::textEdited, this, [this, key, place](const QString &text) {
-            edits().slide(key, [text, place](FrameSettings &settings) {
+            edits().adjust(key, [text, place](FrameSettings &settings) {
                 (*settings.film).*place = text.isEmpty() ? std::nullopt : std::optional(text);
             });
         });
-        connect(field, &QLineEdit::editingFinished, this, [this] { edits().endSlide(); });
+        connect(field, &QLineEdit::editingFinished, this, [this] { edits().endAdjusting(); });
     };
     types(m_top, u"topLabel"_s, &FilmOptions::topLabel);
     types(m_bottom, u"bottomLabel"_s, &FilmOptions::bottomLabel);

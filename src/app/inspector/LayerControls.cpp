@@ -56,17 +56,16 @@ LayerShape::LayerShape(const EditorContext &context)
     m_size->setObjectName(u"layerSize"_s);
     m_rotation->setObjectName(u"layerRotation"_s);
     connect(m_size, &Slider::changed, this, [this](double value) {
-        m_context.edits.slide(u"size "_s + m_id, [this, value](FrameSettings &settings) {
-            layerIn(settings, m_id).size = value / 100;
-        });
+        m_context.edits.adjust(u"size "_s + m_id,
+                               inLayer(m_id, [value](TextLayer &layer) { layer.size = value / 100; }));
     });
     connect(m_rotation, &Slider::changed, this, [this](double value) {
-        m_context.edits.slide(u"rotation "_s + m_id, [this, value](FrameSettings &settings) {
-            layerIn(settings, m_id).rotation = value == 0 ? std::nullopt : std::optional(value);
-        });
+        m_context.edits.adjust(u"rotation "_s + m_id, inLayer(m_id, [value](TextLayer &layer) {
+                                   layer.rotation = value == 0 ? std::nullopt : std::optional(value);
+                               }));
     });
     for (Slider *slider : {m_size, m_rotation}) {
-        connect(slider, &Slider::released, this, [this] { m_context.edits.endSlide(); });
+        connect(slider, &Slider::released, this, [this] { m_context.edits.endAdjusting(); });
     }
 }
 
@@ -114,16 +113,16 @@ LayerPlace::LayerPlace(const EditorContext &context)
         }
         const QPointF place = QuickPositions::place(QuickPositions::all.at(static_cast<size_t>(index)),
                                                     *photo->settings.layer(m_id), referenceCanvas(*photo));
-        m_context.edits.step([this, place](FrameSettings &settings) {
-            layerIn(settings, m_id).x = place.x();
-            layerIn(settings, m_id).y = place.y();
-        });
+        m_context.edits.step(inLayer(m_id, [place](TextLayer &layer) {
+            layer.x = place.x();
+            layer.y = place.y();
+        }));
     });
     const auto types = [this](NumberField *field, double TextLayer::*axis) {
         connect(field, &NumberField::valueTyped, this, [this, axis](double value) {
-            m_context.edits.slide(u"place "_s + m_id, [this, axis, value](FrameSettings &settings) {
-                layerIn(settings, m_id).*axis = value / 100;
-            });
+            m_context.edits.adjust(u"place "_s + m_id, inLayer(m_id, [axis, value](TextLayer &layer) {
+                                       layer.*axis = value / 100;
+                                   }));
         });
     };
     types(m_x, &TextLayer::x);

@@ -65,17 +65,14 @@ LogoSection::LogoSection(const EditorContext &context) : Section(context)
         connect(button, &QPushButton::clicked, &context.state, &EditorState::logoAsked);
     }
     connect(m_remove, &QPushButton::clicked, this, [this] {
-        edits().step([](FrameSettings &settings) {
-            TextLayer &logo = layerIn(settings, logoId());
+        edits().step(inLayer(logoId(), [](TextLayer &logo) {
             logo.imageFile.reset();
             logo.imageAspect.reset();
             logo.visible = false;
-        });
-        model().loadPreview();
+        }));
     });
     connect(m_visible, &Switch::toggledByUser, this, [this](bool on) {
-        edits().step([on](FrameSettings &settings) { layerIn(settings, logoId()).visible = on; });
-        model().loadPreview();
+        edits().step(inLayer(logoId(), [on](TextLayer &logo) { logo.visible = on; }));
     });
 }
 

@@ -48,9 +48,9 @@ PlacementSection::PlacementSection(const EditorContext &context) : Section(conte
 
     const auto slides = [this](Slider *slider, const QString &key, double FrameSettings::*field) {
         connect(slider, &Slider::changed, this, [this, key, field](double value) {
-            edits().slide(key, [field, value](FrameSettings &settings) { settings.*field = value / 100; });
+            edits().adjust(key, [field, value](FrameSettings &settings) { settings.*field = value / 100; });
         });
-        connect(slider, &Slider::released, this, [this] { edits().endSlide(); });
+        connect(slider, &Slider::released, this, [this] { edits().endAdjusting(); });
     };
     slides(m_size, u"scale"_s, &FrameSettings::scale);
     slides(m_x, u"x"_s, &FrameSettings::x);

@@ -76,11 +76,12 @@ Ink inkOf(const QColor &color)
     return {color.red() / 255.0, color.green() / 255.0, color.blue() / 255.0};
 }
 
-TextLayer &layerIn(FrameSettings &settings, const QString &id)
+std::function<void(TextLayer &)> typed(const QString &text)
 {
-    thread_local TextLayer gone;
-    TextLayer *layer = settings.layer(id);
-    return layer ? *layer : gone = TextLayer();
+    return [text](TextLayer &layer) {
+        layer.visible = layer.visible || layer.text != text;
+        layer.text = text;
+    };
 }
 
 Section::Section(const EditorContext &context, QWidget *parent)

@@ -52,7 +52,7 @@ QWidget *makeHint(const char *icon, Phrase phrase);
 
 Ink inkOf(const QColor &color);
 
-/// The layer with this id, or one that nobody keeps when it has gone meanwhile.
-TextLayer &layerIn(FrameSettings &settings, const QString &id);
+/// What typing into a text's field does: whoever types into a hidden text wants to see it.
+std::function<void(TextLayer &)> typed(const QString &text);
 
 } // namespace tarnovel::app

@@ -97,7 +97,7 @@ SignatureSection::SignatureSection(const EditorContext &context) : Section(conte
     m_y = new Slider(said({"垂直位置", "Vertical position", "Position verticale"}), position(writtenY));
     for (Slider *slider : {m_size, m_x, m_y}) {
         controls->addWidget(slider);
-        connect(slider, &Slider::released, this, [this] { edits().endSlide(); });
+        connect(slider, &Slider::released, this, [this] { edits().endAdjusting(); });
     }
     column()->addWidget(m_controls);
     m_write->setObjectName(u"write"_s);
@@ -116,12 +116,11 @@ SignatureSection::SignatureSection(const EditorContext &context) : Section(conte
             settings.handwritingY.reset();
             settings.handwritingWidth.reset();
         });
-        model().loadPreview();
     });
     const auto slides = [this](Slider *slider, const QString &key,
                                std::optional<double> FrameSettings::*field) {
         connect(slider, &Slider::changed, this, [this, key, field](double value) {
-            edits().slide(key, [field, value](FrameSettings &settings) { settings.*field = value / 100; });
+            edits().adjust(key, [field, value](FrameSettings &settings) { settings.*field = value / 100; });
         });
     };
     slides(m_size, u"signatureWidth"_s, &FrameSettings::handwritingWidth);

@@ -18,7 +18,6 @@ namespace {
 
 constexpr QSize tile(80, 96);
 constexpr int columns = 3;
-const QString keepTextsKey = QStringLiteral("keepCameraTexts");
 
 /// What a record that came from the style remembers of it.
 QString styleId(const SavedPreset &preset)
@@ -62,7 +61,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
     m_keepTexts->setObjectName(u"keepCameraTexts"_s);
     column()->addWidget(m_keepTexts);
     connect(m_keepTexts, &Switch::toggledByUser, this, [this](bool on) {
-        this->context().preferences.setValue(keepTextsKey, on);
+        this->context().preferences.set(PreferenceKeys::keepCameraTexts, on);
         m_grid->reload();
     });
     m_autoApply = new Switch(said({"新照片使用上次的风格", "Apply last style to new photos",
@@ -80,8 +79,8 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
         model().applyPreset(preset);
     });
     connect(m_grid, &Items::menuRequested, this, &StylesSection::askDelete);
-    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
-        if (key.startsWith(u"style "_s)) {
+    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
+        if (key.of == ThumbnailKey::Of::Style) {
             m_grid->update();
         }
     });
@@ -114,13 +113,13 @@ QImage StylesSection::card(int index, QSize roomPx) const
     PhotoItem shown = *photo;
     shown.settings = applied(preset, *photo);
     return CanvasMarks::withPlaceholders(
-        context().thumbnails.image(u"style "_s + preset.id.toString(), shown, roomPx), shown.settings,
-        devicePixelRatioF());
+        context().thumbnails.image({ThumbnailKey::Of::Style, preset.id.toString()}, shown, roomPx),
+        shown.settings, devicePixelRatioF());
 }
 
 FrameSettings StylesSection::applied(const SavedPreset &preset, const PhotoItem &photo) const
 {
-    if (context().preferences.boolean(keepTextsKey, true)) {
+    if (context().preferences.get(PreferenceKeys::keepCameraTexts)) {
         return styled(photo, preset.settings, 0).settings;
     }
     FrameSettings settings = preset.settings;
@@ -136,7 +135,7 @@ void StylesSection::display(const PhotoItem &)
     m_empty->setVisible(none);
     m_grid->reload();
     m_keepTexts->setVisible(!none);
-    m_keepTexts->show(context().preferences.boolean(keepTextsKey, true));
+    m_keepTexts->show(context().preferences.get(PreferenceKeys::keepCameraTexts));
     // The keyboard begins at the style that was used last.
     const SavedPreset *preferred = model().preferredPreset();
     if (preferred && m_grid->cursor() < 0) {

@@ -17,6 +17,11 @@ namespace {
 constexpr QSize tile(80, 96);
 constexpr int columns = 3;
 
+ThumbnailKey templateKey(BuiltInTemplate look)
+{
+    return {ThumbnailKey::Of::Template, BuiltInTemplates::id(look)};
+}
+
 } // namespace
 
 TemplatesSection::TemplatesSection(const EditorContext &context) : Section(context)
@@ -39,10 +44,10 @@ TemplatesSection::TemplatesSection(const EditorContext &context) : Section(conte
                                               model().previews().palette);
         });
     });
-    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
+    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
         const QList<BuiltInTemplate> &looks = BuiltInTemplates::all();
         for (int i = 0; i < looks.size(); ++i) {
-            if (key == u"template "_s + BuiltInTemplates::id(looks.at(i))) {
+            if (key == templateKey(looks.at(i))) {
                 m_grid->update(m_grid->itemRect(i));
             }
         }
@@ -58,9 +63,8 @@ QImage TemplatesSection::card(int index, QSize roomPx) const
     const BuiltInTemplate look = BuiltInTemplates::all().at(index);
     PhotoItem dressed = *photo;
     dressed.settings = BuiltInTemplates::make(look, photo->settings, model().previews().palette);
-    return CanvasMarks::withPlaceholders(
-        context().thumbnails.image(u"template "_s + BuiltInTemplates::id(look), dressed, roomPx),
-        dressed.settings, devicePixelRatioF());
+    return CanvasMarks::withPlaceholders(context().thumbnails.image(templateKey(look), dressed, roomPx),
+                                         dressed.settings, devicePixelRatioF());
 }
 
 void TemplatesSection::display(const PhotoItem &photo)

@@ -118,9 +118,7 @@ TextSection::TextSection(const EditorContext &context) : Section(context)
     connect(m_list, &Items::activated, this, &TextSection::editText);
     connect(m_list, &LayerList::visibilityAsked, this, [this](int index) {
         const QString id = m_list->layers().at(index).id;
-        edits().step([&id](FrameSettings &settings) {
-            layerIn(settings, id).visible = !layerIn(settings, id).visible;
-        });
+        edits().step(inLayer(id, [](TextLayer &layer) { layer.visible = !layer.visible; }));
     });
     connect(m_list, &Items::menuRequested, this, [this](int index) {
         if (isOwn(m_list->layers().at(index).id)) {
@@ -164,29 +162,21 @@ void TextSection::addEditor()
     m_ink->setObjectName(u"ink"_s);
     m_remove->setObjectName(u"removeText"_s);
 
-    connect(m_text, &QLineEdit::textEdited, this, [this](const QString &text) {
-        edits().slide(u"text "_s + m_id, [this, text](FrameSettings &settings) {
-            TextLayer &layer = layerIn(settings, m_id);
-            // Whoever types into a hidden text wants to see it.
-            layer.visible = layer.visible || layer.text != text;
-            layer.text = text;
-        });
-    });
+    connect(m_text, &QLineEdit::textEdited, this,
+            [this](const QString &text) { edits().adjust(u"text "_s + m_id, inLayer(m_id, typed(text))); });
     connect(m_text, &QLineEdit::editingFinished, this, [this] {
         m_text->setModified(false);
-        edits().endSlide();
+        edits().endAdjusting();
     });
     connect(m_font, &Items::chosen, this, [this](int index) {
-        edits().step(
-            [this, index](FrameSettings &settings) { layerIn(settings, m_id).fontStyle = fontAt(index); });
+        edits().step(inLayer(m_id, [index](TextLayer &layer) { layer.fontStyle = fontAt(index); }));
     });
     connect(m_ink, &ColorDots::chosenColor, this, [this](const QColor &color) {
-        edits().step([this, &color](FrameSettings &settings) { layerIn(settings, m_id).ink = inkOf(color); });
+        edits().step(inLayer(m_id, [&color](TextLayer &layer) { layer.ink = inkOf(color); }));
     });
     connect(m_ink, &ColorDots::dragged, this, [this](const QColor &color) {
-        edits().slide(u"ink "_s + m_id, [this, &color](FrameSettings &settings) {
-            layerIn(settings, m_id).ink = inkOf(color);
-        });
+        edits().adjust(u"ink "_s + m_id,
+                       inLayer(m_id, [&color](TextLayer &layer) { layer.ink = inkOf(color); }));
     });
     connect(m_remove, &QPushButton::clicked, this, &TextSection::removeLayer);
 }

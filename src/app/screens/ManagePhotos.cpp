@@ -50,8 +50,8 @@ ManageGrid::ManageGrid(const EditorContext &context) : Items(Arrows::Move), m_co
         update();
         Q_EMIT pickedChanged();
     });
-    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
-        if (key.startsWith(u"photo "_s)) {
+    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
+        if (key.of == ThumbnailKey::Of::Photo) {
             update();
         }
     });
@@ -123,7 +123,7 @@ void ManageGrid::paintItem(QPainter &painter, int index, const State &state)
     }
     const PhotoItem &photo = m_context.model.photos().at(index);
     const QSize room = ((QSizeF(tile) - QSizeF(2 * padding, 2 * padding)) * devicePixelRatioF()).toSize();
-    const QImage image = m_context.thumbnails.image(u"photo "_s + photo.id.toString(), photo, room);
+    const QImage image = m_context.thumbnails.image(ThumbnailKey::photo(photo), photo, room);
     if (!image.isNull()) {
         paintFramed(painter, image, card, true);
     } else if (m_context.thumbnails.unreadable(photo.file)) {
@@ -216,6 +216,7 @@ QWidget *ManagePhotos::makeFooter()
     row->addStretch();
     m_deselect = new Button(Button::Kind::Ghost, said({"取消选择", "Deselect", "Désélectionner"}));
     m_remove = new Button(Button::Kind::DangerGhost, {}, "trash");
+    m_deselect->setObjectName(u"deselect"_s);
     row->addWidget(m_deselect);
     row->addWidget(m_remove);
     connect(m_deselect, &QPushButton::clicked, this, [this] { m_grid->setPicked({}); });

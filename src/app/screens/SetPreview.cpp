@@ -36,7 +36,7 @@ constexpr int manyDots = 20;
 
 QImage thumbnail(const EditorContext &context, const PhotoItem &photo, QSize roomPx)
 {
-    return context.thumbnails.image(u"photo "_s + photo.id.toString(), photo, roomPx);
+    return context.thumbnails.image(ThumbnailKey::photo(photo), photo, roomPx);
 }
 
 /// `image` cut to cover `box`, as a post does with pictures of another ratio than the cover's.
@@ -77,8 +77,8 @@ PostGrid::PostGrid(const EditorContext &context) : Items(Arrows::Move), m_contex
 {
     setColumn(usualColumn);
     setName(said({"套图", "Set", "Série"}));
-    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
-        if (key.startsWith(u"photo "_s)) {
+    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
+        if (key.of == ThumbnailKey::Of::Photo) {
             update();
         }
     });
@@ -316,6 +316,7 @@ SetPreview::SetPreview(const EditorContext &context)
 {
     auto *bar = new PageBar(said({"套图预览", "Set preview", "Aperçu de la série"}));
     auto *go = new Button(Button::Kind::Primary, said({"导出", "Export", "Exporter"}), "export");
+    go->setObjectName(u"exportSet"_s);
     bar->addAction(go);
     m_bar = bar;
     connect(bar, &PageBar::closeAsked, this, &SetPreview::closeAsked);

@@ -178,7 +178,7 @@ QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
                                    [] { return u"English"_s; }, [] { return u"Français"_s; }});
     language->setName(said({"语言", "Language", "Langue"}));
     const std::optional<AppLanguage> stored =
-        languageFromName(context.preferences.value(u"language"_s).toString());
+        languageFromName(context.preferences.get(PreferenceKeys::language).toString());
     language->setCurrent(stored ? static_cast<int>(*stored) + 1 : 0);
     language->setObjectName(u"language"_s);
     column->addWidget(language);
@@ -222,7 +222,7 @@ QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
         [&preferences = context.preferences, languageChanged = std::move(languageChanged)](int index) {
             const std::optional<AppLanguage> chosen =
                 index == 0 ? std::nullopt : std::optional(static_cast<AppLanguage>(index - 1));
-            preferences.setValue(u"language"_s, languageName(chosen));
+            preferences.set(PreferenceKeys::language, {languageName(chosen)});
             languageChanged();
         });
     QObject::connect(tiles, &Items::chosen, &appearance,

@@ -60,10 +60,10 @@ StripView::StripView(const EditorContext &context) : Items(Arrows::Choose), m_co
             update();
         }
     });
-    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
+    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
         const QList<PhotoItem> &photos = m_context.model.photos();
         for (int i = 0; i < photos.size(); ++i) {
-            if (key == u"photo "_s + photos.at(i).id.toString()) {
+            if (key == ThumbnailKey::photo(photos.at(i))) {
                 update(itemRect(i).adjusted(-1, -1, 1, 1));
             }
         }
@@ -146,7 +146,7 @@ QImage StripView::thumbnail(int index) const
 {
     const PhotoItem &photo = m_context.model.photos().at(index);
     const QSize room = (QSizeF(widestTile, tileHeight) * devicePixelRatioF()).toSize();
-    return m_context.thumbnails.image(u"photo "_s + photo.id.toString(), photo, room);
+    return m_context.thumbnails.image(ThumbnailKey::photo(photo), photo, room);
 }
 
 QRect StripView::pictureRect(int index, const QImage &image) const
@@ -406,6 +406,8 @@ FilmStrip::FilmStrip(const EditorContext &context)
         button->setFont(typeFont(Type::Label));
         header->addWidget(button);
     }
+    preview->setObjectName(u"previewSet"_s);
+    manage->setObjectName(u"managePhotos"_s);
     column->addLayout(header);
     column->addWidget(m_view);
     column->addStretch();

@@ -166,8 +166,8 @@ void SampleFrames::paintEvent(QPaintEvent *)
 SessionRow::SessionRow(const EditorContext &context) : m_context(context)
 {
     setFixedSize(344, 60);
-    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const QString &key) {
-        if (key.startsWith(u"photo "_s)) {
+    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
+        if (key.of == ThumbnailKey::Of::Photo) {
             update();
         }
     });
@@ -187,7 +187,7 @@ void SessionRow::paintEvent(QPaintEvent *)
         }
         const QRectF box(x - tile.width(), (height() - 56) / 2.0, tile.width(), 56);
         Paint::rounded(painter, box, 4, theme().surfaceMuted);
-        const QImage image = m_context.thumbnails.image(u"photo "_s + photo.id.toString(), photo, room);
+        const QImage image = m_context.thumbnails.image(ThumbnailKey::photo(photo), photo, room);
         if (!image.isNull()) {
             paintFramed(painter, image, box, false);
         }

@@ -121,7 +121,8 @@ protected:
             }
             const QRectF box =
                 QRectF(x, (height() - tile.height()) / 2, tile.width(), tile.height()).toAlignedRect();
-            const QImage image = m_context.thumbnails.image(u"kept "_s + photo.id.toString(), photo, room);
+            const QImage image =
+                m_context.thumbnails.image({ThumbnailKey::Of::SetAside, photo.id.toString()}, photo, room);
             if (image.isNull()) {
                 Paint::rounded(painter, box, 4, theme().surfaceMuted);
             } else {

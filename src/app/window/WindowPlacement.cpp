@@ -68,10 +68,10 @@ void WindowPlacement::followScreen()
 
 void WindowPlacement::restore()
 {
-    const QByteArray geometry = m_preferences.value(u"windowGeometry"_s).toByteArray();
+    const QByteArray geometry = m_preferences.get(PreferenceKeys::windowGeometry).toByteArray();
     if (geometry.isEmpty() || !m_window.restoreGeometry(geometry)) {
         // Qt refuses what was saved on a screen of another scale; the size still says what is wanted.
-        const QSize size = m_preferences.value(u"windowSize"_s).toSize();
+        const QSize size = m_preferences.get(PreferenceKeys::windowSize).toSize();
         m_window.resize((size.isEmpty() ? smallest : size)
                             .boundedTo(available().size())
                             .expandedTo(m_window.minimumSize()));
@@ -81,8 +81,8 @@ void WindowPlacement::restore()
 
 void WindowPlacement::remember()
 {
-    m_preferences.setValue(u"windowGeometry"_s, m_window.saveGeometry());
-    m_preferences.setValue(u"windowSize"_s, m_window.normalGeometry().size());
+    m_preferences.set(PreferenceKeys::windowGeometry, {m_window.saveGeometry()});
+    m_preferences.set(PreferenceKeys::windowSize, {m_window.normalGeometry().size()});
 }
 
 void WindowPlacement::shown()
@@ -90,7 +90,7 @@ void WindowPlacement::shown()
     if (QWindow *handle = m_window.windowHandle()) {
         connect(handle, &QWindow::screenChanged, this, &WindowPlacement::followScreen, Qt::UniqueConnection);
     }
-    const bool first = !m_preferences.value(u"macWindowSized"_s, false).toBool();
+    const bool first = !m_preferences.get(PreferenceKeys::windowSized);
     // The frame is known only once the window manager has put it around.
     QTimer::singleShot(settleMs, this, first ? &WindowPlacement::sizeFirstWindow : &WindowPlacement::hold);
 }
@@ -109,7 +109,7 @@ void WindowPlacement::hold()
 void WindowPlacement::sizeFirstWindow()
 {
     const QRect old = m_window.geometry();
-    m_preferences.setValue(u"macWindowSized"_s, true);
+    m_preferences.set(PreferenceKeys::windowSized, true);
     if (old.width() <= 0 || old.width() >= narrow) {
         return;
     }

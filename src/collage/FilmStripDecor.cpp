@@ -1,4 +1,4 @@
-#include "collage/FilmStrip.h"
+#include "collage/FilmStripDecor.h"
 
 #include <algorithm>
 
