@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/Cancellation.h"
+#include "handwriting/PathSmoother.h"
 #include "handwriting/Strokes.h"
 
 namespace tarnovel::test {
@@ -295,6 +296,28 @@ TEST(Smoothing, KeepsTheCornersOfLetters)
             }
         }
     }
+}
+
+TEST(Smoothing, KeepsLittleOfAPointerThatRests)
+{
+    PathSmoother smoother(1);
+    QPointF place;
+    size_t most = 0;
+    for (int i = 0; i < 40; ++i, place += QPointF(1, 0.5)) {
+        smoother.append({place}, place, true);
+        smoother.takeFinal();
+        most = std::max(most, smoother.kept());
+    }
+    const std::vector<CourseNode> before = smoother.rest();
+    for (int i = 0; i < 5000; ++i) {
+        // The creep of a calmed course, then the shiver of a hand.
+        const QPointF calm = place + (i < 2000 ? QPointF(0.3 * i / 2000, 0) : QPointF(0.01 * (i % 2), 0));
+        smoother.append({place}, calm, false);
+        smoother.takeFinal();
+        most = std::max(most, smoother.kept());
+    }
+    EXPECT_LT(most, 700U);
+    ASSERT_FALSE(before.empty());
 }
 
 TEST(Smoothing, ChangesNothingThatIsSettled)
