@@ -23,6 +23,12 @@ public:
     /// most.
     QByteArray encode(double quality);
 
+    /// Whether colour is stored at the full resolution.
+    static bool storesColourInFull(double quality);
+
+    /// The picture as it is encoded: 32 bits a pixel, blue first.
+    const QImage &image() const;
+
 private:
     struct State;
     std::unique_ptr<State> m_state;

@@ -45,6 +45,23 @@ QImage noise(QSize size)
     return image;
 }
 
+/// Black marks on white paper, in one half of it.
+QImage typed(QSize size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    quint32 seed = 5;
+    for (int y = 40; y < size.height() - 40; y += 14) {
+        for (int x = 30; x < size.width() / 2; x += 3) {
+            seed = seed * 1664525 + 1013904223;
+            for (int row = 0; row < 8 && (seed >> 13) % 3 != 0; ++row) {
+                image.setPixel(x + static_cast<int>((seed >> row) & 1U), y + row, qRgb(20, 20, 20));
+            }
+        }
+    }
+    return image;
+}
+
 QMap<int, qint64> sizesOf(JpegEncoder &encoder)
 {
     QMap<int, qint64> sizes;
@@ -105,13 +122,16 @@ TEST(JpegEncoder, KeepsThePictureAndNoMetadata)
 
 TEST(SearchJpegQuality, GivesWhatThePlainBisectionGivesForEveryLimit)
 {
-    for (const QImage &image :
-         {texture(QSize(600, 450)), quarters(QSize(97, 61)), quarters(QSize(700, 500))}) {
+    for (const QImage &image : {texture(QSize(600, 450)), quarters(QSize(97, 61)), quarters(QSize(700, 500)),
+                                typed(QSize(520, 400)), noise(QSize(500, 410))}) {
         JpegEncoder encoder(image);
         const QMap<int, qint64> sizes = sizesOf(encoder);
         QList<qint64> limits;
-        for (const qint64 size : sizes) {
-            limits << size - 1 << size << size + 1;
+        for (const auto &[quality, size] : sizes.asKeyValueRange()) {
+            // Of the slow ones a sixth; the two ends and where colour comes in full are always there.
+            if (image.width() < 510 || quality % 6 == 5 || quality > 88) {
+                limits << size - 1 << size;
+            }
         }
         int most = 0;
         for (const qint64 limit : limits) {
