@@ -53,7 +53,7 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
 {
     QByteArray bytes;
     if (options.png) {
-        bytes = encodePng(canvas);
+        bytes = encodePng(canvas, stop);
     } else if (options.maxMB > 0) {
         const double limit = std::min(options.maxMB * 1'000'000, 1e15);
         const JpegSearchResult found = searchJpegQuality(canvas, static_cast<qint64>(limit), stop);

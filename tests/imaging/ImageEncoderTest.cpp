@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QColorSpace>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <turbojpeg.h>
 
@@ -177,6 +179,56 @@ TEST(SearchJpegQuality, EncodesOnceWhenTheBestFitsAndTwiceWhenNothingDoes)
     std::stop_source source;
     source.request_stop();
     EXPECT_THROW(searchJpegQuality(image, 10'000, source.get_token()), OperationCancelled);
+}
+
+/// As another reader sees the file than the one that the decoder has; it checks every sum.
+QImage readElsewhere(const QByteArray &file, QImage::Format format)
+{
+    QImage image = QImage::fromData(file, "PNG").convertToFormat(format);
+    image.setColorSpace({});
+    return image;
+}
+
+TEST(EncodePng, CutsLargeDataIntoChunksAndTakesPixelsOfAnyFormat)
+{
+    const QImage image = noise(QSize(701, 533));
+    const QByteArray file = encodePng(image);
+    EXPECT_GT(file.size(), 1'000'000);
+    int chunks = 0;
+    qsizetype at = 8;
+    while (at + 12 <= file.size()) {
+        const qsizetype length = qFromBigEndian<quint32>(file.constData() + at);
+        const bool isData = file.mid(at + 4, 4) == "IDAT";
+        EXPECT_TRUE(!isData || (length > 0 && length <= 262'144)) << length;
+        chunks += isData ? 1 : 0;
+        at += 12 + length;
+    }
+    EXPECT_EQ(at, file.size());
+    EXPECT_GE(chunks, 4);
+    EXPECT_EQ(readElsewhere(file, QImage::Format_RGB32), image);
+    for (const QImage::Format format : {QImage::Format_RGB888, QImage::Format_RGBX64, QImage::Format_RGBX8888,
+                                        QImage::Format_BGR888, QImage::Format_RGB32}) {
+        EXPECT_EQ(encodePng(image.convertToFormat(format)), file) << format;
+    }
+    const QImage grey = image.convertToFormat(QImage::Format_Grayscale8);
+    EXPECT_EQ(readElsewhere(encodePng(grey), QImage::Format_RGB32),
+              grey.convertToFormat(QImage::Format_RGB32));
+    QImage clear = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < clear.height(); ++y) {
+        for (int x = 0; x < clear.width(); x += 3) {
+            clear.setPixel(x, y, (clear.pixel(x, y) & 0xffffff) | static_cast<QRgb>((x + y) % 255 + 1) << 24);
+        }
+    }
+    EXPECT_EQ(readElsewhere(encodePng(clear), QImage::Format_ARGB32), clear);
+    // Sizes at which a row or the whole is next to nothing.
+    for (const QSize size : {QSize(1, 1), QSize(1, 40), QSize(5000, 1), QSize(3, 17)}) {
+        const QImage small = noise(size);
+        EXPECT_EQ(readElsewhere(encodePng(small), QImage::Format_RGB32), small);
+    }
+    std::stop_source source;
+    source.request_stop();
+    EXPECT_THROW(encodePng(image, source.get_token()), OperationCancelled);
+    EXPECT_THROW(encodePng({}), std::bad_alloc);
 }
 
 TEST(EncodePng, IsLosslessForOpaqueAndTransparentImages)
