@@ -207,8 +207,15 @@ void checkFile(const QString &file)
 
 ExportOptions optionsFrom(const CollageRequest &request)
 {
+    const QString ending = *formatOf(request.file);
     ExportOptions options;
-    setFormat(options, request.format ? *request.format : *formatOf(request.file), request.maxMb);
+    setFormat(options, request.format.value_or(ending), request.maxMb);
+    if (request.format.value_or(ending) != ending) {
+        throw UsageError{
+            localized({"--format 与 -o 的文件名不符：", "--format contradicts the name given to -o: ",
+                       "--format contredit le nom donné à -o\u202f: "}) +
+            request.file};
+    }
     return options;
 }
 

@@ -99,7 +99,8 @@ double aspectOf(const QString &path, ImagePipeline &pipeline, const Interruption
                 .size();
         return size.width() / size.height();
     } catch (const PipelineFailure &failure) {
-        throw Refusal{path, failure.trouble() ? errorDescription(failure) : unreadablePicture()};
+        throw Refusal{path,
+                      failure.trouble() || failure.fault() ? errorDescription(failure) : unreadablePicture()};
     }
 }
 

@@ -29,7 +29,7 @@ QImage render(ImagePipeline &pipeline, const CollageDesign &design, const QList<
                                 plan.size, stop)
                     .result();
         } catch (const PipelineFailure &failure) {
-            throw PipelineFailure(failure.error(), photo.file);
+            throw failure.of(photo.file);
         }
     }
     QImage canvas(plan.size, QImage::Format_RGB32);

@@ -387,7 +387,7 @@ void CollageStudio::finish()
                 const auto culprit = std::ranges::find(photos, failure.file(), &PhotoItem::file);
                 const QString name =
                     culprit == photos.end() ? QString() : culprit->name + localized({"：", ": ", "\u202f: "});
-                outcome = [this, reason = name + errorDescription(failure.error())] { saveFailed(reason); };
+                outcome = [this, reason = name + errorDescription(failure)] { saveFailed(reason); };
             } catch (const FileError &error) {
                 qCWarning(logCollage) << "the collage was not saved:" << error.what();
                 outcome = [this, reason = errorDescription(error)] { saveFailed(reason); };

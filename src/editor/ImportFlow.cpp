@@ -227,11 +227,24 @@ void ImportFlow::copied(const QString &file, const std::optional<FileError> &ref
                                 std::optional<PhotoItem> item;
                                 try {
                                     item = finished.result();
+                                } catch (const PipelineFailure &failure) {
+                                    if (failure.fault()) {
+                                        notFramed(file, errorDescription(failure));
+                                        return;
+                                    }
                                 } catch (const QException &) {
                                     item.reset(); // unreadable, or cancelled: `step` tells them apart
                                 }
                                 inspected(file, item);
                             });
+}
+
+void ImportFlow::notFramed(const QString &file, const QString &reason)
+{
+    m_copied.clear();
+    remove(file);
+    m_summary.refused.append({m_request.paths.at(m_index - 1), reason});
+    step();
 }
 
 void ImportFlow::inspected(const QString &file, const std::optional<PhotoItem> &item)

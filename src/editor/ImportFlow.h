@@ -37,7 +37,7 @@ struct ImportRequest {
     std::optional<QUuid> target = {};
 };
 
-/// A file that was not brought in, for a reason other than what is in it: the path that was asked for, and a
+/// A file that was not brought in, for a reason that can be named: the path that was asked for, and a
 /// sentence in the language of that moment.
 struct ImportRefusal {
     QString path;
@@ -47,7 +47,7 @@ struct ImportRefusal {
 /// What an import came to.
 struct ImportSummary {
     qsizetype added = 0;
-    /// Files that are there and open, but hold no picture that can be read.
+    /// Files that are there and open, but hold nothing that is known as a picture.
     qsizetype unreadable = 0;
     QList<ImportRefusal> refused = {};
     /// The disk took no more copies: what came before is in the session, the rest was not tried.
@@ -85,6 +85,7 @@ private:
     void step();
     void copied(const QString &file, const std::optional<FileError> &refusal);
     void refused(const FileError &refusal);
+    void notFramed(const QString &file, const QString &reason);
     void inspected(const QString &file, const std::optional<PhotoItem> &item);
     void takeCopied();
     void finish();

@@ -16,6 +16,8 @@ constexpr double farthestMove = 1;
 /// In what pieces a line is summed up; a hand is never so fast that there are more.
 constexpr double longestPiece = 1;
 constexpr int mostPieces = 1000;
+/// A shorter way says nothing of the course.
+constexpr double leastPiece = 0.05;
 /// Beside an end that is held there is too little path for a Gaussian.
 constexpr double leastSigma = 0.05;
 
@@ -27,6 +29,11 @@ void PathSmoother::append(const CourseNode &reported, QPointF calm, bool isNode)
     if (!m_samples.empty()) {
         const QPointF step = (calm - m_samples.back().calm) * m_zoom;
         arc = m_samples.back().arc + std::hypot(step.x(), step.y());
+    }
+    // A pointer at rest reports for ever: of what it says there, the last is enough.
+    const size_t count = m_samples.size();
+    if (count >= 2 && !isNode && !m_samples.back().isNode && arc - m_samples[count - 2].arc < leastPiece) {
+        m_samples.pop_back();
     }
     m_samples.push_back({reported, calm, arc, isNode});
 }

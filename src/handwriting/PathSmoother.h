@@ -29,6 +29,8 @@ public:
     std::vector<CourseNode> takeFinal();
     /// The nodes behind those, as they look so far.
     std::vector<CourseNode> rest() const;
+    /// How many samples are kept: a few hundred at most, however long the pointer rests.
+    size_t kept() const { return m_samples.size(); }
 
 private:
     struct Sample {

@@ -14,6 +14,7 @@
 #include "imaging/ImageFile.h"
 #include "imaging/JpegSegments.h"
 #include "imaging/PngChunks.h"
+#include "imaging/TiffDirectory.h"
 #include "imaging/VipsDecoder.h"
 
 namespace tarnovel {
@@ -43,28 +44,11 @@ Exiv2::ExifData decoded(const QByteArray &exif)
 
 Exiv2::ExifData readByParser(const QString &path, const ImageFile &file)
 {
-    using Io = Exiv2::BasicIo::AutoPtr;
-    // The parser would map a TIFF file, and a mapped file that somebody cuts short ends the program.
-    constexpr qint64 largestTiff = 256'000'000;
-    const bool tiff = file.format() == PictureFormat::Tiff;
-    if (tiff && file.size() > largestTiff) {
-        return {};
-    }
-    const QByteArray bytes = tiff ? file.read(0, file.size()) : QByteArray();
-    Io io;
-    if (tiff) {
-        io.reset(new Exiv2::MemIo(reinterpret_cast<const Exiv2::byte *>(bytes.constData()),
-                                  static_cast<long>(bytes.size())));
-    } else {
-        io.reset(new Exiv2::FileIo(QFile::encodeName(path).toStdString()));
-    }
+    Exiv2::BasicIo::AutoPtr io(new Exiv2::FileIo(QFile::encodeName(path).toStdString()));
     Exiv2::Image::AutoPtr image;
     switch (file.format()) {
     case PictureFormat::Png:
         image = Exiv2::newPngInstance(io, false);
-        break;
-    case PictureFormat::Tiff:
-        image = Exiv2::newTiffInstance(io, false);
         break;
     case PictureFormat::WebP:
         image = Exiv2::newWebPInstance(io, false);
@@ -74,6 +58,7 @@ Exiv2::ExifData readByParser(const QString &path, const ImageFile &file)
         image = Exiv2::newBmffInstance(io, false);
         break;
     case PictureFormat::Jpeg:
+    case PictureFormat::Tiff:
         break;
     }
     if (image.get() == nullptr || !image->good()) {
@@ -89,6 +74,11 @@ Exiv2::ExifData readExif(const QString &path)
     prepareParser();
     if (file.format() == PictureFormat::Jpeg) {
         return decoded(readJpegSegments(file).exif);
+    }
+    if (file.format() == PictureFormat::Tiff) {
+        // The parser would map the whole file, and a mapped file that somebody cuts short ends the program.
+        return decoded(captureBlock(
+            TiffDirectories([&file](qint64 offset, qint64 count) { return file.read(offset, count); })));
     }
     if (file.format() == PictureFormat::Png) {
         const PngChunks chunks = readPngChunks(file);

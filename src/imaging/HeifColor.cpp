@@ -66,15 +66,18 @@ QByteArray description(const ImageFile &file)
         if (head.size() < 16) {
             break;
         }
-        const bool isLarge = qFromBigEndian<quint32>(head.constData()) == 1;
-        const auto length = isLarge ? static_cast<qint64>(qFromBigEndian<quint64>(head.constData() + 8))
-                                    : qint64(qFromBigEndian<quint32>(head.constData()));
+        const auto stated = qFromBigEndian<quint32>(head.constData());
+        const bool isLarge = stated == 1;
+        const bool isLast = stated == 0; // it reaches to the end of the file
+        const auto length = isLarge  ? static_cast<qint64>(qFromBigEndian<quint64>(head.constData() + 8))
+                            : isLast ? file.size() - at
+                                     : qint64(stated);
         const int headBytes = isLarge ? 16 : 8;
+        if (length < headBytes || length > file.size() - at) {
+            break;
+        }
         if (head.mid(4, 4) == "meta" && length <= largestDescription) {
             return file.read(at + headBytes + 4, length - headBytes - 4);
-        }
-        if (length < headBytes) {
-            break;
         }
         at += length;
     }

@@ -23,6 +23,12 @@ public:
     /// most.
     QByteArray encode(double quality);
 
+    /// Whether colour is stored at the full resolution.
+    static bool storesColourInFull(double quality);
+
+    /// The picture as it is encoded: 32 bits a pixel, blue first.
+    const QImage &image() const;
+
 private:
     struct State;
     std::unique_ptr<State> m_state;
@@ -42,7 +48,7 @@ struct JpegSearchResult {
 JpegSearchResult searchJpegQuality(const QImage &image, qint64 limit, const std::stop_token &stop = {});
 
 /// A PNG at a fast compression level that says that it is sRGB. Opaque images give RGB, others RGBA. Throws
-/// OperationCancelled between rows.
+/// OperationCancelled between rows, and an std::bad_alloc at most.
 QByteArray encodePng(const QImage &image, const std::stop_token &stop = {});
 
 } // namespace tarnovel

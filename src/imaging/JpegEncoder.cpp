@@ -96,9 +96,19 @@ JpegEncoder::~JpegEncoder()
     tjDestroy(m_state->handle);
 }
 
+bool JpegEncoder::storesColourInFull(double quality)
+{
+    return quality >= fullColourFrom;
+}
+
+const QImage &JpegEncoder::image() const
+{
+    return m_state->image;
+}
+
 QByteArray JpegEncoder::encode(double quality)
 {
-    const bool full = quality >= fullColourFrom;
+    const bool full = storesColourInFull(quality);
     const int subsampling = full ? TJSAMP_444 : TJSAMP_420;
     std::optional<Planes> &planes = full ? m_state->fullColour : m_state->halfColour;
     if (!planes) {

@@ -1,68 +1,179 @@
-#include <cstdlib>
-#include <memory>
+#include <algorithm>
+#include <cstring>
 #include <new>
 
-#include <spng.h>
+#include <QtEndian>
 
 #include "base/Cancellation.h"
+#include "imaging/Deflater.h"
 #include "imaging/ImageEncoder.h"
 
 namespace tarnovel {
 namespace {
 
-// Beyond this level a file gets a few parts in a hundred smaller and takes several times as long.
-constexpr int compressionLevel = 1;
-
+// Of the PNG specification (ISO/IEC 15948).
+constexpr char truecolour = 2;
+constexpr char truecolourWithAlpha = 6;
+constexpr char subFilter = 1;
 // The rendering intent that an sRGB chunk names for photographs.
-constexpr int perceptualIntent = 0;
+constexpr char perceptualIntent = 0;
 
-struct FreeContext {
-    void operator()(spng_ctx *context) const { spng_ctx_free(context); }
+/// Rows filtered at once: what stays in the processor's cache.
+constexpr int bandRows = 16;
+/// The data is cut into chunks, so that a reader needs no more memory than one.
+constexpr qsizetype chunkBytes = 256 * 1024;
+constexpr qsizetype chunkHead = 8;
+
+QByteArray big(qsizetype value)
+{
+    const quint32 ordered = qToBigEndian(static_cast<quint32>(value));
+    return QByteArray(reinterpret_cast<const char *>(&ordered), sizeof(ordered));
+}
+
+/// A file that grows by chunks.
+class PngFile {
+public:
+    PngFile(QSize size, bool alpha)
+    {
+        m_bytes = QByteArray("\x89PNG\r\n\x1a\n", 8);
+        const char kind = alpha ? truecolourWithAlpha : truecolour;
+        append("IHDR", big(size.width()) + big(size.height()) + QByteArray("\x08", 1) + QByteArray(1, kind) +
+                           QByteArray(3, '\0'));
+        append("sRGB", QByteArray(1, perceptualIntent));
+    }
+
+    void append(const char *type, const QByteArray &content)
+    {
+        begin(type);
+        m_bytes.append(content);
+        end(content.size());
+    }
+
+    /// Takes from the stream until it wants more.
+    void append(Deflater &deflater)
+    {
+        for (;;) {
+            if (m_filled == chunkBytes || m_filled < 0) {
+                endData();
+                begin("IDAT");
+                m_filled = 0;
+                m_bytes.resize(m_bytes.size() + chunkBytes);
+            }
+            const qsizetype room = chunkBytes - m_filled;
+            auto *goal = reinterpret_cast<uint8_t *>(m_bytes.data() + m_bytes.size() - room);
+            const auto made = static_cast<qsizetype>(deflater.take(goal, static_cast<size_t>(room)));
+            m_filled += made;
+            if (made < room) {
+                return;
+            }
+        }
+    }
+
+    QByteArray finished()
+    {
+        endData();
+        append("IEND", {});
+        return std::move(m_bytes);
+    }
+
+private:
+    void begin(const char *type) { m_bytes.append(QByteArray(4, '\0')).append(type, 4); }
+
+    /// The last bytes are a chunk's content: its length and check are known now.
+    void end(qsizetype length)
+    {
+        const qsizetype start = m_bytes.size() - length - chunkHead;
+        m_bytes.replace(start, 4, big(length));
+        m_bytes.append(big(crc32Of(QByteArrayView(m_bytes).sliced(start + 4))));
+    }
+
+    void endData()
+    {
+        if (m_filled > 0) {
+            m_bytes.chop(chunkBytes - m_filled);
+            end(m_filled);
+        } else if (m_filled == 0) {
+            m_bytes.chop(chunkBytes + chunkHead);
+        }
+        m_filled = -1;
+    }
+
+    QByteArray m_bytes;
+    /// How much of the data's open chunk is there; negative while none is open.
+    qsizetype m_filled = -1;
 };
 
-void check(int failed)
+/// Each byte of the first less that of the second.
+quint32 eachLess(quint32 first, quint32 second)
 {
-    if (failed != 0) {
-        throw std::bad_alloc();
+    constexpr quint32 tops = 0x80808080;
+    return ((first | tops) - (second & ~tops)) ^ ((first ^ ~second) & tops);
+}
+
+/// A row of opaque pixels as red, green and blue, each less its neighbour on the left.
+char *filterOpaque(const QRgb *row, int width, char *goal)
+{
+    *goal++ = subFilter;
+    QRgb left = 0;
+    for (int x = 0; x < width; ++x) {
+        const quint32 step = eachLess(row[x], left);
+        left = row[x];
+        *goal++ = static_cast<char>(step >> 16U);
+        *goal++ = static_cast<char>(step >> 8U);
+        *goal++ = static_cast<char>(step);
     }
+    return goal;
+}
+
+/// The same with alpha, of bytes that stand in the file's order.
+char *filterTransparent(const uchar *row, int width, char *goal)
+{
+    constexpr int pixel = 4;
+    *goal++ = subFilter;
+    for (int i = 0; i < width * pixel; ++i) {
+        *goal++ = static_cast<char>(i < pixel ? row[i] : row[i] - row[i - pixel]);
+    }
+    return goal;
+}
+
+bool isBlueFirst(QImage::Format format)
+{
+    return format == QImage::Format_RGB32;
 }
 
 } // namespace
 
 QByteArray encodePng(const QImage &image, const std::stop_token &stop)
 {
-    const bool alpha = image.hasAlphaChannel();
-    const QImage::Format rowFormat = alpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888;
-    const std::unique_ptr<spng_ctx, FreeContext> context(spng_ctx_new(SPNG_CTX_ENCODER));
-    if (!context || image.isNull()) {
+    if (image.isNull()) {
         throw std::bad_alloc();
     }
-    spng_ihdr header{};
-    header.width = static_cast<uint32_t>(image.width());
-    header.height = static_cast<uint32_t>(image.height());
-    header.bit_depth = 8;
-    header.color_type = alpha ? SPNG_COLOR_TYPE_TRUECOLOR_ALPHA : SPNG_COLOR_TYPE_TRUECOLOR;
-    check(spng_set_ihdr(context.get(), &header));
-    check(spng_set_srgb(context.get(), perceptualIntent));
-    check(spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1));
-    check(spng_set_option(context.get(), SPNG_IMG_COMPRESSION_LEVEL, compressionLevel));
-    check(spng_set_option(context.get(), SPNG_FILTER_CHOICE, SPNG_FILTER_CHOICE_SUB));
-    check(spng_encode_image(context.get(), nullptr, 0, SPNG_FMT_PNG,
-                            SPNG_ENCODE_PROGRESSIVE | SPNG_ENCODE_FINALIZE));
-    const size_t rowBytes = static_cast<size_t>(image.width()) * (alpha ? 4 : 3);
-    int failed = 0;
-    for (int y = 0; y < image.height() && failed == 0; ++y) {
+    const bool alpha = image.hasAlphaChannel();
+    PngFile file(image.size(), alpha);
+    Deflater deflater;
+    QByteArray filtered((qsizetype(image.width()) * (alpha ? 4 : 3) + 1) * bandRows, Qt::Uninitialized);
+    for (int top = 0; top < image.height(); top += bandRows) {
         throwIfCancelled(stop);
-        // One row at a time: a second picture in another format would only be memory to fill.
-        const QImage row(image.constScanLine(y), image.width(), 1, image.bytesPerLine(), image.format());
-        failed = spng_encode_row(context.get(), row.convertToFormat(rowFormat).constBits(), rowBytes);
+        const int rows = std::min(bandRows, image.height() - top);
+        // One band at a time: a second picture in another format would only be memory to fill.
+        const QImage whole(image.constScanLine(top), image.width(), rows, image.bytesPerLine(),
+                           image.format());
+        const QImage band =
+            isBlueFirst(image.format())
+                ? whole
+                : whole.convertToFormat(alpha ? QImage::Format_RGBA8888 : QImage::Format_RGB32);
+        char *goal = filtered.data();
+        for (int y = 0; y < rows; ++y) {
+            const uchar *row = band.constScanLine(y);
+            goal = alpha ? filterTransparent(row, image.width(), goal)
+                         : filterOpaque(reinterpret_cast<const QRgb *>(row), image.width(), goal);
+        }
+        const bool isLast = top + rows == image.height();
+        deflater.give(QByteArrayView(filtered.constData(), goal - filtered.constData()),
+                      isLast ? Deflater::Part::Last : Deflater::Part::More);
+        file.append(deflater);
     }
-    check(failed == SPNG_EOI ? 0 : failed);
-    size_t size = 0;
-    const std::unique_ptr<void, decltype(&std::free)> bytes(
-        spng_get_png_buffer(context.get(), &size, &failed), &std::free);
-    check(failed);
-    return QByteArray(static_cast<const char *>(bytes.get()), static_cast<qsizetype>(size));
+    return file.finished();
 }
 
 } // namespace tarnovel

@@ -18,7 +18,8 @@ struct TiffField {
 };
 
 /// Reads the directories of TIFF files, large ones (BigTIFF) included, and of EXIF blocks, which are made the
-/// same way. Damage reads as what is missing; nothing is thrown.
+/// same way. Damage reads as what is missing, and so does all that comes after some ten thousands of fields;
+/// nothing is thrown.
 class TiffDirectories {
 public:
     /// Gives bytes of the block; fewer where it ends.
@@ -40,13 +41,17 @@ public:
     /// The whole numbers of a field, at most a hundred.
     QList<quint64> numbers(const TiffField &field) const;
     std::optional<quint64> number(const Directory &directory, int tag) const;
-    /// The bytes of a field, at most a hundred.
-    QByteArray bytes(const TiffField &field) const;
+    /// The bytes of a field, at most `most`.
+    QByteArray bytes(const TiffField &field, qint64 most = 100) const;
+    bool isLittleEndian() const { return m_little; }
 
 private:
     quint64 value(qint64 at, int size) const;
+    quint64 number(QByteArrayView bytes) const;
 
     Read m_read;
+    /// How many more fields are read, of all directories together.
+    mutable quint64 m_fieldsLeft = 1 << 16;
     bool m_little = false;
     bool m_large = false;
     qint64 m_first = 0;
@@ -55,6 +60,10 @@ private:
 /// Whether an EXIF block marks its picture as Adobe RGB the way cameras do, by rule R03 of the file system
 /// for cameras (DCF) with a colour space that is not sRGB.
 bool saysAdobeRgb(const QByteArray &exif);
+
+/// The fields of a TIFF file that say how a picture was taken, as an EXIF block of their own: a few hundred
+/// bytes, wherever in the file they stand.
+QByteArray captureBlock(const TiffDirectories &file);
 
 /// What a TIFF file holds as its picture.
 struct TiffPicture {

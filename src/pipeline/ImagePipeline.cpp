@@ -53,7 +53,7 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
 {
     QByteArray bytes;
     if (options.png) {
-        bytes = encodePng(canvas);
+        bytes = encodePng(canvas, stop);
     } else if (options.maxMB > 0) {
         const double limit = std::min(options.maxMB * 1'000'000, 1e15);
         const JpegSearchResult found = searchJpegQuality(canvas, static_cast<qint64>(limit), stop);
@@ -70,6 +70,21 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
     return bytes;
 }
 
+std::optional<PictureFault> faultOf(const ImageError &error)
+{
+    switch (error.cause()) {
+    case ImageError::Cause::SmallPreview:
+        return PictureFault::SmallPreview;
+    case ImageError::Cause::TooLarge:
+        return PictureFault::TooLarge;
+    case ImageError::Cause::Missing:
+    case ImageError::Cause::Unsupported:
+    case ImageError::Cause::Damaged:
+        break;
+    }
+    return std::nullopt;
+}
+
 template<typename Work>
 auto promised(const QString &subject, const std::stop_token &stop, const Work &work)
 {
@@ -78,7 +93,9 @@ auto promised(const QString &subject, const std::stop_token &stop, const Work &w
         return work(stop);
     } catch (const ImageError &error) {
         qCWarning(logImaging) << subject << error.what();
-        throw PipelineFailure(PipelineError::unreadable);
+        const std::optional<PictureFault> fault = faultOf(error);
+        throw fault ? PipelineFailure(PipelineError::unreadable, {}, FramePicture::Photo, *fault)
+                    : PipelineFailure(PipelineError::unreadable);
     } catch (const std::bad_alloc &) {
         qCWarning(logImaging) << subject << "out of memory";
         throw PipelineFailure(PipelineError::tooLarge);
@@ -208,8 +225,11 @@ PipelineFailure ImagePipeline::failed(const QString &file, FramePicture picture,
                                       const ImageError &error) const
 {
     qCWarning(logImaging) << resolved(file) << error.what();
-    return PipelineFailure(PipelineError::unreadable, picture == FramePicture::Photo ? QString() : file,
-                           picture, fileTrouble(resolved(file)));
+    const QString named = picture == FramePicture::Photo ? QString() : file;
+    if (const std::optional<PictureFault> fault = faultOf(error)) {
+        return {PipelineError::unreadable, named, picture, *fault};
+    }
+    return PipelineFailure(PipelineError::unreadable, named, picture, fileTrouble(resolved(file)));
 }
 
 QImage ImagePipeline::decoded(const QString &file, int maxPixel, const std::stop_token &stop) const

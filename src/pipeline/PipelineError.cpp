@@ -101,9 +101,35 @@ QString errorDescription(const FileError &error)
     }
 }
 
+namespace {
+
+QString faultDescription(PictureFault fault)
+{
+    switch (fault) {
+    case PictureFault::SmallPreview:
+        return localized({"文件里只有小预览图，请先在 RAW 软件中导出为 JPEG 或 TIFF。",
+                          "This file holds only a small preview. Save it as JPEG or TIFF in a raw developer "
+                          "first.",
+                          "Ce fichier ne contient qu’un petit aperçu. Enregistrez-le d’abord en JPEG ou en "
+                          "TIFF depuis un logiciel RAW."});
+    case PictureFault::TooLarge:
+        return localized({"图片太大，无法读入内存。请先缩小尺寸。",
+                          "This picture is too large to be read into memory. Make it smaller first.",
+                          "Cette image est trop grande pour tenir en mémoire. Réduisez-la d’abord."});
+    }
+    return {};
+}
+
+} // namespace
+
 QString errorDescription(const PipelineFailure &failure)
 {
-    const QString cause = failure.trouble() ? errorDescription(*failure.trouble()) : QString();
+    QString cause;
+    if (failure.trouble()) {
+        cause = errorDescription(*failure.trouble());
+    } else if (failure.fault()) {
+        cause = faultDescription(*failure.fault());
+    }
     if (failure.picture() != FramePicture::Photo) {
         return (missingPicture(failure.picture()) + u' ' + cause).trimmed();
     }

@@ -21,6 +21,10 @@ QString errorDescription(const FileError &error);
 /// Which picture of a frame a failure is about.
 enum class FramePicture { Photo, Background, Logo, Signature };
 
+/// What is wrong with a file that holds a picture, but none that can be framed: nothing but a small preview
+/// of it, or more pixels than are taken into memory.
+enum class PictureFault { SmallPreview, TooLarge };
+
 /// A PipelineError on its way through a QFuture.
 class PipelineFailure : public QException {
 public:
@@ -32,6 +36,17 @@ public:
         : m_error(error), m_file(file), m_picture(picture), m_trouble(trouble)
     {
     }
+    PipelineFailure(PipelineError error, const QString &file, FramePicture picture, PictureFault fault)
+        : m_error(error), m_file(file), m_picture(picture), m_fault(fault)
+    {
+    }
+    /// The same failure, said of that file.
+    PipelineFailure of(const QString &file) const
+    {
+        PipelineFailure made = *this;
+        made.m_file = file;
+        return made;
+    }
     void raise() const override { throw *this; }
     PipelineFailure *clone() const override { return new PipelineFailure(*this); }
     const char *what() const noexcept override { return "pipeline failure"; }
@@ -39,12 +54,14 @@ public:
     const QString &file() const { return m_file; }
     FramePicture picture() const { return m_picture; }
     const std::optional<FileError> &trouble() const { return m_trouble; }
+    std::optional<PictureFault> fault() const { return m_fault; }
 
 private:
     PipelineError m_error;
     QString m_file;
     FramePicture m_picture;
     std::optional<FileError> m_trouble;
+    std::optional<PictureFault> m_fault;
 };
 
 /// What the user is told, with the cause where it is known.

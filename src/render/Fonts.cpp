@@ -32,6 +32,11 @@ struct Role {
     QFont::StyleHint hint = QFont::SansSerif;
 };
 
+Family emoji()
+{
+    return {u"Noto Color Emoji"_s, u"fonts-noto-color-emoji"_s};
+}
+
 Role role(const QString &fontStyle, Cut cut, QFont::Weight weight)
 {
     const Family chineseSans{u"Noto Sans CJK SC"_s, u"fonts-noto-cjk"_s};
@@ -100,14 +105,17 @@ QStringList installedFamilies(const QString &fontStyle, Cut cut, QFont::Weight w
 
 QString emojiFamily()
 {
-    return u"Noto Color Emoji"_s;
+    static const bool isInstalled = QFontDatabase::hasFamily(emoji().name);
+    if (!isInstalled) {
+        warnOnce({emoji().package});
+    }
+    return emoji().name;
 }
 
 Choice choose(const QString &fontStyle, Cut cut, QFont::Weight weight,
               const std::function<bool(const QString &)> &isInstalled)
 {
-    Role wanted = role(fontStyle, cut, weight);
-    wanted.families.push_back({emojiFamily(), u"fonts-noto-color-emoji"_s});
+    const Role wanted = role(fontStyle, cut, weight);
     Choice made;
     for (const Family &family : wanted.families) {
         if (isInstalled(family.name)) {
@@ -117,10 +125,11 @@ Choice choose(const QString &fontStyle, Cut cut, QFont::Weight weight,
         }
     }
     if (!made.missingPackages.isEmpty()) {
-        // Before the pictures, which have digits of their own.
-        made.families.insert(made.families.contains(emojiFamily()) ? made.families.size() - 1
-                                                                   : made.families.size(),
-                             wanted.generic);
+        made.families.append(wanted.generic);
+    }
+    // Last, for its pictures have digits of their own. Few texts need it: those ask for it themselves.
+    if (isInstalled(emoji().name)) {
+        made.families.append(emoji().name);
     }
     return made;
 }

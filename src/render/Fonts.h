@@ -21,7 +21,8 @@ enum class Cut { Text, Display };
 /// warning of the run names the package that brings it.
 QFont face(const std::optional<QString> &fontStyle, QFont::Weight weight, int pixelSize, Cut cut = Cut::Text);
 
-/// The family of colour pictures, in which emoji are set.
+/// The family of colour pictures, for texts that have emoji. Where it is not installed, one warning of the
+/// run names its package.
 QString emojiFamily();
 
 /// What a role's face is made of where only some families are installed.

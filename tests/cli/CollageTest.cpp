@@ -63,6 +63,15 @@ TEST(Collage, RefusesWhatCannotBeMeant)
         EXPECT_EQ(outcome.status, 2) << fault.join(u' ').toStdString() << outcome.errors.toStdString();
         EXPECT_EQ(outcome.errors.count('\n'), 1);
     }
+    for (const auto &[name, format] : {std::pair(u"out.png"_s, u"jpeg"_s), {u"out.JPG"_s, u"png"_s}}) {
+        const Outcome outcome =
+            program.run({u"collage"_s, u"-o"_s, name, u"--format"_s, format, u"a.jpg"_s, u"a.jpg"_s});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_TRUE(outcome.errors.startsWith("tarnovel: --format contradicts the name given to -o: " +
+                                              name.toUtf8()))
+            << outcome.errors.toStdString();
+        EXPECT_FALSE(QFileInfo::exists(program.path(name)));
+    }
     EXPECT_EQ(program.run({u"collage"_s, u"-o"_s, u"out.jpg"_s, u"a.jpg"_s}).status, 2);
     EXPECT_EQ(
         program.run(QStringList{u"collage"_s, u"-o"_s, u"out.jpg"_s} + QStringList(10, u"a.jpg"_s)).status,

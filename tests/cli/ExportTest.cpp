@@ -220,6 +220,73 @@ TEST(Export, SaysWhatIsWrongWithTheDestination)
     EXPECT_TRUE(full.errors.startsWith("tarnovel: a.jpg: /proc: ")) << full.errors.toStdString();
 }
 
+TEST(Export, SaysWhatIsWrongWithAPictureThatCannotBeFramed)
+{
+    Program program;
+    program.photo(u"a.jpg"_s);
+    // One directory that says that it is a smaller version of another picture.
+    program.file(u"preview.tif"_s, QByteArray::fromHex("49492a0008000000"
+                                                       "0300"
+                                                       "fe0004000100000001000000"
+                                                       "000104000100000040000000"
+                                                       "010104000100000030000000"
+                                                       "00000000"));
+    // A header that asks for 60,000 × 60,000 pixels.
+    QFile photo(program.path(u"a.jpg"_s));
+    ASSERT_TRUE(photo.open(QIODevice::ReadOnly));
+    QByteArray giant = photo.readAll();
+    const qsizetype frame = giant.indexOf("\xff\xc0");
+    ASSERT_GT(frame, 0);
+    giant.replace(frame + 5, 4, QByteArray::fromHex("ea60ea60"));
+    program.file(u"giant.jpg"_s, giant);
+    for (const auto &[language, preview, tooLarge] :
+         {std::tuple(
+              u"en"_s,
+              "This file holds only a small preview. Save it as JPEG or TIFF in a raw developer first.",
+              "This picture is too large to be read into memory. Make it smaller first."),
+          {u"zh"_s, "文件里只有小预览图，请先在 RAW 软件中导出为 JPEG 或 TIFF。",
+           "图片太大，无法读入内存。请先缩小尺寸。"},
+          {u"fr"_s,
+           "Ce fichier ne contient qu’un petit aperçu. Enregistrez-le d’abord en JPEG ou en TIFF depuis un "
+           "logiciel RAW.",
+           "Cette image est trop grande pour tenir en mémoire. Réduisez-la d’abord."}}) {
+        for (const auto &[file, sentence] :
+             {std::pair(u"preview.tif"_s, preview), {u"giant.jpg"_s, tooLarge}}) {
+            const QByteArray line = "tarnovel: " + file.toUtf8() + ": " + sentence + "\n";
+            for (const QStringList &command :
+                 {QStringList{u"export"_s, u"-o"_s, u"out"_s, file},
+                  {u"inspect"_s, file},
+                  {u"collage"_s, u"-o"_s, u"c.jpg"_s, u"a.jpg"_s, file},
+                  {u"export"_s, u"-o"_s, u"out"_s, u"--logo"_s, file, u"a.jpg"_s}}) {
+                const Outcome outcome = program.run(command + QStringList{u"--language"_s, language});
+                EXPECT_EQ(outcome.status, 1);
+                EXPECT_EQ(outcome.errors, line) << command.join(u' ').toStdString();
+            }
+        }
+    }
+    EXPECT_EQ(program.entries(u"out"_s), QStringList());
+}
+
+TEST(Export, NamesAMissingFontOnceAndOnlyWhereATextNeedsIt)
+{
+    Program program;
+    program.photo(u"a.jpg"_s);
+    program.file(u"fonts.conf"_s,
+                 "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM \"urn:fontconfig:fonts.dtd\">"
+                 "<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont><rejectfont>"
+                 "<pattern><patelt name=\"family\"><string>Noto Color Emoji</string></patelt>"
+                 "</pattern></rejectfont></selectfont></fontconfig>");
+    program.environment().insert(u"FONTCONFIG_FILE"_s, program.path(u"fonts.conf"_s));
+    const auto errors = [&program](const QString &text) {
+        return program
+            .run({u"export"_s, u"-o"_s, u"out"_s, u"--size"_s, u"720"_s, u"--text"_s, u"title="_s + text,
+                  u"--text"_s, u"caption="_s + text, u"a.jpg"_s, u"a.jpg"_s})
+            .errors;
+    };
+    EXPECT_EQ(errors(u"Plain"_s), "");
+    EXPECT_EQ(errors(u"Sun ☀\uFE0F"_s).count("fonts-noto-color-emoji"), 1);
+}
+
 TEST(Export, RefusesWrongUsageBeforeItWritesAnything)
 {
     const Program program;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "collage/CollageRenderer.h"
+#include "render/FilmEdgePrint.h"
 
 using namespace Qt::StringLiterals;
 
@@ -225,6 +226,79 @@ TEST(FilmStripDecor, PerforatesAtTheRealPitch)
     }
     EXPECT_EQ(ink(numbered, 5.6, 12, 0.15), ink(bare, 5.6, 12, 0.15));
     EXPECT_GT(ink(bare, 5.6, 12, 0.15), 50);
+}
+
+TEST(FilmStripDecor, PutsHolesNumbersAndArrowsWhereFilmHasThem)
+{
+    constexpr int unit = 40;
+    const auto strip = [](const QList<QRectF> &frames, const FilmEdge &edge) {
+        QImage image(76 * unit, 35 * unit, QImage::Format_RGB32);
+        image.fill(FilmStripDecor::base());
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        FilmStripDecor::draw(painter, image.size(), frames, edge);
+        return image;
+    };
+    const QRectF first(1 * unit, 5.5 * unit, 36 * unit, 24 * unit);
+    const QRectF second = first.translated(38 * unit, 0);
+    const FilmEdge edge{.topText = u"MARK"_s, .startNumber = 7};
+    const QImage image = strip({first, second}, edge);
+    EXPECT_EQ(strip({second, first}, edge), image) << "numbered by place, not by order";
+    // The first hole begins at 1.4 mm.
+    int x = 0;
+    while (qGray(image.pixel(x, 3 * unit)) < 200) {
+        ++x;
+    }
+    EXPECT_NEAR(x, 1.4 * unit, 2);
+    // The lower arrow points at its middle row from 19.4 mm of the frame on, for 0.48 mm.
+    const auto isAmber = [&image](double xMm, double yMm) {
+        const QColor pixel = image.pixelColor(qRound(xMm * unit), qRound(yMm * unit));
+        return pixel.red() > 120 && pixel.blue() < pixel.red() - 40;
+    };
+    EXPECT_TRUE(isAmber(1 + 19.4 + 0.2, 34.22));
+    EXPECT_FALSE(isAmber(1 + 19.4 + 0.6, 34.22));
+    // The numbers, set here by themselves in their strips.
+    for (const auto &[text, at, size, widest] : {std::tuple(u"7"_s, QPointF(1.3, 0.18), 1.25, 3.2),
+                                                 {u"8"_s, QPointF(39.3, 0.18), 1.25, 3.2},
+                                                 {u"7A"_s, QPointF(21.2, 33.6), 1.1, 5.0},
+                                                 {u"8A"_s, QPointF(59.2, 33.6), 1.1, 5.0}}) {
+        FilmEdgeText alone;
+        alone.text = text;
+        alone.at = at;
+        alone.sizeMm = size;
+        alone.widestMm = widest;
+        alone.stripTop = at.y() < 17 ? 0 : 35 - 1.85;
+        alone.stripBottom = at.y() < 17 ? 1.85 : 35;
+        FilmEdgePrint print;
+        print.texts.push_back(alone);
+        QImage expected(image.size(), QImage::Format_RGB32);
+        expected.fill(FilmStripDecor::base());
+        QPainter painter(&expected);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(unit, unit);
+        drawFilmEdge(painter, print, QColor::fromRgbF(0.77F, 0.65F, 0.38F, 0.92F));
+        painter.end();
+        const QRect area =
+            QRectF(at.x() * unit, at.y() * unit, 1.9 * unit, 1.3 * unit).toAlignedRect() & image.rect();
+        EXPECT_EQ(image.copy(area), expected.copy(area)) << text.toStdString();
+    }
+}
+
+TEST(CollagePlan, RoundsCornersByTheShorterSide)
+{
+    for (const CollageAspect aspect : {CollageAspect::story, CollageAspect::square}) {
+        CollageDesign made = design(2, u"book"_s);
+        made.aspect = aspect;
+        made.radius = 0.1;
+        const CollagePlan plan = CollagePlan::of(made, 2400);
+        EXPECT_DOUBLE_EQ(plan.radiusPx, 0.1 * std::min(plan.size.width(), plan.size.height()));
+    }
+    CollageDesign wide = design(2, u"book"_s);
+    wide.aspect = CollageAspect::preset;
+    wide.radius = 0.1;
+    const CollagePlan plan = CollagePlan::of(wide, 2400);
+    ASSERT_GT(plan.size.width(), plan.size.height());
+    EXPECT_DOUBLE_EQ(plan.radiusPx, 0.1 * plan.size.height());
 }
 
 } // namespace

@@ -115,6 +115,15 @@ TEST_F(Importing, RefusesAPipeAndCleansUpWhenItIsDestroyed)
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     EXPECT_EQ(run({.paths = {pipe}}).refused.size(), 1);
     EXPECT_EQ(m_model.message(), u"pipe.jpg: This is not an ordinary file."_s);
+    // One directory that says that it is a smaller version of another picture.
+    QFile preview(m_folder.filePath(u"raw.tif"_s));
+    ASSERT_TRUE(preview.open(QIODevice::WriteOnly));
+    preview.write(QByteArray::fromHex("49492a00080000000100fe000400010000000100000000000000"));
+    preview.close();
+    const ImportSummary onlyPreview = run({.paths = {preview.fileName()}});
+    EXPECT_EQ(onlyPreview.unreadable, 0);
+    EXPECT_TRUE(m_model.message().startsWith(u"raw.tif: This file holds only a small preview."_s));
+    EXPECT_EQ(libraryFiles(), 0);
     QStringList paths;
     for (int i = 0; i < 10; ++i) {
         paths.append(outside(u"%1.jpg"_s.arg(i)));

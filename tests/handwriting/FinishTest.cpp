@@ -107,6 +107,22 @@ TEST(Glitter, ShowsDotsAndStarsWithinTheStrokes)
     EXPECT_EQ(qAlpha(dot.pixel(sparkle(24, page, 1).centre.toPoint())), 255);
 }
 
+TEST(Glitter, HasAWhiteHaloWithinTheGlow)
+{
+    const QImage image =
+        finished({line(InkPen::signature, 8, {100, 200}, {500, 200})}, HandwritingFinish::glitter);
+    // Two pixels beyond the ink the halo, of 0.72 × 0.88 at its heaviest, lightens the violet of 0.3; farther
+    // out than twelve pixels only the glow is left.
+    int near = 0;
+    int far = 0;
+    for (int x = 200; x < 400; ++x) {
+        near += qGreen(qUnpremultiply(image.pixel(x, 206)));
+        far += qGreen(qUnpremultiply(image.pixel(x, 224)));
+    }
+    EXPECT_GT(near / 200, 105);
+    EXPECT_NEAR(far / 200, 255 * 0.3, 12);
+}
+
 TEST(Glitter, LooksTheSameInThePreview)
 {
     const QList<InkStroke> strokes = {eight(InkPen::signature, 14, 400)};

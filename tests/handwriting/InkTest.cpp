@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/Cancellation.h"
+#include "handwriting/PathSmoother.h"
 #include "handwriting/Strokes.h"
 
 namespace tarnovel::test {
@@ -111,6 +112,50 @@ TEST(Fountain, AnswersToPressureSpeedDirectionAndFlick)
     }
     const InkPath blunt = InkPath::of(rested);
     EXPECT_GT(blunt.points.back().radius, 0.8 * blunt.points[blunt.points.size() / 2].radius);
+}
+
+TEST(Fountain, SetsDownThinAndDotsBroad)
+{
+    InkStroke stroke = line(InkPen::fountain, 8, {50, 200}, {350, 200}, 80);
+    for (InkSample &sample : stroke.samples) {
+        sample.pressure = 0.5;
+    }
+    const InkPath path = InkPath::of(stroke);
+    // Half of the width by 0.65 + 1.05 × 0.5, of which it sets down at 0.62.
+    const double whole = 4 * (0.65 + 1.05 * 0.5);
+    EXPECT_NEAR(path.points[path.points.size() / 2].radius, whole, 0.01);
+    EXPECT_NEAR(path.points.front().radius, 0.62 * whole, 0.01);
+    InkStroke dot = line(InkPen::fountain, 8, {100, 100}, {100, 100}, 1);
+    dot.samples[0].pressure = 0.5;
+    ASSERT_EQ(InkPath::of(dot).points.size(), 1U);
+    EXPECT_NEAR(InkPath::of(dot).points[0].radius, 1.4 * whole, 0.01);
+}
+
+TEST(Pencil, LeavesLessOnItsSideAndIsNeverBlack)
+{
+    const auto course = [](QPointF tilt) {
+        InkStroke stroke = line(InkPen::pencil, 8, {50, 200}, {350, 200}, 80);
+        for (InkSample &sample : stroke.samples) {
+            sample.pressure = 1;
+            sample.tilt = tilt;
+        }
+        return stroke;
+    };
+    const auto middle = [](const InkPath &path) { return path.points[path.points.size() / 2]; };
+    const InkPoint upright = middle(InkPath::of(course({0, 0})));
+    const InkPoint leant = middle(InkPath::of(course({60, 0})));
+    // Two thirds of the way down: by a third less ink, on a band 2.5 × ⅔ of the half width broader.
+    EXPECT_NEAR(upright.flow, 1, 0.01);
+    EXPECT_NEAR(leant.flow, 1 - 0.5 * 60 / 90, 0.01);
+    EXPECT_NEAR(leant.radius - upright.radius, 4 * 2.5 * 60 / 90, 0.1);
+    const QImage image = rendered({course({0, 0})}, {400, 400});
+    int darkest = 0;
+    for (int x = 60; x < 340; ++x) {
+        for (int y = 195; y < 206; ++y) {
+            darkest = std::max(darkest, qAlpha(image.pixel(x, y)));
+        }
+    }
+    EXPECT_NEAR(darkest, 0.88 * 255, 1);
 }
 
 /// Of the darkness of an even band, averaged over squares of `side` pixels.
@@ -295,6 +340,28 @@ TEST(Smoothing, KeepsTheCornersOfLetters)
             }
         }
     }
+}
+
+TEST(Smoothing, KeepsLittleOfAPointerThatRests)
+{
+    PathSmoother smoother(1);
+    QPointF place;
+    size_t most = 0;
+    for (int i = 0; i < 40; ++i, place += QPointF(1, 0.5)) {
+        smoother.append({place}, place, true);
+        smoother.takeFinal();
+        most = std::max(most, smoother.kept());
+    }
+    const std::vector<CourseNode> before = smoother.rest();
+    for (int i = 0; i < 5000; ++i) {
+        // The creep of a calmed course, then the shiver of a hand.
+        const QPointF calm = place + (i < 2000 ? QPointF(0.3 * i / 2000, 0) : QPointF(0.01 * (i % 2), 0));
+        smoother.append({place}, calm, false);
+        smoother.takeFinal();
+        most = std::max(most, smoother.kept());
+    }
+    EXPECT_LT(most, 700U);
+    ASSERT_FALSE(before.empty());
 }
 
 TEST(Smoothing, ChangesNothingThatIsSettled)

@@ -1,5 +1,8 @@
+#include <utility>
+
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <QtEndian>
 
@@ -41,6 +44,30 @@ ExifEntry fraction(quint16 tag, quint32 numerator, quint32 denominator, quint16 
     return {tag, type, 1, number32(numerator) + number32(denominator)};
 }
 
+/// Where a block names places in itself, and which.
+QList<std::pair<qsizetype, quint32>> movedPlaces(const QByteArray &block)
+{
+    QList<std::pair<qsizetype, quint32>> found;
+    const auto number = [&block](qsizetype at, int size) {
+        return size == 2 ? qFromLittleEndian<quint16>(block.constData() + at)
+                         : qFromLittleEndian<quint32>(block.constData() + at);
+    };
+    for (quint32 directory = 8, next = 0; directory != 0; directory = std::exchange(next, 0)) {
+        const quint32 count = number(directory, 2);
+        for (quint32 i = 0; i < count; ++i) {
+            const qsizetype entry = directory + 2 + i * 12;
+            const quint32 value = number(entry + 8, 4);
+            const quint32 type = number(entry + 2, 2);
+            const bool isBelow = number(entry, 2) == 0x8769;
+            if (isBelow || type == rational || number(entry + 4, 4) > 4) {
+                found.append({entry + 8, value});
+            }
+            next = isBelow ? value : next;
+        }
+    }
+    return found;
+}
+
 class CaptureMetadataTest : public testing::Test {
 protected:
     CaptureMetadata read(const QList<ExifEntry> &first, const QList<ExifEntry> &photo)
@@ -67,7 +94,21 @@ TEST_F(CaptureMetadataTest, ReadsWhatACameraWrites)
     const CaptureMetadata fromPng = readCaptureMetadata(
         written(path(u"b.png"_s), withChunk(contents(path(u"a.png"_s)), "eXIf", exifBlock(first, photo))));
     const CaptureMetadata fromTiff = readCaptureMetadata(written(path(u"a.tif"_s), exifBlock(first, photo)));
-    for (const CaptureMetadata &found : {fromJpeg, fromPng, fromTiff}) {
+    // The directories behind three hundred megabytes of pixels, of which none is read.
+    const QByteArray block = exifBlock(first, photo);
+    constexpr quint32 far = 300'000'000;
+    QByteArray moved = block.mid(8);
+    for (const auto &[at, value] : movedPlaces(block)) {
+        moved.replace(at - 8, 4, number32(value + far - 8));
+    }
+    QFile large(path(u"large.tif"_s));
+    ASSERT_TRUE(large.open(QIODevice::WriteOnly));
+    large.write(QByteArray("II*\0", 4) + number32(far));
+    large.seek(far);
+    large.write(moved);
+    large.close();
+    const CaptureMetadata fromLarge = readCaptureMetadata(large.fileName());
+    for (const CaptureMetadata &found : {fromJpeg, fromPng, fromTiff, fromLarge}) {
         EXPECT_EQ(found.make, u" Maker "_s);
         EXPECT_EQ(found.model, u"Model 5"_s);
         EXPECT_EQ(found.exposureSeconds, 1.0 / 250);

@@ -9,6 +9,7 @@
 
 #include "imaging/CaptureMetadata.h"
 #include "imaging/Fixtures.h"
+#include "imaging/HeifColor.h"
 #include "imaging/ImageDecoder.h"
 #include "imaging/ImageEncoder.h"
 #include "imaging/ImageError.h"
@@ -202,25 +203,64 @@ TEST_F(SourceColors, SixteenBitsKeepTheirStepsThroughTheProfile)
     }
 }
 
+/// A HEIC file whose statement of bits a channel gives way to one of sRGB in code points. It is three bytes
+/// longer; a reference behind it makes room, so that nothing else moves.
+QByteArray withCodePoints(QByteArray heic)
+{
+    const auto grow = [&heic](const char *box, int by) {
+        const qsizetype at = heic.indexOf(box) - 4;
+        heic[at + 3] = static_cast<char>(heic[at + 3] + by);
+    };
+    const qsizetype bits = heic.indexOf("pixi") - 4;
+    const qsizetype reference = heic.indexOf("iref") - 4;
+    if (bits < 0 || reference < bits || heic[bits + 3] != 16) {
+        return {};
+    }
+    grow("ipco", 3);
+    grow("iprp", 3);
+    grow("iref", -3);
+    heic.replace(heic.indexOf("iref"), 4, "free");
+    heic.remove(heic.indexOf("free") + 4, 3);
+    heic.replace(bits, 16,
+                 QByteArray::fromHex("00000013") + "colrnclx" + QByteArray::fromHex("0001000d000680"));
+    return heic;
+}
+
 TEST_F(SourceColors, PicturesOfPhonesAreKnownByTheirCodePoints)
 {
     // 200 : 100 : 50 of Display P3, by its primaries; the curve is that of sRGB.
     const QRgb asSrgb = qRgb(215, 93, 31);
-    save(flat(qRgb(200, 100, 50)), path(u"plain.avif"_s), u"[Q=100,lossless]"_s);
-    EXPECT_TRUE(near(decoded(u"plain.avif"_s), qRgb(200, 100, 50), 3)) << text(decoded(u"plain.avif"_s));
-    QByteArray file = contents(path(u"plain.avif"_s));
-    const qsizetype at = file.indexOf("nclx");
-    ASSERT_GT(at, 0);
-    file[at + 5] = 12; // the primaries of Display P3
-    file[at + 7] = 13; // the curve of sRGB
-    written(path(u"p3.avif"_s), file);
-    EXPECT_TRUE(near(decoded(u"p3.avif"_s), asSrgb, 4)) << text(decoded(u"p3.avif"_s));
-    file[at + 7] = 16; // a curve for brighter screens, which is left alone
-    written(path(u"pq.avif"_s), file);
-    EXPECT_TRUE(near(decoded(u"pq.avif"_s), qRgb(200, 100, 50), 3)) << text(decoded(u"pq.avif"_s));
-    for (qsizetype cut = 30; cut < file.size() / 2; cut += 7) {
-        written(path(u"cut.avif"_s), file.left(cut));
-        EXPECT_THROW(decodeImage(path(u"cut.avif"_s), 20), ImageError);
+    const QRgb asStored = qRgb(200, 100, 50);
+    for (const QString &name : {u"a.avif"_s, u"a.heic"_s}) {
+        const std::string called = name.toStdString();
+        save(flat(asStored), path(name), name == u"a.avif"_s ? u"[Q=100,lossless]"_s : u"[Q=100]"_s);
+        QByteArray file = contents(path(name));
+        if (!file.contains("nclx")) {
+            file = withCodePoints(file);
+            written(path(name), file);
+        }
+        EXPECT_TRUE(near(decoded(name), asStored, 3)) << called << text(decoded(name));
+        const qsizetype at = file.indexOf("nclx");
+        ASSERT_GT(at, 0) << called;
+        file[at + 5] = 12; // the primaries of Display P3
+        file[at + 7] = 13; // the curve of sRGB
+        written(path(name), file);
+        EXPECT_TRUE(near(decoded(name), asSrgb, 4)) << called << text(decoded(name));
+        QByteArray bright = file;
+        bright[at + 7] = 16; // a curve for brighter screens, which is left alone
+        written(path(name), bright);
+        EXPECT_TRUE(near(decoded(name), asStored, 3)) << called << text(decoded(name));
+        for (qsizetype cut = 30; cut < file.size() / 2; cut += 7) {
+            written(path(name), file.left(cut));
+            EXPECT_THROW(decodeImage(path(name), 20), ImageError);
+        }
+        // A description that says that it goes on to the end of the file, or far beyond it.
+        const qsizetype meta = file.indexOf("meta") - 4;
+        for (const char *length : {"00000000", "00000008", "0000000b", "00000001", "ffffffff"}) {
+            QByteArray changed = file;
+            changed.replace(meta, 4, QByteArray::fromHex(length));
+            readCodedColor(ImageFile(written(path(name), changed)));
+        }
     }
 }
 
@@ -248,6 +288,36 @@ TEST_F(SourceColors, ExportsSayThatTheyAreSrgb)
     ASSERT_GT(chunk, 0);
     EXPECT_EQ(png.at(chunk + 4), 0);
     EXPECT_LT(chunk, png.indexOf("IDAT"));
+}
+
+TEST_F(SourceColors, DirectoriesThatNeverEndAreGivenUp)
+{
+    // Each of 64 pages is as long as can be and names a hundred directories below it: the same long one.
+    QList<QByteArray> fields(4095, field(257, 4, 1, little(1, 4)));
+    fields.append(field(330, 4, 100, little(8 + 2 + 4096 * 12 + 4, 4)));
+    const QByteArray places = little(8, 4).repeated(100);
+    const QByteArray endless = QByteArray("II*\0", 4) + little(8, 4) + directory(fields, 8) + places;
+    qint64 bytesRead = 0;
+    const auto page = [&bytesRead](const QByteArray &bytes) {
+        return findTiffPicture(TiffDirectories([&](qint64 at, qint64 count) {
+                   EXPECT_GE(at, 0);
+                   EXPECT_LE(at, qint64(1) << 61);
+                   const QByteArray read = bytes.mid(at, count);
+                   bytesRead += read.size();
+                   return read;
+               }))
+            .page;
+    };
+    page(endless);
+    EXPECT_LT(bytesRead, 2'000'000);
+    // Places at the end of what numbers can say.
+    for (const char *place :
+         {"ffffffffffffffff", "ffffffffffffff7f", "0000000000000080", "fffffffffffffe0f"}) {
+        const QByteArray far = QByteArray::fromHex(place);
+        page(QByteArray("II+\0\x08\0\0\0", 8) + far);
+        const QByteArray wide = little(330, 2) + little(16, 2) + far + far;
+        page(QByteArray("II+\0\x08\0\0\0", 8) + little(16, 8) + little(1, 8) + wide + far);
+    }
 }
 
 TEST_F(SourceColors, APreviewIsNeverTakenForThePicture)
