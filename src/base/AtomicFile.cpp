@@ -230,6 +230,15 @@ QString publishFile(const QString &source, const QString &folder, const std::fun
     return staged.publish([&nameFor](qsizetype, int attempt) { return nameFor(attempt); }).constFirst();
 }
 
+QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor,
+                    TakenNames &taken)
+{
+    StagedFiles staged(folder);
+    staged.stage(source);
+    return staged.publish([&nameFor](qsizetype, int attempt) { return nameFor(attempt); }, taken)
+        .constFirst();
+}
+
 StagedFiles::StagedFiles(QString folder, Audience audience)
     : m_folder(std::move(folder)), m_audience(audience)
 {
@@ -266,16 +275,25 @@ void StagedFiles::stage(const QString &source)
 
 QStringList StagedFiles::publish(const std::function<QString(qsizetype, int)> &nameFor)
 {
+    TakenNames taken;
+    return publish(nameFor, taken);
+}
+
+QStringList StagedFiles::publish(const std::function<QString(qsizetype, int)> &nameFor, TakenNames &taken)
+{
+    const TakenNames before = taken;
     QStringList published;
     try {
         for (qsizetype index = 0; index < static_cast<qsizetype>(m_files.size()); ++index) {
-            for (int attempt = 0;; ++attempt) {
-                if (attempt == mostAttempts) {
+            const QString wanted = nameFor(index, 0);
+            for (int attempt = taken.first(wanted);; ++attempt) {
+                if (attempt >= mostAttempts) {
                     throw FileError(m_folder, EEXIST);
                 }
                 const QString path = m_folder + u'/' + nameFor(index, attempt);
                 if (m_files[static_cast<size_t>(index)]->moveToFreeName(path)) {
                     published.append(path);
+                    taken.taken(wanted, attempt);
                     break;
                 }
             }
@@ -285,6 +303,7 @@ QStringList StagedFiles::publish(const std::function<QString(qsizetype, int)> &n
         for (const QString &path : published) {
             unlink(QFile::encodeName(path).constData());
         }
+        taken = before;
         throw;
     }
     return published;

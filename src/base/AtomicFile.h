@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <QByteArray>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -32,12 +33,28 @@ enum class Audience {
 void replaceFile(const QString &path, const QByteArray &bytes, Durability durability = Durability::Synced,
                  Audience audience = Audience::Everyone);
 
+/// Which names of one folder a run has already found taken, so that the n-th file of a name does not try the
+/// n − 1 before it again.
+class TakenNames {
+public:
+    /// From which attempt on a name may be free, for files that would like to be called `name`.
+    int first(const QString &name) const { return m_next.value(name); }
+    void taken(const QString &name, int attempt) { m_next[name] = attempt + 1; }
+    void clear() { m_next.clear(); }
+
+private:
+    QHash<QString, int> m_next;
+};
+
 /// Copies `source` into `folder` under the first of nameFor(0), nameFor(1), … that no entry has, and returns
 /// the path it got. The file appears whole or not at all, and never takes the place of another one, not even
 /// of one that another process makes at the same moment. Throws a FileError, and leaves nothing behind, when
 /// the source cannot be read (FileAccess::Read) or the disk refuses.
 QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor,
                     Audience audience = Audience::Everyone);
+/// The same for one of many files of a run, which remember together what is taken.
+QString publishFile(const QString &source, const QString &folder, const std::function<QString(int)> &nameFor,
+                    TakenNames &taken);
 
 /// Copies of several files that appear in a folder together. Until then, and for ever when something fails,
 /// the folder shows none of them.
@@ -55,6 +72,8 @@ public:
     /// Gives every copy the first of nameFor(index, 0), nameFor(index, 1), … that is free. When one of them
     /// cannot have it, those that already appeared are taken back, and a FileError is thrown.
     QStringList publish(const std::function<QString(qsizetype index, int attempt)> &nameFor);
+    QStringList publish(const std::function<QString(qsizetype index, int attempt)> &nameFor,
+                        TakenNames &taken);
 
 private:
     QString m_folder;

@@ -213,9 +213,9 @@ public:
             const ExportedFile made =
                 m_pipeline.exportPhoto(ready, m_options, m_interruption.token()).result();
             const QString extension = m_options.png ? u"png"_s : u"jpg"_s;
-            const QString path = publishFile(made.path, m_request.folder, [&](int attempt) {
-                return ExportNames::fileName(ready.name, extension, attempt);
-            });
+            const QString path = publishFile(
+                made.path, m_request.folder,
+                [&](int attempt) { return ExportNames::fileName(ready.name, extension, attempt); }, m_taken);
             report(photo, path, ready, made);
         } catch (const PipelineFailure &failure) {
             const bool itself = failure.file().isEmpty();
@@ -271,6 +271,7 @@ private:
     ImagePipeline &m_pipeline;
     const Interruption &m_interruption;
     int m_done = 0;
+    TakenNames m_taken;
     bool m_failed = false;
     bool m_deaf = false;
     ProgressBar m_progress;

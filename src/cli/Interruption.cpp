@@ -1,7 +1,6 @@
 #include "cli/Interruption.h"
 
 #include <csignal>
-#include <ctime>
 #include <pthread.h>
 
 namespace tarnovel::cli {
@@ -18,21 +17,27 @@ sigset_t endingSignals()
     return signals;
 }
 
+/// Wakes the listener at the end of the command; no one else sends it.
+int wakeSignal()
+{
+    return SIGRTMIN;
+}
+
 } // namespace
 
 Interruption::Interruption()
 {
-    const sigset_t signals = endingSignals();
+    sigset_t signals = endingSignals();
+    sigaddset(&signals, wakeSignal());
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     // A reader that goes away shows as a failed write, not as our sudden end.
     std::signal(SIGPIPE, SIG_IGN);
     // The same for a file that grows past what the user's limits allow.
     std::signal(SIGXFSZ, SIG_IGN);
     m_listener = std::jthread([this, signals](const std::stop_token &over) {
-        constexpr timespec pause = {0, 50'000'000};
         while (!over.stop_requested()) {
-            const int signal = sigtimedwait(&signals, nullptr, &pause);
-            if (signal > 0) {
+            const int signal = sigwaitinfo(&signals, nullptr);
+            if (signal > 0 && signal != wakeSignal()) {
                 m_signal = signal;
                 m_source.request_stop();
             }
@@ -43,6 +48,7 @@ Interruption::Interruption()
 Interruption::~Interruption()
 {
     m_listener.request_stop();
+    pthread_kill(m_listener.native_handle(), wakeSignal());
     m_listener.join();
 }
 

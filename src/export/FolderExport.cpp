@@ -27,6 +27,7 @@ void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &op
     }
     m_folder = folder;
     m_written.clear();
+    m_taken.clear();
     m_extension = options.png ? u"png"_s : u"jpg"_s;
     m_progress = 0;
     m_total = static_cast<int>(photos.size());
@@ -66,10 +67,11 @@ void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &op
     Q_EMIT changed();
 }
 
-QString FolderExport::deliver(const PhotoItem &photo, const ExportedFile &file) const
+QString FolderExport::deliver(const PhotoItem &photo, const ExportedFile &file)
 {
-    return publishFile(file.path, m_folder,
-                       [&](int attempt) { return ExportNames::fileName(photo.name, m_extension, attempt); });
+    return publishFile(
+        file.path, m_folder,
+        [&](int attempt) { return ExportNames::fileName(photo.name, m_extension, attempt); }, m_taken);
 }
 
 void FolderExport::sumUp()

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QUuid>
 
+#include "base/AtomicFile.h"
 #include "export/ExportRun.h"
 #include "language/PhotographyQuotes.h"
 
@@ -54,7 +55,7 @@ Q_SIGNALS:
     void changed();
 
 private:
-    QString deliver(const PhotoItem &photo, const ExportedFile &file) const;
+    QString deliver(const PhotoItem &photo, const ExportedFile &file);
     /// A summary where there is something to sum up.
     void sumUp();
     void fail(const QString &error);
@@ -64,6 +65,7 @@ private:
     ImagePipeline &m_pipeline;
     QString m_folder;
     QStringList m_written;
+    TakenNames m_taken;
     QString m_extension;
     int m_progress = 0;
     int m_total = 0;

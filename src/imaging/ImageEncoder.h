@@ -34,6 +34,10 @@ private:
     std::unique_ptr<State> m_state;
 };
 
+/// For a picture that is encoded once: without planes of its own in between. From 0.9 on the same file as
+/// JpegEncoder gives; below, odd sides may end in other pixels.
+QByteArray encodeJpeg(const QImage &image, double quality);
+
 /// What a search for the best quality under a size limit came to.
 struct JpegSearchResult {
     /// None when even quality 0.05 does not fit.

@@ -43,6 +43,26 @@ QByteArray withProfile(QByteArrayView file)
     return made;
 }
 
+int subsamplingAt(double quality)
+{
+    return JpegEncoder::storesColourInFull(quality) ? TJSAMP_444 : TJSAMP_420;
+}
+
+/// The file that `compress(bytes, size, hundredths)` makes in a buffer.
+template<typename Compress>
+QByteArray compressed(QSize picture, double quality, const Compress &compress)
+{
+    // The worst case, of which only the pages that are written cost anything: not one for the pool.
+    unsigned long size = tjBufSize(picture.width(), picture.height(), subsamplingAt(quality));
+    const auto buffer = std::make_unique_for_overwrite<unsigned char[]>(size);
+    unsigned char *bytes = buffer.get();
+    const int hundredths = std::clamp(static_cast<int>(std::lround(quality * 100)), 1, 100);
+    if (compress(&bytes, &size, hundredths) != 0) {
+        throw std::bad_alloc();
+    }
+    return withProfile(QByteArrayView(bytes, static_cast<qsizetype>(size)));
+}
+
 /// A picture's YCbCr planes at one subsampling.
 struct Planes {
     PooledBuffer memory;
@@ -109,24 +129,34 @@ const QImage &JpegEncoder::image() const
 QByteArray JpegEncoder::encode(double quality)
 {
     const bool full = storesColourInFull(quality);
-    const int subsampling = full ? TJSAMP_444 : TJSAMP_420;
+    const int subsampling = subsamplingAt(quality);
     std::optional<Planes> &planes = full ? m_state->fullColour : m_state->halfColour;
     if (!planes) {
         planes = m_state->planes(subsampling);
     }
-    const int width = m_state->image.width();
-    const int height = m_state->image.height();
-    // The worst case, of which only the pages that are written cost anything: not one for the pool.
-    unsigned long size = tjBufSize(width, height, subsampling);
-    const auto buffer = std::make_unique_for_overwrite<unsigned char[]>(size);
-    unsigned char *bytes = buffer.get();
-    const int hundredths = std::clamp(static_cast<int>(std::lround(quality * 100)), 1, 100);
+    const QSize size = m_state->image.size();
     std::array<const unsigned char *, 3> source{planes->plane[0], planes->plane[1], planes->plane[2]};
-    if (tjCompressFromYUVPlanes(m_state->handle, source.data(), width, nullptr, height, subsampling, &bytes,
-                                &size, hundredths, TJFLAG_ACCURATEDCT | TJFLAG_NOREALLOC) != 0) {
+    return compressed(size, quality, [&](unsigned char **bytes, unsigned long *length, int hundredths) {
+        return tjCompressFromYUVPlanes(m_state->handle, source.data(), size.width(), nullptr, size.height(),
+                                       subsampling, bytes, length, hundredths,
+                                       TJFLAG_ACCURATEDCT | TJFLAG_NOREALLOC);
+    });
+}
+
+QByteArray encodeJpeg(const QImage &image, double quality)
+{
+    const QImage pixels = opaque(image);
+    const std::unique_ptr<void, int (*)(tjhandle)> handle(tjInitCompress(), tjDestroy);
+    if (!handle) {
         throw std::bad_alloc();
     }
-    return withProfile(QByteArrayView(bytes, static_cast<qsizetype>(size)));
+    return compressed(pixels.size(), quality,
+                      [&](unsigned char **bytes, unsigned long *length, int hundredths) {
+                          return tjCompress2(handle.get(), pixels.constBits(), pixels.width(),
+                                             static_cast<int>(pixels.bytesPerLine()), pixels.height(),
+                                             TJPF_BGRX, bytes, length, subsamplingAt(quality), hundredths,
+                                             TJFLAG_ACCURATEDCT | TJFLAG_NOREALLOC);
+                      });
 }
 
 } // namespace tarnovel

@@ -62,7 +62,7 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
         }
         bytes = *found.bytes;
     } else {
-        bytes = JpegEncoder(canvas).encode(defaultQuality);
+        bytes = encodeJpeg(canvas, defaultQuality);
     }
     if (bytes.isEmpty()) {
         throw PipelineFailure(PipelineError::write);

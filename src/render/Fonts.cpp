@@ -8,6 +8,7 @@
 
 #include <QFontDatabase>
 #include <QLoggingCategory>
+#include <QSet>
 
 #include "language/AppLanguage.h"
 
@@ -85,6 +86,19 @@ void warnOnce(const QStringList &packages)
     }
 }
 
+/// Each question to the system goes through all that there is: it is asked once.
+bool isInstalled(const QString &family)
+{
+    static const QSet<QString> families = [] {
+        QSet<QString> names;
+        for (const QString &name : QFontDatabase::families()) {
+            names.insert(name.section(u" ["_s, 0, 0).toCaseFolded()); // without the maker
+        }
+        return names;
+    }();
+    return families.contains(family.toCaseFolded());
+}
+
 /// The choice for a role, made once: what is installed is asked of the system.
 QStringList installedFamilies(const QString &fontStyle, Cut cut, QFont::Weight weight)
 {
@@ -93,8 +107,7 @@ QStringList installedFamilies(const QString &fontStyle, Cut cut, QFont::Weight w
     const std::lock_guard lock(mutex);
     const auto [place, isNew] = known.try_emplace({fontStyle, cut, weight});
     if (isNew) {
-        const Choice made = choose(fontStyle, cut, weight,
-                                   [](const QString &family) { return QFontDatabase::hasFamily(family); });
+        const Choice made = choose(fontStyle, cut, weight, isInstalled);
         warnOnce(made.missingPackages);
         place->second = made.families;
     }
@@ -105,20 +118,19 @@ QStringList installedFamilies(const QString &fontStyle, Cut cut, QFont::Weight w
 
 QString emojiFamily()
 {
-    static const bool isInstalled = QFontDatabase::hasFamily(emoji().name);
-    if (!isInstalled) {
+    if (!isInstalled(emoji().name)) {
         warnOnce({emoji().package});
     }
     return emoji().name;
 }
 
 Choice choose(const QString &fontStyle, Cut cut, QFont::Weight weight,
-              const std::function<bool(const QString &)> &isInstalled)
+              const std::function<bool(const QString &)> &isThere)
 {
     const Role wanted = role(fontStyle, cut, weight);
     Choice made;
     for (const Family &family : wanted.families) {
-        if (isInstalled(family.name)) {
+        if (isThere(family.name)) {
             made.families.append(family.name);
         } else if (!made.missingPackages.contains(family.package)) {
             made.missingPackages.append(family.package);
@@ -128,7 +140,7 @@ Choice choose(const QString &fontStyle, Cut cut, QFont::Weight weight,
         made.families.append(wanted.generic);
     }
     // Last, for its pictures have digits of their own. Few texts need it: those ask for it themselves.
-    if (isInstalled(emoji().name)) {
+    if (isThere(emoji().name)) {
         made.families.append(emoji().name);
     }
     return made;

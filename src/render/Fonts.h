@@ -33,6 +33,6 @@ struct Choice {
     QStringList missingPackages;
 };
 Choice choose(const QString &fontStyle, Cut cut, QFont::Weight weight,
-              const std::function<bool(const QString &)> &isInstalled);
+              const std::function<bool(const QString &)> &isThere);
 
 } // namespace tarnovel::Fonts

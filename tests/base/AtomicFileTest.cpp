@@ -159,6 +159,44 @@ TEST(PublishFile, TakesTheFirstFreeNameAndNoOther)
     EXPECT_EQ(entries(goal).size(), 3);
 }
 
+TEST(PublishFile, AsksForEachNumberOfANameOnce)
+{
+    const QTemporaryDir folder;
+    const QString source = folder.filePath(QStringLiteral("source"));
+    replaceFile(source, "bytes");
+    constexpr int files = 60;
+    TakenNames taken;
+    int asked = 0;
+    for (int i = 0; i < files; ++i) {
+        for (const QChar kind : {u'a', u'b'}) {
+            const auto name = [&asked, kind](int attempt) {
+                ++asked;
+                return kind + QString::number(attempt);
+            };
+            EXPECT_EQ(publishFile(source, folder.path(), name, taken),
+                      folder.path() + u'/' + kind + QString::number(i));
+        }
+    }
+    EXPECT_LE(asked, 2 * files * 3);
+    // What others took meanwhile is passed over, and another run finds what was given free.
+    replaceFile(folder.filePath(QStringLiteral("a60")), "theirs");
+    const auto name = [](int attempt) { return u'a' + QString::number(attempt); };
+    EXPECT_EQ(publishFile(source, folder.path(), name, taken), folder.filePath(QStringLiteral("a61")));
+    ASSERT_TRUE(QFile::remove(folder.filePath(QStringLiteral("a7"))));
+    EXPECT_EQ(publishFile(source, folder.path(), name), folder.filePath(QStringLiteral("a7")));
+    // A batch that has to be taken back leaves its numbers to the next.
+    StagedFiles staged(folder.path());
+    staged.stage(source);
+    staged.stage(source);
+    EXPECT_THROW(staged.publish(
+                     [](qsizetype index, int attempt) {
+                         return index == 0 ? u'c' + QString::number(attempt) : QStringLiteral("absent/d");
+                     },
+                     taken),
+                 FileError);
+    EXPECT_EQ(taken.first(QStringLiteral("c0")), 0);
+}
+
 TEST(StagedFiles, AppearTogetherOrNotAtAll)
 {
     const QTemporaryDir folder;

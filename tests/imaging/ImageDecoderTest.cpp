@@ -1,6 +1,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 
 #include <gtest/gtest.h>
 
@@ -274,6 +275,26 @@ TEST_F(ImageDecoderTest, ACancelledDecodeIsNeitherPictureNorError)
     EXPECT_THROW(decodeImage(file, 32, source.get_token()), OperationCancelled);
     EXPECT_THROW(decodeImageRegion(path(u"a.png"_s), QRectF(0, 0, 64, 64), QSize(10, 10), source.get_token()),
                  OperationCancelled);
+}
+
+TEST_F(ImageDecoderTest, PicturesTooLargeForMemoryKeepTheirPlaces)
+{
+    // More than 64 megapixels, which are averaged on the way: black on the left, white below on the right.
+    QImage large(8200, 8200, QImage::Format_Mono);
+    large.fill(0);
+    for (int y = 4100; y < 8200; ++y) {
+        std::memset(large.scanLine(y) + 4100 / 8, 0xff, static_cast<size_t>(large.bytesPerLine() - 4100 / 8));
+    }
+    ASSERT_TRUE(large.save(path(u"large.png"_s)));
+    const QImage small = decodeImage(path(u"large.png"_s), 100);
+    ASSERT_EQ(small.size(), QSize(100, 100));
+    for (const auto &[place, level] : {std::pair(QPoint(45, 90), 0),
+                                       {QPoint(55, 90), 255},
+                                       {QPoint(90, 55), 255},
+                                       {QPoint(90, 45), 0},
+                                       {QPoint(98, 98), 255}}) {
+        EXPECT_EQ(qGray(small.pixel(place)), level) << place.x() << ' ' << place.y();
+    }
 }
 
 } // namespace

@@ -109,6 +109,12 @@ TEST(JpegEncoder, StoresColourInFullFromNineTenthsOn)
     EXPECT_EQ(encoder.encode(0.701), encoder.encode(0.70));
     EXPECT_GT(encoder.encode(1).size(), encoder.encode(0.95).size());
     EXPECT_FALSE(encoder.encode(0).isEmpty());
+    for (const QSize size : {QSize(75, 53), QSize(160, 96), QSize(1, 1)}) {
+        JpegEncoder again(texture(size));
+        for (const double quality : {0.9, 0.95, 1.0}) {
+            EXPECT_EQ(encodeJpeg(texture(size), quality), again.encode(quality)) << size.width() << quality;
+        }
+    }
 }
 
 TEST(JpegEncoder, KeepsThePictureAndNoMetadata)
