@@ -4,13 +4,14 @@
 #include <cmath>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include <QFile>
 #include <QStringDecoder>
 
-#include <exiv2/exiv2.hpp>
 #include <exiv2/webpimage.hpp>
 
+#include "imaging/ExifLibrary.h"
 #include "imaging/ImageFile.h"
 #include "imaging/JpegSegments.h"
 #include "imaging/PngChunks.h"
@@ -29,7 +30,7 @@ void prepareParser()
     static std::once_flag once;
     std::call_once(once, [] {
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        Exiv2::enableBMFF(true);
+        readHeifToo();
         Exiv2::XmpParser::initialize();
     });
 }
@@ -44,18 +45,18 @@ Exiv2::ExifData decoded(const QByteArray &exif)
 
 Exiv2::ExifData readByParser(const QString &path, const ImageFile &file)
 {
-    Exiv2::BasicIo::AutoPtr io(new Exiv2::FileIo(QFile::encodeName(path).toStdString()));
-    Exiv2::Image::AutoPtr image;
+    ExifIo io(new Exiv2::FileIo(QFile::encodeName(path).toStdString()));
+    ExifImage image;
     switch (file.format()) {
     case PictureFormat::Png:
-        image = Exiv2::newPngInstance(io, false);
+        image = Exiv2::newPngInstance(std::move(io), false);
         break;
     case PictureFormat::WebP:
-        image = Exiv2::newWebPInstance(io, false);
+        image = Exiv2::newWebPInstance(std::move(io), false);
         break;
     case PictureFormat::Heif:
     case PictureFormat::Avif:
-        image = Exiv2::newBmffInstance(io, false);
+        image = Exiv2::newBmffInstance(std::move(io), false);
         break;
     case PictureFormat::Jpeg:
     case PictureFormat::Tiff:
@@ -146,7 +147,7 @@ std::optional<qint64> whole(const Exiv2::ExifData &data, const char *key)
         return std::nullopt;
     }
     const auto *wide = dynamic_cast<const Exiv2::ULongValue *>(value);
-    const qint64 number = wide != nullptr ? qint64(wide->value_.front()) : qint64(value->toLong(0));
+    const qint64 number = wide != nullptr ? qint64(wide->value_.front()) : firstWhole(*value);
     return number >= 0 ? std::optional(number) : std::nullopt;
 }
 
