@@ -35,9 +35,9 @@ build() {
     local preset=$1 log=build/$1.log
     shift
     mkdir -p build
-    [ -e "build/$preset/tarnovel" ] || echo "Building; this takes some minutes the first time" >&2
+    [ -e "build/$preset/build.ninja" ] || echo "Building; this takes some minutes the first time" >&2
     if [ ! -e "build/$preset/build.ninja" ]; then
-        cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; return 1; }
+        cmake --preset "$preset" -DTARNOVEL_BATCHES=ON >"$log" 2>&1 || { cat "$log" >&2; return 1; }
     fi
     cmake --build --preset "$preset" ${1:+--target "$@"} >"$log" 2>&1 || { cat "$log" >&2; return 1; }
 }

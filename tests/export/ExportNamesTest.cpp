@@ -18,7 +18,7 @@ TEST(ExportNames, FollowThePhotosName)
     EXPECT_EQ(name(u"a/b:c\\d"_s), "a_b_c_d-framed.jpg");
     EXPECT_EQ(name(QString(QChar(0)) + u"a\nb"_s), "_a_b-framed.jpg");
     EXPECT_EQ(name(QString()), "Photo-framed.jpg");
-    EXPECT_EQ(name(QString(200, u'x')), std::string(120, 'x') + "-framed.jpg");
+    EXPECT_EQ(name(QString(200, u'x')), std::string(120, 'x').append("-framed.jpg"));
 }
 
 TEST(ExportNames, AreCutBetweenCharactersToFitTheFileSystem)
