@@ -60,8 +60,12 @@ public:
                                           "Frames a set of photos in one look and exports them.",
                                           "Encadre une série de photos dans un même style et l’exporte."}));
         settle(m_app);
-        m_app.set_version_flag("--version", std::string("tarnovel ") + TARNOVEL_VERSION,
+        m_app.set_version_flag("-V,--version", std::string("tarnovel ") + TARNOVEL_VERSION,
                                inThisLanguage({"显示版本", "Show the version", "Afficher la version"}));
+        m_app.footer(inThisLanguage(
+            {"不带命令时打开编辑器并导入所列照片：tarnovel [PHOTO...]",
+             "Without a command the editor opens with the photos named: tarnovel [PHOTO...]",
+             "Sans commande, l’éditeur s’ouvre avec les photos nommées : tarnovel [PHOTO...]"}));
         m_app.require_subcommand(1);
         addExport();
         addInspect();
