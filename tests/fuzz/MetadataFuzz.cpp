@@ -1,0 +1,26 @@
+// What cameras wrote: readers of metadata never throw, whatever they are given.
+
+#include <cmath>
+
+#include "MemoryFile.h"
+#include "imaging/CaptureMetadata.h"
+#include "imaging/JpegSegments.h"
+
+using namespace tarnovel;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t count)
+{
+    const fuzz::MemoryFile file(bytes, count);
+    const CaptureMetadata read = readCaptureMetadata(file.path());
+    for (const std::optional<double> &value : {read.focalLengthMm, read.fNumber, read.exposureSeconds}) {
+        if (value && !std::isfinite(*value)) {
+            std::abort();
+        }
+    }
+    const int orientation =
+        exifOrientation(QByteArray(reinterpret_cast<const char *>(bytes), static_cast<qsizetype>(count)));
+    if (orientation < 1 || orientation > 8) {
+        std::abort();
+    }
+    return 0;
+}
