@@ -57,7 +57,7 @@ private:
         if (from.isEmpty()) {
             return std::nullopt;
         }
-        const EditSnapshot step = from.takeLast();
+        EditSnapshot step = from.takeLast();
         to.append(present(step.ids()));
         return step;
     }

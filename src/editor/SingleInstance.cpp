@@ -165,11 +165,11 @@ bool SingleInstance::ownUserListens() const
     return socket.waitForConnected(patienceMs) && isOwnUser(socket);
 }
 
-bool SingleInstance::handOver(const QStringList &photos, const QString &activationToken, int patienceMs) const
+bool SingleInstance::handOver(const QStringList &photos, const QString &activationToken, int waitMs) const
 {
     QElapsedTimer timer;
     timer.start();
-    const auto left = [&] { return static_cast<int>(std::max<qint64>(patienceMs - timer.elapsed(), 1)); };
+    const auto left = [&] { return static_cast<int>(std::max<qint64>(waitMs - timer.elapsed(), 1)); };
     QLocalSocket socket;
     socket.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
     socket.connectToServer(m_socketName);

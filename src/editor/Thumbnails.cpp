@@ -87,6 +87,7 @@ void Thumbnails::prune()
         return;
     }
     std::vector<quint64> uses;
+    uses.reserve(m_entries.size());
     for (const auto &[key, entry] : m_entries) {
         uses.push_back(entry.used);
     }

@@ -53,7 +53,6 @@ private:
     QImage m_sheet;
     /// For each tile of the sheet how many columns and rows of it lie in the picture.
     std::vector<QSize> m_tiles;
-    int m_tilesPerRow = 1;
     std::optional<Transformed> m_halfColour;
     std::optional<Transformed> m_fullColour;
 };

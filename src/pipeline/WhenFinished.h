@@ -15,24 +15,25 @@ namespace tarnovel {
 /// Calls `then` with the finished future on the thread of `context`, unless that has gone by then. The
 /// future's result may throw there, and has to be caught there.
 template<typename Value>
-void whenFinished(QFuture<Value> future, QObject *context, std::function<void(const QFuture<Value> &)> then)
+void whenFinished(const QFuture<Value> &future, QObject *context,
+                  std::function<void(const QFuture<Value> &)> then)
 {
     auto *watcher = new QFutureWatcher<Value>(context);
     QObject::connect(watcher, &QFutureWatcherBase::finished, context, [watcher, then = std::move(then)] {
         watcher->deleteLater();
         then(watcher->future());
     });
-    watcher->setFuture(std::move(future));
+    watcher->setFuture(future);
 }
 
 /// The same for work that may be cancelled: nothing is called once `stop` is requested, and `failed` for
 /// whatever the future throws.
 template<typename Value>
-void whenArrived(QFuture<Value> future, QObject *context, const std::stop_token &stop,
+void whenArrived(const QFuture<Value> &future, QObject *context, const std::stop_token &stop,
                  std::function<void(const Value &)> arrived, std::function<void()> failed)
 {
     whenFinished<Value>(
-        std::move(future), context,
+        future, context,
         [stop, arrived = std::move(arrived), failed = std::move(failed)](const QFuture<Value> &finished) {
             if (stop.stop_requested()) {
                 return;
