@@ -118,10 +118,15 @@ class Tree:
             for job in [pool.submit(job) for job in [*jobs, self.build_module]]:
                 job.result()
 
+    def newest(self, names):
+        return max(file.stat().st_mtime for file in frozenset().union(*map(self.behind, names)))
+
     def build_start(self, number, names):
+        """Made anew when flags or any header that it read have changed."""
         header, made = self.work / f"start{number}.h", self.work / f"start{number}.pch"
-        text = "".join(f"#include <{name}>\n" for name in names) + f"// {self.flags} {LANGUAGE}\n"
+        text = "".join(f"#include <{name}>\n" for name in names) + f"// {self.flags} {LANGUAGE} {self.newest(names)}\n"
         if not made.exists() or header.read_text() != text:
+            made.unlink(missing_ok=True)
             header.write_text(text)
             run([f"clang++-{CLANG}", *self.flags, *LANGUAGE, "-Wno-everything", "-x", "c++-header", header, "-o", made])
 

@@ -36,7 +36,7 @@ void pictures(const QString &folder)
     const QStringList endings = {u"jpg"_s,
                                  u"jpg[interlace]"_s,
                                  u"png"_s,
-                                 u"png[bitdepth=16]"_s,
+                                 u"png[interlace]"_s,
                                  u"webp"_s,
                                  u"tif"_s,
                                  u"tif[tile,compression=deflate]"_s,
