@@ -90,8 +90,8 @@ void printRepaints(const char *what, World &world, const std::function<void(int)
         QCoreApplication::processEvents();
     }
     std::sort(times.begin(), times.end());
-    std::printf("%-44s median %.1f ms (budget 8), 95 %% %.1f ms (budget 16)\n", what, times[times.size() / 2],
-                times[times.size() * 95 / 100]);
+    judge(std::string(what) + ", median", times[times.size() / 2], "ms", 8);
+    judge(std::string(what) + ", 95 of 100", times[times.size() * 95 / 100], "ms", 16);
 }
 
 void dragAndPan(World &world)
@@ -145,14 +145,12 @@ int main(int argc, char **argv)
     const QGuiApplication application(argc, argv);
     World world;
     photo24();
-    const double before = peakResidentMb();
     open(world);
     addFinish(world);
     benchmark::RunSpecifiedBenchmarks();
     std::printf("\nProcessor time, medians: collage of nine photos of 24 megapixels\n");
     printRatio("saved collage against its decoding", "collage_finish", "collage_decode", 2.0);
     dragAndPan(world);
-    std::printf("Peak memory of the studio and its saves %.0f MB (budget 500; %.0f before it opened)\n",
-                peakResidentMb(), before);
-    return 0;
+    judge("peak memory of the studio and its saves", peakResidentMb(), "MB", 500);
+    return exitStatus();
 }

@@ -88,13 +88,12 @@ int main(int argc, char **argv)
     std::printf("\nProcessor time, medians: film frames, %d paints\n", paintsPerSample);
     for (const FilmFormat format : filmFormats) {
         const std::string name = filmFormatName(format).toStdString();
-        printRatio(("film frame against simple at 4096, " + name).c_str(), name + "_film", name + "_simple",
-                   1.35);
+        printRatio("film frame against simple at 4096, " + name, name + "_film", name + "_simple", 1.35);
     }
     for (const FilmFormat format : filmFormats) {
         const std::string name = filmFormatName(format).toStdString();
-        std::printf("Repainting a preview of 1400 px, %s: %.2f ms (budget 8)\n", name.c_str(),
-                    medianMs(name + "_repaint") / paintsPerSample);
+        judge("repainting a preview of 1400 px, " + name, medianMs(name + "_repaint") / paintsPerSample, "ms",
+              8);
     }
-    return 0;
+    return exitStatus();
 }

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <memory>
 #include <random>
-#include <vector>
 
 #include <QFile>
 
@@ -49,29 +51,37 @@ QByteArray compressed(const QImage &image, int subsampling, int quality, int fla
 
 } // namespace
 
-QByteArray photo24()
+QByteArray photo24(Photo24 kind)
 {
-    static const QByteArray made = compressed(syntheticPhoto(), TJSAMP_422, 94, 0);
-    return made;
+    static std::map<Photo24, QByteArray> made;
+    QByteArray &photo = made[kind];
+    if (photo.isEmpty()) {
+        const int subsampling = kind == Photo24::FullColour ? TJSAMP_444 : TJSAMP_422;
+        photo = compressed(syntheticPhoto(), subsampling, 94,
+                           kind == Photo24::Progressive ? TJFLAG_PROGRESSIVE : 0);
+    }
+    return photo;
 }
 
-void writePhoto24(const QString &path)
+void writePhoto24(const QString &path, Photo24 kind)
 {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(photo24()) != photo24().size()) {
-        std::abort();
+    if (!file.open(QIODevice::WriteOnly) || file.write(photo24(kind)) != photo24(kind).size()) {
+        std::fprintf(stderr, "%s: cannot be written\n", qPrintable(path));
+        std::exit(1);
     }
 }
 
 void floorDecode(const QByteArray &jpeg, QSize size)
 {
     tjhandle handle = tjInitDecompress();
-    std::vector<unsigned char> pixels(static_cast<size_t>(size.width()) * static_cast<size_t>(size.height()) *
-                                      4);
+    // Fresh memory, as a program's first picture has it, that nobody fills beforehand.
+    const auto pixels = std::make_unique_for_overwrite<unsigned char[]>(
+        static_cast<size_t>(size.width()) * static_cast<size_t>(size.height()) * 4);
     tjDecompress2(handle, reinterpret_cast<const unsigned char *>(jpeg.constData()),
-                  static_cast<unsigned long>(jpeg.size()), pixels.data(), size.width(), 0, size.height(),
+                  static_cast<unsigned long>(jpeg.size()), pixels.get(), size.width(), 0, size.height(),
                   TJPF_BGRX, 0);
-    benchmark::DoNotOptimize(pixels.data());
+    benchmark::DoNotOptimize(pixels.get());
     tjDestroy(handle);
 }
 
