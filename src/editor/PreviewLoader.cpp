@@ -26,10 +26,10 @@ PreviewLoader::~PreviewLoader()
 
 /// Hears of the outcome on this object's thread, unless a newer request has been made by then.
 template<typename Value>
-void PreviewLoader::whenDone(QFuture<Value> future, std::function<void(const Value &)> arrived,
+void PreviewLoader::whenDone(const QFuture<Value> &future, std::function<void(const Value &)> arrived,
                              std::function<void()> failed)
 {
-    whenArrived<Value>(std::move(future), this, m_stop.get_token(), std::move(arrived), std::move(failed));
+    whenArrived<Value>(future, this, m_stop.get_token(), std::move(arrived), std::move(failed));
 }
 
 void PreviewLoader::request(FramePicture picture, const QString &file, int maxPixel, QImage Previews::*place)

@@ -60,7 +60,7 @@ private:
     void loadBackground(const QString &photo, const Pictures &pictures);
     void request(FramePicture picture, const QString &file, int maxPixel, QImage Previews::*place);
     template<typename Value>
-    void whenDone(QFuture<Value> future, std::function<void(const Value &)> arrived,
+    void whenDone(const QFuture<Value> &future, std::function<void(const Value &)> arrived,
                   std::function<void()> failed);
 
     ImagePipeline &m_pipeline;
