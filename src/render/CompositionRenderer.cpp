@@ -297,7 +297,10 @@ QRectF handwritingRect(const FrameSettings &settings, QSizeF imageSize, QSizeF s
 QRect devicePixels(const QRectF &rect)
 {
     static constexpr double farthest = 1e8;
-    const auto edge = [](double value) { return qRound(FrameGeometry::held(value, -farthest, farthest)); };
+    // What is no number at all has no place either.
+    const auto edge = [](double value) {
+        return std::isnan(value) ? 0 : qRound(FrameGeometry::held(value, -farthest, farthest));
+    };
     return {QPoint(edge(rect.left()), edge(rect.top())),
             QPoint(edge(rect.right()) - 1, edge(rect.bottom()) - 1)};
 }

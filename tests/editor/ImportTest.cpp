@@ -1,6 +1,8 @@
 #include <sys/stat.h>
 #include <thread>
 
+#include <QEventLoop>
+
 #include "editor/EditorWorld.h"
 #include "editor/ImportFlow.h"
 #include "editor/SingleInstance.h"
@@ -130,8 +132,14 @@ TEST_F(Importing, RefusesAPipeAndCleansUpWhenItIsDestroyed)
     }
     {
         ImportFlow flow(m_model, m_pipeline);
+        QEventLoop untilTheFourth;
+        QObject::connect(&m_model, &EditorModel::changed, &untilTheFourth, [&] {
+            if (m_model.importProgress().startsWith(u'4')) {
+                untilTheFourth.quit();
+            }
+        });
         flow.start({.paths = paths});
-        ASSERT_TRUE(waitFor([this] { return m_model.importProgress().startsWith(u'4'); }));
+        untilTheFourth.exec();
     }
     EXPECT_EQ(libraryFiles(), 0);
 }

@@ -148,7 +148,7 @@ TEST_F(HostileFile, AGiantChunkIsNotTakenIntoMemory)
         getrusage(RUSAGE_SELF, &usage);
         return usage.ru_maxrss;
     };
-    const long before = peak();
+    [[maybe_unused]] const long before = peak();
     for (const char *type : {"IDAT", "iCCP", "eXIf", "tEXt", "prIV", "PLTE"}) {
         const QByteArray head = QByteArray::fromHex("11e1a300") + type; // three hundred million bytes
         QFile file(written(path(u"giant.png"_s), whole.left(33) + head));
@@ -158,7 +158,9 @@ TEST_F(HostileFile, AGiantChunkIsNotTakenIntoMemory)
         file.close();
         EXPECT_TRUE(causeOf(path(u"giant.png"_s))) << type;
         readCaptureMetadata(path(u"giant.png"_s));
+#ifndef __SANITIZE_ADDRESS__ // whose own notes on what is read are memory, too
         EXPECT_LT(peak() - before, 100'000) << type << ", kB";
+#endif
     }
 }
 

@@ -48,7 +48,7 @@ QByteArray little(quint32 value, int size)
 {
     QByteArray bytes;
     for (int i = 0; i < size; ++i) {
-        bytes.append(static_cast<char>(value >> (8 * i) & 0xffU));
+        bytes.append(static_cast<char>(quint64(value) >> (8 * i) & 0xffU));
     }
     return bytes;
 }
