@@ -145,6 +145,7 @@ void paintPlaceholders(QPainter &painter, const FrameSettings &settings, const Q
             }
         }
         painter.setPen(pen);
+        painter.setBrush(Qt::NoBrush);
         if (outline.height() >= leastOutline) {
             painter.drawRoundedRect(outline, named ? 2 : 0, named ? 2 : 0);
             drawn.append(outline.translated(text.center()));
