@@ -14,7 +14,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "imaging/ImageDecoder.h"
+#include "decoding/PhotoFile.h"
 #include "imaging/ImageEncoder.h"
 #include "imaging/Resampler.h"
 #include "support/Photo24.h"
@@ -40,7 +40,9 @@ QString photoPath(Photo24 kind)
 
 QImage decodedTo(QSize size, Photo24 kind = Photo24::Camera)
 {
-    return decodeImageRegion(photoPath(kind), QRectF(QPointF(), QSizeF(photoSize)), size);
+    return PhotoFile(RegularFile(photoPath(kind)))
+        .decode({{QRectF(QPointF(), QSizeF(photoSize)), size}})
+        .first();
 }
 
 const QImage &canvas()

@@ -84,6 +84,17 @@ public:
         std::for_each(dropped.begin(), dropped.end(), freeBlock);
     }
 
+    void clear()
+    {
+        std::vector<Header *> dropped;
+        {
+            const std::lock_guard lock(m_mutex);
+            dropped.swap(m_free);
+            m_keptBytes = 0;
+        }
+        std::for_each(dropped.begin(), dropped.end(), freeBlock);
+    }
+
 private:
     std::mutex m_mutex;
     /// Oldest first.
@@ -97,6 +108,8 @@ Pool &pool()
     static Pool *shared = new Pool;
     return *shared;
 }
+
+thread_local PictureDestination *destination = nullptr;
 
 } // namespace
 
@@ -127,13 +140,38 @@ void PooledBuffer::giveBack(void *block)
     }
 }
 
+qsizetype pooledStride(int width, QImage::Format format)
+{
+    return (qsizetype(width) * QImage::toPixelFormat(format).bitsPerPixel() / 8 + 63) / 64 * 64;
+}
+
 QImage pooledImage(QSize size, QImage::Format format)
 {
-    const qsizetype stride =
-        (qsizetype(size.width()) * QImage::toPixelFormat(format).bitsPerPixel() / 8 + 63) / 64 * 64;
+    const qsizetype stride = pooledStride(size.width(), format);
+    if (PictureDestination *lent = destination; lent != nullptr && lent->m_memory != nullptr &&
+                                                lent->m_size == size &&
+                                                QImage::toPixelFormat(format).bitsPerPixel() == 32) {
+        uint8_t *memory = std::exchange(lent->m_memory, nullptr);
+        return QImage(memory, size.width(), size.height(), stride, format);
+    }
     PooledBuffer buffer(static_cast<size_t>(stride) * static_cast<size_t>(size.height()));
     uint8_t *block = buffer.release();
     return QImage(block, size.width(), size.height(), stride, format, &PooledBuffer::giveBack, block);
+}
+
+void emptyBufferPool()
+{
+    pool().clear();
+}
+
+PictureDestination::PictureDestination(uint8_t *memory, QSize size)
+    : m_memory(memory), m_size(size), m_before(std::exchange(destination, this))
+{
+}
+
+PictureDestination::~PictureDestination()
+{
+    destination = m_before;
 }
 
 } // namespace tarnovel

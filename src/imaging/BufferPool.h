@@ -27,7 +27,28 @@ private:
     uint8_t *m_data = nullptr;
 };
 
-/// An image with undefined pixels whose memory comes from the pool and returns there with the last copy.
+/// An image with undefined pixels whose memory comes from the pool and returns there with the last copy. Its
+/// rows are `pooledStride` bytes apart.
 QImage pooledImage(QSize size, QImage::Format format);
+qsizetype pooledStride(int width, QImage::Format format);
+
+/// Gives the memory that the pool keeps back to the system.
+void emptyBufferPool();
+
+/// While it lives, the first image of 32 bits a pixel and exactly this size that its thread takes from the
+/// pool lies in `memory` instead, which must outlive that image. The innermost of several counts.
+class PictureDestination {
+public:
+    PictureDestination(uint8_t *memory, QSize size);
+    ~PictureDestination();
+    PictureDestination(const PictureDestination &) = delete;
+    PictureDestination &operator=(const PictureDestination &) = delete;
+
+private:
+    friend QImage pooledImage(QSize size, QImage::Format format);
+    uint8_t *m_memory;
+    QSize m_size;
+    PictureDestination *m_before;
+};
 
 } // namespace tarnovel

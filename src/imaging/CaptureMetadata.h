@@ -19,7 +19,4 @@ struct CaptureMetadata {
     QString originalDate;
 };
 
-/// Never throws: a file without readable metadata gives an empty record.
-CaptureMetadata readCaptureMetadata(const QString &path);
-
 } // namespace tarnovel

@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <new>
+#include <cstdlib>
+#include <vector>
 
 #include "imaging/BufferPool.h"
 #include "imaging/Resampler.h"
-#include "imaging/VipsRuntime.h"
 
 namespace tarnovel {
 namespace {
@@ -29,37 +29,72 @@ uint16_t deepLevel(float level)
     return static_cast<uint16_t>(std::clamp(level * 257 + 0.5F, 0.0F, 65535.0F));
 }
 
+/// The weights from the centre outwards.
+std::vector<float> halfKernel(double sigma)
+{
+    std::vector<float> weights;
+    double sum = 0;
+    for (int x = 0;; ++x) {
+        const double weight = std::exp(-double(x) * x / (2 * sigma * sigma));
+        if (x > 0 && weight < smallestAmplitude) {
+            break;
+        }
+        weights.push_back(static_cast<float>(weight));
+        sum += x == 0 ? weight : 2 * weight;
+    }
+    for (float &weight : weights) {
+        weight = static_cast<float>(weight / sum);
+    }
+    return weights;
+}
+
+/// Pixels of four channels: blue, green, red and alpha.
+using Row = std::vector<float>;
+constexpr qsizetype channels = 4;
+
+void addWeighted(Row &sum, const float *row, float weight)
+{
+    for (size_t i = 0; i < sum.size(); ++i) {
+        sum[i] += weight * row[i];
+    }
+}
+
+/// A row of the image blurred along itself, its edge pixels going on.
+Row blurredRow(const uchar *pixels, int width, const std::vector<float> &kernel)
+{
+    const auto reach = static_cast<qsizetype>(kernel.size()) - 1;
+    Row wide(static_cast<size_t>((width + 2 * reach) * channels));
+    for (qsizetype i = 0; i < std::ssize(wide); ++i) {
+        const qsizetype x = std::clamp<qsizetype>(i / channels - reach, 0, width - 1);
+        wide[static_cast<size_t>(i)] = pixels[x * channels + i % channels];
+    }
+    Row sum(static_cast<size_t>(width * channels), 0);
+    for (qsizetype x = -reach; x <= reach; ++x) {
+        addWeighted(sum, wide.data() + (reach + x) * channels, kernel[static_cast<size_t>(std::abs(x))]);
+    }
+    return sum;
+}
+
 QImage blurredDirectly(const QImage &image, double sigma)
 {
-    ensureVips();
-    QByteArray pixels;
-    const qsizetype rowBytes = qsizetype(image.width()) * 4;
-    pixels.reserve(rowBytes * image.height());
+    const std::vector<float> kernel = halfKernel(sigma);
+    const auto reach = static_cast<int>(kernel.size()) - 1;
+    std::vector<Row> rows;
     for (int y = 0; y < image.height(); ++y) {
-        pixels.append(reinterpret_cast<const char *>(image.constScanLine(y)), rowBytes);
-    }
-    const VipsImagePtr source(vips_image_new_from_memory(pixels.constData(),
-                                                         static_cast<size_t>(pixels.size()), image.width(),
-                                                         image.height(), 4, VIPS_FORMAT_UCHAR));
-    VipsImage *made = nullptr;
-    if (!source || vips_gaussblur(source.get(), &made, sigma, "min_ampl", smallestAmplitude, "precision",
-                                  VIPS_PRECISION_FLOAT, static_cast<void *>(nullptr)) != 0) {
-        vips_error_clear();
-        throw std::bad_alloc();
-    }
-    const VipsImagePtr blurred(made);
-    size_t bytes = 0;
-    const std::unique_ptr<void, GFree> memory(vips_image_write_to_memory(blurred.get(), &bytes));
-    if (!memory || blurred->BandFmt != VIPS_FORMAT_FLOAT) {
-        vips_error_clear();
-        throw std::bad_alloc();
+        rows.push_back(blurredRow(image.constScanLine(y), image.width(), kernel));
     }
     const bool alpha = image.hasAlphaChannel();
     QImage result = pooledImage(image.size(), deepFormat(image));
+    Row sum(rows.front().size());
     for (int y = 0; y < result.height(); ++y) {
+        std::fill(sum.begin(), sum.end(), 0.0F);
+        for (int dy = -reach; dy <= reach; ++dy) {
+            const auto from = static_cast<size_t>(std::clamp(y + dy, 0, image.height() - 1));
+            addWeighted(sum, rows[from].data(), kernel[static_cast<size_t>(std::abs(dy))]);
+        }
         auto *pixel = reinterpret_cast<uint16_t *>(result.scanLine(y));
-        const float *exact = static_cast<const float *>(memory.get()) + y * rowBytes;
-        for (int x = 0; x < result.width(); ++x, pixel += 4, exact += 4) {
+        const float *exact = sum.data();
+        for (int x = 0; x < result.width(); ++x, pixel += channels, exact += channels) {
             constexpr std::array<int, 4> place = {2, 1, 0, 3}; // of red, green, blue and alpha
             pixel[3] = alpha ? deepLevel(exact[3]) : 0xffff;
             for (size_t channel = 0; channel < 3; ++channel) {

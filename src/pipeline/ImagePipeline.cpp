@@ -19,7 +19,7 @@
 #include "base/FileTrouble.h"
 #include "base/Log.h"
 #include "base/Uuid.h"
-#include "imaging/ImageDecoder.h"
+#include "decoding/PhotoFile.h"
 #include "imaging/ImageEncoder.h"
 #include "imaging/ImageError.h"
 #include "imaging/Resampler.h"
@@ -68,6 +68,12 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
         throw PipelineFailure(PipelineError::write);
     }
     return bytes;
+}
+
+QImage decodedWhole(const QString &path, int maxPixel, const std::stop_token &stop)
+{
+    PhotoFile photo{RegularFile(path)};
+    return photo.decode({PicturePart::whole(photo.header().uprightSize(), maxPixel)}, stop).first();
 }
 
 std::optional<PictureFault> faultOf(const ImageError &error)
@@ -235,7 +241,7 @@ PipelineFailure ImagePipeline::failed(const QString &file, FramePicture picture,
 QImage ImagePipeline::decoded(const QString &file, int maxPixel, const std::stop_token &stop) const
 {
     try {
-        return decodeImage(resolved(file), maxPixel, stop);
+        return decodedWhole(resolved(file), maxPixel, stop);
     } catch (const ImageError &error) {
         throw failed(file, FramePicture::Photo, error);
     }
@@ -246,7 +252,7 @@ QImage ImagePipeline::companion(FramePicture picture, const QString &file, int m
                                 const std::stop_token &stop) const
 {
     try {
-        return decodeImage(resolved(file), maxPixel, stop);
+        return decodedWhole(resolved(file), maxPixel, stop);
     } catch (const ImageError &error) {
         throw failed(file, picture, error);
     }
@@ -257,15 +263,18 @@ PhotoItem ImagePipeline::inspected(const ImportedFile &imported, TestDecode test
 {
     const QString path = resolved(imported.file);
     QSize size;
+    CaptureMetadata metadata;
     try {
-        size = readImageHeader(path).uprightSize();
+        PhotoFile photo{RegularFile(path)};
+        size = photo.header().uprightSize();
+        if (testDecode == TestDecode::Yes) {
+            photo.decode({PicturePart::whole(size, testDecodePixels)}, stop);
+        }
+        metadata = photo.metadata();
     } catch (const ImageError &error) {
         throw failed(imported.file, FramePicture::Photo, error);
     }
-    if (testDecode == TestDecode::Yes) {
-        decoded(imported.file, testDecodePixels, stop);
-    }
-    const CameraTexts texts = CameraTexts::from(readCaptureMetadata(path));
+    const CameraTexts texts = CameraTexts::from(metadata);
     PhotoItem item;
     item.id = QUuid::createUuid();
     item.file = imported.file;
@@ -299,12 +308,12 @@ PhotoImage ImagePipeline::placed(const QString &file, const PhotoPlacement &plac
     if (region.pixels.isEmpty()) {
         return {};
     }
-    const QString path = resolved(file);
     try {
-        const QSizeF source = readImageHeader(path).uprightSize();
+        PhotoFile photo{RegularFile(resolved(file))};
+        const QSizeF source = photo.header().uprightSize();
         const QRectF part(region.extent.x() * source.width(), region.extent.y() * source.height(),
                           region.extent.width() * source.width(), region.extent.height() * source.height());
-        return {decodeImageRegion(path, part, region.pixels.size(), stop), region.extent};
+        return {photo.decode({{part, region.pixels.size()}}, stop).first(), region.extent};
     } catch (const ImageError &error) {
         throw failed(file, FramePicture::Photo, error);
     }

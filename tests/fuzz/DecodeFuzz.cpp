@@ -1,9 +1,7 @@
 // Every decoder: a picture is read whole and in part, or refused with an ImageError.
 
-#include <algorithm>
-
 #include "MemoryFile.h"
-#include "imaging/ImageDecoder.h"
+#include "decoding/PhotoFile.h"
 #include "imaging/ImageError.h"
 
 using namespace tarnovel;
@@ -20,17 +18,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t count)
 {
     const fuzz::MemoryFile file(bytes, count);
     try {
-        const ImageHeader header = readImageHeader(file.path());
-        const QSize size = header.uprightSize();
+        PhotoFile photo{RegularFile(file.path())};
+        const QSize size = photo.header().uprightSize();
         if (qint64(size.width()) * size.height() > mostPixels) {
             return -1;
         }
-        const QImage whole = decodeImage(file.path(), longestSide);
-        if (whole.isNull() || std::max(whole.width(), whole.height()) > longestSide) {
-            std::abort();
-        }
         const QRectF part(size.width() * 0.3, size.height() * 0.2, size.width() * 0.5, size.height() * 0.9);
-        if (decodeImageRegion(file.path(), part, {16, 24}).size() != QSize(16, 24)) {
+        const QList<PicturePart> parts = {PicturePart::whole(size, longestSide), {part, {16, 24}}};
+        const QList<QImage> images = photo.decode(parts);
+        if (images.size() != 2 || images[0].size() != parts[0].size || images[1].size() != parts[1].size) {
             std::abort();
         }
     } catch (const ImageError &) {

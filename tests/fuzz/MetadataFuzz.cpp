@@ -3,15 +3,20 @@
 #include <cmath>
 
 #include "MemoryFile.h"
-#include "imaging/CaptureMetadata.h"
-#include "imaging/JpegSegments.h"
+#include "decoding/PhotoFile.h"
+#include "imaging/ImageError.h"
 
 using namespace tarnovel;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t count)
 {
     const fuzz::MemoryFile file(bytes, count);
-    const CaptureMetadata read = readCaptureMetadata(file.path());
+    CaptureMetadata read;
+    try {
+        read = PhotoFile(RegularFile(file.path())).metadata();
+    } catch (const ImageError &) {
+        return -1; // no picture
+    }
     for (const std::optional<double> &value : {read.focalLengthMm, read.fNumber, read.exposureSeconds}) {
         if (value && !std::isfinite(*value)) {
             std::abort();

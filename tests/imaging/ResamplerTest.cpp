@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "imaging/Fixtures.h"
+#include "imaging/Pictures.h"
 #include "imaging/Resampler.h"
 
 namespace tarnovel {

@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "imaging/Fixtures.h"
 #include "imaging/ImageEncoder.h"
 #include "imaging/JpegSizeSample.h"
+#include "imaging/Pictures.h"
 #include "imaging/QualityBisection.h"
 
 namespace tarnovel {

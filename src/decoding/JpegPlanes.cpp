@@ -1,4 +1,4 @@
-#include "imaging/JpegPlanes.h"
+#include "decoding/JpegPlanes.h"
 
 #include <algorithm>
 #include <array>
@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "base/Cancellation.h"
+#include "decoding/JpegReader.h"
 #include "imaging/BufferPool.h"
 #include "imaging/ImageError.h"
 #include "imaging/ImageLimits.h"
-#include "imaging/JpegReader.h"
 #include "imaging/PlaneScaler.h"
 
 namespace tarnovel {
@@ -223,43 +223,75 @@ private:
     std::array<int, 3> m_stripRows{};
 };
 
+/// What of the decoded planes a part reads, and which of its pixels are computed from them.
+struct PartPlan {
+    AxisPlan x;
+    AxisPlan y;
+
+    QRect window() const
+    {
+        return {QPoint(x.windowBegin, y.windowBegin), QPoint(x.windowEnd - 1, y.windowEnd - 1)};
+    }
+    QRectF active(QPoint origin) const
+    {
+        return {x.start - origin.x(), y.start - origin.y(), x.length, y.length};
+    }
+    QRect covered() const { return {x.firstTarget, y.firstTarget, x.targetCount, y.targetCount}; }
+};
+
+/// The picture after its DCT scale; its true extent may be a fraction of a sample.
+struct ScaledPicture {
+    double width;
+    double height;
+    double scale;
+
+    PartPlan plan(const PicturePart &part) const
+    {
+        const QRectF &region = part.region;
+        return {planAxis(width, region.x() * scale, region.width() * scale, part.size.width(), windowGranule),
+                planAxis(height, region.y() * scale, region.height() * scale, part.size.height(), 4)};
+    }
+};
+
 } // namespace
 
-JpegLayout inspectJpeg(const ImageFile &file)
-{
-    const std::stop_token never;
-    JpegReader reader(file, never);
-    checkCost(reader.info());
-    return hasPlainPlanes(reader.info()) ? JpegLayout::Planes : JpegLayout::Other;
-}
-
-QImage decodeJpegPlanes(const ImageFile &file, const QRectF &region, QSize size, const std::stop_token &stop)
+std::optional<QList<QImage>> decodeJpegPlanes(const ImageFile &file, const QList<PicturePart> &parts,
+                                              const std::stop_token &stop)
 {
     JpegReader reader(file, stop);
     jpeg_decompress_struct &info = reader.info();
     checkCost(info);
-    info.scale_num = scaleEighths(info, region, size);
+    if (!hasPlainPlanes(info)) {
+        return std::nullopt;
+    }
+    info.scale_num = 1;
+    for (const PicturePart &part : parts) {
+        info.scale_num = std::max(info.scale_num, scaleEighths(info, part.region, part.size));
+    }
     info.scale_denom = 8;
     info.raw_data_out = TRUE;
     reader.run([&info] {
         info.out_color_space = info.jpeg_color_space;
         jpeg_calc_output_dimensions(&info);
     });
-    const double scale = info.scale_num / 8.0;
-    const AxisPlan x = planAxis(info.image_width * scale, region.x() * scale, region.width() * scale,
-                                size.width(), windowGranule);
-    const AxisPlan y =
-        planAxis(info.image_height * scale, region.y() * scale, region.height() * scale, size.height(), 4);
-    const QRect window(QPoint(x.windowBegin, y.windowBegin), QPoint(x.windowEnd - 1, y.windowEnd - 1));
+    const ScaledPicture scaled{info.image_width * (info.scale_num / 8.0),
+                               info.image_height * (info.scale_num / 8.0), info.scale_num / 8.0};
+    QRect window;
+    for (const PicturePart &part : parts) {
+        window |= scaled.plan(part).window();
+    }
     PlaneDecoder decoder(reader, window);
     decoder.decode(stop);
-    QImage target = pooledImage(size, QImage::Format_RGB32);
-    const QRect part(x.firstTarget, y.firstTarget, x.targetCount, y.targetCount);
-    scalePlanes(decoder.source(window.size()),
-                QRectF(x.start - x.windowBegin, y.start - y.windowBegin, x.length, y.length), target, part,
-                stop);
-    repeatEdges(target, part);
-    return target;
+    QList<QImage> images;
+    for (const PicturePart &part : parts) {
+        const PartPlan plan = scaled.plan(part);
+        QImage target = pooledImage(part.size, QImage::Format_RGB32);
+        scalePlanes(decoder.source(window.size()), plan.active(window.topLeft()), target, plan.covered(),
+                    stop);
+        repeatEdges(target, plan.covered());
+        images.append(target);
+    }
+    return images;
 }
 
 void checkJpegData(const ImageFile &file, const std::stop_token &stop)

@@ -1,19 +1,16 @@
-#include "imaging/ImageFile.h"
+#include "decoding/ImageFile.h"
 
 #include <algorithm>
 #include <array>
 #include <optional>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <QFile>
+#include <utility>
 
 #include "imaging/ImageError.h"
 
 namespace tarnovel {
 namespace {
+
+constexpr qint64 largestWholeFile = 256'000'000;
 
 /// The brands of a file that begins with an `ftyp` box: the major brand first, then the compatible ones.
 std::optional<PictureFormat> stillImageFormat(const QByteArray &head)
@@ -62,46 +59,28 @@ std::optional<PictureFormat> formatOf(const QByteArray &head)
 
 } // namespace
 
-ImageFile::ImageFile(const QString &path)
+ImageFile::ImageFile(RegularFile file) : m_file(std::move(file))
 {
-    m_descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-    if (m_descriptor < 0) {
-        throw ImageError(ImageError::Cause::Missing, "cannot be opened");
-    }
-    struct stat status {};
-    const bool regular = fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode);
-    m_size = status.st_size;
-    const std::optional<PictureFormat> format = regular ? formatOf(read(0, 256)) : std::nullopt;
+    const std::optional<PictureFormat> format = formatOf(read(0, 256));
     if (!format) {
-        ::close(m_descriptor);
-        throw regular ? ImageError(ImageError::Cause::Unsupported, "no known picture format")
-                      : ImageError(ImageError::Cause::Missing, "not a regular file");
+        throw ImageError(ImageError::Cause::Unsupported, "no known picture format");
     }
     m_format = *format;
 }
 
-ImageFile::~ImageFile()
+const QByteArray &ImageFile::bytes() const
 {
-    ::close(m_descriptor);
-}
-
-QByteArray ImageFile::read(qint64 offset, qint64 count) const
-{
-    if (offset < 0 || offset >= m_size || count <= 0) {
-        return {};
-    }
-    QByteArray bytes(std::min(count, m_size - offset), Qt::Uninitialized);
-    qint64 done = 0;
-    while (done < bytes.size()) {
-        const ssize_t got =
-            pread(m_descriptor, bytes.data() + done, static_cast<size_t>(bytes.size() - done), offset + done);
-        if (got <= 0) {
-            break;
+    if (m_bytes.isEmpty()) {
+        if (size() > largestWholeFile) {
+            throw ImageError(ImageError::Cause::TooLarge, "too large to be decoded as a whole");
         }
-        done += got;
+        QByteArray all = read(0, size());
+        if (all.size() < size()) {
+            throw ImageError(ImageError::Cause::Damaged, "the file was cut short while it was read");
+        }
+        m_bytes = std::move(all);
     }
-    bytes.truncate(done);
-    return bytes;
+    return m_bytes;
 }
 
 } // namespace tarnovel

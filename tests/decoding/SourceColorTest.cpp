@@ -7,15 +7,13 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 
-#include "imaging/CaptureMetadata.h"
-#include "imaging/Fixtures.h"
-#include "imaging/HeifColor.h"
-#include "imaging/ImageDecoder.h"
+#include "decoding/Fixtures.h"
+#include "decoding/HeifColor.h"
+#include "decoding/TiffDirectory.h"
+#include "decoding/VipsRuntime.h"
 #include "imaging/ImageEncoder.h"
 #include "imaging/ImageError.h"
 #include "imaging/SrgbProfile.h"
-#include "imaging/TiffDirectory.h"
-#include "imaging/VipsRuntime.h"
 
 using namespace Qt::StringLiterals;
 
@@ -259,7 +257,7 @@ TEST_F(SourceColors, PicturesOfPhonesAreKnownByTheirCodePoints)
         for (const char *length : {"00000000", "00000008", "0000000b", "00000001", "ffffffff"}) {
             QByteArray changed = file;
             changed.replace(meta, 4, QByteArray::fromHex(length));
-            readCodedColor(ImageFile(written(path(name), changed)));
+            readCodedColor(ImageFile(RegularFile(written(path(name), changed))));
         }
     }
 }

@@ -10,8 +10,7 @@
 #include <QTransform>
 
 #include "base/Cancellation.h"
-#include "imaging/Fixtures.h"
-#include "imaging/ImageDecoder.h"
+#include "decoding/Fixtures.h"
 
 using namespace Qt::StringLiterals;
 

@@ -6,7 +6,7 @@
 
 #include <jpeglib.h>
 
-#include "imaging/ImageFile.h"
+#include "decoding/ImageFile.h"
 
 namespace tarnovel {
 

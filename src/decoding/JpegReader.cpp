@@ -1,4 +1,4 @@
-#include "imaging/JpegReader.h"
+#include "decoding/JpegReader.h"
 
 #include <algorithm>
 

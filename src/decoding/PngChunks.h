@@ -4,7 +4,7 @@
 
 #include <QByteArray>
 
-#include "imaging/ImageFile.h"
+#include "decoding/ImageFile.h"
 
 namespace tarnovel {
 
@@ -12,12 +12,12 @@ namespace tarnovel {
 struct PngChunks {
     /// The EXIF block, a TIFF header and its directories; empty when there is none.
     QByteArray exif;
-    /// Whether every text and profile is small enough (64 KiB, which inflate to at most a thousand times as
-    /// much) for a parser that inflates them, and no other chunk but the pixels is over 16 MiB.
-    bool textIsSmall = true;
+    /// A PNG file of the header and the texts alone, for a parser that inflates them; empty where a text is
+    /// over 64 KiB, which may inflate to a thousand times as much, or all together are over 4 MiB.
+    QByteArray texts;
 };
 
-/// Reads chunk headers, and the content of the EXIF chunk alone.
+/// Reads chunk headers, and the content of the chunks that it is about.
 PngChunks readPngChunks(const ImageFile &file);
 
 /// Throws an ImageError for a file with a chunk besides the pixels that is larger than any picture's.

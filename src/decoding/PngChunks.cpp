@@ -1,8 +1,10 @@
-#include "imaging/PngChunks.h"
+#include "decoding/PngChunks.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
+#include <utility>
+
+#include <zlib.h>
 
 #include <QtEndian>
 
@@ -15,60 +17,12 @@ namespace {
 constexpr qint64 signatureBytes = 8;
 constexpr quint32 largestExif = 16 << 20;
 constexpr quint32 largestText = 64 << 10;
+constexpr qsizetype mostTexts = 4 << 20;
 // The libraries take every chunk but the pixels into memory as a whole.
 constexpr quint32 largestOther = 64 << 20;
 // A file of 400 megapixels in pieces of 8 KiB has fewer; one made of empty chunks is given up here.
 constexpr int mostChunks = 200'000;
 constexpr qint64 pieceBytes = 256 << 10;
-
-/// The checksum's remainders of every byte; those of table n for a byte that n others follow.
-using ChecksumTables = std::array<std::array<quint32, 256>, 8>;
-
-constexpr ChecksumTables makeChecksumTables()
-{
-    ChecksumTables tables{};
-    for (quint32 byte = 0; byte < 256; ++byte) {
-        quint32 remainder = byte;
-        for (int bit = 0; bit < 8; ++bit) {
-            remainder = (remainder >> 1) ^ ((remainder & 1) != 0 ? 0xedb88320 : 0);
-        }
-        tables[0][byte] = remainder;
-    }
-    for (size_t table = 1; table < tables.size(); ++table) {
-        for (size_t byte = 0; byte < 256; ++byte) {
-            const quint32 before = tables[table - 1][byte];
-            tables[table][byte] = (before >> 8) ^ tables[0][before & 0xff];
-        }
-    }
-    return tables;
-}
-
-constexpr ChecksumTables checksumTables = makeChecksumTables();
-
-/// The CRC-32 of a chunk, eight bytes at a time.
-class Checksum {
-public:
-    void add(std::string_view bytes)
-    {
-        const auto &tables = checksumTables;
-        for (; bytes.size() >= 8; bytes.remove_prefix(8)) {
-            const quint32 low = m_remainder ^ qFromLittleEndian<quint32>(bytes.data());
-            const auto high = qFromLittleEndian<quint32>(bytes.data() + 4);
-            m_remainder = tables[7][low & 0xff] ^ tables[6][(low >> 8) & 0xff] ^
-                          tables[5][(low >> 16) & 0xff] ^ tables[4][low >> 24] ^ tables[3][high & 0xff] ^
-                          tables[2][(high >> 8) & 0xff] ^ tables[1][(high >> 16) & 0xff] ^
-                          tables[0][high >> 24];
-        }
-        for (const char byte : bytes) {
-            m_remainder = (m_remainder >> 8) ^ tables[0][(m_remainder ^ static_cast<uchar>(byte)) & 0xff];
-        }
-    }
-
-    quint32 value() const { return ~m_remainder; }
-
-private:
-    quint32 m_remainder = 0xffffffff;
-};
 
 /// Reads a file from front to back through one piece of it.
 class PieceReader {
@@ -127,24 +81,30 @@ bool isCritical(const QByteArray &type)
 PngChunks readPngChunks(const ImageFile &file)
 {
     PngChunks found;
+    QByteArray texts = file.read(0, signatureBytes);
     qint64 at = signatureBytes;
     for (int i = 0; i < mostChunks; ++i) {
         const QByteArray head = file.read(at, 8);
+        const QByteArray type = head.mid(4);
         if (head.size() < 8) {
+            texts += QByteArray::fromHex("0000000049454e44ae426082"); // the chunk that ends a file
+            found.texts = std::move(texts);
             return found;
         }
         const auto length = qFromBigEndian<quint32>(head.constData());
-        const QByteArray type = head.mid(4);
         if (type == "eXIf" && length <= largestExif) {
             found.exif = file.read(at + 8, length);
             return found;
         }
-        const bool text = type == "zTXt" || type == "iTXt" || type == "iCCP" || type == "tEXt";
-        const bool large = length > (text ? largestText : largestExif);
-        found.textIsSmall = found.textIsSmall && (type == "IDAT" || !large);
+        const bool text = type == "zTXt" || type == "iTXt" || type == "tEXt";
+        if (text && (length > largestText || texts.size() > mostTexts)) {
+            return found;
+        }
+        if (text || type == "IHDR") {
+            texts += file.read(at, 12 + qint64(std::min(length, largestText)));
+        }
         at += 12 + qint64(length);
     }
-    found.textIsSmall = false;
     return found;
 }
 
@@ -180,14 +140,13 @@ void checkPngData(const ImageFile &file, const std::stop_token &stop)
             reader.skip(left + 4);
             continue;
         }
-        Checksum checksum;
-        checksum.add({type.constData(), 4});
+        uLong checksum = crc32(0, reinterpret_cast<const Bytef *>(type.constData()), 4);
         while (left > 0) {
             const std::string_view part = reader.next(left);
-            checksum.add(part);
+            checksum = crc32_z(checksum, reinterpret_cast<const Bytef *>(part.data()), part.size());
             left -= static_cast<qint64>(part.size());
         }
-        if (qFromBigEndian<quint32>(reader.take(4).constData()) != checksum.value()) {
+        if (qFromBigEndian<quint32>(reader.take(4).constData()) != checksum) {
             throw ImageError(ImageError::Cause::Damaged, "wrong checksum in " + type);
         }
         hasData = hasData || type == "IDAT";

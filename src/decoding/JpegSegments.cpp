@@ -1,4 +1,4 @@
-#include "imaging/JpegSegments.h"
+#include "decoding/JpegSegments.h"
 
 #include <map>
 

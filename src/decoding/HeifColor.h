@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "imaging/ImageFile.h"
+#include "decoding/ImageFile.h"
 
 namespace tarnovel {
 

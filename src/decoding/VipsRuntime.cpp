@@ -1,4 +1,4 @@
-#include "imaging/VipsRuntime.h"
+#include "decoding/VipsRuntime.h"
 
 #include <new>
 

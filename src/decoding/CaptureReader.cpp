@@ -1,4 +1,4 @@
-#include "imaging/CaptureMetadata.h"
+#include "decoding/CaptureReader.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,17 +6,11 @@
 #include <mutex>
 #include <utility>
 
-#include <QFile>
 #include <QStringDecoder>
 
 #include <exiv2/webpimage.hpp>
 
-#include "imaging/ExifLibrary.h"
-#include "imaging/ImageFile.h"
-#include "imaging/JpegSegments.h"
-#include "imaging/PngChunks.h"
-#include "imaging/TiffDirectory.h"
-#include "imaging/VipsDecoder.h"
+#include "decoding/ExifLibrary.h"
 
 namespace tarnovel {
 namespace {
@@ -24,81 +18,6 @@ namespace {
 constexpr qsizetype longestText = 1000;
 // The highest value that 16 bits hold: the real one stands elsewhere.
 constexpr qint64 isoElsewhere = 65535;
-
-void prepareParser()
-{
-    static std::once_flag once;
-    std::call_once(once, [] {
-        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        readHeifToo();
-        Exiv2::XmpParser::initialize();
-    });
-}
-
-Exiv2::ExifData decoded(const QByteArray &exif)
-{
-    Exiv2::ExifData data;
-    Exiv2::ExifParser::decode(data, reinterpret_cast<const Exiv2::byte *>(exif.constData()),
-                              static_cast<uint32_t>(exif.size()));
-    return data;
-}
-
-Exiv2::ExifData readByParser(const QString &path, const ImageFile &file)
-{
-    ExifIo io(new Exiv2::FileIo(QFile::encodeName(path).toStdString()));
-    ExifImage image;
-    switch (file.format()) {
-    case PictureFormat::Png:
-        image = Exiv2::newPngInstance(std::move(io), false);
-        break;
-    case PictureFormat::WebP:
-        image = Exiv2::newWebPInstance(std::move(io), false);
-        break;
-    case PictureFormat::Heif:
-    case PictureFormat::Avif:
-        image = Exiv2::newBmffInstance(std::move(io), false);
-        break;
-    case PictureFormat::Jpeg:
-    case PictureFormat::Tiff:
-        break;
-    }
-    if (image.get() == nullptr || !image->good()) {
-        return {};
-    }
-    image->readMetadata();
-    return image->exifData();
-}
-
-Exiv2::ExifData readExif(const QString &path)
-{
-    const ImageFile file(path);
-    prepareParser();
-    if (file.format() == PictureFormat::Jpeg) {
-        return decoded(readJpegSegments(file).exif);
-    }
-    if (file.format() == PictureFormat::Tiff) {
-        // The parser would map the whole file, and a mapped file that somebody cuts short ends the program.
-        return decoded(captureBlock(
-            TiffDirectories([&file](qint64 offset, qint64 count) { return file.read(offset, count); })));
-    }
-    if (file.format() == PictureFormat::Png) {
-        const PngChunks chunks = readPngChunks(file);
-        if (!chunks.exif.isEmpty() || !chunks.textIsSmall) {
-            return decoded(chunks.exif);
-        }
-    }
-    if (file.format() != PictureFormat::Heif && file.format() != PictureFormat::Avif) {
-        return readByParser(path, file);
-    }
-    // The parser misses the block where a file keeps it in some of the ways that the decoder knows.
-    Exiv2::ExifData data;
-    try {
-        data = readByParser(path, file);
-    } catch (const std::exception &) {
-        data.clear();
-    }
-    return data.empty() ? decoded(readVipsExif(file)) : data;
-}
 
 const Exiv2::Value *find(const Exiv2::ExifData &data, const char *key)
 {
@@ -161,13 +80,11 @@ std::optional<qint64> sensitivity(const Exiv2::ExifData &data)
     return index ? index : rating;
 }
 
-} // namespace
-
-CaptureMetadata readCaptureMetadata(const QString &path)
+/// What can be read before a fault stays.
+CaptureMetadata readFrom(const Exiv2::ExifData &data)
 {
     CaptureMetadata metadata;
     try {
-        const Exiv2::ExifData data = readExif(path);
         metadata.make = text(data, "Exif.Image.Make");
         metadata.model = text(data, "Exif.Image.Model");
         metadata.focalLengthMm = fraction(data, "Exif.Photo.FocalLength");
@@ -176,9 +93,53 @@ CaptureMetadata readCaptureMetadata(const QString &path)
         metadata.iso = sensitivity(data);
         metadata.originalDate = text(data, "Exif.Photo.DateTimeOriginal");
     } catch (const std::exception &) {
-        return metadata; // what was read before the fault stays
+        return metadata;
     }
     return metadata;
+}
+
+} // namespace
+
+void prepareParser()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        readHeifToo();
+        Exiv2::XmpParser::initialize();
+    });
+}
+
+CaptureMetadata captureMetadata(const QByteArray &exif)
+{
+    prepareParser();
+    Exiv2::ExifData data;
+    try {
+        Exiv2::ExifParser::decode(data, reinterpret_cast<const Exiv2::byte *>(exif.constData()),
+                                  static_cast<uint32_t>(exif.size()));
+    } catch (const std::exception &) {
+        return {};
+    }
+    return readFrom(data);
+}
+
+std::optional<CaptureMetadata> captureMetadataByParser(PictureFormat format, const QByteArray &file)
+{
+    prepareParser();
+    try {
+        ExifIo io(new Exiv2::MemIo(reinterpret_cast<const Exiv2::byte *>(file.constData()),
+                                   static_cast<ByteCount>(file.size())));
+        ExifImage image = format == PictureFormat::Png    ? Exiv2::newPngInstance(std::move(io), false)
+                          : format == PictureFormat::WebP ? Exiv2::newWebPInstance(std::move(io), false)
+                                                          : Exiv2::newBmffInstance(std::move(io), false);
+        if (image.get() == nullptr || !image->good()) {
+            return std::nullopt;
+        }
+        image->readMetadata();
+        return image->exifData().empty() ? std::nullopt : std::optional(readFrom(image->exifData()));
+    } catch (const std::exception &) {
+        return std::nullopt;
+    }
 }
 
 } // namespace tarnovel

@@ -14,11 +14,8 @@
 
 #include <turbojpeg.h>
 
-#include "imaging/CaptureMetadata.h"
-#include "imaging/Fixtures.h"
-#include "imaging/ImageDecoder.h"
+#include "decoding/Fixtures.h"
 #include "imaging/ImageError.h"
-#include "imaging/VipsDecoder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -130,12 +127,12 @@ TEST_F(HostileFile, AFileCutShortWhileItIsReadCostsOnlyItself)
     const QImage image = texture(QSize(300, 240));
     for (const QString &name : {u"a.webp"_s, u"a.heic"_s, u"a.avif"_s, u"a.tif"_s, u"a.png"_s}) {
         save(image, path(name));
-        const ImageFile opened(path(name));
+        PhotoFile opened{RegularFile(path(name))};
         QFile file(path(name));
         ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.resize(file.size() / 3));
-        EXPECT_THROW(decodeWithVips(opened, QRect(QPoint(), image.size()), QSize(90, 72), {}), ImageError)
+        EXPECT_THROW(opened.decode({{QRectF({}, QSizeF(image.size())), QSize(90, 72)}}), ImageError)
             << name.toStdString();
-        readCaptureMetadata(path(name));
+        opened.metadata();
     }
 }
 

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QSize>
 
-#include "imaging/ImageFile.h"
+#include "decoding/ImageFile.h"
 
 namespace tarnovel {
 

@@ -1,4 +1,4 @@
-#include "imaging/ColorProfile.h"
+#include "decoding/ColorProfile.h"
 
 #include <algorithm>
 #include <mutex>
@@ -6,7 +6,7 @@
 
 #include <QLoggingCategory>
 
-#include "imaging/VipsRuntime.h"
+#include "decoding/VipsRuntime.h"
 
 namespace tarnovel {
 namespace {

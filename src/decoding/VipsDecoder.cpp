@@ -1,4 +1,4 @@
-#include "imaging/VipsDecoder.h"
+#include "decoding/VipsDecoder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,12 +8,11 @@
 #include <unistd.h>
 
 #include "base/Cancellation.h"
+#include "decoding/PngChunks.h"
+#include "decoding/TiffDirectory.h"
 #include "imaging/ImageError.h"
 #include "imaging/ImageLimits.h"
 #include "imaging/PlaneScaler.h"
-#include "imaging/PngChunks.h"
-#include "imaging/TiffDirectory.h"
-#include "imaging/VipsRuntime.h"
 
 namespace tarnovel {
 namespace {
@@ -23,7 +22,6 @@ constexpr double mostPixelsInMemory = 64e6;
 // Formats and layouts that the libraries decode as a whole: several copies of them stay below a gigabyte.
 constexpr qint64 mostWholePixels = 128'000'000;
 constexpr qint64 mostWholeBytes = 800'000'000;
-constexpr qint64 largestWholeFile = 256'000'000;
 
 [[noreturn]] void throwDamaged()
 {
@@ -56,8 +54,6 @@ int pageOf(const ImageFile &file)
     return *page;
 }
 
-/// The formats whose files the libraries take as a whole. They would map them, and a mapped file that
-/// somebody cuts short meanwhile ends the program: those are read instead.
 bool isReadWhole(const ImageFile &file)
 {
     return file.format() == PictureFormat::Heif || file.format() == PictureFormat::Avif ||
@@ -74,20 +70,11 @@ VipsSourcePtr sourceOf(const ImageFile &file)
         lseek(file.descriptor(), 0, SEEK_SET);
         return VipsSourcePtr(vips_source_new_from_descriptor(file.descriptor()));
     }
-    if (file.size() > largestWholeFile) {
-        throw ImageError(ImageError::Cause::TooLarge, "too large to be decoded as a whole");
-    }
-    const QByteArray bytes = file.read(0, file.size());
-    if (bytes.size() < file.size()) {
-        throw ImageError(ImageError::Cause::Damaged, "the file was cut short while it was read");
-    }
-    VipsBlob *blob = vips_blob_copy(bytes.constData(), static_cast<size_t>(bytes.size()));
-    VipsSourcePtr source(vips_source_new_from_blob(blob));
-    vips_area_unref(VIPS_AREA(blob));
-    return source;
+    const QByteArray &bytes = file.bytes();
+    return VipsSourcePtr(vips_source_new_from_memory(bytes.constData(), static_cast<size_t>(bytes.size())));
 }
 
-VipsImagePtr load(const ImageFile &file, const std::stop_token &stop = {})
+VipsImagePtr load(const ImageFile &file, const std::stop_token &stop)
 {
     const int page = file.format() == PictureFormat::Tiff ? pageOf(file) : 0;
     ensureVips();
@@ -283,50 +270,55 @@ PackedSource packedSource(VipsImage *image, void *memory)
     return packed;
 }
 
-/// The whole pixels of the picture that the region needs, with what the filter reads beside it.
-QRect neededPixels(QSize picture, const QRectF &region, QSize size)
+/// The whole pixels of the picture that the parts need, with what the filter reads beside them.
+QRect neededPixels(QSize picture, const QList<PicturePart> &parts)
 {
-    const AxisPlan x = planAxis(picture.width(), region.x(), region.width(), size.width());
-    const AxisPlan y = planAxis(picture.height(), region.y(), region.height(), size.height());
-    const QRect window(QPoint(x.windowBegin, y.windowBegin), QPoint(x.windowEnd - 1, y.windowEnd - 1));
-    const QRect needed = window & QRect(QPoint(), picture);
+    QRect needed;
+    for (const auto &[region, size] : parts) {
+        const AxisPlan x = planAxis(picture.width(), region.x(), region.width(), size.width());
+        const AxisPlan y = planAxis(picture.height(), region.y(), region.height(), size.height());
+        needed |= QRect(QPoint(x.windowBegin, y.windowBegin), QPoint(x.windowEnd - 1, y.windowEnd - 1)) &
+                  QRect(QPoint(), picture);
+    }
     return needed.isEmpty() ? QRect(QPoint(), picture) : needed;
 }
 
 } // namespace
 
-VipsHeader readVipsHeader(const ImageFile &file)
+VipsPicture::VipsPicture(const ImageFile &file, const std::stop_token &stop)
+    : m_file(file), m_image(load(file, stop))
 {
-    const VipsImagePtr image = load(file);
-    VipsHeader header;
-    header.size = QSize(image->Xsize, image->Ysize);
-    checkPictureSize(header.size);
-    checkWholeDecode(file, image.get());
-    if (file.format() != PictureFormat::Heif && file.format() != PictureFormat::Avif) {
-        header.orientation = vips_image_get_orientation(image.get());
-    }
-    return header;
+    checkPictureSize(size());
+    checkWholeDecode(file, m_image.get());
 }
 
-QByteArray readVipsExif(const ImageFile &file)
+QSize VipsPicture::size() const
 {
-    const VipsImagePtr image = load(file);
-    const QByteArray exif = blobOf(image.get(), VIPS_META_EXIF_NAME);
+    return {m_image->Xsize, m_image->Ysize};
+}
+
+int VipsPicture::orientation() const
+{
+    const bool turned = m_file.format() == PictureFormat::Heif || m_file.format() == PictureFormat::Avif;
+    return turned ? 1 : vips_image_get_orientation(m_image.get());
+}
+
+QByteArray VipsPicture::exif() const
+{
+    const QByteArray exif = blobOf(m_image.get(), VIPS_META_EXIF_NAME);
     const QByteArray heading("Exif\0\0", 6);
     return exif.startsWith(heading) ? exif.mid(heading.size()) : exif;
 }
 
-VipsPixels decodeWithVips(const ImageFile &file, const QRectF &region, QSize size,
-                          const std::stop_token &stop)
+VipsPicture::Pixels VipsPicture::decode(const QList<PicturePart> &parts, const std::stop_token &stop) &&
 {
-    VipsImagePtr image = load(file, stop);
+    ensureVips();
+    VipsImagePtr image = std::move(m_image);
     const QSize picture(image->Xsize, image->Ysize);
-    checkPictureSize(picture);
-    checkWholeDecode(file, image.get());
-    VipsPixels result;
+    Pixels result;
     result.profile = blobOf(image.get(), VIPS_META_ICC_NAME);
 
-    const QRect needed = neededPixels(picture, region, size);
+    const QRect needed = neededPixels(picture, parts);
     VipsImage *made = nullptr;
     if (needed.size() != picture) {
         const int failed = vips_extract_area(image.get(), &made, needed.left(), needed.top(), needed.width(),
@@ -349,12 +341,13 @@ VipsPixels decodeWithVips(const ImageFile &file, const QRectF &region, QSize siz
     if (!memory) {
         throwDamaged();
     }
+    const PackedSource source = packedSource(image.get(), memory.get());
     const double scale = 1.0 / std::max(factor, 1);
-    const QRectF inMemory = QRectF(region.topLeft() - QPointF(needed.topLeft()), region.size());
-    result.image = scalePacked(
-        packedSource(image.get(), memory.get()),
-        QRectF(inMemory.topLeft() * scale, QSizeF(inMemory.width() * scale, inMemory.height() * scale)), size,
-        stop, DeepPixels::Kept);
+    for (const auto &[region, size] : parts) {
+        const QPointF corner = region.topLeft() - QPointF(needed.topLeft());
+        result.images.append(
+            scalePacked(source, QRectF(corner * scale, region.size() * scale), size, stop, DeepPixels::Kept));
+    }
     return result;
 }
 

@@ -1,4 +1,4 @@
-#include "imaging/TiffDirectory.h"
+#include "decoding/TiffDirectory.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "imaging/HeifColor.h"
+#include "decoding/HeifColor.h"
 
 #include <functional>
 

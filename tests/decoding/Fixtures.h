@@ -1,23 +1,15 @@
 #pragma once
 
+#include <stop_token>
+
 #include <QByteArray>
 #include <QImage>
-#include <QRectF>
 #include <QString>
 
+#include "decoding/PhotoFile.h"
+#include "imaging/Pictures.h"
+
 namespace tarnovel::test {
-
-/// Smooth colour with texture down to four pixels: nothing that halving aliases, much that a poor filter
-/// loses.
-QImage texture(QSize size);
-/// A quarter in each of four colours: red, green / blue, yellow.
-QImage quarters(QSize size);
-
-/// Lanczos-3 in double precision whose edge pixels go on.
-QImage lanczosReference(const QImage &image, const QRectF &region, QSize size);
-/// Over red, green, blue (and alpha, where both have it); 99 for equal images.
-double psnr(const QImage &one, const QImage &other);
-double psnr(const QImage &one, const QImage &other, const QRect &area);
 
 struct JpegOptions {
     int quality = 95;
@@ -57,6 +49,13 @@ struct SaveOptions {
 };
 void save(const QImage &image, const QString &path, const QString &brackets = {},
           const SaveOptions &options = {});
+
+/// The picture of a file, read as the decoder reads it.
+QImage decodeImage(const QString &path, int maxPixel, const std::stop_token &stop = {});
+QImage decodeImageRegion(const QString &path, const QRectF &region, QSize size,
+                         const std::stop_token &stop = {});
+ImageHeader readImageHeader(const QString &path);
+CaptureMetadata readCaptureMetadata(const QString &path);
 
 QString written(const QString &path, const QByteArray &bytes);
 QByteArray contents(const QString &path);

@@ -6,8 +6,7 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 
-#include "imaging/CaptureMetadata.h"
-#include "imaging/Fixtures.h"
+#include "decoding/Fixtures.h"
 
 using namespace Qt::StringLiterals;
 

@@ -10,6 +10,7 @@ namespace tarnovel {
 #if EXIV2_TEST_VERSION(0, 28, 0)
 using ExifIo = Exiv2::BasicIo::UniquePtr;
 using ExifImage = Exiv2::Image::UniquePtr;
+using ByteCount = size_t;
 
 /// It reads HEIC and AVIF unasked.
 inline void readHeifToo() {}
@@ -21,6 +22,7 @@ inline int64_t firstWhole(const Exiv2::Value &value)
 #else
 using ExifIo = Exiv2::BasicIo::AutoPtr;
 using ExifImage = Exiv2::Image::AutoPtr;
+using ByteCount = long;
 
 inline void readHeifToo()
 {
