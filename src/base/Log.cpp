@@ -12,6 +12,7 @@ namespace tarnovel {
 
 Q_LOGGING_CATEGORY(logModel, "tarnovel.model", QtInfoMsg)
 Q_LOGGING_CATEGORY(logImaging, "tarnovel.imaging", QtInfoMsg)
+Q_LOGGING_CATEGORY(logDecoder, "tarnovel.decoder", QtInfoMsg)
 Q_LOGGING_CATEGORY(logEditor, "tarnovel.editor", QtInfoMsg)
 Q_LOGGING_CATEGORY(logExport, "tarnovel.export", QtInfoMsg)
 Q_LOGGING_CATEGORY(logCollage, "tarnovel.collage", QtInfoMsg)

@@ -9,6 +9,7 @@ namespace tarnovel {
 /// printed unless QT_LOGGING_RULES turns "tarnovel" on or `printLog` was called; the last lines are kept.
 Q_DECLARE_LOGGING_CATEGORY(logModel)
 Q_DECLARE_LOGGING_CATEGORY(logImaging)
+Q_DECLARE_LOGGING_CATEGORY(logDecoder)
 Q_DECLARE_LOGGING_CATEGORY(logEditor)
 Q_DECLARE_LOGGING_CATEGORY(logExport)
 Q_DECLARE_LOGGING_CATEGORY(logCollage)

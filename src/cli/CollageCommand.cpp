@@ -268,7 +268,7 @@ int makeCollage(const CollageRequest &request, const Interruption &interruption)
     // A try with any photos finds what is wrong with the options before a file is opened.
     designFrom(request, QList<QSizeF>(request.photos.size(), QSizeF(3, 2)));
     const TemporaryFolder temporary;
-    ImagePipeline pipeline(QString(), temporary.path());
+    ImagePipeline pipeline(QString(), temporary.path(), PipelineUse::Command);
     QList<PhotoItem> photos;
     QList<QSizeF> sizes;
     for (const QString &photo : request.photos) {

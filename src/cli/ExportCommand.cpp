@@ -312,7 +312,7 @@ int exportSession(const ExportRequest &request, const ExportOptions &options,
     const Session session = storedSession();
     makeFolder(request.folder);
     const TemporaryFolder temporary;
-    ImagePipeline pipeline(LibraryPaths::location(), temporary.path());
+    ImagePipeline pipeline(LibraryPaths::location(), temporary.path(), PipelineUse::Command);
     CommandRun run(request, options, pipeline, interruption, static_cast<int>(session.photos.size()));
     for (const PhotoItem &item : session.photos) {
         run.exportOne(item.name, [&item] { return item; });
@@ -329,7 +329,7 @@ int exportPhotos(const ExportRequest &request, const ExportOptions &options, con
         throw UsageError{localized({"没有指定照片。", "No photo is named.", "Aucune photo indiquée."})};
     }
     const TemporaryFolder temporary;
-    ImagePipeline pipeline(QDir::currentPath(), temporary.path());
+    ImagePipeline pipeline(QDir::currentPath(), temporary.path(), PipelineUse::Command);
     const Styler styler = stylerFrom(request, pipeline, interruption);
     makeFolder(request.folder);
     CommandRun run(request, options, pipeline, interruption, static_cast<int>(request.photos.size()));

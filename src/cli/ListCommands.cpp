@@ -83,7 +83,7 @@ QString inspectionText(const QString &photo, const PhotoItem &item, const QList<
 
 int runInspect(const QStringList &photos, bool json, const Interruption &interruption)
 {
-    ImagePipeline pipeline(QDir::currentPath(), QDir::tempPath());
+    ImagePipeline pipeline(QDir::currentPath(), QDir::tempPath(), PipelineUse::Command);
     int status = 0;
     try {
         for (const QString &photo : photos) {

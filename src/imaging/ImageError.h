@@ -9,7 +9,8 @@ namespace tarnovel {
 class ImageError : public QException {
 public:
     /// `SmallPreview`: the file holds its picture in a raw form, and only a thumbnail to be read.
-    enum class Cause { Missing, Unsupported, TooLarge, Damaged, SmallPreview };
+    /// `NoDecoder`: nothing is wrong with the file, but what reads it cannot be started.
+    enum class Cause { Missing, Unsupported, TooLarge, Damaged, SmallPreview, NoDecoder };
 
     ImageError(Cause cause, const QByteArray &detail) : m_cause(cause), m_detail(detail) {}
     void raise() const override { throw *this; }

@@ -16,10 +16,8 @@
 #include "base/AtomicFile.h"
 #include "base/Cancellation.h"
 #include "base/FileError.h"
-#include "base/FileTrouble.h"
 #include "base/Log.h"
 #include "base/Uuid.h"
-#include "decoding/PhotoFile.h"
 #include "imaging/ImageEncoder.h"
 #include "imaging/ImageError.h"
 #include "imaging/Resampler.h"
@@ -42,6 +40,8 @@ constexpr int palettePixels = 120;
 constexpr int testDecodePixels = 100;
 constexpr qsizetype mostPalettes = 100;
 constexpr double defaultQuality = 0.95;
+/// One that is read, and one that is drawn, encoded and written.
+constexpr int photosAtWork = 2;
 
 int longSide(QSizeF size)
 {
@@ -70,27 +70,6 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
     return bytes;
 }
 
-QImage decodedWhole(const QString &path, int maxPixel, const std::stop_token &stop)
-{
-    PhotoFile photo{RegularFile(path)};
-    return photo.decode({PicturePart::whole(photo.header().uprightSize(), maxPixel)}, stop).first();
-}
-
-std::optional<PictureFault> faultOf(const ImageError &error)
-{
-    switch (error.cause()) {
-    case ImageError::Cause::SmallPreview:
-        return PictureFault::SmallPreview;
-    case ImageError::Cause::TooLarge:
-        return PictureFault::TooLarge;
-    case ImageError::Cause::Missing:
-    case ImageError::Cause::Unsupported:
-    case ImageError::Cause::Damaged:
-        break;
-    }
-    return std::nullopt;
-}
-
 template<typename Work>
 auto promised(const QString &subject, const std::stop_token &stop, const Work &work)
 {
@@ -114,24 +93,106 @@ auto promised(const QString &subject, const std::stop_token &stop, const Work &w
     }
 }
 
+template<typename Value, typename Work>
+void fulfil(QPromise<Value> &promise, const QString &subject, const std::stop_token &stop, const Work &work)
+{
+    try {
+        promise.addResult(promised(subject, stop, work));
+    } catch (...) {
+        promise.setException(std::current_exception());
+    }
+    promise.finish();
+}
+
+CompositionImages imagesFor(PhotoReader &reader, const PhotoItem &item, QSize canvas,
+                            const std::stop_token &stop)
+{
+    const FrameSettings &settings = item.settings;
+    const int edge = longSide(canvas);
+    // A film frame fills the whole canvas with its base: nothing would be seen of a backdrop.
+    const bool hasBackdrop = settings.style != FrameStyle::film;
+    const bool blurs = hasBackdrop && settings.background == Backdrop::blur;
+    CompositionImages images;
+    PhotoReader::Placed read =
+        reader.placed(item.file, CompositionRenderer::photoPlacement(item, settings, canvas), canvas,
+                      blurs ? ImagePipeline::blurSourcePixels : 0, stop);
+    images.photo = read.photo;
+    throwIfCancelled(stop);
+    if (blurs) {
+        images.background = coveringPicture(gaussianBlurred(read.small, blurSigma), canvas);
+    } else if (hasBackdrop && settings.background == Backdrop::image && settings.backgroundFile) {
+        images.background = coveringPicture(
+            reader.picture(FramePicture::Background, *settings.backgroundFile, backdropPixels, stop), canvas);
+    }
+    throwIfCancelled(stop);
+    // Logo and signature are resampled to the pixels that they cover, as the photo is: the painter scales
+    // badly.
+    const TextLayer *logo = settings.layer(u"watermark"_s);
+    if (const QSize size = logoPixels(item, canvas); !size.isEmpty()) {
+        const int most = std::min(edge, logoPixelsDecoded);
+        images.watermark = scaledPicture(
+            reader.picture(FramePicture::Logo, *logo->imageFile, std::min(most, longSide(size)), stop), size);
+    }
+    if (settings.handwritingFile) {
+        // Its own aspect decides on its size where the settings have none.
+        const double widest = settings.handwritingWidth.value_or(0.42) * canvas.width();
+        const double aspect = std::max(settings.handwritingAspect.value_or(1), 0.1);
+        const int drawn = longSide({widest, settings.handwritingAspect ? widest / aspect : widest});
+        const QImage picture =
+            reader.picture(FramePicture::Signature, *settings.handwritingFile,
+                           std::max(1, std::min({edge, signaturePixelsDecoded, drawn})), stop);
+        images.handwriting = scaledPicture(picture, signaturePixels(item, picture.size(), canvas));
+    }
+    return images;
+}
+
+/// The images are let go as soon as they have been drawn: the memory that they lie in is wanted for the next.
+void compose(QImage &canvas, const PhotoItem &item, CompositionImages images)
+{
+    if (canvas.isNull()) {
+        throw PipelineFailure(PipelineError::tooLarge);
+    }
+    QPainter painter(&canvas);
+    CompositionRenderer::draw(painter, item, item.settings, canvas.size(), images);
+}
+
+/// A photo that has been read, and the canvas that it is for.
+struct ReadPhoto {
+    QSize canvas;
+    CompositionImages images;
+};
+
 } // namespace
 
-ImagePipeline::ImagePipeline(QString libraryFolder, QString temporaryFolder)
-    : m_libraryFolder(std::move(libraryFolder)), m_temporaryFolder(std::move(temporaryFolder))
+ImagePipeline::Lane::Lane(const QString &libraryFolder, PictureMemory memory) : reader(libraryFolder, memory)
 {
-    m_thread.setMaxThreadCount(1);
-    m_thread.setExpiryTimeout(-1);
+    thread.setMaxThreadCount(1);
+    thread.setExpiryTimeout(-1); // a decoder ends with the thread that started it
+}
+
+ImagePipeline::ImagePipeline(QString libraryFolder, QString temporaryFolder, PipelineUse use)
+    : m_temporaryFolder(std::move(temporaryFolder)),
+      m_reading(libraryFolder, PictureMemory::None),
+      m_ownScreen(use == PipelineUse::Editor ? std::make_unique<Lane>(libraryFolder, PictureMemory::Kept)
+                                             : nullptr),
+      m_screen(m_ownScreen ? *m_ownScreen : m_reading),
+      m_room(photosAtWork)
+{
+    m_composing.setMaxThreadCount(1);
+    m_composing.setExpiryTimeout(-1);
 }
 
 ImagePipeline::~ImagePipeline()
 {
-    m_thread.waitForDone();
+    m_screen.thread.waitForDone();
+    m_reading.thread.waitForDone();
+    m_composing.waitForDone();
 }
 
-/// Runs `work(stop)` on the service's thread. What the lower layers throw becomes what the service promises;
-/// the log gets the cause, with the `subject`.
+/// Runs `work(stop)` on the thread. What the lower layers throw becomes what the service promises; the log
+/// gets the cause, with the `subject`.
 template<typename Work>
-auto ImagePipeline::enqueue(const QString &subject, std::stop_token stop, Work work)
+auto ImagePipeline::enqueue(QThreadPool &thread, const QString &subject, std::stop_token stop, Work work)
 {
     using Value = std::decay_t<std::invoke_result_t<Work, const std::stop_token &>>;
     // A promise, not QtConcurrent::run: whoever waits for a task of that may be made to run it, out of turn
@@ -139,28 +200,71 @@ auto ImagePipeline::enqueue(const QString &subject, std::stop_token stop, Work w
     const auto promise = std::make_shared<QPromise<Value>>();
     QFuture<Value> future = promise->future();
     promise->start(); // nobody waits for a future that has not started
-    m_thread.start([promise, subject, stop = std::move(stop), work = std::move(work)] {
-        try {
-            promise->addResult(promised(subject, stop, work));
-        } catch (...) {
-            promise->setException(std::current_exception());
-        }
-        promise->finish();
+    thread.start([promise, subject, stop = std::move(stop), work = std::move(work)] {
+        fulfil(*promise, subject, stop, work);
     });
     return future;
 }
 
+QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const ExportOptions &options,
+                                                 std::stop_token stop)
+{
+    const auto promise = std::make_shared<QPromise<ExportedFile>>();
+    QFuture<ExportedFile> future = promise->future();
+    promise->start();
+    ++m_exports;
+    m_reading.thread.start([this, promise, item, options, stop = std::move(stop)] {
+        // Two photos at most are between their reading and their end.
+        m_room.acquire();
+        const auto read = std::make_shared<ReadPhoto>();
+        try {
+            *read = promised(item.file, stop, [&](const std::stop_token &token) {
+                const QSize canvas = outputCanvas(item, options);
+                return ReadPhoto{canvas, imagesFor(m_reading.reader, item, canvas, token)};
+            });
+        } catch (...) {
+            ended();
+            promise->setException(std::current_exception());
+            promise->finish();
+            return;
+        }
+        m_composing.start([this, promise, item, options, stop, read] {
+            fulfil(*promise, item.file, stop, [&](const std::stop_token &token) {
+                if (m_canvas.size() != read->canvas) {
+                    m_canvas = QImage();
+                    m_canvas = QImage(read->canvas, QImage::Format_RGB32);
+                }
+                compose(m_canvas, item, std::exchange(read->images, {}));
+                throwIfCancelled(token);
+                return written(m_canvas, options, token);
+            });
+            ended();
+        });
+    });
+    return future;
+}
+
+void ImagePipeline::ended()
+{
+    m_room.release();
+    if (--m_exports == 0) {
+        m_composing.start([this] { m_canvas = {}; });
+        m_reading.thread.start([this] { m_reading.reader.rest(); });
+    }
+}
+
 QFuture<QImage> ImagePipeline::read(const QString &file, int maxPixel, std::stop_token stop)
 {
-    return enqueue(file, std::move(stop), [this, file, maxPixel](const std::stop_token &token) {
-        return decoded(file, maxPixel, token);
-    });
+    return enqueue(m_screen.thread, file, std::move(stop),
+                   [this, file, maxPixel](const std::stop_token &token) {
+                       return m_screen.reader.picture(FramePicture::Photo, file, maxPixel, token);
+                   });
 }
 
 QFuture<PhotoItem> ImagePipeline::inspect(const ImportedFile &imported, TestDecode testDecode,
                                           std::stop_token stop)
 {
-    return enqueue(imported.file, std::move(stop),
+    return enqueue(m_screen.thread, imported.file, std::move(stop),
                    [this, imported, testDecode](const std::stop_token &token) {
                        return inspected(imported, testDecode, token);
                    });
@@ -168,13 +272,13 @@ QFuture<PhotoItem> ImagePipeline::inspect(const ImportedFile &imported, TestDeco
 
 QFuture<QList<Ink>> ImagePipeline::primaryColors(const QString &file, std::stop_token stop)
 {
-    return enqueue(file, std::move(stop),
+    return enqueue(m_screen.thread, file, std::move(stop),
                    [this, file](const std::stop_token &token) { return colors(file, token); });
 }
 
 QFuture<QImage> ImagePipeline::blurred(const QImage &image, std::stop_token stop)
 {
-    return enqueue(u"blur"_s, std::move(stop), [image](const std::stop_token &) {
+    return enqueue(m_screen.thread, u"blur"_s, std::move(stop), [image](const std::stop_token &) {
         if (image.isNull()) {
             throw PipelineFailure(PipelineError::unreadable);
         }
@@ -182,103 +286,59 @@ QFuture<QImage> ImagePipeline::blurred(const QImage &image, std::stop_token stop
     });
 }
 
-QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const ExportOptions &options,
-                                                 std::stop_token stop)
-{
-    return enqueue(item.file, std::move(stop), [this, item, options](const std::stop_token &token) {
-        return exported(item, options, token);
-    });
-}
-
 QFuture<PhotoImage> ImagePipeline::readPlaced(const QString &file, const PhotoPlacement &placement,
                                               QSize canvas, std::stop_token stop)
 {
-    return enqueue(file, std::move(stop), [this, file, placement, canvas](const std::stop_token &token) {
-        return placed(file, placement, canvas, token);
-    });
+    return enqueue(m_screen.thread, file, std::move(stop),
+                   [this, file, placement, canvas](const std::stop_token &token) {
+                       PhotoImage photo = m_screen.reader.placed(file, placement, canvas, 0, token).photo;
+                       photo.image = photo.image.copy(); // it may live on
+                       return photo;
+                   });
 }
 
 QFuture<PhotoImage> ImagePipeline::resamplePlaced(const QImage &photo, const PhotoPlacement &placement,
                                                   QSize canvas, std::stop_token stop)
 {
-    return enqueue(u"resampling"_s, std::move(stop), [photo, placement, canvas](const std::stop_token &) {
-        return placedPhoto(photo, placement, canvas);
-    });
+    return enqueue(m_screen.thread, u"resampling"_s, std::move(stop),
+                   [photo, placement, canvas](const std::stop_token &) {
+                       return placedPhoto(photo, placement, canvas);
+                   });
 }
 
 QFuture<ExportedFile> ImagePipeline::exportImage(const QImage &image, const ExportOptions &options,
                                                  std::stop_token stop)
 {
     return enqueue(
-        u"a finished picture"_s, std::move(stop),
+        m_composing, u"a finished picture"_s, std::move(stop),
         [this, image, options](const std::stop_token &token) { return written(image, options, token); });
 }
 
 QFuture<QImage> ImagePipeline::render(const PhotoItem &item, QSize canvas, std::stop_token stop)
 {
-    return enqueue(item.file, std::move(stop), [this, item, canvas](const std::stop_token &token) {
-        return rendered(item, canvas, token).copy();
-    });
-}
-
-QString ImagePipeline::resolved(const QString &file) const
-{
-    return QDir(m_libraryFolder).filePath(file);
-}
-
-/// A picture that could not be read, with the cause where that is the file rather than what is in it.
-PipelineFailure ImagePipeline::failed(const QString &file, FramePicture picture,
-                                      const ImageError &error) const
-{
-    qCWarning(logImaging) << resolved(file) << error.what();
-    const QString named = picture == FramePicture::Photo ? QString() : file;
-    if (const std::optional<PictureFault> fault = faultOf(error)) {
-        return {PipelineError::unreadable, named, picture, *fault};
-    }
-    return PipelineFailure(PipelineError::unreadable, named, picture, fileTrouble(resolved(file)));
-}
-
-QImage ImagePipeline::decoded(const QString &file, int maxPixel, const std::stop_token &stop) const
-{
-    try {
-        return decodedWhole(resolved(file), maxPixel, stop);
-    } catch (const ImageError &error) {
-        throw failed(file, FramePicture::Photo, error);
-    }
-}
-
-/// A picture that goes with a photo: a failure names it, or the photo would be blamed.
-QImage ImagePipeline::companion(FramePicture picture, const QString &file, int maxPixel,
-                                const std::stop_token &stop) const
-{
-    try {
-        return decodedWhole(resolved(file), maxPixel, stop);
-    } catch (const ImageError &error) {
-        throw failed(file, picture, error);
-    }
+    return enqueue(m_screen.thread, item.file, std::move(stop),
+                   [this, item, canvas](const std::stop_token &token) {
+                       CompositionImages images = imagesFor(m_screen.reader, item, canvas, token);
+                       throwIfCancelled(token);
+                       QImage image(canvas, QImage::Format_RGB32);
+                       compose(image, item, std::move(images));
+                       return image;
+                   });
 }
 
 PhotoItem ImagePipeline::inspected(const ImportedFile &imported, TestDecode testDecode,
-                                   const std::stop_token &stop) const
+                                   const std::stop_token &stop)
 {
-    const QString path = resolved(imported.file);
-    QSize size;
-    CaptureMetadata metadata;
-    try {
-        PhotoFile photo{RegularFile(path)};
-        size = photo.header().uprightSize();
-        if (testDecode == TestDecode::Yes) {
-            photo.decode({PicturePart::whole(size, testDecodePixels)}, stop);
-        }
-        metadata = photo.metadata();
-    } catch (const ImageError &error) {
-        throw failed(imported.file, FramePicture::Photo, error);
+    const PhotoFacts facts = m_screen.reader.facts(imported.file, stop);
+    if (testDecode == TestDecode::Yes) {
+        m_screen.reader.picture(FramePicture::Photo, imported.file, testDecodePixels, stop);
     }
-    const CameraTexts texts = CameraTexts::from(metadata);
+    const QSize size = facts.header.uprightSize();
+    const CameraTexts texts = CameraTexts::from(facts.metadata);
     PhotoItem item;
     item.id = QUuid::createUuid();
     item.file = imported.file;
-    item.name = QFileInfo(path).completeBaseName();
+    item.name = QFileInfo(imported.file).completeBaseName();
     item.width = size.width();
     item.height = size.height();
     item.settings.layer(u"brand"_s)->text = texts.brand;
@@ -293,92 +353,13 @@ QList<Ink> ImagePipeline::colors(const QString &file, const std::stop_token &sto
     if (const auto known = m_paletteCache.constFind(file); known != m_paletteCache.constEnd()) {
         return *known;
     }
-    QList<Ink> colors = PhotoPalette::extract(decoded(file, palettePixels, stop));
+    QList<Ink> colors =
+        PhotoPalette::extract(m_screen.reader.picture(FramePicture::Photo, file, palettePixels, stop));
     if (m_paletteCache.size() >= mostPalettes) {
         m_paletteCache.clear();
     }
     m_paletteCache.insert(file, colors);
     return colors;
-}
-
-PhotoImage ImagePipeline::placed(const QString &file, const PhotoPlacement &placement, QSize canvas,
-                                 const std::stop_token &stop) const
-{
-    const PlacedRegion region = placedRegion(placement, canvas);
-    if (region.pixels.isEmpty()) {
-        return {};
-    }
-    try {
-        PhotoFile photo{RegularFile(resolved(file))};
-        const QSizeF source = photo.header().uprightSize();
-        const QRectF part(region.extent.x() * source.width(), region.extent.y() * source.height(),
-                          region.extent.width() * source.width(), region.extent.height() * source.height());
-        return {photo.decode({{part, region.pixels.size()}}, stop).first(), region.extent};
-    } catch (const ImageError &error) {
-        throw failed(file, FramePicture::Photo, error);
-    }
-}
-
-CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
-                                           const std::stop_token &stop) const
-{
-    const FrameSettings &settings = item.settings;
-    const int edge = longSide(canvas);
-    CompositionImages images;
-    images.photo =
-        placed(item.file, CompositionRenderer::photoPlacement(item, settings, canvas), canvas, stop);
-    throwIfCancelled(stop);
-    // A film frame fills the whole canvas with its base: nothing would be seen of a backdrop.
-    if (settings.style == FrameStyle::film) {
-        images.background = {};
-    } else if (settings.background == Backdrop::blur) {
-        images.background =
-            coveringPicture(gaussianBlurred(decoded(item.file, blurSourcePixels, stop), blurSigma), canvas);
-    } else if (settings.background == Backdrop::image && settings.backgroundFile) {
-        images.background = coveringPicture(
-            companion(FramePicture::Background, *settings.backgroundFile, backdropPixels, stop), canvas);
-    }
-    throwIfCancelled(stop);
-    // Logo and signature are resampled to the pixels that they cover, as the photo is: the painter scales
-    // badly.
-    const TextLayer *logo = settings.layer(u"watermark"_s);
-    if (const QSize size = logoPixels(item, canvas); !size.isEmpty()) {
-        const int most = std::min(edge, logoPixelsDecoded);
-        images.watermark = scaledPicture(
-            companion(FramePicture::Logo, *logo->imageFile, std::min(most, longSide(size)), stop), size);
-    }
-    if (settings.handwritingFile) {
-        // Its own aspect decides on its size where the settings have none.
-        const double widest = settings.handwritingWidth.value_or(0.42) * canvas.width();
-        const double aspect = std::max(settings.handwritingAspect.value_or(1), 0.1);
-        const int drawn = longSide({widest, settings.handwritingAspect ? widest / aspect : widest});
-        const QImage picture = companion(FramePicture::Signature, *settings.handwritingFile,
-                                         std::max(1, std::min({edge, signaturePixelsDecoded, drawn})), stop);
-        images.handwriting = scaledPicture(picture, signaturePixels(item, picture.size(), canvas));
-    }
-    return images;
-}
-
-const QImage &ImagePipeline::rendered(const PhotoItem &item, QSize canvas, const std::stop_token &stop)
-{
-    const CompositionImages images = imagesFor(item, canvas, stop);
-    throwIfCancelled(stop);
-    if (m_canvas.size() != canvas) {
-        m_canvas = QImage();
-        m_canvas = QImage(canvas, QImage::Format_RGB32);
-        if (m_canvas.isNull()) {
-            throw PipelineFailure(PipelineError::tooLarge);
-        }
-    }
-    QPainter painter(&m_canvas);
-    CompositionRenderer::draw(painter, item, item.settings, canvas, images);
-    return m_canvas;
-}
-
-ExportedFile ImagePipeline::exported(const PhotoItem &item, const ExportOptions &options,
-                                     const std::stop_token &stop)
-{
-    return written(rendered(item, outputCanvas(item, options), stop), options, stop);
 }
 
 ExportedFile ImagePipeline::written(const QImage &image, const ExportOptions &options,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <stop_token>
 
@@ -7,6 +9,7 @@
 #include <QHash>
 #include <QImage>
 #include <QList>
+#include <QSemaphore>
 #include <QString>
 #include <QThreadPool>
 
@@ -14,12 +17,11 @@
 #include "model/ImportedFile.h"
 #include "model/Session.h"
 #include "pipeline/ExportOptions.h"
+#include "pipeline/PhotoReader.h"
 #include "pipeline/PipelineError.h"
 #include "render/CompositionRenderer.h"
 
 namespace tarnovel {
-
-class ImageError;
 
 /// A framed photo in the temporary folder. It goes with the last copy of this.
 struct ExportedFile {
@@ -29,13 +31,25 @@ struct ExportedFile {
     qint64 bytes = 0;
 };
 
-/// The one image service: its operations run one at a time on a thread of its own, in the order in which they
-/// were asked for. Files are named relative to the library folder; an absolute path is taken as it is.
+/// Who asks for pictures.
+enum class PipelineUse {
+    /// The window: pictures for the screen have their own thread and decoder, so that an export holds none of
+    /// them
+    /// up, and decoded photos are remembered.
+    Editor,
+    /// A command, which does one thing at a time.
+    Command,
+};
+
+/// The one image service. Reading for the screen and exporting go on beside each other; of each kind, what
+/// was asked for first is done first, and no two canvases are rendered at the same time. While one photo is
+/// drawn, encoded and written, the next one that was asked for is read. Files are named relative to the
+/// library folder; an absolute path is taken as it is.
 ///
 /// A future throws PipelineFailure, FileError where the disk refuses to write, or OperationCancelled.
 class ImagePipeline {
 public:
-    ImagePipeline(QString libraryFolder, QString temporaryFolder);
+    ImagePipeline(QString libraryFolder, QString temporaryFolder, PipelineUse use = PipelineUse::Editor);
     ~ImagePipeline();
     ImagePipeline(const ImagePipeline &) = delete;
     ImagePipeline &operator=(const ImagePipeline &) = delete;
@@ -82,34 +96,39 @@ public:
     QFuture<QImage> render(const PhotoItem &item, QSize canvas, std::stop_token stop = {});
 
 private:
-    template<typename Work>
-    auto enqueue(const QString &subject, std::stop_token stop, Work work);
+    /// A thread and what is read on it.
+    struct Lane {
+        PhotoReader reader;
+        QThreadPool thread;
 
-    QString resolved(const QString &file) const;
-    PipelineFailure failed(const QString &file, FramePicture picture, const ImageError &error) const;
-    QImage decoded(const QString &file, int maxPixel, const std::stop_token &stop) const;
-    QImage companion(FramePicture picture, const QString &file, int maxPixel,
-                     const std::stop_token &stop) const;
-    PhotoItem inspected(const ImportedFile &imported, TestDecode testDecode,
-                        const std::stop_token &stop) const;
+        Lane(const QString &libraryFolder, PictureMemory memory);
+    };
+
+    template<typename Work>
+    auto enqueue(QThreadPool &thread, const QString &subject, std::stop_token stop, Work work);
+
+    PhotoItem inspected(const ImportedFile &imported, TestDecode testDecode, const std::stop_token &stop);
     QList<Ink> colors(const QString &file, const std::stop_token &stop);
-    CompositionImages imagesFor(const PhotoItem &item, QSize canvas, const std::stop_token &stop) const;
-    /// The part of the photo that the canvas shows, with its pixels on the canvas's.
-    PhotoImage placed(const QString &file, const PhotoPlacement &placement, QSize canvas,
-                      const std::stop_token &stop) const;
-    /// The canvas is valid until the next call.
-    const QImage &rendered(const PhotoItem &item, QSize canvas, const std::stop_token &stop);
-    ExportedFile exported(const PhotoItem &item, const ExportOptions &options, const std::stop_token &stop);
     ExportedFile written(const QImage &image, const ExportOptions &options,
                          const std::stop_token &stop) const;
+    /// A photo has been written, or given up.
+    void ended();
 
-    const QString m_libraryFolder;
     const QString m_temporaryFolder;
-    // The rest is touched on the service's thread alone.
+    Lane m_reading;
+    std::unique_ptr<Lane> m_ownScreen;
+    /// Of the screen; a command's is the other one.
+    Lane &m_screen;
+    /// Of the screen's thread.
     QHash<QString, QList<Ink>> m_paletteCache;
-    /// Kept from one export to the next: the first touch of fifty megabytes costs as much as the drawing.
+    QThreadPool m_composing;
+    /// Kept from one export to the next: the first touch of fifty megabytes costs as much as the drawing. Of
+    /// the composing thread.
     QImage m_canvas;
-    QThreadPool m_thread;
+    /// Photos that may be read or composed at a time.
+    QSemaphore m_room;
+    /// Exports that were asked for and have not ended.
+    std::atomic<int> m_exports = 0;
 };
 
 } // namespace tarnovel

@@ -116,6 +116,10 @@ QString faultDescription(PictureFault fault)
         return localized({"图片太大，无法读入内存。请先缩小尺寸。",
                           "This picture is too large to be read into memory. Make it smaller first.",
                           "Cette image est trop grande pour tenir en mémoire. Réduisez-la d’abord."});
+    case PictureFault::NoDecoder:
+        return localized({"读取照片的组件无法启动，请重新安装 Tarnovel。",
+                          "The part of Tarnovel that reads photos cannot be started. Install Tarnovel again.",
+                          "Le composant qui lit les photos ne démarre pas. Réinstallez Tarnovel."});
     }
     return {};
 }

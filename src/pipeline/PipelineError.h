@@ -22,8 +22,9 @@ QString errorDescription(const FileError &error);
 enum class FramePicture { Photo, Background, Logo, Signature };
 
 /// What is wrong with a file that holds a picture, but none that can be framed: nothing but a small preview
-/// of it, or more pixels than are taken into memory.
-enum class PictureFault { SmallPreview, TooLarge };
+/// of it, or more pixels than are taken into memory. `NoDecoder` is not the file's fault: what reads it
+/// cannot be started.
+enum class PictureFault { SmallPreview, TooLarge, NoDecoder };
 
 /// A PipelineError on its way through a QFuture.
 class PipelineFailure : public QException {

@@ -1,0 +1,176 @@
+#include "decoder_client/DecoderProcess.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <ctime>
+
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QFile>
+
+#include "imaging/ImageError.h"
+
+namespace tarnovel {
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::nanoseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds lookEvery{250};
+/// Where the decoder expects its socket.
+constexpr int decoderSocket = 3;
+
+/// What a new process takes over from this one, and what not.
+class SpawnPlan {
+public:
+    explicit SpawnPlan(int socket)
+    {
+        posix_spawn_file_actions_init(&m_actions);
+        posix_spawn_file_actions_adddup2(&m_actions, socket, decoderSocket);
+        posix_spawnattr_init(&m_attributes);
+        // A session of its own: Ctrl-C in the terminal is for the program, which ends the decoder.
+        posix_spawnattr_setflags(&m_attributes,
+                                 POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        sigset_t none;
+        sigemptyset(&none);
+        posix_spawnattr_setsigmask(&m_attributes, &none);
+        sigset_t all;
+        sigfillset(&all);
+        posix_spawnattr_setsigdefault(&m_attributes, &all);
+    }
+    ~SpawnPlan()
+    {
+        posix_spawnattr_destroy(&m_attributes);
+        posix_spawn_file_actions_destroy(&m_actions);
+    }
+    SpawnPlan(const SpawnPlan &) = delete;
+    SpawnPlan &operator=(const SpawnPlan &) = delete;
+
+    pid_t start(const QString &program) const
+    {
+        QByteArray path = QFile::encodeName(program);
+        const std::array<char *, 2> arguments = {path.data(), nullptr};
+        pid_t pid = -1;
+        const int failed =
+            posix_spawn(&pid, path.constData(), &m_actions, &m_attributes, arguments.data(), environ);
+        return failed == 0 ? pid : -1;
+    }
+
+private:
+    posix_spawn_file_actions_t m_actions{};
+    posix_spawnattr_t m_attributes{};
+};
+
+} // namespace
+
+DecoderProcess::DecoderProcess(const QString &program)
+{
+    std::array<int, 2> ends = {-1, -1};
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+        throw ImageError(ImageError::Cause::NoDecoder, "no socket");
+    }
+    m_socket = OwnedDescriptor(ends[0]);
+    const OwnedDescriptor other(ends[1]);
+    m_pid = SpawnPlan(other.get()).start(program);
+    if (m_pid < 0) {
+        throw ImageError(ImageError::Cause::NoDecoder, "cannot be started: " + program.toUtf8());
+    }
+    m_process = OwnedDescriptor(static_cast<int>(syscall(SYS_pidfd_open, m_pid, 0)));
+}
+
+DecoderProcess::~DecoderProcess()
+{
+    end();
+}
+
+QByteArray DecoderProcess::end()
+{
+    if (m_pid < 0) {
+        return {};
+    }
+    siginfo_t ended{};
+    // What has ended by itself keeps its own status.
+    if (waitid(P_PID, static_cast<id_t>(m_pid), &ended, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+        ended.si_pid == 0) {
+        kill(m_pid, SIGKILL);
+    }
+    while (waitid(P_PID, static_cast<id_t>(m_pid), &ended, WEXITED) != 0 && errno == EINTR) {
+    }
+    m_pid = -1;
+    const char *what = ended.si_code == CLD_EXITED ? "exit status " : "signal ";
+    return what + QByteArray::number(ended.si_status);
+}
+
+bool DecoderProcess::send(const QByteArray &bytes, const std::vector<int> &descriptors)
+{
+    return sendMessage(m_socket.get(), bytes, descriptors);
+}
+
+nanoseconds DecoderProcess::processorTime() const
+{
+    clockid_t clock{};
+    timespec time{};
+    if (clock_getcpuclockid(m_pid, &clock) != 0 || clock_gettime(clock, &time) != 0) {
+        return {};
+    }
+    return std::chrono::seconds(time.tv_sec) + nanoseconds(time.tv_nsec);
+}
+
+DecoderProcess::Outcome DecoderProcess::receive(QByteArray &bytes, const Patience &patience,
+                                                const std::stop_token &stop)
+{
+    const OwnedDescriptor bell(stop.stop_possible() ? eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK) : -1);
+    const std::stop_callback ring(stop, [&bell] { eventfd_write(bell.get(), 1); });
+    // A process that has gone may have left a copy of its end of the socket behind.
+    std::array<pollfd, 3> watched{pollfd{m_socket.get(), POLLIN, 0}, pollfd{m_process.get(), POLLIN, 0},
+                                  pollfd{bell.get(), POLLIN, 0}};
+    const steady_clock::time_point began = steady_clock::now();
+    const nanoseconds before = processorTime();
+    nanoseconds last = before;
+    steady_clock::time_point moved = began;
+    for (;;) {
+        const int events = poll(watched.data(), watched.size(), static_cast<int>(lookEvery.count()));
+        if (events < 0 && errno != EINTR) {
+            return Outcome::Ended;
+        }
+        if (events > 0 && watched[0].revents != 0) {
+            ReceivedMessage message;
+            const bool whole = receiveMessage(m_socket.get(), message) == Receiving::Message;
+            bytes = message.bytes;
+            return whole ? Outcome::Message : Outcome::Ended;
+        }
+        if (events > 0 && watched[1].revents != 0) {
+            return Outcome::Ended;
+        }
+        if (stop.stop_requested()) {
+            return Outcome::Stopped;
+        }
+        const steady_clock::time_point now = steady_clock::now();
+        const nanoseconds used = processorTime();
+        if (used != last) {
+            last = used;
+            moved = now;
+        }
+        if (now - moved > patience.still) {
+            return Outcome::Hung;
+        }
+        if (used - before > patience.work) {
+            return Outcome::Exhausted;
+        }
+        if (patience.wait && now - began > *patience.wait) {
+            return Outcome::TimedOut;
+        }
+    }
+}
+
+} // namespace tarnovel

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <stop_token>
+
+#include <QImage>
+#include <QString>
+
+#include "decoder_client/DecoderProcess.h"
+#include "decoder_client/PictureSlots.h"
+#include "decoder_protocol/DecoderMessage.h"
+#include "imaging/RegularFile.h"
+
+namespace tarnovel {
+
+/// Reads photos in a process of its own, which is started at the first request and again after it has ended:
+/// what strangers wrote is never parsed in this one. It belongs to one thread at a time.
+///
+/// A photo that ends the decoder, lets it hang or asks too much of it is unreadable, and only that photo.
+class PhotoDecoder {
+public:
+    PhotoDecoder();
+    explicit PhotoDecoder(QString program, DecoderProcess::Patience patience = {});
+    ~PhotoDecoder();
+    PhotoDecoder(const PhotoDecoder &) = delete;
+    PhotoDecoder &operator=(const PhotoDecoder &) = delete;
+
+    /// What is known of a photo before it is decoded; remembered as long as its file stays the same. Throws
+    /// an ImageError and OperationCancelled.
+    const PhotoFacts &facts(const RegularFile &photo, const std::stop_token &stop = {});
+
+    /// Parts of the upright picture, in sRGB, from one decoding: RGB32, or ARGB32_Premultiplied where it has
+    /// transparency. They lie in memory that the next pictures will want: those that live on are to be
+    /// copied. Throws an ImageError, OperationCancelled and std::bad_alloc.
+    QList<QImage> decode(const RegularFile &photo, const QList<PicturePart> &parts,
+                         const std::stop_token &stop = {});
+
+    /// Gives the memory of pictures back. The process stays.
+    void rest() { m_slots.drop(); }
+
+    /// How many times a decoder was started.
+    int starts() const { return m_starts; }
+
+private:
+    DecoderReply exchange(const RegularFile &photo, DecoderRequest request, const PictureSlots::Lent &slot,
+                          const std::stop_token &stop);
+    void start();
+    DecoderReply awaited(const RegularFile &photo, quint32 id, const std::stop_token &stop);
+    [[noreturn]] void cancelRequest(const FileIdentity &photo, quint32 id);
+    [[noreturn]] void lost(const FileIdentity &photo, const QByteArray &why, ImageError::Cause cause);
+
+    const QString m_program;
+    const DecoderProcess::Patience m_patience;
+    std::unique_ptr<DecoderProcess> m_process;
+    PictureSlots m_slots;
+    quint32 m_lastId = 0;
+    int m_starts = 0;
+    std::map<FileIdentity, PhotoFacts> m_facts;
+    /// How many decoders a photo has ended.
+    std::map<FileIdentity, int> m_deaths;
+};
+
+/// Where the decoder is: beside the program in a build tree, in its own folder of an installed one.
+QString decoderProgram();
+
+} // namespace tarnovel

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include <QByteArray>
+
+namespace tarnovel {
+
+/// A descriptor that is closed with this.
+class OwnedDescriptor {
+public:
+    OwnedDescriptor() = default;
+    explicit OwnedDescriptor(int descriptor) : m_descriptor(descriptor) {}
+    ~OwnedDescriptor();
+    OwnedDescriptor(OwnedDescriptor &&other) noexcept : m_descriptor(other.release()) {}
+    OwnedDescriptor &operator=(OwnedDescriptor &&other) noexcept;
+
+    bool isOpen() const { return m_descriptor >= 0; }
+    int get() const { return m_descriptor; }
+    /// Gives the descriptor up.
+    int release();
+
+private:
+    int m_descriptor = -1;
+};
+
+/// Sends one message of a sequenced-packet socket, and copies of open descriptors beside it. False when the
+/// other end has gone.
+bool sendMessage(int socket, const QByteArray &bytes, const std::vector<int> &descriptors = {});
+
+struct ReceivedMessage {
+    QByteArray bytes;
+    std::vector<OwnedDescriptor> descriptors;
+};
+
+enum class Receiving {
+    Message,
+    /// The socket's own time to wait is over.
+    Nothing,
+    /// The other end has gone, or the message does not fit into what a message may be.
+    Ended,
+};
+
+/// Waits for the next message. At most `mostDescriptors` come with it; any other is closed.
+Receiving receiveMessage(int socket, ReceivedMessage &message, size_t mostDescriptors = 0);
+
+} // namespace tarnovel

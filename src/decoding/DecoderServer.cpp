@@ -1,0 +1,293 @@
+#include "decoding/DecoderServer.h"
+
+#include <condition_variable>
+#include <cstring>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <stop_token>
+#include <thread>
+#include <utility>
+
+#include <malloc.h>
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include "base/Cancellation.h"
+#include "decoder_protocol/DecoderMessage.h"
+#include "decoder_protocol/MessageSocket.h"
+#include "decoding/CaptureReader.h"
+#include "decoding/ColorProfile.h"
+#include "decoding/PhotoFile.h"
+#include "imaging/BufferPool.h"
+
+namespace tarnovel {
+namespace {
+
+/// After this long without a request the memory that is kept for the next photo goes back.
+constexpr timeval restSeconds{3, 0};
+constexpr size_t descriptorsOfRequest = 2;
+// Each arena of the allocator keeps what its threads have freed.
+constexpr int mostArenas = 2;
+
+/// A grey HEIC picture of 64 × 64 pixels.
+constexpr char heicSample[] =
+    "AAAAHGZ0eXBoZWljAAAAAG1pZjFoZWljbWlhZgAAAUJtZXRhAAAAAAAAACFoZGxyAAAAAAAAAABwaWN0AAAAAAAAAAAAAAAAAAAA"
+    "AA5waXRtAAAAAAABAAAAImlsb2MAAAAAREAAAQABAAAAAAFmAAEAAAAAAAAAEQAAACNpaW5mAAAAAAABAAAAFWluZmUCAAAAAAEA"
+    "AGh2YzEAAAAAwmlwcnAAAACkaXBjbwAAAHhodmNDAQNwAAAAAAAAAAAAHvAA/P34+AAADwMgAAEAGEABDAH//wNwAAADAJAAAAMA"
+    "AAMAHroCQCEAAQArQgEBA3AAAAMAkAAAAwAAAwAeoCCBBZbqSSmubgQEDAgAAAMACAAAAwAIQCIAAQAHRAHBcrAiQAAAABRpc3Bl"
+    "AAAAAAAAAEAAAABAAAAAEHBpeGkAAAAAAwgICAAAABZpcG1hAAAAAAAAAAEAAQOBAoMAAAAZbWRhdAAAAA0oAa8LYPpSKM9iEd7A";
+
+/// Shared memory of the program's, which cannot cut it short under us: it is sealed.
+class Slot {
+public:
+    explicit Slot(const OwnedDescriptor &memory)
+    {
+        const qint64 size = RegularFile(dup(memory.get())).size();
+        void *mapped =
+            mmap(nullptr, static_cast<size_t>(size), PROT_READ | PROT_WRITE, MAP_SHARED, memory.get(), 0);
+        if (mapped == MAP_FAILED) {
+            throw std::bad_alloc();
+        }
+        m_bytes = static_cast<uint8_t *>(mapped);
+        m_size = size;
+    }
+    ~Slot() { munmap(m_bytes, static_cast<size_t>(m_size)); }
+    Slot(const Slot &) = delete;
+    Slot &operator=(const Slot &) = delete;
+
+    uint8_t *at(qint64 offset) const { return m_bytes + offset; }
+    qint64 size() const { return m_size; }
+
+private:
+    uint8_t *m_bytes = nullptr;
+    qint64 m_size = 0;
+};
+
+struct Job {
+    DecoderRequest request;
+    std::vector<OwnedDescriptor> descriptors;
+};
+
+/// What the decoding thread keeps from one request to the next.
+class Desk {
+public:
+    DecoderReply answer(Job job, const std::stop_token &stop)
+    {
+        DecoderReply reply;
+        reply.id = job.request.id;
+        try {
+            take(job);
+            if (job.request.kind == DecoderRequest::Kind::Describe) {
+                reply.facts = {m_photo->header(), m_photo->metadata()};
+                reply.kind = DecoderReply::Kind::Described;
+            } else {
+                reply.transparent = decode(job.request, stop);
+                reply.kind = DecoderReply::Kind::Decoded;
+            }
+        } catch (const OperationCancelled &) {
+            reply.kind = DecoderReply::Kind::Cancelled;
+        } catch (const ImageError &error) {
+            reply.kind = DecoderReply::Kind::Failed;
+            reply.cause = error.cause();
+            reply.detail = error.what();
+        } catch (const std::bad_alloc &) {
+            reply.kind = DecoderReply::Kind::Failed;
+            reply.cause = ImageError::Cause::TooLarge;
+            reply.detail = "out of memory";
+        } catch (const std::exception &error) {
+            reply.kind = DecoderReply::Kind::Failed;
+            reply.cause = ImageError::Cause::Damaged;
+            reply.detail = error.what();
+        }
+        return reply;
+    }
+
+    void rest()
+    {
+        m_photo.reset();
+        emptyBufferPool();
+        malloc_trim(0);
+    }
+
+private:
+    void take(Job &job)
+    {
+        if (job.descriptors.empty()) {
+            throw ImageError(ImageError::Cause::Missing, "no file came with the request");
+        }
+        RegularFile file(job.descriptors[0].release());
+        // Mostly the photo that has just been described.
+        if (!m_photo || m_photo->identity() != file.identity()) {
+            m_photo.reset();
+            m_photo.emplace(std::move(file));
+        }
+        if (job.request.slotIsNew) {
+            m_slots.erase(job.request.slot);
+            if (job.descriptors.size() < 2) {
+                throw ImageError(ImageError::Cause::Missing, "no memory came with the request");
+            }
+            m_slots.emplace(job.request.slot, std::make_unique<Slot>(job.descriptors[1]));
+        }
+    }
+
+    QList<bool> decode(const DecoderRequest &request, const std::stop_token &stop)
+    {
+        const auto slot = m_slots.find(request.slot);
+        const SlotLayout layout(request.parts);
+        if (request.parts.isEmpty() || slot == m_slots.end() || layout.bytes > slot->second->size()) {
+            throw ImageError(ImageError::Cause::TooLarge, "no room for the picture");
+        }
+        QList<QImage> images;
+        {
+            // The first picture is made where it is wanted, unless it is turned.
+            const PictureDestination first(slot->second->at(0), request.parts.first().size);
+            images = m_photo->decode(request.parts, stop);
+        }
+        QList<bool> transparent;
+        for (qsizetype i = 0; i < images.size(); ++i) {
+            copy(images[i], slot->second->at(layout.offsets[i]));
+            transparent.append(images[i].hasAlphaChannel());
+        }
+        return transparent;
+    }
+
+    static void copy(const QImage &image, uint8_t *target)
+    {
+        if (image.constBits() == target) {
+            return;
+        }
+        const qsizetype stride = pooledStride(image.width(), image.format());
+        for (int y = 0; y < image.height(); ++y) {
+            std::memcpy(target + y * stride, image.constScanLine(y), static_cast<size_t>(image.width()) * 4);
+        }
+    }
+
+    std::optional<PhotoFile> m_photo;
+    std::map<quint32, std::unique_ptr<Slot>> m_slots;
+};
+
+/// The decoding thread and its queue.
+class Decoding {
+public:
+    explicit Decoding(int socket) : m_socket(socket), m_thread([this] { run(); }) {}
+
+    void add(Job job)
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_jobs.push_back(std::move(job));
+        m_wake.notify_one();
+    }
+
+    void cancel(quint32 id)
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_current == id) {
+            m_stop.request_stop();
+        }
+    }
+
+    void rest()
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_resting = m_jobs.empty();
+        m_wake.notify_one();
+    }
+
+private:
+    [[noreturn]] void run()
+    {
+        Desk desk;
+        for (;;) {
+            std::unique_lock lock(m_mutex);
+            m_current.reset();
+            m_wake.wait(lock, [this] { return m_resting || !m_jobs.empty(); });
+            if (std::exchange(m_resting, false)) {
+                lock.unlock();
+                desk.rest();
+                continue;
+            }
+            Job job = std::move(m_jobs.front());
+            m_jobs.pop_front();
+            m_current = job.request.id;
+            m_stop = {};
+            const std::stop_token stop = m_stop.get_token();
+            lock.unlock();
+            if (!sendMessage(m_socket, encoded(desk.answer(std::move(job), stop)))) {
+                _exit(0);
+            }
+        }
+    }
+
+    const int m_socket;
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    std::deque<Job> m_jobs;
+    bool m_resting = false;
+    std::optional<quint32> m_current;
+    std::stop_source m_stop;
+    std::thread m_thread;
+};
+
+} // namespace
+
+void prepareDecoder(int socket)
+{
+    setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &restSeconds, sizeof(restSeconds));
+    mallopt(M_ARENA_MAX, mostArenas);
+    prepareParser();
+    // A photo in its own colours, decoded once, brings in the codecs and the pool of threads.
+    const OwnedDescriptor memory(memfd_create("warm-up", MFD_CLOEXEC));
+    const QByteArray sample = QByteArray::fromBase64(heicSample);
+    if (::write(memory.get(), sample.constData(), static_cast<size_t>(sample.size())) != sample.size()) {
+        return;
+    }
+    try {
+        PhotoFile photo{RegularFile(dup(memory.get()))};
+        photo.metadata();
+        const QList<PicturePart> parts = {PicturePart::whole(photo.header().uprightSize(), 8)};
+        convertedToSrgb(photo.decode(parts).first(), QColorSpace(QColorSpace::DisplayP3).iccProfile());
+    } catch (const std::exception &) {
+        return; // without that library its formats cannot be read, and all others can
+    }
+}
+
+void serveDecoder(int socket, const QByteArrayList &missing)
+{
+    DecoderReply ready;
+    ready.detail = missing.join(", ");
+    sendMessage(socket, encoded(ready));
+    auto *decoding = new Decoding(socket); // goes with the process: a decoding in progress is not waited for
+    bool rested = true;
+    for (;;) {
+        ReceivedMessage message;
+        switch (receiveMessage(socket, message, descriptorsOfRequest)) {
+        case Receiving::Ended:
+            _exit(0);
+        case Receiving::Nothing:
+            if (!std::exchange(rested, true)) {
+                decoding->rest();
+            }
+            continue;
+        case Receiving::Message:
+            break;
+        }
+        rested = false;
+        const std::optional<DecoderRequest> request = decodedRequest(message.bytes);
+        if (!request) {
+            _exit(1);
+        }
+        if (request->kind == DecoderRequest::Kind::Cancel) {
+            decoding->cancel(request->id);
+        } else {
+            decoding->add({*request, std::move(message.descriptors)});
+        }
+    }
+}
+
+} // namespace tarnovel

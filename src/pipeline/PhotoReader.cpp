@@ -1,0 +1,167 @@
+#include "pipeline/PhotoReader.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QDir>
+
+#include "base/Cancellation.h"
+#include "base/FileTrouble.h"
+#include "base/Log.h"
+#include "imaging/Resampler.h"
+#include "pipeline/PlacedPhoto.h"
+
+namespace tarnovel {
+
+namespace {
+
+// A dozen previews, and a whole session of the small ones.
+constexpr qsizetype mostPreviewBytes = 64'000'000;
+constexpr qsizetype mostSmallBytes = 48'000'000;
+constexpr int smallPixels = 500;
+
+} // namespace
+
+std::optional<PictureFault> faultOf(const ImageError &error)
+{
+    switch (error.cause()) {
+    case ImageError::Cause::SmallPreview:
+        return PictureFault::SmallPreview;
+    case ImageError::Cause::TooLarge:
+        return PictureFault::TooLarge;
+    case ImageError::Cause::NoDecoder:
+        return PictureFault::NoDecoder;
+    case ImageError::Cause::Missing:
+    case ImageError::Cause::Unsupported:
+    case ImageError::Cause::Damaged:
+        break;
+    }
+    return std::nullopt;
+}
+
+void PhotoReader::Shelf::put(const Remembered &picture)
+{
+    pictures.push_front(picture);
+    bytes += picture.image.sizeInBytes();
+    while (bytes > mostBytes && pictures.size() > 1) {
+        bytes -= pictures.back().image.sizeInBytes();
+        pictures.pop_back();
+    }
+}
+
+const PhotoReader::Remembered *PhotoReader::Shelf::find(const FileIdentity &photo)
+{
+    const auto found = std::ranges::find(pictures, photo, &Remembered::photo);
+    if (found == pictures.end()) {
+        return nullptr;
+    }
+    pictures.splice(pictures.begin(), pictures, found);
+    return &pictures.front();
+}
+
+PhotoReader::PhotoReader(QString libraryFolder, PictureMemory memory)
+    : m_libraryFolder(std::move(libraryFolder)),
+      m_memory(memory),
+      m_previews{previewPixels, mostPreviewBytes},
+      m_small{smallPixels, mostSmallBytes}
+{
+}
+
+QString PhotoReader::path(const QString &file) const
+{
+    return QDir(m_libraryFolder).filePath(file);
+}
+
+/// A picture that could not be read, with the cause where that is the file rather than what is in it.
+PipelineFailure PhotoReader::failure(const QString &file, FramePicture which, const ImageError &error) const
+{
+    qCWarning(logImaging) << path(file) << error.what();
+    const QString named = which == FramePicture::Photo ? QString() : file;
+    if (const std::optional<PictureFault> fault = faultOf(error)) {
+        return {PipelineError::unreadable, named, which, *fault};
+    }
+    return PipelineFailure(PipelineError::unreadable, named, which, fileTrouble(path(file)));
+}
+
+template<typename Work>
+auto PhotoReader::reading(FramePicture which, const QString &file, Work work)
+{
+    try {
+        return work(RegularFile(path(file)));
+    } catch (const ImageError &error) {
+        throw failure(file, which, error);
+    }
+}
+
+PhotoFacts PhotoReader::facts(const QString &file, const std::stop_token &stop)
+{
+    return reading(FramePicture::Photo, file,
+                   [&](const RegularFile &photo) { return m_decoder.facts(photo, stop); });
+}
+
+QImage PhotoReader::picture(FramePicture which, const QString &file, int maxPixel,
+                            const std::stop_token &stop)
+{
+    return reading(which, file, [&](const RegularFile &photo) {
+        return m_memory == PictureMemory::Kept && maxPixel <= previewPixels
+                   ? remembered(photo, maxPixel, stop)
+                   : decoded(photo, maxPixel, stop);
+    });
+}
+
+QImage PhotoReader::decoded(const RegularFile &photo, int maxPixel, const std::stop_token &stop)
+{
+    const QSize whole = m_decoder.facts(photo, stop).header.uprightSize();
+    // A copy, for it may live on.
+    return m_decoder.decode(photo, {PicturePart::whole(whole, maxPixel)}, stop).first().copy();
+}
+
+QImage PhotoReader::remembered(const RegularFile &photo, int maxPixel, const std::stop_token &stop)
+{
+    throwIfCancelled(stop);
+    const QSize wanted = PicturePart::whole(m_decoder.facts(photo, stop).header.uprightSize(), maxPixel).size;
+    const auto fitted = [&wanted](const QImage &image) {
+        return image.size() == wanted ? image : resampled(image, image.rect(), wanted);
+    };
+    const auto covers = [&wanted](const QImage &image) {
+        return image.width() >= wanted.width() && image.height() >= wanted.height();
+    };
+    for (Shelf *shelf : {&m_small, &m_previews}) {
+        if (const Remembered *known = shelf->find(photo.identity()); known && covers(known->image)) {
+            return fitted(known->image);
+        }
+    }
+    const QImage preview = decoded(photo, previewPixels, stop);
+    m_previews.put({photo.identity(), preview});
+    const QSize small = PicturePart::whole(preview.size(), smallPixels).size;
+    m_small.put({photo.identity(), resampled(preview, preview.rect(), small)});
+    return fitted(preview);
+}
+
+PhotoReader::Placed PhotoReader::placed(const QString &file, const PhotoPlacement &placement, QSize canvas,
+                                        int smallPixelsWanted, const std::stop_token &stop)
+{
+    const PlacedRegion region = placedRegion(placement, canvas);
+    return reading(FramePicture::Photo, file, [&](const RegularFile &photo) {
+        const QSize whole = m_decoder.facts(photo, stop).header.uprightSize();
+        QList<PicturePart> parts;
+        if (!region.pixels.isEmpty()) {
+            const QRectF &part = region.extent;
+            parts.append({{part.x() * whole.width(), part.y() * whole.height(), part.width() * whole.width(),
+                           part.height() * whole.height()},
+                          region.pixels.size()});
+        }
+        if (smallPixelsWanted > 0) {
+            parts.append(PicturePart::whole(whole, smallPixelsWanted));
+        }
+        Placed result;
+        if (!parts.isEmpty()) {
+            QList<QImage> images = m_decoder.decode(photo, parts, stop);
+            result.small = smallPixelsWanted > 0 ? images.takeLast() : QImage();
+            result.photo = images.isEmpty() ? PhotoImage() : PhotoImage{images.first(), region.extent};
+        }
+        return result;
+    });
+}
+
+} // namespace tarnovel
