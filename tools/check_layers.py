@@ -8,7 +8,7 @@ import sys
 # include folder of the Qt modules that the layer names.
 QT_INCLUDE = [pathlib.Path("/usr/include/x86_64-linux-gnu/qt6"), pathlib.Path("/usr/include/aarch64-linux-gnu/qt6"),
               pathlib.Path("/usr/include/qt6")]
-STANDARD = re.compile(r"^[a-z_0-9]+$|^(c?std[a-z]+|unistd|pthread|fcntl|signal|sys/\w+|linux/\w+|emmintrin|immintrin|errno|poll)\.h$")
+STANDARD = re.compile(r"^[a-z_0-9]+$|^(c?std[a-z]+|unistd|pthread|fcntl|signal|sys/\w+|linux/\w+|emmintrin|immintrin|errno|malloc|poll|sched|spawn)\.h$")
 WHOLE_MODULE = re.compile(r"^Qt(Core|Gui|Widgets|Concurrent|Network|Svg|DBus)(/Qt\1)?$")
 
 

@@ -1,7 +1,10 @@
 #include "cli/ExportCommand.h"
 
 #include <algorithm>
+#include <exception>
 #include <functional>
+#include <optional>
+#include <utility>
 
 #include <QDir>
 #include <QFile>
@@ -204,19 +207,59 @@ public:
     {
     }
 
-    /// `photo` is how the photo is called in messages; `item` makes it ready.
+    /// `photo` is how the photo is called in messages; `item` makes it ready. While a photo is being written,
+    /// the next one is read: each ends, with what is to be said of it, when the next has begun.
     void exportOne(const QString &photo, const std::function<PhotoItem()> &item)
     {
         m_progress.show(m_done, QFileInfo(photo).fileName());
+        Begun begun{photo, {}, {}, {}};
         try {
-            const PhotoItem ready = item();
-            const ExportedFile made =
-                m_pipeline.exportPhoto(ready, m_options, m_interruption.token()).result();
+            begun.item = item();
+            begun.made = m_pipeline.exportPhoto(begun.item, m_options, m_interruption.token());
+        } catch (const OperationCancelled &) {
+            throw;
+        } catch (const QException &) {
+            begun.failure = std::current_exception();
+        }
+        if (const auto before = std::exchange(m_begun, begun)) {
+            end(*before);
+        }
+    }
+
+    /// Ends the last photo.
+    void finish()
+    {
+        if (const auto last = std::exchange(m_begun, std::nullopt)) {
+            end(*last);
+        }
+    }
+
+    int status() const { return m_failed || m_deaf ? 1 : 0; }
+    /// Nobody reads standard output any more.
+    bool deaf() const { return m_deaf; }
+
+private:
+    /// A photo that is on its way, or why it is not.
+    struct Begun {
+        QString photo;
+        PhotoItem item;
+        QFuture<ExportedFile> made;
+        std::exception_ptr failure;
+    };
+
+    void end(const Begun &begun)
+    {
+        const QString &photo = begun.photo;
+        try {
+            if (begun.failure) {
+                std::rethrow_exception(begun.failure);
+            }
+            const ExportedFile made = begun.made.result();
             const QString extension = m_options.png ? u"png"_s : u"jpg"_s;
-            const QString path = publishFile(
-                made.path, m_request.folder,
-                [&](int attempt) { return ExportNames::fileName(ready.name, extension, attempt); }, m_taken);
-            report(photo, path, ready, made);
+            const auto name = [&](int attempt) {
+                return ExportNames::fileName(begun.item.name, extension, attempt);
+            };
+            report(photo, publishFile(made.path, m_request.folder, name, m_taken), begun.item, made);
         } catch (const PipelineFailure &failure) {
             const bool itself = failure.file().isEmpty();
             reportFailure(photo, (itself ? QString() : failure.file() + u": "_s) + errorDescription(failure));
@@ -231,11 +274,6 @@ public:
         ++m_done;
     }
 
-    int status() const { return m_failed || m_deaf ? 1 : 0; }
-    /// Nobody reads standard output any more.
-    bool deaf() const { return m_deaf; }
-
-private:
     void report(const QString &photo, const QString &path, const PhotoItem &item, const ExportedFile &made)
     {
         if (!m_request.json) {
@@ -271,6 +309,7 @@ private:
     ImagePipeline &m_pipeline;
     const Interruption &m_interruption;
     int m_done = 0;
+    std::optional<Begun> m_begun;
     TakenNames m_taken;
     bool m_failed = false;
     bool m_deaf = false;
@@ -320,6 +359,9 @@ int exportSession(const ExportRequest &request, const ExportOptions &options,
             break;
         }
     }
+    if (!run.deaf()) {
+        run.finish();
+    }
     return run.status();
 }
 
@@ -343,6 +385,9 @@ int exportPhotos(const ExportRequest &request, const ExportOptions &options, con
         if (run.deaf()) {
             break;
         }
+    }
+    if (!run.deaf()) {
+        run.finish();
     }
     return run.status();
 }

@@ -67,10 +67,20 @@ void ExportRun::next()
     } else if (m_stop.stop_requested()) {
         end()->cancelled();
     } else {
-        whenFinished<ExportedFile>(
-            m_pipeline.exportPhoto(m_photos.at(m_index), m_options, m_stop.get_token()), this,
-            [this](const QFuture<ExportedFile> &finished) { rendered(finished); });
+        whenFinished<ExportedFile>(begun(m_index), this,
+                                   [this](const QFuture<ExportedFile> &finished) { rendered(finished); });
+        if (m_index + 1 < m_photos.size()) {
+            m_ahead = {m_index + 1, begun(m_index + 1)};
+        }
     }
+}
+
+/// The export of a photo, which may have been asked for already.
+QFuture<ExportedFile> ExportRun::begun(int index)
+{
+    return m_ahead && m_ahead->first == index
+               ? m_ahead->second
+               : m_pipeline.exportPhoto(m_photos.at(index), m_options, m_stop.get_token());
 }
 
 void ExportRun::rendered(const QFuture<ExportedFile> &finished)
@@ -169,6 +179,7 @@ void ExportRun::stop()
     if (m_problem) {
         const ExportProblem problem = *std::exchange(m_problem, std::nullopt);
         m_failure = problem;
+        m_stop.request_stop();
         end()->failed(problem);
     }
 }
@@ -176,6 +187,7 @@ void ExportRun::stop()
 std::shared_ptr<const ExportRun::Steps> ExportRun::end()
 {
     m_running = false;
+    m_ahead.reset();
     return std::exchange(m_steps, nullptr);
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <utility>
 
 #include <QObject>
 #include <QSet>
@@ -24,8 +25,9 @@ struct ExportProblem {
     bool worthRetrying = false;
 };
 
-/// Renders photos strictly one after another into temporary files: the part that every destination shares. It
-/// lives on the interface thread, which only hears of results.
+/// Renders photos strictly one after another into temporary files, each asked for while the one before it is
+/// made: the part that every destination shares. It lives on the interface thread, which only hears of
+/// results.
 class ExportRun : public QObject {
     Q_OBJECT
 
@@ -76,6 +78,7 @@ public:
 
 private:
     void next();
+    QFuture<ExportedFile> begun(int index);
     void rendered(const QFuture<ExportedFile> &finished);
     void delivered(const std::optional<FileError> &refusal);
     void fail(const ExportProblem &problem);
@@ -88,6 +91,8 @@ private:
     ExportOptions m_options;
     std::shared_ptr<const Steps> m_steps;
     int m_index = 0;
+    /// The photo after that: it is read while this one is drawn, encoded and written.
+    std::optional<std::pair<int, QFuture<ExportedFile>>> m_ahead;
     bool m_running = false;
     std::optional<ExportProblem> m_problem;
     std::optional<ExportProblem> m_failure;

@@ -5,6 +5,7 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <optional>
 #include <type_traits>
 #include <utility>
 
@@ -93,15 +94,26 @@ auto promised(const QString &subject, const std::stop_token &stop, const Work &w
     }
 }
 
-template<typename Value, typename Work>
-void fulfil(QPromise<Value> &promise, const QString &subject, const std::stop_token &stop, const Work &work)
+/// Does the work, calls `ended`, and then tells how it went: whoever hears of it may look at what is left
+/// behind.
+template<typename Value, typename Work, typename Ended>
+void fulfil(std::shared_ptr<QPromise<Value>> promise, const QString &subject, const std::stop_token &stop,
+            const Work &work, const Ended &ended)
 {
+    std::optional<Value> value;
+    std::exception_ptr failure;
     try {
-        promise.addResult(promised(subject, stop, work));
+        value = promised(subject, stop, work);
     } catch (...) {
-        promise.setException(std::current_exception());
+        failure = std::current_exception();
     }
-    promise.finish();
+    ended();
+    if (failure) {
+        promise->setException(failure);
+    } else {
+        promise->addResult(std::move(*value));
+    }
+    promise->finish();
 }
 
 CompositionImages imagesFor(PhotoReader &reader, const PhotoItem &item, QSize canvas,
@@ -197,11 +209,11 @@ auto ImagePipeline::enqueue(QThreadPool &thread, const QString &subject, std::st
     using Value = std::decay_t<std::invoke_result_t<Work, const std::stop_token &>>;
     // A promise, not QtConcurrent::run: whoever waits for a task of that may be made to run it, out of turn
     // and on another thread.
-    const auto promise = std::make_shared<QPromise<Value>>();
+    auto promise = std::make_shared<QPromise<Value>>();
     QFuture<Value> future = promise->future();
     promise->start(); // nobody waits for a future that has not started
-    thread.start([promise, subject, stop = std::move(stop), work = std::move(work)] {
-        fulfil(*promise, subject, stop, work);
+    thread.start([promise, subject, stop = std::move(stop), work = std::move(work)]() mutable {
+        fulfil(std::move(promise), subject, stop, work, [] {});
     });
     return future;
 }
@@ -209,11 +221,11 @@ auto ImagePipeline::enqueue(QThreadPool &thread, const QString &subject, std::st
 QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const ExportOptions &options,
                                                  std::stop_token stop)
 {
-    const auto promise = std::make_shared<QPromise<ExportedFile>>();
+    auto promise = std::make_shared<QPromise<ExportedFile>>();
     QFuture<ExportedFile> future = promise->future();
     promise->start();
     ++m_exports;
-    m_reading.thread.start([this, promise, item, options, stop = std::move(stop)] {
+    m_reading.thread.start([this, promise, item, options, stop = std::move(stop)]() mutable {
         // Two photos at most are between their reading and their end.
         m_room.acquire();
         const auto read = std::make_shared<ReadPhoto>();
@@ -228,8 +240,8 @@ QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const Ex
             promise->finish();
             return;
         }
-        m_composing.start([this, promise, item, options, stop, read] {
-            fulfil(*promise, item.file, stop, [&](const std::stop_token &token) {
+        m_composing.start([this, promise = std::move(promise), item, options, stop, read]() mutable {
+            const auto work = [&](const std::stop_token &token) {
                 if (m_canvas.size() != read->canvas) {
                     m_canvas = QImage();
                     m_canvas = QImage(read->canvas, QImage::Format_RGB32);
@@ -237,8 +249,8 @@ QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const Ex
                 compose(m_canvas, item, std::exchange(read->images, {}));
                 throwIfCancelled(token);
                 return written(m_canvas, options, token);
-            });
-            ended();
+            };
+            fulfil(std::move(promise), item.file, stop, work, [this] { ended(); });
         });
     });
     return future;
