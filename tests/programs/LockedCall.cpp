@@ -1,0 +1,84 @@
+// Closes the decoder's locks on itself and then tries the call that is named. Ends with 0 where the call was
+// refused.
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/ptrace.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "decoding/Lockdown.h"
+
+namespace {
+
+bool isRefused(std::string_view call)
+{
+    if (call == "open") {
+        return open("/etc/passwd", O_RDONLY) < 0;
+    }
+    if (call == "create") {
+        return open("/tmp/tarnovel-locked-call", O_WRONLY | O_CREAT, 0600) < 0;
+    }
+    if (call == "unlink") {
+        return unlink("/tmp/tarnovel-locked-call") < 0 && errno == ENOSYS;
+    }
+    if (call == "socket") {
+        return socket(AF_INET, SOCK_STREAM, 0) < 0;
+    }
+    if (call == "fork") {
+        return fork() < 0;
+    }
+    if (call == "vfork") {
+        return syscall(SYS_fork) < 0;
+    }
+    if (call == "execve") {
+        char *const none[] = {nullptr};
+        return execve("/bin/true", none, none) < 0;
+    }
+    if (call == "ptrace") {
+        return ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) < 0;
+    }
+    if (call == "kill") {
+        return syscall(SYS_kill, getppid(), 0) < 0;
+    }
+    if (call == "signal another") {
+        return syscall(SYS_tgkill, getppid(), getppid(), 0) < 0;
+    }
+    if (call == "executable memory") {
+        return mmap(nullptr, 4096, PROT_READ | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) == MAP_FAILED;
+    }
+    if (call == "look up a path") {
+        return syscall(SYS_newfstatat, AT_FDCWD, "/etc", nullptr, 0) < 0;
+    }
+    if (call == "too much memory") {
+        return mmap(nullptr, size_t(5) << 30, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) == MAP_FAILED;
+    }
+    if (call == "more limits") {
+        const rlimit wide{RLIM_INFINITY, RLIM_INFINITY};
+        return setrlimit(RLIMIT_CORE, &wide) < 0;
+    }
+    if (call == "io_uring") {
+        return syscall(SYS_io_uring_setup, 1, nullptr) < 0;
+    }
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 2) {
+        return 2;
+    }
+    const QByteArrayList missing = tarnovel::lockDown(tarnovel::Unneeded::Fails);
+    if (missing.contains("seccomp")) {
+        return 3;
+    }
+    _exit(isRefused(argv[1]) ? 0 : 1);
+}
