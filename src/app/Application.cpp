@@ -12,6 +12,7 @@
 #include <QLibraryInfo>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QStyleFactory>
 #include <QTimer>
 #include <QTranslator>
@@ -189,7 +190,9 @@ int runEditor(int argc, char **argv)
     ScratchFolder::sweep(u"Tarnovel-"_s, 86'400);
     const QString temporary = privateTemporaryFolder();
     ExportFileLifetime::prepare(temporary);
-    ImagePipeline pipeline(library, temporary);
+    const QString caches = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    ImagePipeline pipeline(library, temporary, PipelineUse::Editor,
+                           caches + u"/tarnovel/thumbnails/x-large"_s);
     SessionWriter writer(library);
     SystemClock clock;
     EditorModel model({pipeline, writer, preferences, clock, library}, EditorModel::Load::StoredSession);

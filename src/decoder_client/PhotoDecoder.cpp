@@ -110,6 +110,7 @@ QList<QImage> PhotoDecoder::decode(const RegularFile &photo, const QList<Picture
     for (const PicturePart &part : parts) {
         checkPicturePart(part);
     }
+    qCDebug(logDecoder) << "decoding" << parts.size() << "parts, the first to" << parts.first().size;
     const SlotLayout layout(parts);
     const PictureSlots::Lent lent = m_slots.take(layout.bytes);
     DecoderRequest request;

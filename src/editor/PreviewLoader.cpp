@@ -10,7 +10,7 @@ namespace tarnovel {
 
 namespace {
 
-constexpr int photoPixels = 1400;
+constexpr int photoPixels = PhotoReader::previewPixels;
 constexpr int backdropPixels = 1200;
 constexpr int logoPixels = 600;
 constexpr int signaturePixels = 1200;

@@ -18,8 +18,9 @@ namespace {
 
 /// Decoded photos that are kept, in bytes.
 constexpr int keptBytes = 96'000'000;
-/// The sizes at which photos are kept; a larger thumbnail takes the next.
-constexpr std::array<int, 3> sourcePixels = {400, 800, 1600};
+/// The sizes at which photos are kept; a larger thumbnail takes the next. The last is the preview's, which
+/// the service has at hand.
+constexpr std::array<int, 3> sourcePixels = {400, 800, PhotoReader::previewPixels};
 constexpr int companionPixels = 400;
 /// A full session in the strip, on the pages and in the cards, twice.
 constexpr size_t mostEntries = 400;

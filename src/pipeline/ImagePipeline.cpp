@@ -176,22 +176,29 @@ struct ReadPhoto {
 
 } // namespace
 
-ImagePipeline::Lane::Lane(const QString &libraryFolder, PictureMemory memory) : reader(libraryFolder, memory)
+ImagePipeline::Lane::Lane(const QString &libraryFolder, PictureMemory memory, const QString &thumbnailFolder)
+    : reader(libraryFolder, memory, thumbnailFolder)
 {
     thread.setMaxThreadCount(1);
     thread.setExpiryTimeout(-1); // a decoder ends with the thread that started it
 }
 
-ImagePipeline::ImagePipeline(QString libraryFolder, QString temporaryFolder, PipelineUse use)
+ImagePipeline::ImagePipeline(const QString &libraryFolder, QString temporaryFolder, PipelineUse use,
+                             const QString &thumbnailFolder)
     : m_temporaryFolder(std::move(temporaryFolder)),
-      m_reading(libraryFolder, PictureMemory::None),
-      m_ownScreen(use == PipelineUse::Editor ? std::make_unique<Lane>(libraryFolder, PictureMemory::Kept)
-                                             : nullptr),
+      m_reading(libraryFolder, PictureMemory::None, {}),
+      m_ownScreen(use == PipelineUse::Editor
+                      ? std::make_unique<Lane>(libraryFolder, PictureMemory::Kept, thumbnailFolder)
+                      : nullptr),
       m_screen(m_ownScreen ? *m_ownScreen : m_reading),
       m_room(photosAtWork)
 {
     m_composing.setMaxThreadCount(1);
     m_composing.setExpiryTimeout(-1);
+    if (!thumbnailFolder.isEmpty()) {
+        constexpr int afterPictures = -1;
+        m_screen.thread.start([this] { m_screen.reader.pruneThumbnails(); }, afterPictures);
+    }
 }
 
 ImagePipeline::~ImagePipeline()

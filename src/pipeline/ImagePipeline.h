@@ -49,7 +49,9 @@ enum class PipelineUse {
 /// A future throws PipelineFailure, FileError where the disk refuses to write, or OperationCancelled.
 class ImagePipeline {
 public:
-    ImagePipeline(QString libraryFolder, QString temporaryFolder, PipelineUse use = PipelineUse::Editor);
+    /// In `thumbnailFolder`, thumbnails are kept from start to start; nowhere where it is empty.
+    ImagePipeline(const QString &libraryFolder, QString temporaryFolder,
+                  PipelineUse use = PipelineUse::Editor, const QString &thumbnailFolder = {});
     ~ImagePipeline();
     ImagePipeline(const ImagePipeline &) = delete;
     ImagePipeline &operator=(const ImagePipeline &) = delete;
@@ -101,7 +103,7 @@ private:
         PhotoReader reader;
         QThreadPool thread;
 
-        Lane(const QString &libraryFolder, PictureMemory memory);
+        Lane(const QString &libraryFolder, PictureMemory memory, const QString &thumbnailFolder);
     };
 
     template<typename Work>

@@ -18,7 +18,6 @@ namespace {
 // A dozen previews, and a whole session of the small ones.
 constexpr qsizetype mostPreviewBytes = 64'000'000;
 constexpr qsizetype mostSmallBytes = 48'000'000;
-constexpr int smallPixels = 500;
 
 } // namespace
 
@@ -59,11 +58,12 @@ const PhotoReader::Remembered *PhotoReader::Shelf::find(const FileIdentity &phot
     return &pictures.front();
 }
 
-PhotoReader::PhotoReader(QString libraryFolder, PictureMemory memory)
+PhotoReader::PhotoReader(QString libraryFolder, PictureMemory memory, const QString &thumbnailFolder)
     : m_libraryFolder(std::move(libraryFolder)),
       m_memory(memory),
-      m_previews{previewPixels, mostPreviewBytes},
-      m_small{smallPixels, mostSmallBytes}
+      m_previews{mostPreviewBytes},
+      m_small{mostSmallBytes},
+      m_thumbnails(thumbnailFolder)
 {
 }
 
@@ -104,7 +104,7 @@ QImage PhotoReader::picture(FramePicture which, const QString &file, int maxPixe
 {
     return reading(which, file, [&](const RegularFile &photo) {
         return m_memory == PictureMemory::Kept && maxPixel <= previewPixels
-                   ? remembered(photo, maxPixel, stop)
+                   ? remembered(file, photo, maxPixel, stop)
                    : decoded(photo, maxPixel, stop);
     });
 }
@@ -116,26 +116,61 @@ QImage PhotoReader::decoded(const RegularFile &photo, int maxPixel, const std::s
     return m_decoder.decode(photo, {PicturePart::whole(whole, maxPixel)}, stop).first().copy();
 }
 
-QImage PhotoReader::remembered(const RegularFile &photo, int maxPixel, const std::stop_token &stop)
+QImage PhotoReader::remembered(const QString &file, const RegularFile &photo, int maxPixel,
+                               const std::stop_token &stop)
 {
     throwIfCancelled(stop);
-    const QSize wanted = PicturePart::whole(m_decoder.facts(photo, stop).header.uprightSize(), maxPixel).size;
+    const QSize whole = m_decoder.facts(photo, stop).header.uprightSize();
+    const QSize wanted = PicturePart::whole(whole, maxPixel).size;
     const auto fitted = [&wanted](const QImage &image) {
         return image.size() == wanted ? image : resampled(image, image.rect(), wanted);
     };
-    const auto covers = [&wanted](const QImage &image) {
-        return image.width() >= wanted.width() && image.height() >= wanted.height();
-    };
     for (Shelf *shelf : {&m_small, &m_previews}) {
-        if (const Remembered *known = shelf->find(photo.identity()); known && covers(known->image)) {
+        const Remembered *known = shelf->find(photo.identity());
+        if (known && known->image.width() >= wanted.width() && known->image.height() >= wanted.height()) {
             return fitted(known->image);
+        }
+    }
+    const QSize smallSize = PicturePart::whole(whole, ThumbnailStore::pixels).size;
+    if (maxPixel <= ThumbnailStore::pixels && smallSize != whole) {
+        const QImage kept = thumbnail(file, photo, stop);
+        if (kept.size() == smallSize) {
+            m_small.put({photo.identity(), kept});
+            return fitted(kept);
         }
     }
     const QImage preview = decoded(photo, previewPixels, stop);
     m_previews.put({photo.identity(), preview});
-    const QSize small = PicturePart::whole(preview.size(), smallPixels).size;
-    m_small.put({photo.identity(), resampled(preview, preview.rect(), small)});
-    return fitted(preview);
+    const QImage small =
+        preview.size() == smallSize ? preview : resampled(preview, preview.rect(), smallSize);
+    if (!m_small.find(photo.identity())) {
+        m_small.put({photo.identity(), small});
+    }
+    if (keepsThumbnail(file) && smallSize != whole) {
+        m_thumbnails.write(m_thumbnails.path(path(file), photo.identity()), small);
+    }
+    // The same pixels as from the thumbnail at the next start.
+    return fitted(maxPixel <= ThumbnailStore::pixels ? small : preview);
+}
+
+/// Those of the library, which will be there at the next start.
+bool PhotoReader::keepsThumbnail(const QString &file) const
+{
+    return m_thumbnails.isKept() && QDir::isRelativePath(file);
+}
+
+/// The thumbnail that an earlier start has left; null where there is none.
+QImage PhotoReader::thumbnail(const QString &file, const RegularFile &photo, const std::stop_token &stop)
+{
+    if (!keepsThumbnail(file)) {
+        return {};
+    }
+    try {
+        return decoded(RegularFile(m_thumbnails.path(path(file), photo.identity())), ThumbnailStore::pixels,
+                       stop);
+    } catch (const ImageError &) {
+        return {};
+    }
 }
 
 PhotoReader::Placed PhotoReader::placed(const QString &file, const PhotoPlacement &placement, QSize canvas,

@@ -7,6 +7,7 @@
 
 #include "decoder_client/PhotoDecoder.h"
 #include "pipeline/PipelineError.h"
+#include "pipeline/ThumbnailStore.h"
 #include "render/CompositionRenderer.h"
 
 namespace tarnovel {
@@ -25,7 +26,8 @@ enum class PictureMemory {
 /// thread at a time. Everything throws PipelineFailure and OperationCancelled.
 class PhotoReader {
 public:
-    PhotoReader(QString libraryFolder, PictureMemory memory);
+    /// In `thumbnailFolder`, thumbnails are kept from start to start; nowhere where it is empty.
+    PhotoReader(QString libraryFolder, PictureMemory memory, const QString &thumbnailFolder = {});
 
     /// The longer side of a photo's preview.
     static constexpr int previewPixels = 1400;
@@ -49,17 +51,18 @@ public:
     /// Gives the memory of lent pictures back.
     void rest() { m_decoder.rest(); }
 
+    /// Removes the thumbnails of photos that have gone from the library.
+    void pruneThumbnails() const { m_thumbnails.prune(m_libraryFolder); }
+
     QString path(const QString &file) const;
 
 private:
     struct Remembered {
         FileIdentity photo;
         QImage image;
-        bool isWhole = false;
     };
     /// Pictures of one size, the last used first.
     struct Shelf {
-        int longSide;
         qsizetype mostBytes;
         qsizetype bytes = 0;
         std::list<Remembered> pictures = {};
@@ -69,7 +72,10 @@ private:
     };
 
     QImage decoded(const RegularFile &photo, int maxPixel, const std::stop_token &stop);
-    QImage remembered(const RegularFile &photo, int maxPixel, const std::stop_token &stop);
+    QImage remembered(const QString &file, const RegularFile &photo, int maxPixel,
+                      const std::stop_token &stop);
+    bool keepsThumbnail(const QString &file) const;
+    QImage thumbnail(const QString &file, const RegularFile &photo, const std::stop_token &stop);
     PipelineFailure failure(const QString &file, FramePicture which, const ImageError &error) const;
     template<typename Work>
     auto reading(FramePicture which, const QString &file, Work work);
@@ -79,6 +85,7 @@ private:
     PhotoDecoder m_decoder;
     Shelf m_previews;
     Shelf m_small;
+    ThumbnailStore m_thumbnails;
 };
 
 /// What a person is told of a picture error beyond "unreadable", where there is more to say.

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QLoggingCategory>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -363,6 +364,90 @@ TEST_F(Serving, PlacesDecodedPhotosLikeFiles)
     EXPECT_TRUE(m_pipeline.resamplePlaced(decoded, {{0, 0, 9, 9}, {20, 20, 9, 9}}, {100, 100})
                     .result()
                     .image.isNull());
+}
+
+/// Counts the decodings of its life.
+class Decodings {
+public:
+    Decodings()
+    {
+        s_count = 0;
+        QLoggingCategory::setFilterRules(u"tarnovel.decoder.debug=true"_s);
+        m_before = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &message) {
+            s_count += message.startsWith(u"decoding"_s) ? 1 : 0;
+        });
+    }
+    ~Decodings()
+    {
+        qInstallMessageHandler(m_before);
+        QLoggingCategory::setFilterRules({});
+    }
+    Decodings(const Decodings &) = delete;
+    Decodings &operator=(const Decodings &) = delete;
+    int count() const { return s_count; }
+
+private:
+    static inline std::atomic<int> s_count = 0;
+    QtMessageHandler m_before;
+};
+
+TEST_F(Serving, DecodesAPhotoOnce)
+{
+    write(u"a.jpg"_s, gradient({1800, 1200}));
+    {
+        const Decodings decodings;
+        PhotoItem photo = item(u"a.jpg"_s);
+        const QImage preview = m_pipeline.read(u"a.jpg"_s, 1400).result();
+        EXPECT_EQ(preview.size(), QSize(1400, 933));
+        for (const int pixels : {800, 500, 400, 120}) {
+            EXPECT_EQ(m_pipeline.read(u"a.jpg"_s, pixels).result().width(), pixels);
+        }
+        m_pipeline.primaryColors(u"a.jpg"_s).waitForFinished();
+        EXPECT_EQ(decodings.count(), 1) << "from its import to the window that shows it";
+    }
+    const Decodings decodings;
+    PhotoItem photo = item(u"a.jpg"_s);
+    photo.settings.background = Backdrop::blur;
+    m_pipeline.exportPhoto(photo, {}).result();
+    EXPECT_EQ(decodings.count(), 1) << "with its blurred backdrop";
+}
+
+TEST_F(Serving, KeepsThumbnailsFromStartToStart)
+{
+    const QString thumbnails = m_folder.filePath(u"thumbnails"_s);
+    const QDir folder(thumbnails);
+    write(u"a.jpg"_s, gradient({1800, 1200}));
+    const QString path = m_folder.filePath(u"a.jpg"_s);
+    const auto start = [&] {
+        return std::make_unique<ImagePipeline>(m_folder.path(), m_folder.filePath(u"t"_s),
+                                               PipelineUse::Editor, thumbnails);
+    };
+    const QDateTime changed(QDate(2026, 5, 4), QTime(12, 0));
+    QFile photo(path);
+    ASSERT_TRUE(photo.open(QIODevice::ReadWrite) &&
+                photo.setFileTime(changed, QFileDevice::FileModificationTime));
+    const QImage first = start()->read(u"a.jpg"_s, 400).result();
+    ASSERT_EQ(folder.entryList(QDir::Files).size(), 1);
+    const QFileInfo kept(folder.filePath(folder.entryList(QDir::Files).first()));
+    EXPECT_FALSE(kept.permission(QFile::ReadGroup) || kept.permission(QFile::ReadOther));
+
+    // Where the photo cannot be decoded any more, only the thumbnail can have been read.
+    ASSERT_TRUE(photo.seek(photo.size() / 2));
+    photo.write(QByteArray(2000, '\xff'));
+    photo.flush();
+    ASSERT_TRUE(photo.setFileTime(changed, QFileDevice::FileModificationTime));
+    photo.close();
+    EXPECT_EQ(start()->read(u"a.jpg"_s, 400).result(), first);
+    EXPECT_THROW(start()->read(u"a.jpg"_s, 1400).result(), PipelineFailure);
+    // A damaged thumbnail is no thumbnail.
+    QFile damaged(kept.filePath());
+    ASSERT_TRUE(damaged.open(QIODevice::ReadWrite) && damaged.resize(300));
+    damaged.close();
+    EXPECT_THROW(start()->read(u"a.jpg"_s, 400).result(), PipelineFailure);
+
+    QFile::remove(path);
+    start().reset();
+    EXPECT_EQ(folder.entryList(QDir::Files), QStringList());
 }
 
 TEST_F(Serving, CancelsWhatIsNoLongerWanted)
