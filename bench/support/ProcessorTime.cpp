@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <vector>
@@ -36,22 +38,65 @@ const char *verdict(double value, double budget)
     return value <= budget ? "passed" : "MISSED";
 }
 
-rusage usage()
+rusage usage(__rusage_who who = RUSAGE_SELF)
 {
     rusage result{};
-    getrusage(RUSAGE_SELF, &result);
+    getrusage(who, &result);
     return result;
+}
+
+double milliseconds(const rusage &spent)
+{
+    const auto of = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+    };
+    return of(spent.ru_utime) + of(spent.ru_stime);
+}
+
+double livingMs(int process)
+{
+    clockid_t clock{};
+    timespec time{};
+    if (clock_getcpuclockid(process, &clock) != 0 || clock_gettime(clock, &time) != 0) {
+        return 0;
+    }
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+double peakMbOf(int process)
+{
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string word; status >> word;) {
+        if (word == "VmHWM:") {
+            double kilobytes = 0;
+            status >> kilobytes;
+            return kilobytes / 1e3;
+        }
+    }
+    return 0;
 }
 
 } // namespace
 
+std::vector<int> childProcesses()
+{
+    std::vector<int> found;
+    for (const auto &task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream children(task.path() / "children");
+        for (int child = 0; children >> child;) {
+            found.push_back(child);
+        }
+    }
+    return found;
+}
+
 double processorMs()
 {
-    const rusage now = usage();
-    const auto milliseconds = [](const timeval &time) {
-        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
-    };
-    return milliseconds(now.ru_utime) + milliseconds(now.ru_stime);
+    double spent = milliseconds(usage()) + milliseconds(usage(RUSAGE_CHILDREN));
+    for (const int child : childProcesses()) {
+        spent += livingMs(child);
+    }
+    return spent;
 }
 
 double residentMb()
@@ -64,7 +109,11 @@ double residentMb()
 
 double peakResidentMb()
 {
-    return static_cast<double>(usage().ru_maxrss) / 1e3;
+    double peak = static_cast<double>(usage().ru_maxrss) / 1e3;
+    for (const int child : childProcesses()) {
+        peak += peakMbOf(child);
+    }
+    return peak;
 }
 
 void add(const std::string &name, const std::function<void()> &work)

@@ -2,13 +2,18 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace tarnovel::bench {
 
-/// Milliseconds of processor time, user and system, that this process has spent.
+/// The processes that this one has started and that live: decoders.
+std::vector<int> childProcesses();
+
+/// Milliseconds of processor time, user and system, that this process and its children have spent.
 double processorMs();
 
-/// Resident memory now and at its highest, in megabytes.
+/// Resident memory now and at its highest, in megabytes; the highest with that of the living children, where
+/// pictures that both have mapped count twice.
 double residentMb();
 double peakResidentMb();
 

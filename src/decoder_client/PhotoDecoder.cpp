@@ -58,6 +58,8 @@ QString decoderProgram()
 
 PhotoDecoder::PhotoDecoder() : PhotoDecoder(decoderProgram()) {}
 
+PhotoDecoder::PhotoDecoder(Spare spare) : m_program(decoderProgram()), m_spareKind(spare) {}
+
 PhotoDecoder::PhotoDecoder(QString program, DecoderProcess::Patience patience)
     : m_program(std::move(program)), m_patience(patience)
 {
@@ -70,7 +72,7 @@ void PhotoDecoder::start()
     if (m_process) {
         return;
     }
-    auto process = std::make_unique<DecoderProcess>(m_program);
+    auto process = m_spare ? std::exchange(m_spare, nullptr) : std::make_unique<DecoderProcess>(m_program);
     ++m_starts;
     QByteArray bytes;
     const Outcome outcome = process->receive(bytes, m_patience, {});
@@ -116,6 +118,7 @@ QList<QImage> PhotoDecoder::decode(const RegularFile &photo, const QList<Picture
     DecoderRequest request;
     request.kind = DecoderRequest::Kind::Decode;
     request.parts = parts;
+    prepareSpare(photo.identity());
     const DecoderReply reply = exchange(photo, request, lent, stop);
     if (reply.kind != DecoderReply::Kind::Decoded || reply.transparent.size() != parts.size()) {
         lost(photo.identity(), "an answer to another question", ImageError::Cause::Damaged);
@@ -125,6 +128,15 @@ QList<QImage> PhotoDecoder::decode(const RegularFile &photo, const QList<Picture
         images.append(lentImage(lent.slot, layout.offsets[i], parts[i].size, reply.transparent[i]));
     }
     return images;
+}
+
+void PhotoDecoder::prepareSpare(const FileIdentity &photo)
+{
+    const auto known = m_facts.find(photo);
+    if (m_spareKind == Spare::WhileSlow && !m_spare && known != m_facts.end() &&
+        isSlowToCancel(known->second.header.format)) {
+        m_spare = std::make_unique<DecoderProcess>(m_program);
+    }
 }
 
 DecoderReply PhotoDecoder::exchange(const RegularFile &photo, DecoderRequest request,

@@ -22,6 +22,10 @@ namespace tarnovel {
 class PhotoDecoder {
 public:
     PhotoDecoder();
+    /// With another decoder ready while one is busy with a format that has to be ended by force: whoever
+    /// gives such a photo up for another one does not wait for the start.
+    enum class Spare { None, WhileSlow };
+    explicit PhotoDecoder(Spare spare);
     explicit PhotoDecoder(QString program, DecoderProcess::Patience patience = {});
     ~PhotoDecoder();
     PhotoDecoder(const PhotoDecoder &) = delete;
@@ -47,13 +51,17 @@ private:
     DecoderReply exchange(const RegularFile &photo, DecoderRequest request, const PictureSlots::Lent &slot,
                           const std::stop_token &stop);
     void start();
+    void prepareSpare(const FileIdentity &photo);
     DecoderReply awaited(const RegularFile &photo, quint32 id, const std::stop_token &stop);
     [[noreturn]] void cancelRequest(const FileIdentity &photo, quint32 id);
     [[noreturn]] void lost(const FileIdentity &photo, const QByteArray &why, ImageError::Cause cause);
 
     const QString m_program;
     const DecoderProcess::Patience m_patience;
+    const Spare m_spareKind = Spare::None;
     std::unique_ptr<DecoderProcess> m_process;
+    /// Started, and not heard of yet.
+    std::unique_ptr<DecoderProcess> m_spare;
     PictureSlots m_slots;
     quint32 m_lastId = 0;
     int m_starts = 0;

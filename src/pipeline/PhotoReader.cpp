@@ -61,6 +61,7 @@ const PhotoReader::Remembered *PhotoReader::Shelf::find(const FileIdentity &phot
 PhotoReader::PhotoReader(QString libraryFolder, PictureMemory memory, const QString &thumbnailFolder)
     : m_libraryFolder(std::move(libraryFolder)),
       m_memory(memory),
+      m_decoder(memory == PictureMemory::Kept ? PhotoDecoder::Spare::WhileSlow : PhotoDecoder::Spare::None),
       m_previews{mostPreviewBytes},
       m_small{mostSmallBytes},
       m_thumbnails(thumbnailFolder)
