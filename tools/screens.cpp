@@ -315,7 +315,7 @@ QList<Screen> editorScreens()
                         }
                         return [&world, panel, file] {
                             QFile::rename(file + u".away"_s, file);
-                            panel->cancelRun();
+                            panel->findChild<Button *>(u"stopExport"_s)->click();
                             world.window().page()->showExport(false);
                             closingSheets(world)();
                         };

@@ -69,7 +69,7 @@ bool CollageGestures::grabDivider(QPointF point)
     m_ratioLabel = CollageGeometry::ratioText(ratio);
     m_ratioThen = ratio;
     m_grabbedAt = point;
-    m_lastSnapped = CollageGeometry::dragDivider(*found, place).snapped;
+    m_snapped = CollageGeometry::dragDivider(*found, place).snapped;
     m_dividerBegun = false;
     return true;
 }
@@ -89,10 +89,7 @@ void CollageGestures::dragDivider(QPointF point)
         return;
     }
     const CollageGeometry::Drag drag = CollageGeometry::dragDivider(*held, placeOf(*held, ratio));
-    if (drag.snapped && !m_lastSnapped) {
-        ++m_snapTick;
-    }
-    m_lastSnapped = drag.snapped;
+    m_snapped = drag.snapped;
     m_ratioLabel = drag.readout;
     CollageDesign design = m_studio.design();
     design.node.setRatio(held->path, drag.ratio);
@@ -106,7 +103,7 @@ void CollageGestures::releaseDivider()
 {
     m_divider.reset();
     m_ratioLabel.reset();
-    m_lastSnapped = false;
+    m_snapped = false;
 }
 
 QString CollageGestures::nudgeDivider(const QString &id, double share)

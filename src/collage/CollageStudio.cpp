@@ -55,7 +55,6 @@ bool CollageStudio::pick(const QList<QUuid> &photos)
             continue;
         }
         if (total() >= CollageEdits::mostPhotos) {
-            ++m_limitNotice;
             tell(LimitReached);
             break;
         }
@@ -82,7 +81,6 @@ void CollageStudio::toggle(const QUuid &photo)
                    MessageKind::Hint);
         return;
     }
-    ++m_selectTick;
     // Whoever hears of the photos reads the layouts that go with them.
     if (!m_choosing) {
         rebuild(LayoutChoice::Keep);
@@ -102,14 +100,13 @@ void CollageStudio::filesUnreadable(qsizetype count)
 {
     ImportSummary summary;
     summary.unreadable = count;
-    setMessage(summary.message(ImportSource::Files));
+    setMessage(summary.message());
 }
 
 void CollageStudio::addFiles(const QStringList &paths)
 {
     m_photos.open(paths, [this](const QList<QUuid> &photos, qsizetype unreadable) {
         if (!m_saving && pick(photos)) {
-            ++m_selectTick;
             if (!m_choosing) {
                 rebuild(LayoutChoice::Keep);
             }
@@ -156,7 +153,7 @@ void CollageStudio::start()
     if (shown.isEmpty()) {
         rebuild(LayoutChoice::Best);
         // There is nothing before the first collage to go back to.
-        m_undo.clear();
+        m_history.clear();
         tell(HistoryChanged);
     } else if (shown != m_picked) {
         rebuild(LayoutChoice::Keep);
@@ -273,11 +270,7 @@ void CollageStudio::checkpoint()
     }
     ++m_steps;
     m_sliders.end();
-    m_undo.append(m_design);
-    if (m_undo.size() > mostSteps) {
-        m_undo.removeFirst();
-    }
-    m_redo.clear();
+    m_history.record(m_design);
     tell(HistoryChanged);
 }
 
@@ -337,26 +330,25 @@ void CollageStudio::change(const CollageDesign &design, const QString &key)
     update(design);
 }
 
-void CollageStudio::move(QList<CollageDesign> &from, QList<CollageDesign> &to)
+void CollageStudio::bringBack(const CollageDesign &design)
 {
     ++m_steps;
-    to.append(m_design);
     m_sliders.end();
-    adopt(from.takeLast());
+    adopt(design);
     tell(HistoryChanged);
 }
 
 void CollageStudio::undo()
 {
     if (canUndo()) {
-        move(m_undo, m_redo);
+        bringBack(*m_history.undo([this](const CollageDesign &) { return m_design; }));
     }
 }
 
 void CollageStudio::redo()
 {
     if (canRedo()) {
-        move(m_redo, m_undo);
+        bringBack(*m_history.redo([this](const CollageDesign &) { return m_design; }));
     }
 }
 
@@ -444,7 +436,7 @@ void CollageStudio::cancel()
 
 QByteArray CollageStudio::draft() const
 {
-    if (m_choosing || m_closed || m_undo.isEmpty()) {
+    if (m_choosing || m_closed || !m_history.canUndo()) {
         return {};
     }
     CollageDraft draft{m_design, {}};
@@ -506,7 +498,7 @@ void CollageStudio::adoptDraft(CollageDesign design)
         design = CollageEdits::rebuilt(design, photos, LayoutChoice::Keep);
     }
     // What has been arranged may be undone, and is worth a question before it goes.
-    m_undo = {CollageEdits::rebuilt({}, photos, LayoutChoice::Best)};
+    m_history.record(CollageEdits::rebuilt({}, photos, LayoutChoice::Best));
     m_choosing = false;
     m_photos.postponeTiles();
     adopt(design);

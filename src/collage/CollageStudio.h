@@ -14,6 +14,7 @@
 #include "collage/CollageOutput.h"
 #include "collage/CollagePhotos.h"
 #include "editor/EditorRules.h"
+#include "editor/UndoSteps.h"
 
 namespace tarnovel {
 
@@ -78,9 +79,6 @@ public:
     void start();
     /// From the board back to the chooser.
     void choosePhotos();
-    /// Counts the times that the limit was met, and the accepted taps: each change is worth an animation.
-    int limitNotice() const { return m_limitNotice; }
-    int selectTick() const { return m_selectTick; }
 
     // The board.
 
@@ -137,8 +135,8 @@ public:
 
     // Steps back and forward, of the board alone.
     static constexpr qsizetype mostSteps = 40;
-    bool canUndo() const { return editable() && !m_undo.isEmpty(); }
-    bool canRedo() const { return editable() && !m_redo.isEmpty(); }
+    bool canUndo() const { return editable() && m_history.canUndo(); }
+    bool canRedo() const { return editable() && m_history.canRedo(); }
     void undo();
     /// Changes with every step that is taken, undone or redone.
     int steps() const { return m_steps; }
@@ -195,7 +193,7 @@ private:
     bool needsSelection();
     void changeCell(const std::function<void(CollageCell &)> &edit, const QString &key = {});
     void changePage(double CollageDesign::*length, double value, double largest, const QString &key);
-    void move(QList<CollageDesign> &from, QList<CollageDesign> &to);
+    void bringBack(const CollageDesign &design);
     void saved(const CollageOutput::Saved &collage);
     void saveFailed(const QString &reason);
     void adoptDraft(CollageDesign design);
@@ -209,14 +207,11 @@ private:
     SliderCheckpoints m_sliders;
     QList<QUuid> m_picked;
     CollageDesign m_design;
-    QList<CollageDesign> m_undo;
-    QList<CollageDesign> m_redo;
+    UndoSteps<CollageDesign> m_history{mostSteps};
     std::optional<int> m_selected;
     int m_steps = 0;
     QSizeF m_stage{900, 900};
     double m_devicePixelRatio = 1;
-    int m_limitNotice = 0;
-    int m_selectTick = 0;
     bool m_choosing = true;
     bool m_saving = false;
     bool m_closed = false;

@@ -136,20 +136,14 @@ qsizetype EditorModel::append(const QList<PhotoItem> &items)
     return taken.size();
 }
 
-bool EditorModel::autoApplied(std::optional<bool> autoApply) const
+std::optional<FrameSettings> EditorModel::autoApplied() const
 {
-    return autoApply.value_or(autoApplyLastStyle());
+    return autoApplyLastStyle() ? m_session.lastStyle : std::nullopt;
 }
 
-qsizetype EditorModel::importPhotos(const QList<PhotoItem> &items, const std::optional<FrameSettings> &style,
-                                    std::optional<bool> autoApply, const std::stop_token &stop)
+qsizetype EditorModel::importPhotos(const QList<PhotoItem> &items, const std::optional<FrameSettings> &style)
 {
-    if (stop.stop_requested()) {
-        return 0;
-    }
-    const std::optional<FrameSettings> applied = style                    ? style
-                                                 : autoApplied(autoApply) ? m_session.lastStyle
-                                                                          : std::nullopt;
+    const std::optional<FrameSettings> applied = style ? style : autoApplied();
     QList<PhotoItem> ready = items;
     if (applied) {
         for (qsizetype i = 0; i < ready.size(); ++i) {
@@ -165,16 +159,9 @@ qsizetype EditorModel::importPhotos(const QList<PhotoItem> &items, const std::op
     return added;
 }
 
-FrameSettings EditorModel::styleForImport(const std::optional<FrameSettings> &explicitStyle, Origin origin,
-                                          std::optional<bool> autoApply) const
+FrameSettings EditorModel::styleForImport() const
 {
-    if (explicitStyle) {
-        return *explicitStyle;
-    }
-    if (origin == Origin::Home) {
-        return BuiltInTemplates::make(BuiltInTemplate::plain, {}, {});
-    }
-    return autoApplied(autoApply) && m_session.lastStyle ? *m_session.lastStyle : FrameSettings();
+    return autoApplied().value_or(FrameSettings());
 }
 
 void EditorModel::applyToAll()
@@ -340,7 +327,7 @@ void EditorModel::checkpoint()
 
 void EditorModel::undo()
 {
-    if (const auto step = m_history.undo([this](const QList<QUuid> &ids) { return snapshot(ids); })) {
+    if (const auto step = m_history.undo([this](const EditSnapshot &of) { return snapshot(of.ids()); })) {
         ++m_steps;
         bringBack(*step);
     }
@@ -348,7 +335,7 @@ void EditorModel::undo()
 
 void EditorModel::redo()
 {
-    if (const auto step = m_history.redo([this](const QList<QUuid> &ids) { return snapshot(ids); })) {
+    if (const auto step = m_history.redo([this](const EditSnapshot &of) { return snapshot(of.ids()); })) {
         ++m_steps;
         bringBack(*step);
     }

@@ -69,8 +69,8 @@ public:
     const PhotoItem *photo(const QUuid &id) const;
     const Previews &previews() const { return m_loader.previews(); }
     const EditHistory &history() const { return m_history; }
-    bool canUndo() const { return !m_history.undoStack().isEmpty(); }
-    bool canRedo() const { return !m_history.redoStack().isEmpty(); }
+    bool canUndo() const { return m_history.canUndo(); }
+    bool canRedo() const { return m_history.canRedo(); }
     bool busy() const { return m_busy; }
     const QString &importProgress() const { return m_importProgress; }
     /// Something to tell the user, in the language of its moment; empty when there is nothing.
@@ -85,14 +85,11 @@ public:
     void change(const QUuid &id, const FrameSettings &settings);
     /// Puts as many as there is room for at the front, and selects the first of them. Returns how many.
     qsizetype append(const QList<PhotoItem> &items);
-    /// Styles new photos and puts them at the front. `style` and `autoApply` take the place of the last style
-    /// and of the preference. Nothing happens once `stop` is requested.
-    qsizetype importPhotos(const QList<PhotoItem> &items, const std::optional<FrameSettings> &style = {},
-                           std::optional<bool> autoApply = {}, const std::stop_token &stop = {});
-    enum class Origin { Editor, Home };
-    /// The style that new photos get.
-    FrameSettings styleForImport(const std::optional<FrameSettings> &explicitStyle, Origin origin,
-                                 std::optional<bool> autoApply = {}) const;
+    /// Styles new photos and puts them at the front. Without a `style` they get the last one, or stay as they
+    /// are where the preference says so.
+    qsizetype importPhotos(const QList<PhotoItem> &items, const std::optional<FrameSettings> &style = {});
+    /// The style that imported files get: the last one or, where the preference says so, a new photo's.
+    FrameSettings styleForImport() const;
     /// Gives every photo the selected one's settings, each keeping its camera texts.
     void applyToAll();
 
@@ -165,7 +162,7 @@ Q_SIGNALS:
 
 private:
     PhotoItem *currentItem();
-    bool autoApplied(std::optional<bool> autoApply) const;
+    std::optional<FrameSettings> autoApplied() const;
     void bringBack(const EditSnapshot &step);
     void edited();
     void loadPreview();

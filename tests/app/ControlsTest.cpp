@@ -56,7 +56,6 @@ protected:
             model().update(start);
             m_world->state().selectLayer({});
             m_world->settle();
-            const auto steps = model().history().undoStack().size();
             page().canvas()->setFocus();
             row.act();
             if (HasFatalFailure()) {
@@ -64,9 +63,9 @@ protected:
             }
             EXPECT_TRUE(row.holds(settings()));
             EXPECT_NE(settings(), start) << "nothing has happened";
-            EXPECT_EQ(model().history().undoStack().size(), steps + 1) << "one step in the history";
             press(Qt::Key_Z, Qt::ControlModifier);
             EXPECT_EQ(settings(), start) << "one Ctrl+Z takes it back";
+            EXPECT_FALSE(model().canUndo()) << "one step in the history";
         }
     }
 

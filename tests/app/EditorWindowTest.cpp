@@ -369,7 +369,7 @@ TEST_F(EditorWindow, SpeaksTheChosenLanguageAtOnce)
     setLanguageSources({[] { return u"french"_s; }, [] { return QStringList(); }});
     window().retranslate();
     EXPECT_TRUE(named<Button>(u"Appliquer à tout"_s));
-    EXPECT_EQ(page().rail()->itemName(0), u"Modèles"_s);
+    EXPECT_EQ(page().findChild<ToolRail *>()->itemName(0), u"Modèles"_s);
     setLanguageSources({});
 }
 

@@ -457,7 +457,7 @@ TEST_F(Saving, KeepsTheOldFileWhileTheHistoryNeedsIt)
     EXPECT_TRUE(waitFor([&] { return !m_model.previews().handwriting.isNull(); }));
     const QString second = signature();
     EXPECT_NE(first, second);
-    EXPECT_EQ(m_model.history().undoStack().size(), 2);
+    EXPECT_EQ(stepsBack(m_model), 2);
     m_model.flush();
     QCoreApplication::processEvents();
     EXPECT_TRUE(exists(first));

@@ -71,7 +71,6 @@ ExportPanel::ExportPanel(const EditorContext &context, const FileChooser &choose
     connect(&m_folder, &FolderExport::changed, this, &ExportPanel::folderChanged);
     connect(&m_library, &LibraryExport::changed, this, &ExportPanel::libraryChanged);
     connect(&m_library, &LibraryExport::succeeded, this, [this] {
-        // Where there is a store to rate in, this is the moment to ask; here there is none.
         ExportReviewPolicy::recordSuccess(m_context.preferences, QStringLiteral(TARNOVEL_VERSION),
                                           QCoreApplication::arguments(),
                                           QProcessEnvironment::systemEnvironment());

@@ -35,8 +35,6 @@ public:
     const LibraryExport &libraryExport() const { return m_library; }
     /// Of the run under way.
     bool savesToLibrary() const { return m_intoLibrary; }
-    /// Gives up the run under way.
-    void cancelRun() { cancel(); }
     void dismissResult() { m_folder.dismissResult(); }
     QSize sizeHint() const override { return {384, 600}; }
 

@@ -96,6 +96,7 @@ ProblemCard::ProblemCard(const EditorContext &context)
         row->addWidget(button, 1);
     }
     column->addLayout(row);
+    m_stop->setObjectName(u"stopExport"_s);
     connect(m_stop, &QPushButton::clicked, this, &ProblemCard::stopAsked);
     connect(m_retry, &QPushButton::clicked, this, &ProblemCard::retryAsked);
     connect(m_skip, &QPushButton::clicked, this, [this] {

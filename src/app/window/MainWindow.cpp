@@ -114,18 +114,16 @@ void MainWindow::connectState()
         m_toast->say(text, kind);
     });
     connect(&shared, &EditorState::addPhotosAsked, this, [this] {
-        m_services.chooser.photos(this, [this](const QStringList &files) {
-            import(files, ImportMode::Photos, ImportSource::Files);
-        });
+        m_services.chooser.photos(this,
+                                  [this](const QStringList &files) { import(files, ImportMode::Photos); });
     });
     connect(&shared, &EditorState::backgroundAsked, this, [this] {
-        m_services.chooser.picture(this, [this](const QStringList &files) {
-            import(files, ImportMode::Background, ImportSource::Files);
-        });
+        m_services.chooser.picture(
+            this, [this](const QStringList &files) { import(files, ImportMode::Background); });
     });
     connect(&shared, &EditorState::logoAsked, this, [this] {
-        m_services.chooser.picture(
-            this, [this](const QStringList &files) { import(files, ImportMode::Logo, ImportSource::Files); });
+        m_services.chooser.picture(this,
+                                   [this](const QStringList &files) { import(files, ImportMode::Logo); });
     });
     connect(&shared, &EditorState::signatureAsked, this, &MainWindow::showHandwriting);
     connect(&shared, &EditorState::saveStyleAsked, this, &MainWindow::askStyleName);

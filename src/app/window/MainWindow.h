@@ -10,6 +10,7 @@
 #include "app/FileChooser.h"
 #include "app/window/WindowPlacement.h"
 #include "base/ScratchFolder.h"
+#include "base/Worker.h"
 
 class QMimeData;
 class QStackedLayout;
@@ -96,7 +97,7 @@ private:
     void updateActions();
     void acceptDrag(QDropEvent *event) const;
     void showPage(QWidget *page);
-    void import(const QStringList &files, ImportMode mode, ImportSource source);
+    void import(const QStringList &files, ImportMode mode);
     bool backgroundWanted() const;
     void paste();
     /// Takes the picture itself, where no file of it is at hand. False when there is none.
@@ -125,6 +126,7 @@ private:
     int m_pastes = 0;
     std::unique_ptr<WindowClosing> m_closing;
     bool m_dropUsable = false;
+    Worker m_paster;
 };
 
 } // namespace tarnovel::app
