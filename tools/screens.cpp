@@ -38,6 +38,7 @@
 #include "handwriting/HandwritingFinish.h"
 #include "handwriting/SignatureSave.h"
 #include "model/Drafts.h"
+#include "model/Signature.h"
 #include "render/BuiltInTemplate.h"
 #include "support/AppWorld.h"
 #include "support/RecordedSignature.h"

@@ -19,6 +19,7 @@
 #include "model/FrameSettingsJson.h"
 #include "model/LibraryPaths.h"
 #include "model/SessionStore.h"
+#include "model/Signature.h"
 #include "model/Styling.h"
 #include "pipeline/ImagePipeline.h"
 #include "pipeline/PipelineError.h"
@@ -139,11 +140,7 @@ struct Pictures {
             layer.visible = true;
         }
         if (signature) {
-            settings.handwritingFile = absolute(*signature);
-            // Over the whole frame, as the studio's own are: their empty parts are transparent.
-            settings.handwritingAspect = signatureAspect;
-            settings.handwritingX = settings.handwritingY = 0.5;
-            settings.handwritingWidth = 1.0;
+            settings = withSignature(settings, absolute(*signature), signatureAspect);
         }
     }
 };

@@ -96,7 +96,9 @@ struct FrameSettings {
     /// Appends the default layers that are missing, in their order; nothing else changes.
     void normalize();
 
-    /// The canvas's width ÷ height for a photo of this pixel size: a custom ratio is held to 0.2…5, a photo's
+    /// A chosen width ÷ height of a canvas, held to 0.2…5.
+    static double heldRatio(double ratio);
+    /// The canvas's width ÷ height for a photo of this pixel size: a custom ratio is held, a photo's
     /// own is not, and a film frame's is that of its piece of film.
     double ratio(QSizeF source) const;
 

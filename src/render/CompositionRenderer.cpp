@@ -6,6 +6,7 @@
 
 #include <QPainter>
 
+#include "model/Signature.h"
 #include "render/DitheredGradient.h"
 #include "render/FilmRenderer.h"
 #include "render/Fonts.h"
@@ -283,14 +284,13 @@ QRectF handwritingRect(const FrameSettings &settings, QSizeF imageSize, QSizeF s
 {
     const double own = imageSize.width() / std::max(imageSize.height(), 1.0);
     const double aspect = std::max(settings.handwritingAspect.value_or(own), 0.1);
-    const double width =
-        FrameGeometry::held(settings.handwritingWidth.value_or(0.42), 0, largestType) * size.width();
+    const SignaturePlace place = signaturePlace(settings);
+    const double width = FrameGeometry::held(place.width, 0, largestType) * size.width();
     const double height = width / aspect;
     const auto centre = [](double fraction, double length, double element) {
         return FrameGeometry::held(fraction * length, element / 2, length - element / 2);
     };
-    return centred({centre(settings.handwritingX.value_or(0.5), size.width(), width),
-                    centre(settings.handwritingY.value_or(0.9), size.height(), height)},
+    return centred({centre(place.x, size.width(), width), centre(place.y, size.height(), height)},
                    {width, height});
 }
 

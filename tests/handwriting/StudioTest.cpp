@@ -11,6 +11,7 @@
 #include "handwriting/Strokes.h"
 #include "imaging/ImageEncoder.h"
 #include "language/AppLanguage.h"
+#include "model/Signature.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

@@ -9,21 +9,13 @@
 #include "app/inspector/PictureWell.h"
 #include "app/kit/Button.h"
 #include "app/kit/Slider.h"
+#include "model/Signature.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tarnovel::app {
 
 namespace {
-
-/// Of records that say nothing.
-constexpr double absentWidth = 0.42;
-constexpr double absentX = 0.5;
-constexpr double absentY = 0.9;
-/// As the handwriting page saves it.
-constexpr double writtenWidth = 1;
-constexpr double writtenX = 0.5;
-constexpr double writtenY = 0.5;
 
 Slider::Range position(double usual)
 {
@@ -90,11 +82,16 @@ SignatureSection::SignatureSection(const EditorContext &context) : Section(conte
     controls->setContentsMargins(0, 12, 0, 0);
     controls->setSpacing(8);
     controls->addWidget(makeRule());
-    m_size = new Slider(
-        said({"大小", "Size", "Taille"}),
-        {.low = 2, .high = 100, .step = 1, .decimals = 0, .unit = u" %"_s, .usual = writtenWidth * 100});
-    m_x = new Slider(said({"水平位置", "Horizontal position", "Position horizontale"}), position(writtenX));
-    m_y = new Slider(said({"垂直位置", "Vertical position", "Position verticale"}), position(writtenY));
+    m_size = new Slider(said({"大小", "Size", "Taille"}), {.low = 2,
+                                                           .high = 100,
+                                                           .step = 1,
+                                                           .decimals = 0,
+                                                           .unit = u" %"_s,
+                                                           .usual = signatureAsWritten.width * 100});
+    m_x = new Slider(said({"水平位置", "Horizontal position", "Position horizontale"}),
+                     position(signatureAsWritten.x));
+    m_y = new Slider(said({"垂直位置", "Vertical position", "Position verticale"}),
+                     position(signatureAsWritten.y));
     for (Slider *slider : {m_size, m_x, m_y}) {
         controls->addWidget(slider);
         connect(slider, &Slider::released, this, [this] { edits().endAdjusting(); });
@@ -108,15 +105,8 @@ SignatureSection::SignatureSection(const EditorContext &context) : Section(conte
     for (const Button *button : {first, m_write}) {
         connect(button, &QPushButton::clicked, &context.state, &EditorState::signatureAsked);
     }
-    connect(m_remove, &QPushButton::clicked, this, [this] {
-        edits().step([](FrameSettings &settings) {
-            settings.handwritingFile.reset();
-            settings.handwritingAspect.reset();
-            settings.handwritingX.reset();
-            settings.handwritingY.reset();
-            settings.handwritingWidth.reset();
-        });
-    });
+    connect(m_remove, &QPushButton::clicked, this,
+            [this] { edits().step([](FrameSettings &settings) { settings = withoutSignature(settings); }); });
     const auto slides = [this](Slider *slider, const QString &key,
                                std::optional<double> FrameSettings::*field) {
         connect(slider, &Slider::changed, this, [this, key, field](double value) {
@@ -142,20 +132,17 @@ void SignatureSection::display(const PhotoItem &photo)
             m_shown = picture.cacheKey();
             m_well->setPicture(inked(picture));
         }
-        m_size->setValue(settings.handwritingWidth.value_or(absentWidth) * 100);
-        m_x->setValue(settings.handwritingX.value_or(absentX) * 100);
-        m_y->setValue(settings.handwritingY.value_or(absentY) * 100);
+        const SignaturePlace place = signaturePlace(settings);
+        m_size->setValue(place.width * 100);
+        m_x->setValue(place.x * 100);
+        m_y->setValue(place.y * 100);
     }
 }
 
 void SignatureSection::reset()
 {
     // Where it was written: over the whole frame.
-    edits().step([](FrameSettings &settings) {
-        settings.handwritingX = writtenX;
-        settings.handwritingY = writtenY;
-        settings.handwritingWidth = writtenWidth;
-    });
+    edits().step([](FrameSettings &settings) { placeSignature(settings, signatureAsWritten); });
 }
 
 } // namespace tarnovel::app
