@@ -44,7 +44,7 @@ std::optional<CollageDivider> CollageGestures::dividerAt(QPointF point) const
     std::optional<CollageDivider> nearest;
     double distance = dividerReach;
     for (const CollageDivider &each : m_studio.layout().dividers) {
-        const bool horizontal = each.axis == CollageAxis::horizontal;
+        const bool horizontal = each.axis == CollageAxis::Horizontal;
         const QRectF &parent = each.parent;
         const double across = std::abs((horizontal ? point.x() : point.y()) - each.position);
         const bool along = horizontal ? point.y() >= parent.top() && point.y() <= parent.bottom()
@@ -81,7 +81,7 @@ void CollageGestures::dragDivider(QPointF point)
         return;
     }
     const QPointF way = point - m_grabbedAt;
-    const double along = held->axis == CollageAxis::horizontal ? way.x() : way.y();
+    const double along = held->axis == CollageAxis::Horizontal ? way.x() : way.y();
     const double ratio = m_ratioThen + along / std::max(held->shared, 1.0);
     if (isOutsideLimits(m_ratioThen) &&
         CollageGeometry::heldRatio(ratio) == CollageGeometry::heldRatio(m_ratioThen)) {

@@ -152,18 +152,18 @@ TEST_F(Board, CopiesFramesToTheCellsBeside)
     };
     m_studio.select(1); // the upper one of the right column
     m_studio.setFrame(CellFrame::white);
-    m_studio.copyFrame(CopyScope::row);
+    m_studio.copyFrame(CopyScope::Row);
     EXPECT_EQ(frames(), u"wwn"_s);
     m_studio.undo();
-    m_studio.copyFrame(CopyScope::column);
+    m_studio.copyFrame(CopyScope::Column);
     EXPECT_EQ(frames(), u"nww"_s);
     m_studio.undo();
     EXPECT_EQ(frames(), u"nwn"_s);
-    m_studio.copyFrame(CopyScope::all);
+    m_studio.copyFrame(CopyScope::All);
     EXPECT_EQ(frames(), u"www"_s);
     m_studio.select(0);
     m_studio.setFrame(CellFrame::film);
-    m_studio.copyFrame(CopyScope::row); // reaches both of the right column
+    m_studio.copyFrame(CopyScope::Row); // reaches both of the right column
     EXPECT_EQ(frames(), u"fff"_s);
 }
 

@@ -201,9 +201,9 @@ void CellsPage::addFrames()
         copy->setObjectName(u"copyTo%1"_s.arg(static_cast<int>(scope)));
         connect(copy, &QPushButton::clicked, this, [this, scope] { m_studio.copyFrame(scope); });
     };
-    add(CopyScope::row, "row", said({"本行", "Row", "Ligne"}));
-    add(CopyScope::column, "column", said({"本列", "Column", "Colonne"}));
-    add(CopyScope::all, "grid", said({"全部", "All", "Toutes"}));
+    add(CopyScope::Row, "row", said({"本行", "Row", "Ligne"}));
+    add(CopyScope::Column, "column", said({"本列", "Column", "Colonne"}));
+    add(CopyScope::All, "grid", said({"全部", "All", "Toutes"}));
     row->addStretch();
     column->addWidget(m_copies);
     column->addSpacing(4);

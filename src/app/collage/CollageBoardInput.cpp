@@ -177,7 +177,7 @@ void CollageBoard::showCursor(QPointF position)
     }
     const int index = itemAt(position.toPoint());
     if (index >= cells()) {
-        setCursor(dividerOf(index).axis == CollageAxis::horizontal ? Qt::SplitHCursor : Qt::SplitVCursor);
+        setCursor(dividerOf(index).axis == CollageAxis::Horizontal ? Qt::SplitHCursor : Qt::SplitVCursor);
     } else {
         setCursor(index >= 0 ? Qt::OpenHandCursor : Qt::ArrowCursor);
     }
@@ -342,7 +342,7 @@ bool CollageBoard::dividerKey(QKeyEvent *event, int index)
 {
     const CollageDivider divider = dividerOf(index);
     const QPointF way = wayOf(event->key());
-    const double along = divider.axis == CollageAxis::horizontal ? way.x() : way.y();
+    const double along = divider.axis == CollageAxis::Horizontal ? way.x() : way.y();
     if (along == 0) {
         return !way.isNull();
     }
