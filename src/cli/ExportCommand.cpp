@@ -134,7 +134,7 @@ struct Pictures {
             settings.backgroundFile = absolute(*background);
         }
         if (logo) {
-            TextLayer &layer = *settings.layer(u"watermark"_s);
+            TextLayer &layer = *settings.layer(logoLayer);
             layer.imageFile = absolute(*logo);
             layer.imageAspect = logoAspect;
             layer.visible = true;

@@ -300,7 +300,7 @@ void ImportFlow::finishPicture()
         settings.backgroundFile = picture.file;
     } else {
         settings.normalize();
-        TextLayer *logo = settings.layer(u"watermark"_s);
+        TextLayer *logo = settings.layer(logoLayer);
         logo->imageFile = picture.file;
         logo->imageAspect = picture.height > 0 ? picture.width / picture.height : 1;
         logo->visible = true;

@@ -52,6 +52,9 @@ struct TextLayer {
     bool operator==(const TextLayer &) const = default;
 };
 
+/// The layer that holds the logo, as records call it.
+inline const QString logoLayer = QStringLiteral("watermark");
+
 /// The seven layers of every record, in order: brand, model, exif, watermark, title, caption, date. All are
 /// hidden.
 const QList<TextLayer> &defaultLayers();

@@ -332,10 +332,10 @@ CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
     throwIfCancelled(stop);
     // Logo and signature are resampled to the pixels that they cover, as the photo is: the painter scales
     // badly.
-    const TextLayer *logo = settings.layer(u"watermark"_s);
+    const TextLayer *logo = settings.layer(logoLayer);
     if (const QSize size = logoPixels(item, canvas); !size.isEmpty()) {
         const int most = std::min(edge, logoPixelsDecoded);
-        images.watermark = scaledPicture(
+        images.logo = scaledPicture(
             companion(FramePicture::Logo, *logo->imageFile, std::min(most, longSide(size)), stop), size);
     }
     if (settings.handwritingFile) {
@@ -345,7 +345,7 @@ CompositionImages ImagePipeline::imagesFor(const PhotoItem &item, QSize canvas,
         const int drawn = longSide({widest, settings.handwritingAspect ? widest / aspect : widest});
         const QImage picture = companion(FramePicture::Signature, *settings.handwritingFile,
                                          std::max(1, std::min({edge, signaturePixelsDecoded, drawn})), stop);
-        images.handwriting = scaledPicture(picture, signaturePixels(item, picture.size(), canvas));
+        images.signature = scaledPicture(picture, signaturePixels(item, picture.size(), canvas));
     }
     return images;
 }

@@ -200,17 +200,17 @@ void drawText(QPainter &painter, const TextLayer &layer, const FrameSettings &se
 }
 
 void drawLayer(QPainter &painter, const TextLayer &layer, const FrameSettings &settings, QSizeF size,
-               const QImage &watermark)
+               const QImage &logo)
 {
     if (!layer.visible || (layer.text.isEmpty() && !isPicture(layer))) {
         return;
     }
-    if (layer.id == u"watermark"_s && isPicture(layer) && !watermark.isNull()) {
+    if (layer.id == logoLayer && isPicture(layer) && !logo.isNull()) {
         const QRectF rect = textRect(layer, size);
         painter.save();
         painter.translate(rect.center());
         painter.rotate(degrees(layer));
-        drawPicture(painter, centred({}, rect.size()), watermark);
+        drawPicture(painter, centred({}, rect.size()), logo);
         painter.restore();
     } else {
         drawText(painter, layer, settings, size);
@@ -280,7 +280,7 @@ QRectF textRect(const TextLayer &layer, QSizeF size)
     return placed(layer, scale > 0 ? setText(layer, size).size() * scale : QSizeF(0, 0), size);
 }
 
-QRectF handwritingRect(const FrameSettings &settings, QSizeF imageSize, QSizeF size)
+QRectF signatureRect(const FrameSettings &settings, QSizeF imageSize, QSizeF size)
 {
     const double own = imageSize.width() / std::max(imageSize.height(), 1.0);
     const double aspect = std::max(settings.handwritingAspect.value_or(own), 0.1);
@@ -373,11 +373,11 @@ void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &setting
         drawBackdrop(painter, settings, size, images.background);
         drawPlacedPhoto(painter, item, settings, size, images.photo);
     }
-    if (settings.handwritingFile && !images.handwriting.isNull()) {
-        drawPicture(painter, handwritingRect(settings, images.handwriting.size(), size), images.handwriting);
+    if (settings.handwritingFile && !images.signature.isNull()) {
+        drawPicture(painter, signatureRect(settings, images.signature.size(), size), images.signature);
     }
     for (const TextLayer &layer : settings.layers) {
-        drawLayer(painter, layer, settings, size, images.watermark);
+        drawLayer(painter, layer, settings, size, images.logo);
     }
     painter.restore();
 }

@@ -333,8 +333,8 @@ TEST_F(Previewing, LoadsWhatTheSelectedPhotoNeeds)
     const Previews &previews = model.previews();
     EXPECT_EQ(previews.photo.size(), QSize(1400, 700));
     EXPECT_EQ(previews.background.size(), QSize(500, 250));
-    EXPECT_EQ(previews.watermark.size(), QSize(600, 600));
-    EXPECT_EQ(previews.handwriting.size(), QSize(1200, 300));
+    EXPECT_EQ(previews.logo.size(), QSize(600, 600));
+    EXPECT_EQ(previews.signature.size(), QSize(1200, 300));
 }
 
 TEST_F(Previewing, PublishesOnlyTheLatestPhoto)

@@ -445,17 +445,17 @@ TEST_F(Saving, KeepsTheOldFileWhileTheHistoryNeedsIt)
     write({100, 60}, {400, 60});
     EXPECT_EQ(save(m_studio), QString());
     const QString first = signature();
-    EXPECT_TRUE(waitFor([&] { return !m_model.previews().handwriting.isNull(); }));
+    EXPECT_TRUE(waitFor([&] { return !m_model.previews().signature.isNull(); }));
     HandwritingController again(m_model, m_clock, {1050, 1400}, 0.9);
     again.setFinish(HandwritingFinish::rainbow);
     again.penDown({{500, 1300}, 0});
     again.penUp({{600, 1200}, 0.2});
     bool oldShown = true;
     QObject::connect(&again, &HandwritingController::saved, &again,
-                     [&] { oldShown = !m_model.previews().handwriting.isNull(); });
+                     [&] { oldShown = !m_model.previews().signature.isNull(); });
     EXPECT_EQ(save(again), QString());
     EXPECT_FALSE(oldShown);
-    EXPECT_TRUE(waitFor([&] { return !m_model.previews().handwriting.isNull(); }));
+    EXPECT_TRUE(waitFor([&] { return !m_model.previews().signature.isNull(); }));
     const QString second = signature();
     EXPECT_NE(first, second);
     EXPECT_EQ(stepsBack(m_model), 2);

@@ -12,15 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel::app {
 
-namespace {
-
-QString logoId()
-{
-    return u"watermark"_s;
-}
-
-} // namespace
-
 LogoSection::LogoSection(const EditorContext &context) : Section(context)
 {
     m_well = new PictureWell;
@@ -65,27 +56,27 @@ LogoSection::LogoSection(const EditorContext &context) : Section(context)
         connect(button, &QPushButton::clicked, &context.state, &EditorState::logoAsked);
     }
     connect(m_remove, &QPushButton::clicked, this, [this] {
-        edits().step(inLayer(logoId(), [](TextLayer &logo) {
+        edits().step(inLayer(logoLayer, [](TextLayer &logo) {
             logo.imageFile.reset();
             logo.imageAspect.reset();
             logo.visible = false;
         }));
     });
     connect(m_visible, &Switch::toggledByUser, this, [this](bool on) {
-        edits().step(inLayer(logoId(), [on](TextLayer &logo) { logo.visible = on; }));
+        edits().step(inLayer(logoLayer, [on](TextLayer &logo) { logo.visible = on; }));
     });
 }
 
 void LogoSection::display(const PhotoItem &photo)
 {
-    const TextLayer *logo = photo.settings.layer(logoId());
+    const TextLayer *logo = photo.settings.layer(logoLayer);
     const bool present = logo && logo->imageFile;
     m_well->setVisible(present);
     m_empty->setVisible(!present);
     m_change->setVisible(present);
     m_controls->setVisible(present);
     if (present) {
-        m_well->setPicture(model().previews().watermark);
+        m_well->setPicture(model().previews().logo);
         m_visible->show(logo->visible);
         m_shape->display(*logo);
         m_place->display(photo, *logo);
@@ -95,9 +86,9 @@ void LogoSection::display(const PhotoItem &photo)
 void LogoSection::reset()
 {
     edits().step([](FrameSettings &settings) {
-        TextLayer *logo = settings.layer(logoId());
+        TextLayer *logo = settings.layer(logoLayer);
         for (const TextLayer &fresh : defaultLayers()) {
-            if (logo && fresh.id == logoId()) {
+            if (logo && fresh.id == logoLayer) {
                 logo->x = fresh.x;
                 logo->y = fresh.y;
                 logo->size = fresh.size;

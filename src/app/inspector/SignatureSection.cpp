@@ -127,7 +127,7 @@ void SignatureSection::display(const PhotoItem &photo)
     m_change->setVisible(present);
     m_controls->setVisible(present);
     if (present) {
-        const QImage &picture = model().previews().handwriting;
+        const QImage &picture = model().previews().signature;
         if (picture.cacheKey() != m_shown) {
             m_shown = picture.cacheKey();
             m_well->setPicture(inked(picture));

@@ -33,7 +33,7 @@ bool isOfCamera(const QString &id)
 /// and are listed only while one of them is at hand.
 QList<TextLayer> listed(const FrameSettings &settings, const QString &atHand)
 {
-    static const QStringList order = {u"title"_s, u"caption"_s, u"date"_s, u"watermark"_s,
+    static const QStringList order = {u"title"_s, u"caption"_s, u"date"_s, logoLayer,
                                       u"brand"_s, u"model"_s,   u"exif"_s};
     QList<TextLayer> layers;
     for (const QString &id : order) {
