@@ -24,7 +24,7 @@
 #include "app/handwriting/HandwritingScreen.h"
 #include "app/inspector/ColorDots.h"
 #include "app/kit/Button.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "app/kit/Motion.h"
 #include "app/kit/Overlay.h"
 #include "app/kit/Theme.h"

@@ -136,7 +136,7 @@ TEST_F(Controls, Canvas)
            [](auto &now) { return now.preset == CanvasPreset::square; }},
           {"another by keys",
            [&] {
-               auto *tiles = control<Items>(u"presets"_s);
+               auto *tiles = control<ItemView>(u"presets"_s);
                tiles->setFocus();
                tiles->setCursorItem(0);
                press(Qt::Key_Right);
@@ -220,7 +220,7 @@ TEST_F(Controls, Border)
            [&](auto &now) { return now.borderColor == model().previews().palette.first(); }},
           {"any color",
            [&] {
-               auto *dots = control<Items>(u"color"_s);
+               auto *dots = control<ItemView>(u"color"_s);
                clickItem(u"color"_s, dots->count() - 1);
                auto *field = window().findChild<Overlay *>()->findChild<ColorField *>();
                click(field, QPoint(field->width() - 1, 0));
@@ -278,7 +278,7 @@ TEST_F(Controls, Text)
          },
          {{"an eye",
            [&] {
-               auto *list = control<Items>(u"layers"_s);
+               auto *list = control<ItemView>(u"layers"_s);
                click(list, QPoint(list->width() - 12, list->itemRect(0).center().y()));
            },
            title([](auto &layer) { return !layer.visible; })},
@@ -404,7 +404,7 @@ TEST_F(Controls, TemplatesAndStyles)
     click(control(u"autoApply"_s));
     EXPECT_NE(model().autoApplyLastStyle(), before);
     // Delete asks; Esc keeps the style, the button removes it.
-    auto *grid = control<Items>(u"styles"_s);
+    auto *grid = control<ItemView>(u"styles"_s);
     grid->setFocus();
     press(Qt::Key_Delete);
     press(Qt::Key_Escape);
@@ -499,7 +499,7 @@ TEST_F(Controls, NumberFieldsGiveTheKeyboardBack)
     // A press that is let go elsewhere chooses nothing.
     window().state().setTool(Tool::Canvas);
     const FrameSettings before = settings();
-    auto *presets = control<Items>(u"presets"_s);
+    auto *presets = control<ItemView>(u"presets"_s);
     QTest::mousePress(presets, Qt::LeftButton, {}, presets->itemRect(2).center());
     QTest::mouseMove(presets, presets->itemRect(4).center());
     QTest::mouseRelease(presets, Qt::LeftButton, {}, presets->itemRect(4).center());

@@ -43,11 +43,11 @@ CollageView sample(CollageStudio &studio, const QUuid &photo, CellFrame frame, Q
 
 } // namespace
 
-FrameTiles::FrameTiles(CollageStudio &studio) : Items(Arrows::Move), m_studio(studio)
+FrameTiles::FrameTiles(CollageStudio &studio) : ItemView(Arrows::Move), m_studio(studio)
 {
     setName(said({"格子边框", "Cell frame", "Cadre de la case"}));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    connect(this, &Items::chosen, this,
+    connect(this, &ItemView::chosen, this,
             [this](int index) { m_studio.setFrame(cellFrames.at(static_cast<size_t>(index))); });
 }
 

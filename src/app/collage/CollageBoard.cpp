@@ -32,7 +32,7 @@ QRectF between(const QRectF &from, const QRectF &to, double progress)
 } // namespace
 
 CollageBoard::CollageBoard(const EditorContext &context, CollageStudio &studio)
-    : Items(Arrows::Move), m_context(context), m_studio(studio), m_gestures(studio)
+    : ItemView(Arrows::Move), m_context(context), m_studio(studio), m_gestures(studio)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAcceptDrops(true);
@@ -47,8 +47,8 @@ CollageBoard::CollageBoard(const EditorContext &context, CollageStudio &studio)
     connect(&context.state, &EditorState::pickingChanged, this,
             [this] { showCursor(mapFromGlobal(QCursor::pos())); });
     // A screen reader's press on a cell.
-    connect(this, &Items::chosen, this, &CollageBoard::moveTo);
-    connect(this, &Items::menuRequested, this, [this](int index) {
+    connect(this, &ItemView::chosen, this, &CollageBoard::moveTo);
+    connect(this, &ItemView::menuRequested, this, [this](int index) {
         if (index < cells()) {
             openMenu(index);
         }
@@ -180,7 +180,7 @@ void CollageBoard::resizeEvent(QResizeEvent *event)
     m_studio.setStage(room.expandedTo({80, 80}), devicePixelRatioF());
     m_relayout.stop();
     update();
-    Items::resizeEvent(event);
+    ItemView::resizeEvent(event);
 }
 
 void CollageBoard::paintCollage(QPainter &painter, const CollageView &view, const QRectF &frame) const
@@ -289,7 +289,7 @@ void CollageBoard::paintRing(QPainter &painter, int slot, BoardMarks::Ring ring)
 void CollageBoard::paintEvent(QPaintEvent *event)
 {
     m_dirty = event->region();
-    Items::paintEvent(event);
+    ItemView::paintEvent(event);
     QPainter painter(this);
     if (m_target) {
         paintRing(painter, *m_target, BoardMarks::Ring::Target);

@@ -8,7 +8,7 @@
 
 #include "app/EditorContext.h"
 #include "app/collage/BoardMarks.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "collage/CollageGestures.h"
 
 class QNativeGestureEvent;
@@ -21,7 +21,7 @@ inline constexpr const char *collagePhotoMime = "application/x-tarnovel-collage-
 
 /// The collage being arranged: dividers and photos are dragged here, photos zoomed, swapped and replaced. Its
 /// items are the cells in their order, then the dividers; the Tab key goes through all of them.
-class CollageBoard : public Items {
+class CollageBoard : public ItemView {
     Q_OBJECT
 
 public:
@@ -39,7 +39,6 @@ public:
     bool itemChosen(int index) const override;
     int itemAt(QPoint position) const override;
 
-    static constexpr int longPressMs = 350;
     /// Room between the collage and the edges of its stage.
     static constexpr int margin = 48;
 

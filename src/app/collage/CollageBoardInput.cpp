@@ -13,6 +13,7 @@
 
 #include "app/collage/CellMenu.h"
 #include "app/collage/CollageBoard.h"
+#include "app/kit/Press.h"
 
 namespace tarnovel::app {
 
@@ -82,7 +83,7 @@ void CollageBoard::mousePressEvent(QMouseEvent *event)
     } else if (const std::optional<int> slot = slotAt(position)) {
         moveTo(*slot);
         m_press = {*slot, position};
-        m_longPress.start(longPressMs, Qt::PreciseTimer, this);
+        m_longPress.start(Press::liftMs, Qt::PreciseTimer, this);
     } else {
         m_studio.select({});
     }
@@ -109,7 +110,7 @@ void CollageBoard::mouseMoveEvent(QMouseEvent *event)
         m_longPress.stop();
         m_gestures.panPhoto(m_press->slot, way);
     } else {
-        Items::mouseMoveEvent(event);
+        ItemView::mouseMoveEvent(event);
     }
     showCursor(position);
 }
@@ -161,7 +162,7 @@ void CollageBoard::timerEvent(QTimerEvent *event)
         m_nudged.clear();
         repaintBoard();
     } else {
-        Items::timerEvent(event);
+        ItemView::timerEvent(event);
     }
 }
 
@@ -258,7 +259,7 @@ bool CollageBoard::event(QEvent *event)
     if (event->type() == QEvent::LanguageChange) {
         setAccessibleName(localized({"拼图", "Collage", "Collage"}));
     }
-    return Items::event(event);
+    return ItemView::event(event);
 }
 
 void CollageBoard::focusInEvent(QFocusEvent *event)
@@ -267,7 +268,7 @@ void CollageBoard::focusInEvent(QFocusEvent *event)
     if (event->reason() == Qt::TabFocusReason || backwards) {
         moveTo(backwards ? count() - 1 : m_studio.selected().value_or(0));
     }
-    Items::focusInEvent(event);
+    ItemView::focusInEvent(event);
 }
 
 bool CollageBoard::focusNextPrevChild(bool next)
@@ -277,7 +278,7 @@ bool CollageBoard::focusNextPrevChild(bool next)
         moveTo(to);
         return true;
     }
-    return Items::focusNextPrevChild(next);
+    return ItemView::focusNextPrevChild(next);
 }
 
 void CollageBoard::swapTowards(int slot, int key)
@@ -371,7 +372,7 @@ void CollageBoard::keyPressEvent(QKeyEvent *event)
                        !(event->modifiers() & Qt::AltModifier) &&
                        (index < cells() ? cellKey(event, index) : dividerKey(event, index));
     if (!taken) {
-        Items::keyPressEvent(event);
+        ItemView::keyPressEvent(event);
     }
 }
 

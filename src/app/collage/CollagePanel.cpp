@@ -55,7 +55,7 @@ CollagePanel::CollagePanel(const EditorContext &context, CollageStudio &studio)
     add(new FilmEdgePage(studio));
     column->addWidget(m_pages, 1);
     m_tabs->setCurrent(0);
-    connect(m_tabs, &Items::chosen, m_pages, &QStackedWidget::setCurrentIndex);
+    connect(m_tabs, &ItemView::chosen, m_pages, &QStackedWidget::setCurrentIndex);
     connect(&studio, &CollageStudio::changed, this, [this](CollageStudio::Changes changes) {
         if (changes & (CollageStudio::DesignChanged | CollageStudio::PhaseChanged)) {
             showState();

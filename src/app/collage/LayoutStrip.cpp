@@ -31,13 +31,14 @@ constexpr int ringGap = 5;
 
 } // namespace
 
-LayoutStrip::LayoutStrip(CollageStudio &studio) : Items(Arrows::Move), m_studio(studio)
+LayoutStrip::LayoutStrip(CollageStudio &studio) : ItemView(Arrows::Move), m_studio(studio)
 {
     setFixedHeight(stripHeight);
     setName(said({"版式", "Layout", "Mise en page"}));
     connect(&studio, &CollageStudio::changed, this, &LayoutStrip::studioChanged);
-    connect(this, &Items::chosen, this, [this](int index) { m_studio.choosePreset(m_presets.at(index).id); });
-    connect(this, &Items::cursorMoved, this, &LayoutStrip::reveal);
+    connect(this, &ItemView::chosen, this,
+            [this](int index) { m_studio.choosePreset(m_presets.at(index).id); });
+    connect(this, &ItemView::cursorMoved, this, &LayoutStrip::reveal);
     learn();
 }
 
@@ -184,7 +185,7 @@ void LayoutStrip::paintItem(QPainter &painter, int index, const State &state)
 void LayoutStrip::resizeEvent(QResizeEvent *event)
 {
     layOut();
-    Items::resizeEvent(event);
+    ItemView::resizeEvent(event);
 }
 
 void LayoutStrip::wheelEvent(QWheelEvent *event)
@@ -197,7 +198,7 @@ void LayoutStrip::wheelEvent(QWheelEvent *event)
 void LayoutStrip::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() != m_rest.timerId()) {
-        Items::timerEvent(event);
+        ItemView::timerEvent(event);
         return;
     }
     m_rest.stop();
@@ -210,7 +211,7 @@ bool LayoutStrip::event(QEvent *event)
     if (event->type() == QEvent::LanguageChange && !m_studio.choosing()) {
         learn();
     }
-    return Items::event(event);
+    return ItemView::event(event);
 }
 
 } // namespace tarnovel::app

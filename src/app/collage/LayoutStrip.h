@@ -4,13 +4,13 @@
 #include <QHash>
 #include <QPixmap>
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "collage/CollageStudio.h"
 
 namespace tarnovel::app {
 
 /// The layouts for so many photos, each with the collage's own photos in it.
-class LayoutStrip : public Items {
+class LayoutStrip : public ItemView {
     Q_OBJECT
 
 public:

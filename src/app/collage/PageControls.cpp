@@ -61,7 +61,7 @@ PageControls::PageControls(const EditorContext &context, CollageStudio &studio)
     column->addWidget(m_paper);
     m_aspect->setObjectName(u"aspect"_s);
     m_background->setObjectName(u"paper"_s);
-    connect(m_aspect, &Items::chosen, this,
+    connect(m_aspect, &ItemView::chosen, this,
             [this](int index) { m_studio.setAspect(collageAspects.at(static_cast<size_t>(index))); });
     const auto take = [this](const QColor &color) { m_studio.setBackground(color); };
     connect(m_background, &ColorDots::chosenColor, this, take);

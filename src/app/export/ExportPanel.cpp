@@ -155,23 +155,23 @@ void ExportPanel::addOptions(QVBoxLayout *column)
     m_size->setObjectName(u"sizes"_s);
     m_format->setObjectName(u"format"_s);
     m_limit->setObjectName(u"limit"_s);
-    connect(m_destination, &Items::chosen, this, [this](int index) {
+    connect(m_destination, &ItemView::chosen, this, [this](int index) {
         // The photo library's choices have no memory.
         const bool all = m_choices.all;
         m_choices = index == 1 ? ExportChoices::forSheet() : ExportChoices::stored(m_context.preferences);
         m_choices.all = all;
         refresh();
     });
-    connect(m_which, &Items::chosen, this,
+    connect(m_which, &ItemView::chosen, this,
             [this](int index) { choose([index](ExportChoices &choices) { choices.all = index == 0; }); });
-    connect(m_size, &Items::chosen, this, [this](int index) {
+    connect(m_size, &ItemView::chosen, this, [this](int index) {
         choose([index](ExportChoices &choices) {
             choices.resolution = static_cast<int>(ExportTexts::sizes().at(index).value);
         });
     });
-    connect(m_format, &Items::chosen, this,
+    connect(m_format, &ItemView::chosen, this,
             [this](int index) { choose([index](ExportChoices &choices) { choices.png = index == 1; }); });
-    connect(m_limit, &Items::chosen, this, [this](int index) {
+    connect(m_limit, &ItemView::chosen, this, [this](int index) {
         choose([index](ExportChoices &choices) { choices.maxMB = ExportTexts::limits().at(index).value; });
     });
 }

@@ -142,7 +142,7 @@ QWidget *HandwritingTools::makePens()
     column->addWidget(makeTitle(said({"签名笔", "Signing pen", "Stylo de signature"})));
     column->addWidget(m_pens);
     column->addStretch();
-    connect(m_pens, &Items::chosen, this,
+    connect(m_pens, &ItemView::chosen, this,
             [this](int index) { Q_EMIT toolChosen(handwritingTools.at(static_cast<size_t>(index))); });
     return block;
 }
@@ -204,7 +204,7 @@ QWidget *HandwritingTools::makeEffects()
     column->addWidget(makeTitle(said({"效果", "Effect", "Effet"})));
     column->addWidget(m_effects);
     column->addStretch();
-    connect(m_effects, &Items::chosen, this,
+    connect(m_effects, &ItemView::chosen, this,
             [this](int index) { Q_EMIT finishChosen(handwritingFinishes.at(static_cast<size_t>(index))); });
     return block;
 }

@@ -73,7 +73,7 @@ CanvasSection::CanvasSection(const EditorContext &context) : Section(context)
     m_tiles->setName(said({"画布", "Canvas", "Format"}));
     column()->addWidget(m_tiles);
     m_tiles->setObjectName(u"presets"_s);
-    connect(m_tiles, &Items::chosen, this, [this](int index) {
+    connect(m_tiles, &ItemView::chosen, this, [this](int index) {
         edits().step([index](FrameSettings &settings) { settings.preset = presetAt(index); });
     });
     addRule();

@@ -3,7 +3,7 @@
 #include <set>
 
 #include "app/EditorContext.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
@@ -12,7 +12,7 @@ class Label;
 class ScrollArea;
 
 /// The session's photos as tiles of which several can be picked.
-class ManageGrid : public Items {
+class ManageGrid : public ItemView {
     Q_OBJECT
 
 public:

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "app/EditorContext.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
@@ -11,7 +11,7 @@ class Label;
 class ScrollArea;
 
 /// The set's pictures as a post shows them, in three columns; dragged tiles move.
-class PostGrid : public Items {
+class PostGrid : public ItemView {
     Q_OBJECT
 
 public:

@@ -14,6 +14,7 @@
 #include "app/kit/CardGrid.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Label.h"
+#include "app/kit/Press.h"
 #include "app/kit/Spinner.h"
 #include "app/kit/Theme.h"
 
@@ -29,12 +30,11 @@ constexpr int widestTile = 96;
 constexpr int gap = 12;
 constexpr int sideInset = 24;
 constexpr int addWidth = 48;
-constexpr int dragDistance = 6;
 constexpr int ringMargin = 4;
 
 } // namespace
 
-StripView::StripView(const EditorContext &context) : Items(Arrows::Choose), m_context(context)
+StripView::StripView(const EditorContext &context) : ItemView(Arrows::Choose), m_context(context)
 {
     setFixedHeight(tileHeight + 2 * ringMargin + 4);
     setName(said({"照片", "Photos", "Photos"}));
@@ -68,15 +68,15 @@ StripView::StripView(const EditorContext &context) : Items(Arrows::Choose), m_co
             }
         }
     });
-    connect(this, &Items::chosen, this, [this](int index) {
+    connect(this, &ItemView::chosen, this, [this](int index) {
         if (isAddTile(index)) {
             Q_EMIT m_context.state.addPhotosAsked();
         } else {
             m_context.model.select(m_context.model.photos().at(index).id);
         }
     });
-    connect(this, &Items::cursorMoved, this, [this](int index) { reveal(index); });
-    connect(this, &Items::menuRequested, this, [this](int index) {
+    connect(this, &ItemView::cursorMoved, this, [this](int index) { reveal(index); });
+    connect(this, &ItemView::menuRequested, this, [this](int index) {
         if (!isAddTile(index)) {
             m_context.model.select(m_context.model.photos().at(index).id);
             Q_EMIT m_context.state.removeAsked();
@@ -283,7 +283,7 @@ void StripView::paintItem(QPainter &painter, int index, const State &state)
 void StripView::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() != m_spin.timerId()) {
-        Items::timerEvent(event);
+        ItemView::timerEvent(event);
         return;
     }
     m_angle = (m_angle + Spinner::degreesPerTick) % 360;
@@ -309,14 +309,14 @@ void StripView::mousePressEvent(QMouseEvent *event)
         m_offsetAtPress = m_offset;
         m_dragging = false;
     }
-    Items::mousePressEvent(event);
+    ItemView::mousePressEvent(event);
 }
 
 void StripView::mouseMoveEvent(QMouseEvent *event)
 {
     if (m_pressed && event->buttons() & Qt::LeftButton) {
         const double way = event->position().x() - m_pressed->x();
-        if (!m_dragging && std::abs(way) > dragDistance) {
+        if (!m_dragging && std::abs(way) > Press::takesItem) {
             m_dragging = true;
             cancelPress();
         }
@@ -325,7 +325,7 @@ void StripView::mouseMoveEvent(QMouseEvent *event)
             return;
         }
     }
-    Items::mouseMoveEvent(event);
+    ItemView::mouseMoveEvent(event);
 }
 
 void StripView::mouseReleaseEvent(QMouseEvent *event)
@@ -338,14 +338,14 @@ void StripView::mouseReleaseEvent(QMouseEvent *event)
         m_dragging = false;
         return;
     }
-    Items::mouseReleaseEvent(event);
+    ItemView::mouseReleaseEvent(event);
 }
 
 void StripView::resizeEvent(QResizeEvent *event)
 {
     scrollTo(m_offset);
     reveal(current());
-    Items::resizeEvent(event);
+    ItemView::resizeEvent(event);
 }
 
 bool StripView::event(QEvent *event)
@@ -366,7 +366,7 @@ bool StripView::event(QEvent *event)
         }
         return true;
     }
-    return Items::event(event);
+    return ItemView::event(event);
 }
 
 FilmStrip::FilmStrip(const EditorContext &context)

@@ -5,7 +5,7 @@
 #include <QBasicTimer>
 
 #include "app/EditorContext.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
@@ -13,7 +13,7 @@ class Button;
 class Label;
 
 /// The session's framed photos in a row that scrolls sideways.
-class StripView : public Items {
+class StripView : public ItemView {
     Q_OBJECT
 
 public:
