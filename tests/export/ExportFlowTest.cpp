@@ -96,10 +96,10 @@ TEST_F(IntoAFolder, WritesEveryPhotoInOrderAndSumsUp)
     run.start(items, m_small, m_goal);
     EXPECT_TRUE(run.working());
     run.start(items, m_small, m_library); // one run at a time
-    ASSERT_TRUE(waitFor([&] { return run.result() && run.result()->thumbnails.size() == 4; }));
+    ASSERT_TRUE(waitFor([&] { return run.result() && run.thumbnails().size() == 4; }));
     EXPECT_EQ(run.result()->files.size(), 6);
     EXPECT_EQ(run.result()->files.at(1), m_goal + u"/0.jpg-framed-2.jpg"_s);
-    EXPECT_EQ(run.result()->thumbnails.first().size(), QSize(525, 700));
+    EXPECT_EQ(run.thumbnails().first().size(), QSize(525, 700));
     EXPECT_TRUE(run.result()->quote);
     EXPECT_EQ(entries(m_goal).size(), 6);
     EXPECT_EQ(temporary(), QStringList());

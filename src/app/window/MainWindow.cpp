@@ -403,10 +403,7 @@ void MainWindow::showFolderSuccess()
                              result->files,
                              result->skipped,
                              {},
-                             [panel] {
-                                 const std::optional<ExportResult> &now = panel->folderExport().result();
-                                 return now ? now->thumbnails : QList<QImage>();
-                             },
+                             [panel] { return panel->folderExport().thumbnails(); },
                              result->quote},
                             [this](const QString &text) { state().say(text, Toast::Kind::Done); });
     connect(&panel->folderExport(), &FolderExport::changed, m_success, qOverload<>(&QWidget::update));
