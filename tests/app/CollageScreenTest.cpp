@@ -115,7 +115,7 @@ protected:
     void lift(int slot) const
     {
         QTest::mousePress(&board(), Qt::LeftButton, {}, middle(slot));
-        ASSERT_TRUE(waitFor([this] { return board().lifted().has_value(); }));
+        ASSERT_TRUE(waitFor([this] { return board().lifting(); }));
     }
 };
 
