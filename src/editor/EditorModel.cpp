@@ -1,15 +1,10 @@
 #include "editor/EditorModel.h"
 
 #include <algorithm>
-#include <iterator>
 #include <limits>
 #include <utility>
 
-#include <QFile>
-
-#include "base/Log.h"
 #include "language/AppLanguage.h"
-#include "model/LibraryCleanup.h"
 #include "model/SessionStore.h"
 #include "model/Styling.h"
 #include "render/BuiltInTemplate.h"
@@ -19,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace tarnovel {
 
 EditorModel::EditorModel(const EditorServices &services, Load load)
-    : m_services(services), m_loader(services.pipeline)
+    : m_services(services), m_loader(services.pipeline), m_setAside(services.libraryFolder)
 {
     connect(&m_loader, &PreviewLoader::changed, this, [this] { tell(PreviewsChanged); });
     connect(&m_loader, &PreviewLoader::unreadable, this, [this] {
@@ -29,14 +24,20 @@ EditorModel::EditorModel(const EditorServices &services, Load load)
     if (load == Load::StoredSession) {
         LoadedSession loaded = loadSession(services.libraryFolder, LibraryAccess::Own);
         m_session = std::move(loaded.session);
-        m_cleanupCandidates = std::move(loaded.cleanupCandidates);
-        m_setAside = SetAsideSessions::in(services.libraryFolder);
-        m_setAsideFiles = SetAsideSessions::neededFiles(services.libraryFolder);
+        m_setAside.readFolder();
         if (loaded.decoded) {
-            removeBroughtBack();
+            loaded.cleanupCandidates.merge(m_setAside.removeKnown(m_session));
         }
-        m_saves = std::make_unique<SaveScheduler>(services.writer, services.clock,
-                                                  [this](bool done) { saved(done); });
+        m_saves = std::make_unique<SessionSaves>(
+            services.writer, services.clock, services.libraryFolder, std::move(loaded.cleanupCandidates),
+            SessionSaves::Owner{.retained =
+                                    [this] {
+                                        std::set<QString> files = retainedFiles();
+                                        files.insert(m_setAside.neededFiles().begin(),
+                                                     m_setAside.neededFiles().end());
+                                        return files;
+                                    },
+                                .finished = [this](bool done) { saved(done); }});
         loadPreview();
     }
 }
@@ -388,11 +389,9 @@ std::set<QString> EditorModel::retainedFiles() const
 
 void EditorModel::scheduleSave(SaveScheduler::Moment moment)
 {
-    if (!m_saves) {
-        return;
+    if (m_saves) {
+        m_saves->schedule(m_session, retainedFiles(), moment);
     }
-    m_cleanupCandidates.merge(retainedFiles());
-    m_saves->schedule(m_session, moment);
 }
 
 bool EditorModel::flush()
@@ -414,12 +413,6 @@ void EditorModel::saved(bool done)
     if (!m_restoredDocument.isEmpty()) {
         removeDocument(std::exchange(m_restoredDocument, {}));
     }
-    std::set<QString> retained = retainedFiles();
-    retained.insert(m_setAsideFiles.begin(), m_setAsideFiles.end());
-    for (const QString &name :
-         LibraryCleanup::removeUnused(m_cleanupCandidates, retained, m_services.libraryFolder)) {
-        m_cleanupCandidates.erase(name);
-    }
 }
 
 void EditorModel::edited()
@@ -435,17 +428,7 @@ std::optional<SecondsSince2001> EditorModel::lastEdit() const
 
 SalvagedSession EditorModel::restorable(const SetAsideSession &document) const
 {
-    SalvagedSession found = SetAsideSessions::salvage(document, m_services.libraryFolder);
-    found.known = found.session.photos.removeIf([this](const PhotoItem &item) {
-        return std::ranges::any_of(photos(), [&item](const PhotoItem &known) {
-            return known.id == item.id || known.file == item.file;
-        });
-    });
-    found.known += found.session.presets.removeIf([this](const SavedPreset &preset) {
-        return std::ranges::any_of(presets(),
-                                   [&preset](const SavedPreset &known) { return known.id == preset.id; });
-    });
-    return found;
+    return m_setAside.missingFrom(m_session, document);
 }
 
 EditorModel::Restored EditorModel::restore(const SetAsideSession &document)
@@ -471,23 +454,6 @@ EditorModel::Restored EditorModel::restore(const SetAsideSession &document)
     return result;
 }
 
-/// The program may have ended between the save that brought a document back and the document's removal: one
-/// that says nothing else than the session is over.
-void EditorModel::removeBroughtBack()
-{
-    const auto isHere = [](const auto &list, const auto &item) { return list.contains(item); };
-    for (const SetAsideSession &document : QList(m_setAside)) {
-        const SalvagedSession all = SetAsideSessions::salvage(document, m_services.libraryFolder);
-        const bool same = std::ranges::all_of(all.session.photos,
-                                              [&](const PhotoItem &item) { return isHere(photos(), item); });
-        if (all.whole() && same && !all.session.photos.isEmpty() &&
-            std::ranges::all_of(all.session.presets,
-                                [&](const SavedPreset &preset) { return isHere(presets(), preset); })) {
-            removeDocument(document.path);
-        }
-    }
-}
-
 void EditorModel::discard(const SetAsideSession &document)
 {
     removeDocument(document.path);
@@ -496,17 +462,12 @@ void EditorModel::discard(const SetAsideSession &document)
 
 void EditorModel::removeDocument(const QString &path)
 {
-    if (!QFile::remove(path)) {
-        qCWarning(logEditor) << "a set-aside session could not be removed:" << path;
-        return;
+    if (const std::optional<std::set<QString>> files = m_setAside.remove(path)) {
+        if (m_saves) {
+            m_saves->addCandidates(*files);
+        }
+        tell(PhotosChanged);
     }
-    std::set<QString> needed = SetAsideSessions::neededFiles(m_services.libraryFolder);
-    // What it alone needed may go now.
-    std::ranges::set_difference(m_setAsideFiles, needed,
-                                std::inserter(m_cleanupCandidates, m_cleanupCandidates.end()));
-    m_setAsideFiles = std::move(needed);
-    m_setAside = SetAsideSessions::in(m_services.libraryFolder);
-    tell(PhotosChanged);
 }
 
 void EditorModel::loadPreview()

@@ -10,11 +10,11 @@
 #include "editor/Clock.h"
 #include "editor/EditHistory.h"
 #include "editor/PreviewLoader.h"
-#include "editor/SaveScheduler.h"
+#include "editor/SessionSaves.h"
+#include "editor/SetAsideDocuments.h"
 #include "model/Preferences.h"
 #include "model/Session.h"
 #include "model/SessionWriter.h"
-#include "model/SetAsideSessions.h"
 #include "pipeline/ImagePipeline.h"
 
 namespace tarnovel {
@@ -131,7 +131,7 @@ public:
     bool flush();
 
     /// Documents of earlier sessions that could not be read and are kept, newest first.
-    const QList<SetAsideSession> &setAside() const { return m_setAside; }
+    const QList<SetAsideSession> &setAside() const { return m_setAside.all(); }
     /// What bringing a document back came to; `added` and `presets` are new in the session.
     struct Restored {
         qsizetype photos = 0;
@@ -167,7 +167,6 @@ private:
     void edited();
     void loadPreview();
     void removeDocument(const QString &path);
-    void removeBroughtBack();
     void selectFirst();
     void saved(bool done);
     void tell(Changes changes) { Q_EMIT changed(changes); }
@@ -176,11 +175,8 @@ private:
     Session m_session;
     EditHistory m_history;
     PreviewLoader m_loader;
-    std::unique_ptr<SaveScheduler> m_saves;
-    std::set<QString> m_cleanupCandidates;
-    QList<SetAsideSession> m_setAside;
-    /// What the set-aside documents need.
-    std::set<QString> m_setAsideFiles;
+    SetAsideDocuments m_setAside;
+    std::unique_ptr<SessionSaves> m_saves;
     /// A document that was brought back and goes once the session is saved.
     QString m_restoredDocument;
     bool m_editedSinceSave = false;
