@@ -8,6 +8,8 @@
 #include "app/Appearance.h"
 #include "app/EditorContext.h"
 #include "app/FileChooser.h"
+#include "app/export/ExportSuccess.h"
+#include "app/window/PhotoQuestions.h"
 #include "app/window/WindowPlacement.h"
 #include "base/ScratchFolder.h"
 #include "base/Worker.h"
@@ -102,11 +104,6 @@ private:
     void paste();
     /// Takes the picture itself, where no file of it is at hand. False when there is none.
     bool importImage(const QMimeData *carried, const QString &name);
-    void askRemove();
-    void askStyleName();
-    void applyToAll();
-    void showFolderSuccess();
-    void showLibrarySuccess();
     void placeToast();
 
     WindowServices m_services;
@@ -114,13 +111,14 @@ private:
     WindowPlacement m_placement;
     QStackedLayout *m_pages;
     EditorPage *m_page;
+    PhotoQuestions m_questions;
+    ExportSuccess m_success;
     QPointer<ManagePhotos> m_manage;
     QPointer<SetPreview> m_preview;
     QPointer<CollageScreen> m_collage;
     QPointer<HandwritingScreen> m_handwriting;
     DropVeil *m_veil;
     Toast *m_toast;
-    QPointer<Overlay> m_success;
     /// Pictures from the clipboard wait here for their import.
     std::unique_ptr<ScratchFolder> m_pasted;
     int m_pastes = 0;
