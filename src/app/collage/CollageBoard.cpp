@@ -31,8 +31,8 @@ QRectF between(const QRectF &from, const QRectF &to, double progress)
 
 } // namespace
 
-CollageBoard::CollageBoard(const EditorContext &context, CollageStudio &studio)
-    : ItemView(Arrows::Move), m_context(context), m_studio(studio), m_gestures(studio)
+CollageBoard::CollageBoard(EditorState &state, CollageStudio &studio)
+    : ItemView(Arrows::Move), m_state(state), m_studio(studio), m_gestures(studio)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAcceptDrops(true);
@@ -44,7 +44,7 @@ CollageBoard::CollageBoard(const EditorContext &context, CollageStudio &studio)
     m_relayout.setEasingCurve(QEasingCurve::OutCubic);
     connect(&m_relayout, &QVariantAnimation::valueChanged, this, [this] { update(); });
     connect(&studio, &CollageStudio::changed, this, &CollageBoard::studioChanged);
-    connect(&context.state, &EditorState::pickingChanged, this,
+    connect(&state, &EditorState::pickingChanged, this,
             [this] { showCursor(mapFromGlobal(QCursor::pos())); });
     // A screen reader's press on a cell.
     connect(this, &ItemView::chosen, this, &CollageBoard::moveTo);

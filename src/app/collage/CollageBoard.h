@@ -27,7 +27,7 @@ class CollageBoard : public ItemView {
     Q_OBJECT
 
 public:
-    CollageBoard(const EditorContext &context, CollageStudio &studio);
+    CollageBoard(EditorState &state, CollageStudio &studio);
 
     CollageGestures &gestures() { return m_gestures; }
     /// The collage's place, in the widget's coordinates.
@@ -137,7 +137,7 @@ private:
     void pinch(const QPinchGesture &fingers);
     bool nativeGesture(QNativeGestureEvent *event);
 
-    EditorContext m_context;
+    EditorState &m_state;
     CollageStudio &m_studio;
     CollageGestures m_gestures;
     std::variant<Idle, DividerDrag, CellPress, Lift, Pinch> m_hand;

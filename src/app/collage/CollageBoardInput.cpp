@@ -49,7 +49,7 @@ void CollageBoard::mousePressEvent(QMouseEvent *event)
         return;
     }
     const QPointF position = event->position();
-    if (m_context.state.colorTaker()) {
+    if (m_state.colorTaker()) {
         takeColor(position);
         return;
     }
@@ -154,7 +154,7 @@ void CollageBoard::timerEvent(QTimerEvent *event)
 
 void CollageBoard::showCursor(QPointF position)
 {
-    if (m_context.state.colorTaker()) {
+    if (m_state.colorTaker()) {
         setCursor(Qt::CrossCursor);
         return;
     }
@@ -174,8 +174,8 @@ void CollageBoard::showCursor(QPointF position)
 void CollageBoard::takeColor(QPointF position)
 {
     const QPointF pixel = (position - boardRect().topLeft()) * devicePixelRatioF();
-    const std::function<void(const QColor &)> taker = m_context.state.colorTaker();
-    m_context.state.endPicking();
+    const std::function<void(const QColor &)> taker = m_state.colorTaker();
+    m_state.endPicking();
     QImage one(1, 1, QImage::Format_RGB32);
     one.fill(m_studio.design().background);
     QPainter painter(&one);

@@ -130,12 +130,11 @@ bool CollageBoard::dividerKey(QKeyEvent *event, int index)
 void CollageBoard::keyPressEvent(QKeyEvent *event)
 {
     const int index = cursor();
-    if (event->key() == Qt::Key_Escape &&
-        (lifting() || m_context.state.colorTaker() || m_studio.selected())) {
+    if (event->key() == Qt::Key_Escape && (lifting() || m_state.colorTaker() || m_studio.selected())) {
         if (lifting()) {
             letGo();
-        } else if (m_context.state.colorTaker()) {
-            m_context.state.endPicking();
+        } else if (m_state.colorTaker()) {
+            m_state.endPicking();
         } else {
             m_studio.select({});
         }

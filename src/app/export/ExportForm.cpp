@@ -34,8 +34,8 @@ QString sizeText(const PhotoItem &photo, const ExportOptions &options, bool &too
 
 } // namespace
 
-ExportForm::ExportForm(const EditorContext &context)
-    : m_context(context), m_choices(ExportChoices::stored(context.preferences))
+ExportForm::ExportForm(const EditorModel &model, Preferences &preferences)
+    : m_model(model), m_preferences(preferences), m_choices(ExportChoices::stored(preferences))
 {
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(inset, 0, inset, 16);
@@ -44,12 +44,12 @@ ExportForm::ExportForm(const EditorContext &context)
         new Segments({said({"文件夹", "Folder", "Dossier"}), said({"图片", "Pictures", "Images"})});
     m_destination->setName(said({"位置", "Destination", "Destination"}));
     addRow(column, said({"位置", "Destination", "Destination"}), m_destination);
-    m_which = new Segments({[this] {
-                                return counted(m_context.model.photos().size(),
-                                               {"全部 %1 张", "The photo", "La photo"},
-                                               {"全部 %1 张", "All %1 photos", "Les %1 photos"});
-                            },
-                            said({"仅这一张", "This photo", "Cette photo"})});
+    m_which =
+        new Segments({[this] {
+                          return counted(m_model.photos().size(), {"全部 %1 张", "The photo", "La photo"},
+                                         {"全部 %1 张", "All %1 photos", "Les %1 photos"});
+                      },
+                      said({"仅这一张", "This photo", "Cette photo"})});
     m_which->setName(said({"要导出的照片", "Photos to export", "Photos à exporter"}));
     addRow(column, said({"照片", "Photos", "Photos"}), m_which);
     m_size = new SizeChoice;
@@ -72,7 +72,7 @@ ExportForm::ExportForm(const EditorContext &context)
         column, [] { return ExportTexts::limitGroup(); }, m_limit, m_limitNote);
     column->addWidget(makeRule());
     auto *file = makeHint("image", [this] {
-        const PhotoItem *photo = m_context.model.current();
+        const PhotoItem *photo = m_model.current();
         return photo ? ExportNames::fileName(photo->name, m_choices.png ? u"png"_s : u"jpg"_s, 0) : QString();
     });
     m_fileName = file->findChild<Label *>();
@@ -108,7 +108,7 @@ void ExportForm::connectControls()
     connect(m_destination, &ItemView::chosen, this, [this](int index) {
         // The photo library's choices have no memory.
         const bool all = m_choices.all;
-        m_choices = index == 1 ? ExportChoices::forSheet() : ExportChoices::stored(m_context.preferences);
+        m_choices = index == 1 ? ExportChoices::forSheet() : ExportChoices::stored(m_preferences);
         m_choices.all = all;
         refresh();
         Q_EMIT changed();
@@ -139,7 +139,7 @@ void ExportForm::chooseFolder()
 
 void ExportForm::reset()
 {
-    m_choices = ExportChoices::stored(m_context.preferences);
+    m_choices = ExportChoices::stored(m_preferences);
     chooseFolder();
     refresh();
 }
@@ -148,7 +148,7 @@ void ExportForm::choose(const std::function<void(ExportChoices &)> &change)
 {
     change(m_choices);
     if (!toLibrary()) {
-        m_choices.store(m_context.preferences);
+        m_choices.store(m_preferences);
     }
     refresh();
     Q_EMIT changed();
@@ -174,7 +174,7 @@ void ExportForm::refresh()
 void ExportForm::showSizes()
 {
     QList<SizeChoice::Row> rows;
-    const PhotoItem *photo = m_context.model.current();
+    const PhotoItem *photo = m_model.current();
     const QList<ExportTexts::Choice> sizes = ExportTexts::sizes();
     for (qsizetype i = 0; i < sizes.size(); ++i) {
         ExportChoices choice = m_choices;

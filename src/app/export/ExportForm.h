@@ -1,6 +1,10 @@
 #pragma once
 
-#include "app/EditorContext.h"
+#include <functional>
+
+#include <QWidget>
+
+#include "app/kit/Phrase.h"
 #include "export/ExportChoices.h"
 
 class QVBoxLayout;
@@ -16,7 +20,7 @@ class ExportForm : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ExportForm(const EditorContext &context);
+    ExportForm(const EditorModel &model, Preferences &preferences);
 
     const ExportChoices &choices() const { return m_choices; }
     /// Into the photo library, rather than a folder.
@@ -39,7 +43,8 @@ private:
     void choose(const std::function<void(ExportChoices &)> &change);
     void showSizes();
 
-    EditorContext m_context;
+    const EditorModel &m_model;
+    Preferences &m_preferences;
     ExportChoices m_choices;
     bool m_busy = false;
     Segments *m_destination;

@@ -34,7 +34,7 @@ ExportPanel::ExportPanel(const EditorContext &context, const FileChooser &choose
     : m_context(context),
       m_chooser(chooser),
       m_jobs(context.model, context.pipeline, library),
-      m_form(new ExportForm(context))
+      m_form(new ExportForm(context.model, context.preferences))
 {
     setFixedWidth(panelWidth);
     auto *column = new QVBoxLayout(this);
@@ -109,7 +109,7 @@ QWidget *ExportPanel::makeFooter()
     below->addWidget(m_cancel);
     box->addLayout(below);
     column->addWidget(m_progressBox);
-    m_problem = new ProblemCard(m_context);
+    m_problem = new ProblemCard(m_context.thumbnails);
     m_problem->hide();
     column->addWidget(m_problem);
     m_start = new Button(Button::Kind::Primary, [this] {

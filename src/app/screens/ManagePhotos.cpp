@@ -39,7 +39,7 @@ Phrase countedPhrase(qsizetype count, const Text &one, const Text &other)
 
 } // namespace
 
-ManageGrid::ManageGrid(const EditorContext &context) : ItemView(Arrows::Move), m_context(context)
+ManageGrid::ManageGrid(const PhotosContext &context) : ItemView(Arrows::Move), m_context(context)
 {
     setName(said({"照片", "Photos", "Photos"}));
     connect(this, &ItemView::chosen, this, [this](int index) {
@@ -152,7 +152,7 @@ void ManageGrid::paintItem(QPainter &painter, int index, const State &state)
                      QString::number(index + 1));
 }
 
-ManagePhotos::ManagePhotos(const EditorContext &context)
+ManagePhotos::ManagePhotos(const PhotosContext &context)
     : m_context(context),
       m_grid(new ManageGrid(context)),
       m_area(new ScrollArea),

@@ -34,7 +34,7 @@ constexpr int cardPadding = 24;
 constexpr double liftedDegrees = 2;
 constexpr int manyDots = 20;
 
-QImage thumbnail(const EditorContext &context, const PhotoItem &photo, QSize roomPx)
+QImage thumbnail(const PhotosContext &context, const PhotoItem &photo, QSize roomPx)
 {
     return context.thumbnails.image(ThumbnailKey::photo(photo), photo, roomPx);
 }
@@ -73,7 +73,7 @@ protected:
 
 } // namespace
 
-PostGrid::PostGrid(const EditorContext &context) : ItemView(Arrows::Move), m_context(context)
+PostGrid::PostGrid(const PhotosContext &context) : ItemView(Arrows::Move), m_context(context)
 {
     setColumn(usualColumn);
     setName(said({"套图", "Set", "Série"}));
@@ -267,7 +267,7 @@ void PostGrid::keyPressEvent(QKeyEvent *event)
     ItemView::keyPressEvent(event);
 }
 
-CoverView::CoverView(const EditorContext &context) : m_context(context)
+CoverView::CoverView(const PhotosContext &context) : m_context(context)
 {
     connect(&context.thumbnails, &Thumbnails::ready, this, [this] { update(); });
 }
@@ -299,7 +299,7 @@ void CoverView::paintEvent(QPaintEvent *)
     }
 }
 
-SetPreview::SetPreview(const EditorContext &context)
+SetPreview::SetPreview(const PhotosContext &context)
     : m_context(context),
       m_title(new Label(Type::Title, said({"拖动照片排序", "Drag photos to reorder",
                                            "Glissez les photos pour les réordonner"}))),

@@ -205,7 +205,7 @@ void MainWindow::showEditor()
 void MainWindow::showManage()
 {
     if (!m_manage) {
-        m_manage = new ManagePhotos(m_services.editor);
+        m_manage = new ManagePhotos(m_services.editor.photos());
         connect(m_manage, &ManagePhotos::closeAsked, this, &MainWindow::showEditor);
     }
     showPage(m_manage);
@@ -215,7 +215,7 @@ void MainWindow::showManage()
 void MainWindow::showSetPreview()
 {
     if (!m_preview) {
-        m_preview = new SetPreview(m_services.editor);
+        m_preview = new SetPreview(m_services.editor.photos());
         connect(m_preview, &SetPreview::closeAsked, this, &MainWindow::showEditor);
         connect(m_preview, &SetPreview::exportAsked, this, [this] {
             showEditor();
