@@ -5,6 +5,7 @@
 #include "app/Wording.h"
 #include "app/export/ExportPanel.h"
 #include "app/export/SuccessSheet.h"
+#include "app/kit/Overlay.h"
 
 namespace tarnovel::app {
 
