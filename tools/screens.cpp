@@ -434,7 +434,7 @@ QList<Screen> handwritingScreens()
 {
     const auto finished = [](HandwritingFinish finish) {
         return [finish](HandwritingScreen &screen) {
-            screen.studio()->setTool(HandwritingTool::fountain);
+            screen.studio()->setTool(HandwritingTool::Fountain);
             screen.studio()->setWidth(10);
             screen.studio()->setColor(inkSwatches().at(10).color);
             sign(*screen.studio());
@@ -447,7 +447,7 @@ QList<Screen> handwritingScreens()
                              handwriting(u"glitter"_s, finished(HandwritingFinish::glitter))};
     screens.append(handwriting(u"eraser"_s, [](HandwritingScreen &screen) {
         sign(*screen.studio());
-        screen.studio()->setTool(HandwritingTool::eraser);
+        screen.studio()->setTool(HandwritingTool::Eraser);
     }));
     screens.append(handwriting(u"zoomed"_s, [](HandwritingScreen &screen) {
         sign(*screen.studio());

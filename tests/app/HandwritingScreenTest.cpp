@@ -118,7 +118,7 @@ TEST_F(HandwritingScreenTest, ATabletPenPressesAndItsOtherEndErases)
     pen(QEvent::TabletMove, at(0.3, 0.6), 0.5, eraser);
     pen(QEvent::TabletRelease, at(0.3, 0.6), 0, eraser);
     EXPECT_TRUE(drawing().isEmpty());
-    EXPECT_EQ(studio().tool(), HandwritingTool::signature);
+    EXPECT_EQ(studio().tool(), HandwritingTool::Signature);
 }
 
 TEST_F(HandwritingScreenTest, ThePenTakesOverFromAPalmThatRestsFirst)

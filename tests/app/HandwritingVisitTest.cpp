@@ -78,7 +78,7 @@ TEST_F(HandwritingScreenTest, ShowsTranslucentInkAsItIsSaved)
     const auto seen = [&] { return canvas()->grab().toImage().pixelColor(place); };
     waitFor([&] { return seen().saturation() > 100; });
     const QColor photo = seen();
-    studio().setTool(HandwritingTool::marker);
+    studio().setTool(HandwritingTool::Marker);
     studio().setWidth(24);
     studio().setFinish(HandwritingFinish::rainbow);
     drag(at(0.3, 0.5), at(0.7, 0.5));
@@ -125,7 +125,7 @@ TEST_F(HandwritingScreenTest, KeysReachEveryToolFromTheWholeScreen)
     EXPECT_TRUE(studio().moving());
     QTest::keyClick(canvas(), Qt::Key_E);
     EXPECT_FALSE(studio().moving());
-    EXPECT_EQ(studio().tool(), HandwritingTool::eraser);
+    EXPECT_EQ(studio().tool(), HandwritingTool::Eraser);
 
     // The rows of tiles are stops of the Tab key, and the arrows choose in them.
     for (ToolTiles *tiles : tools->findChildren<ToolTiles *>()) {
@@ -135,7 +135,7 @@ TEST_F(HandwritingScreenTest, KeysReachEveryToolFromTheWholeScreen)
         QTest::keyClick(tiles, Qt::Key_Home);
         QTest::keyClick(tiles, Qt::Key_Right);
     }
-    EXPECT_EQ(studio().tool(), HandwritingTool::fountain);
+    EXPECT_EQ(studio().tool(), HandwritingTool::Fountain);
     EXPECT_EQ(studio().finish(), HandwritingFinish::rainbow);
     m_screen.findChild<ColorDots *>()->choose(3);
     EXPECT_EQ(studio().color(), inkSwatches().at(3).color);

@@ -16,9 +16,9 @@ namespace {
 
 using namespace app;
 
-using Items = Kit;
+using ItemViews = Kit;
 
-TEST_F(Items, SegmentsChooseByArrowsAndShareTheWidth)
+TEST_F(ItemViews, SegmentsChooseByArrowsAndShareTheWidth)
 {
     auto *segments = show(new Segments({named(u"One"_s), named(u"Two"_s), named(u"Three"_s)}), {264, 32});
     segments->setCurrent(0);
@@ -39,7 +39,7 @@ TEST_F(Items, SegmentsChooseByArrowsAndShareTheWidth)
     EXPECT_EQ(segments->current(), 2);
 }
 
-TEST_F(Items, APressChoosesOnlyWhereItBegan)
+TEST_F(ItemViews, APressChoosesOnlyWhereItBegan)
 {
     auto *pad = show(new PositionPad, {96, 96});
     QSignalSpy chosen(pad, &ItemView::chosen);
@@ -53,7 +53,7 @@ TEST_F(Items, APressChoosesOnlyWhereItBegan)
     EXPECT_EQ(pad->cursor(), 5);
 }
 
-TEST_F(Items, ArrowsGoThroughAGridAndAroundItsRows)
+TEST_F(ItemViews, ArrowsGoThroughAGridAndAroundItsRows)
 {
     auto *pad = show(new PositionPad, {96, 96});
     const struct {
@@ -76,7 +76,7 @@ TEST_F(Items, ArrowsGoThroughAGridAndAroundItsRows)
     EXPECT_EQ(menu.last().first().toInt(), 8);
 }
 
-TEST_F(Items, ALongPressAsksForTheMenuAndDoesNotChoose)
+TEST_F(ItemViews, ALongPressAsksForTheMenuAndDoesNotChoose)
 {
     auto *pad = show(new PositionPad, {96, 96});
     QSignalSpy chosen(pad, &ItemView::chosen);
@@ -88,7 +88,7 @@ TEST_F(Items, ALongPressAsksForTheMenuAndDoesNotChoose)
     EXPECT_EQ(chosen.size(), 0);
 }
 
-TEST_F(Items, SwatchesRingTheColourOrTheWheelThatStandsForIt)
+TEST_F(ItemViews, SwatchesRingTheColourOrTheWheelThatStandsForIt)
 {
     auto *swatches = show(new Swatches(Swatches::Shape::Dots), {264, 40});
     swatches->setEntries({{Qt::white, named(u"White"_s)}, {Qt::red, {}}});
@@ -113,7 +113,7 @@ TEST_F(Items, SwatchesRingTheColourOrTheWheelThatStandsForIt)
     EXPECT_EQ(color.size(), 1);
 }
 
-TEST_F(Items, ACardGridLaysItsRowsBelowEachOther)
+TEST_F(ItemViews, ACardGridLaysItsRowsBelowEachOther)
 {
     QStringList names = {u"A"_s, u"B"_s, u"A name that takes more than one line of its tile"_s, u"D"_s};
     auto *grid = show(new CardGrid({.count = [&] { return static_cast<int>(names.size()); },
@@ -148,7 +148,7 @@ protected:
     void paintItem(QPainter &, int, const State &) override {}
 };
 
-TEST_F(Items, AStripScrollsByWheelAndToTheItemAtTheKeyboard)
+TEST_F(ItemViews, AStripScrollsByWheelAndToTheItemAtTheKeyboard)
 {
     auto *row = show(new Row, {200, 40});
     EXPECT_EQ(row->itemRect(0), QRect(24, 0, 50, 40));

@@ -23,7 +23,7 @@ using Preview = Studio;
 
 TEST_F(Tools, BeginAsTheDesignHasThem)
 {
-    EXPECT_EQ(m_studio.tool(), HandwritingTool::signature);
+    EXPECT_EQ(m_studio.tool(), HandwritingTool::Signature);
     EXPECT_EQ(m_studio.color(), softBlack);
     EXPECT_EQ(m_studio.width(), 6);
     EXPECT_EQ(m_studio.finish(), HandwritingFinish::color);
@@ -51,7 +51,7 @@ TEST_F(Tools, WriteInTheirOwnWayAndMoveWithoutWriting)
 {
     const Ink red = {1, 0, 0};
     m_studio.setColor(red);
-    m_studio.setTool(HandwritingTool::marker);
+    m_studio.setTool(HandwritingTool::Marker);
     m_studio.setWidth(10);
     write({100, 100}, {400, 100});
     ASSERT_EQ(m_studio.drawing().size(), 1);
@@ -75,7 +75,7 @@ TEST_F(Tools, WriteInTheirOwnWayAndMoveWithoutWriting)
     EXPECT_EQ(m_studio.drawing().size(), 1);
     m_studio.penDown({{100, 300}, 0});
     m_studio.penMove({{200, 300}, 0.1});
-    m_studio.setTool(HandwritingTool::pencil);
+    m_studio.setTool(HandwritingTool::Pencil);
     EXPECT_FALSE(m_studio.penIsDown());
     EXPECT_EQ(m_studio.drawing().size(), 2);
     EXPECT_EQ(m_studio.drawing().last()->stroke.pen, InkPen::marker);
@@ -112,7 +112,7 @@ TEST_F(Tools, EraseByTheToolOrTheOtherEndOfThePen)
     EXPECT_TRUE(m_studio.isEmpty());
     m_studio.undo();
     EXPECT_EQ(m_studio.drawing().size(), 2);
-    m_studio.setTool(HandwritingTool::eraser);
+    m_studio.setTool(HandwritingTool::Eraser);
     write({250, 90}, {260, 110});
     EXPECT_EQ(m_studio.drawing().size(), 1);
     m_studio.clear();
@@ -135,7 +135,7 @@ TEST_F(Tools, GiveBackWhatAGestureErased)
     m_studio.undo();
     const InkDrawing before = m_studio.drawing();
     const QImage shown = m_studio.ink();
-    m_studio.setTool(HandwritingTool::eraser);
+    m_studio.setTool(HandwritingTool::Eraser);
     m_studio.penDown({{250, 80}, 0});
     m_studio.penMove({{250, 150}, 0.01});
     m_studio.penMove({{250, 220}, 0.02});
@@ -159,7 +159,7 @@ TEST_F(Tools, GiveBackWhatAGestureErased)
 
 TEST_F(Tools, ShowTheInkOfTheViewAtEveryZoom)
 {
-    m_studio.setTool(HandwritingTool::fountain);
+    m_studio.setTool(HandwritingTool::Fountain);
     for (int i = 0; i < 30; ++i) { // enough for the view to be drawn on another thread
         m_studio.penDown({{100, 20.0 * i}, 0});
         for (int step = 1; step < 200; ++step) {
@@ -255,7 +255,7 @@ TEST_F(Preview, LeavesItsStrokesOutOfTheInk)
         image.fill(Qt::transparent);
         return m_studio.ink() == image;
     };
-    m_studio.setTool(HandwritingTool::marker);
+    m_studio.setTool(HandwritingTool::Marker);
     m_studio.setFinish(HandwritingFinish::glitter);
     write({100, 100}, {400, 300});
     EXPECT_FALSE(blank()); // there is no picture yet

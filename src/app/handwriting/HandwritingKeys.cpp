@@ -20,7 +20,7 @@ HandwritingKeys::HandwritingKeys(const HandwritingActs &acts)
               {u'-', Row::Kind::Sign, acts.reduce},
               {u'd', Row::Kind::Sign, [acts] { acts.move(false); }},
               {u'm', Row::Kind::Sign, [acts] { acts.move(true); }},
-              {u'e', Row::Kind::Sign, [acts] { acts.take(HandwritingTool::eraser); }},
+              {u'e', Row::Kind::Sign, [acts] { acts.take(HandwritingTool::Eraser); }},
               {u'[', Row::Kind::Sign, [acts] { acts.widen(-1); }},
               {u']', Row::Kind::Sign, [acts] { acts.widen(1); }}};
     for (size_t i = 0; i < handwritingTools.size(); ++i) {

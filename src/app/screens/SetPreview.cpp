@@ -394,8 +394,7 @@ void SetPreview::keyPressEvent(QKeyEvent *event)
 
 void SetPreview::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
-    painter.fillRect(rect(), theme().canvas);
+    QPainter(this).fillRect(rect(), theme().canvas);
 }
 
 } // namespace tarnovel::app
