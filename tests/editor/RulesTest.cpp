@@ -77,6 +77,29 @@ TEST_F(Canvas, NeverCarriesAGestureToAnotherPhoto)
     EXPECT_EQ(settings().x, 0);
 }
 
+TEST_F(Canvas, AGestureThatIsUndoneDoesNothingMore)
+{
+    const QSizeF canvas(1000, 1000);
+    const FrameSettings before = settings();
+    m_gestures.dragPhoto({100, 0}, canvas);
+    m_model.undo();
+    m_gestures.dragPhoto({200, 0}, canvas);
+    EXPECT_EQ(settings(), before);
+    m_gestures.endPhotoDrag();
+    m_gestures.pinchPhoto(0.5);
+    m_model.undo();
+    m_gestures.pinchPhoto(0.4);
+    EXPECT_EQ(settings(), before);
+    m_gestures.endPinch();
+    m_gestures.dragText(u"title"_s, {0, -100}, canvas);
+    m_model.undo();
+    m_gestures.dragText(u"title"_s, {0, -200}, canvas);
+    EXPECT_EQ(settings(), before);
+    m_gestures.endTextDrag();
+    m_gestures.dragPhoto({200, 0}, canvas);
+    EXPECT_DOUBLE_EQ(settings().x, 0.2) << "the next one begins anew";
+}
+
 TEST_F(Canvas, HoldsToEachAxisByItself)
 {
     const QSizeF canvas(1000, 1000);
