@@ -24,7 +24,7 @@
 #include "app/handwriting/HandwritingScreen.h"
 #include "app/inspector/ColorDots.h"
 #include "app/kit/Button.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "app/kit/Motion.h"
 #include "app/kit/Overlay.h"
 #include "app/kit/Theme.h"
@@ -38,6 +38,7 @@
 #include "handwriting/HandwritingFinish.h"
 #include "handwriting/SignatureSave.h"
 #include "model/Drafts.h"
+#include "model/Signature.h"
 #include "render/BuiltInTemplate.h"
 #include "support/AppWorld.h"
 #include "support/RecordedSignature.h"
@@ -315,7 +316,7 @@ QList<Screen> editorScreens()
                         }
                         return [&world, panel, file] {
                             QFile::rename(file + u".away"_s, file);
-                            panel->cancelRun();
+                            panel->findChild<Button *>(u"stopExport"_s)->click();
                             world.window().page()->showExport(false);
                             closingSheets(world)();
                         };
@@ -433,7 +434,7 @@ QList<Screen> handwritingScreens()
 {
     const auto finished = [](HandwritingFinish finish) {
         return [finish](HandwritingScreen &screen) {
-            screen.studio()->setTool(HandwritingTool::fountain);
+            screen.studio()->setTool(HandwritingTool::Fountain);
             screen.studio()->setWidth(10);
             screen.studio()->setColor(inkSwatches().at(10).color);
             sign(*screen.studio());
@@ -446,7 +447,7 @@ QList<Screen> handwritingScreens()
                              handwriting(u"glitter"_s, finished(HandwritingFinish::glitter))};
     screens.append(handwriting(u"eraser"_s, [](HandwritingScreen &screen) {
         sign(*screen.studio());
-        screen.studio()->setTool(HandwritingTool::eraser);
+        screen.studio()->setTool(HandwritingTool::Eraser);
     }));
     screens.append(handwriting(u"zoomed"_s, [](HandwritingScreen &screen) {
         sign(*screen.studio());

@@ -8,17 +8,15 @@
 #include <vector>
 
 #include <QApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QTemporaryDir>
 
 #include "app/collage/CollageBoard.h"
 #include "app/collage/CollageScreen.h"
 #include "app/kit/Motion.h"
 #include "app/kit/Theme.h"
-#include "support/Photo24.h"
+#include "support/LibraryWorld.h"
 
 using namespace Qt::StringLiterals;
 
@@ -30,15 +28,9 @@ using namespace app;
 constexpr int photoCount = 9;
 constexpr int repaints = 120;
 
-struct World {
-    QTemporaryDir folder;
-    QString library = folder.filePath(u"library"_s);
-    bool made = QDir().mkpath(library);
-    SystemClock clock;
-    Preferences preferences{folder.filePath(u"preferences.ini"_s)};
-    ImagePipeline pipeline{library, folder.filePath(u"temporary"_s)};
-    SessionWriter writer{library};
-    EditorModel model{{pipeline, writer, preferences, clock, library}, EditorModel::Load::Empty};
+struct World : LibraryWorld {
+    World() : LibraryWorld(EditorModel::Load::Empty) {}
+
     SettingsEdits edits{model, clock};
     ImportFlow imports{model, pipeline};
     Thumbnails thumbnails{pipeline};
@@ -57,14 +49,7 @@ void settle(World &world)
 void open(World &world)
 {
     for (int i = 0; i < photoCount; ++i) {
-        const QString name = u"%1.jpg"_s.arg(i);
-        writePhoto24(world.library + u'/' + name);
-        PhotoItem photo;
-        photo.id = QUuid::createUuid();
-        photo.file = photo.name = name;
-        photo.width = photoSize.width();
-        photo.height = photoSize.height();
-        world.model.append({photo});
+        world.append(u"%1.jpg"_s.arg(i));
     }
     world.screen.resize(1440, 920);
     world.screen.begin();

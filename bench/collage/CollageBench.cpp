@@ -5,17 +5,15 @@
 #include <cstdio>
 #include <vector>
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QPainter>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
 #include "collage/CollageGestures.h"
 #include "collage/CollageStudio.h"
-#include "support/Photo24.h"
+#include "support/LibraryWorld.h"
 #include "support/ProcessorTime.h"
 
 using namespace Qt::StringLiterals;
@@ -25,27 +23,13 @@ namespace {
 
 constexpr int photoCount = 9;
 
-struct World {
-    QTemporaryDir folder;
-    QString library = folder.filePath(u"library"_s);
-    bool made = QDir().mkpath(library);
-    SystemClock clock;
-    Preferences preferences{folder.filePath(u"preferences.ini"_s)};
-    ImagePipeline pipeline{library, folder.filePath(u"temporary"_s)};
-    SessionWriter writer{library};
-    EditorModel model{{pipeline, writer, preferences, clock, library}, EditorModel::Load::Empty};
+struct World : LibraryWorld {
+    World() : LibraryWorld(EditorModel::Load::Empty) {}
+
     CollageStudio studio{model, pipeline, clock};
     CollageGestures gestures{studio};
     QImage window{QSize(2880, 1840), QImage::Format_RGB32};
 };
-
-template<typename Condition>
-void waitFor(Condition condition)
-{
-    while (!condition()) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
-    }
-}
 
 void repaint(World &world)
 {
@@ -58,15 +42,8 @@ void repaint(World &world)
 void open(World &world)
 {
     for (int i = 0; i < photoCount; ++i) {
-        const QString name = u"%1.jpg"_s.arg(i);
-        writePhoto24(world.library + u'/' + name);
-        PhotoItem photo;
-        photo.id = QUuid::createUuid();
-        photo.file = photo.name = name;
-        photo.width = photoSize.width();
-        photo.height = photoSize.height();
-        world.model.append({photo});
-        world.studio.toggle(photo.id);
+        world.append(u"%1.jpg"_s.arg(i));
+        world.studio.toggle(*world.model.selected());
     }
     world.studio.setStage({900, 900}, 2);
     world.studio.start();

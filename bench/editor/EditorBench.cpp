@@ -6,11 +6,9 @@
 #include <map>
 #include <vector>
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include <benchmark/benchmark.h>
@@ -18,7 +16,7 @@
 #include "editor/EditorModel.h"
 #include "editor/ImportFlow.h"
 #include "render/BuiltInTemplate.h"
-#include "support/Photo24.h"
+#include "support/LibraryWorld.h"
 #include "support/ProcessorTime.h"
 
 using namespace Qt::StringLiterals;
@@ -28,26 +26,11 @@ namespace {
 
 constexpr int photoCount = 50;
 
-/// A library of its own, and an editor on it.
-struct World {
-    QTemporaryDir folder;
-    QString library = folder.filePath(u"library"_s);
-    bool made = QDir().mkpath(library);
-    SystemClock clock;
-    Preferences preferences{folder.filePath(u"preferences.ini"_s)};
-    ImagePipeline pipeline{library, folder.filePath(u"temporary"_s)};
-    SessionWriter writer{library};
-    EditorModel model{{pipeline, writer, preferences, clock, library}, EditorModel::Load::StoredSession};
+struct World : LibraryWorld {
+    World() : LibraryWorld(EditorModel::Load::StoredSession) {}
+
     ImportFlow flow{model, pipeline};
 };
-
-template<typename Condition>
-void waitFor(Condition condition)
-{
-    while (!condition()) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    }
-}
 
 /// Imports fifty photos and returns the longest time between two beats of the event loop, in milliseconds.
 double longestBeatOfImport(World &world)

@@ -92,8 +92,8 @@ std::vector<std::string> alternatives(const std::string &value)
 
 CommandTable readCommandTable()
 {
-    cli::Arguments arguments;
-    cli::Grammar grammar(arguments);
+    cli::Requests requests;
+    cli::Grammar grammar(requests);
     CommandTable table;
     table.program = readCommand(grammar.app());
     table.program.name.clear();

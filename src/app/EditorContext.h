@@ -52,7 +52,14 @@ private:
     std::function<void(const QColor &)> m_taker;
 };
 
-/// Everything the editor's screens work with; all of it outlives them.
+/// What shows the session's photos, and nothing else of the editor, works with.
+struct PhotosContext {
+    EditorModel &model;
+    Thumbnails &thumbnails;
+};
+
+/// Everything the editor's own screens work with; all of it outlives them. A widget that needs less takes
+/// less.
 struct EditorContext {
     EditorModel &model;
     SettingsEdits &edits;
@@ -62,6 +69,8 @@ struct EditorContext {
     Preferences &preferences;
     Clock &clock;
     EditorState &state;
+
+    PhotosContext photos() const { return {model, thumbnails}; }
 };
 
 } // namespace tarnovel::app

@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 #include <QDir>
-#include <QFile>
 #include <QGuiApplication>
 #include <QStandardPaths>
 
@@ -36,79 +35,6 @@ constexpr std::array<std::string_view, 6> commands = {"export",  "collage",   "l
                                                       "inspect", "templates", "stocks"};
 
 constexpr int wrongUsage = 2;
-
-QString fromArgument(const std::string &argument)
-{
-    return QFile::decodeName(QByteArray::fromStdString(argument));
-}
-
-QStringList fromArguments(const std::vector<std::string> &arguments)
-{
-    QStringList result;
-    for (const std::string &argument : arguments) {
-        result.append(fromArgument(argument));
-    }
-    return result;
-}
-
-std::optional<QString> given(const CLI::App *command, const char *option, const std::string &value)
-{
-    return command->count(option) > 0 ? std::optional(fromArgument(value)) : std::nullopt;
-}
-
-ExportRequest exportRequest(const Grammar &grammar, const Arguments &arguments)
-{
-    const CLI::App *command = grammar.exporting();
-    if (arguments.folder.empty()) {
-        throw UsageError{localized(
-            {"缺少 -o 文件夹。", "The folder is missing: -o DIR.", "Il manque le dossier : -o DOSSIER."})};
-    }
-    ExportRequest request;
-    request.photos = fromArguments(arguments.photos);
-    request.folder = QDir::cleanPath(fromArgument(arguments.folder));
-    request.session = arguments.session;
-    request.templateId = given(command, "--template", arguments.templateId);
-    request.styleFile = given(command, "--style", arguments.style);
-    request.sets = fromArguments(arguments.sets);
-    request.texts = fromArguments(arguments.texts);
-    request.background = given(command, "--background", arguments.background);
-    request.logo = given(command, "--logo", arguments.logo);
-    request.signature = given(command, "--signature", arguments.signature);
-    request.size = fromArgument(arguments.size);
-    request.format = fromArgument(arguments.format);
-    request.maxMb = given(command, "--max-mb", arguments.maxMb);
-    request.json = arguments.json;
-    request.quiet = arguments.quiet;
-    return request;
-}
-
-CollageRequest collageRequest(const Grammar &grammar, const Arguments &arguments)
-{
-    const CLI::App *command = grammar.collage();
-    CollageRequest request;
-    request.photos = fromArguments(arguments.photos);
-    request.file = fromArgument(arguments.folder);
-    request.layout = given(command, "--layout", arguments.layout);
-    request.aspect = given(command, "--aspect", arguments.aspect);
-    request.gap = given(command, "--gap", arguments.gap);
-    request.margin = given(command, "--margin", arguments.margin);
-    request.radius = given(command, "--radius", arguments.radius);
-    request.background = given(command, "--background", arguments.background);
-    request.frames = fromArguments(arguments.frames);
-    request.pans = fromArguments(arguments.pans);
-    request.zooms = fromArguments(arguments.zooms);
-    request.ratios = fromArguments(arguments.ratios);
-    request.stock = given(command, "--stock", arguments.stock);
-    request.edgeText = given(command, "--edge-text", arguments.edgeText);
-    request.startNumber = given(command, "--start-number", arguments.startNumber);
-    request.noNumbers = arguments.noNumbers;
-    request.format = given(command, "--format", arguments.format);
-    request.size = given(command, "--size", arguments.size);
-    request.maxMb = given(command, "--max-mb", arguments.maxMb);
-    request.json = arguments.json;
-    request.quiet = arguments.quiet;
-    return request;
-}
 
 /// What CLI11 found wrong, in the user's language; it names the culprit in its own English only.
 QString complaint(const CLI::ParseError &error, const CLI::App &app)
@@ -178,27 +104,36 @@ bool chooseLanguage(int argc, char **argv)
     return !code || language;
 }
 
-int dispatch(const Grammar &grammar, const Arguments &arguments, const Interruption &interruption)
+void require(bool given, const Text &otherwise)
+{
+    if (!given) {
+        throw UsageError{localized(otherwise)};
+    }
+}
+
+int dispatch(const Grammar &grammar, Requests &requests, const Interruption &interruption)
 {
     if (grammar.wants(grammar.templates())) {
-        return runTemplates(arguments.json);
+        return runTemplates(requests.list.json);
     }
     if (grammar.wants(grammar.stocks())) {
-        return runStocks(arguments.json);
+        return runStocks(requests.list.json);
     }
     if (grammar.wants(grammar.layouts())) {
-        return runLayouts(fromArgument(arguments.count), arguments.json);
+        return runLayouts(requests.list.photoCount, requests.list.json);
     }
     if (grammar.wants(grammar.collage())) {
-        return runCollage(collageRequest(grammar, arguments), interruption);
+        return runCollage(requests.collage, interruption);
     }
     if (grammar.wants(grammar.inspecting())) {
-        if (arguments.photos.empty()) {
-            throw UsageError{localized({"没有指定照片。", "No photo is named.", "Aucune photo indiquée."})};
-        }
-        return runInspect(fromArguments(arguments.photos), arguments.json, interruption);
+        require(!requests.inspection.photos.isEmpty(),
+                {"没有指定照片。", "No photo is named.", "Aucune photo indiquée."});
+        return runInspect(requests.inspection.photos, requests.inspection.json, interruption);
     }
-    return runExport(exportRequest(grammar, arguments), interruption);
+    require(!requests.framing.folder.isEmpty(),
+            {"缺少 -o 文件夹。", "The folder is missing: -o DIR.", "Il manque le dossier : -o DOSSIER."});
+    requests.framing.folder = QDir::cleanPath(requests.framing.folder);
+    return runExport(requests.framing, interruption);
 }
 
 /// A program that is started with a closed standard stream would write its messages into the next file that
@@ -268,8 +203,8 @@ int runCommandLine(int argc, char **argv)
         return wrong(localized({"没有这个命令：", "There is no command ", "Commande inconnue : "}) +
                      fromArgument(argv[1]));
     }
-    Arguments arguments;
-    Grammar grammar(arguments);
+    Requests requests;
+    Grammar grammar(requests);
     // CLI11 gives what follows "--" to the command only while it has no photo yet; all of it is photos.
     char **const end =
         std::find_if(argv, argv + argc, [](const char *argument) { return argument == "--"sv; });
@@ -280,17 +215,17 @@ int runCommandLine(int argc, char **argv)
     } catch (const CLI::ParseError &error) {
         return wrong(complaint(error, grammar.app()));
     }
-    if (end != argv + argc) {
-        arguments.photos.insert(arguments.photos.end(), end + 1, argv + argc);
+    for (char **photo = std::min(end + 1, argv + argc); photo != argv + argc; ++photo) {
+        grammar.photos().append(fromArgument(*photo));
     }
-    if (arguments.verbose) {
+    if (requests.verbose) {
         printLog();
     }
     const Interruption interruption;
     const QGuiApplication application(argc, argv);
     removeRuntimeFolder();
     try {
-        const int status = dispatch(grammar, arguments, interruption);
+        const int status = dispatch(grammar, requests, interruption);
         return interruption.exitStatus() != 0 ? interruption.exitStatus() : status;
     } catch (const UsageError &error) {
         return wrong(error.message);

@@ -22,6 +22,7 @@
 #include "model/FrameSettingsJson.h"
 #include "model/LibraryPaths.h"
 #include "model/SessionStore.h"
+#include "model/Signature.h"
 #include "model/Styling.h"
 #include "pipeline/ImagePipeline.h"
 #include "pipeline/PipelineError.h"
@@ -136,17 +137,13 @@ struct Pictures {
             settings.backgroundFile = absolute(*background);
         }
         if (logo) {
-            TextLayer &layer = *settings.layer(u"watermark"_s);
+            TextLayer &layer = *settings.layer(logoLayer);
             layer.imageFile = absolute(*logo);
             layer.imageAspect = logoAspect;
             layer.visible = true;
         }
         if (signature) {
-            settings.handwritingFile = absolute(*signature);
-            // Over the whole frame, as the studio's own are: their empty parts are transparent.
-            settings.handwritingAspect = signatureAspect;
-            settings.handwritingX = settings.handwritingY = 0.5;
-            settings.handwritingWidth = 1.0;
+            settings = withSignature(settings, absolute(*signature), signatureAspect);
         }
     }
 };

@@ -1,85 +1,37 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include <CLI/CLI.hpp>
 
+#include "cli/CollageCommand.h"
+#include "cli/ExportCommand.h"
 #include "language/AppLanguage.h"
 
 namespace tarnovel::cli {
 
-/// What the arguments ask for; CLI11 fills it.
-struct Arguments {
-    std::vector<std::string> photos;
-    std::string folder;
-    std::string templateId;
-    std::string style;
-    std::vector<std::string> sets;
-    std::vector<std::string> texts;
-    std::string background;
-    std::string logo;
-    std::string signature;
-    std::string size = "4096";
-    std::string format = "jpeg";
-    std::string maxMb;
-    std::string language;
-    /// Of a collage, besides.
-    std::string count;
-    std::string layout;
-    std::string aspect;
-    std::string gap;
-    std::string margin;
-    std::string radius;
-    std::vector<std::string> frames;
-    std::vector<std::string> pans;
-    std::vector<std::string> zooms;
-    std::vector<std::string> ratios;
-    std::string stock;
-    std::string edgeText;
-    std::string startNumber;
-    bool noNumbers = false;
-    bool session = false;
-    bool json = false;
-    bool quiet = false;
+/// An argument as it was typed, in the bytes of file names.
+QString fromArgument(const std::string &argument);
+
+/// What the arguments ask for, as typed: that of the command that was given.
+struct Requests {
+    ExportRequest framing;
+    CollageRequest collage;
+    struct {
+        QStringList photos;
+        bool json = false;
+    } inspection;
+    struct {
+        QString photoCount;
+        bool json = false;
+    } list;
     bool verbose = false;
+    /// Chosen already, for the grammar itself is told in it.
+    QString language;
 };
 
-inline std::string inThisLanguage(const Text &variants)
-{
-    return localized(variants).toStdString();
-}
-
-/// The grammar of the command line, described in the current language.
+/// The grammar of the command line, described in the current language. CLI11 fills the requests by it.
 class Grammar {
 public:
-    explicit Grammar(Arguments &arguments) : m_arguments(arguments)
-    {
-        m_app.name("tarnovel");
-        m_app.description(inThisLanguage({"给一组照片加上统一的边框，并导出成品。",
-                                          "Frames a set of photos in one look and exports them.",
-                                          "Encadre une série de photos dans un même style et l’exporte."}));
-        settle(m_app);
-        m_app.set_version_flag("-V,--version", std::string("tarnovel ") + TARNOVEL_VERSION,
-                               inThisLanguage({"显示版本", "Show the version", "Afficher la version"}));
-        m_app.footer(inThisLanguage(
-            {"不带命令时打开编辑器并导入所列照片：tarnovel [PHOTO...]",
-             "Without a command the editor opens with the photos named: tarnovel [PHOTO...]",
-             "Sans commande, l’éditeur s’ouvre avec les photos nommées : tarnovel [PHOTO...]"}));
-        m_app.require_subcommand(1);
-        addExport();
-        addInspect();
-        addCollage();
-        m_layouts = addList("layouts", {"列出 N 张照片的拼图布局", "List the collage layouts for N photos",
-                                        "Lister les dispositions pour N photos"});
-        m_layouts
-            ->add_option("N", m_arguments.count,
-                         inThisLanguage({"照片张数", "Number of photos", "Nombre de photos"}))
-            ->type_name("");
-        m_templates =
-            addList("templates", {"列出内置模板", "List the built-in templates", "Lister les modèles"});
-        m_stocks = addList("stocks", {"列出胶卷", "List the film stocks", "Lister les pellicules"});
-    }
+    explicit Grammar(Requests &requests);
 
     CLI::App &app() { return m_app; }
     bool wants(const CLI::App *command) const { return command->parsed(); }
@@ -89,218 +41,22 @@ public:
     const CLI::App *layouts() const { return m_layouts; }
     const CLI::App *templates() const { return m_templates; }
     const CLI::App *stocks() const { return m_stocks; }
+    /// The photos of the command that was given.
+    QStringList &photos();
 
 private:
-    /// Headings and words of the help; CLI11 has its own in English only.
-    void settle(CLI::App &app)
-    {
-        const auto &formatter = app.get_formatter();
-        formatter->label("Usage", inThisLanguage({"用法", "Usage", "Utilisation "}));
-        formatter->label("OPTIONS", inThisLanguage({"选项", "OPTIONS", "OPTIONS"}));
-        formatter->label("Positionals", inThisLanguage({"参数", "Arguments", "Arguments"}));
-        formatter->label("SUBCOMMAND", inThisLanguage({"命令", "COMMAND", "COMMANDE"}));
-        formatter->column_width(34);
-        app.option_defaults()->group(inThisLanguage({"选项", "Options", "Options"}));
-        app.set_help_flag("-h,--help", inThisLanguage({"显示说明", "Show this help", "Afficher cette aide"}));
-        addOption(app, "--language", m_arguments.language, "zh|en|fr",
-                  {"提示文字的语言", "Language of the messages", "Langue des messages"});
-        app.add_flag("-v,--verbose", m_arguments.verbose,
-                     inThisLanguage({"在标准错误输出日志", "Log lines on standard error",
-                                     "Journal sur l’erreur standard"}));
-    }
+    void settle(CLI::App &app);
+    CLI::App &addCommand(const char *name, const Text &description);
+    CLI::App *addList(const char *name, const Text &description);
+    void addInspect();
+    void addExport();
+    void addStyleOptions();
+    void addCollage();
+    void addSpacing();
+    void addCells();
+    void addFilmEdge();
 
-    /// An option with one value; given twice, the last one counts.
-    static void addOption(CLI::App &app, const char *name, std::string &value, const char *valueName,
-                          const Text &what)
-    {
-        app.add_option(name, value, inThisLanguage(what))->type_name(valueName)->take_last();
-    }
-
-    /// An option with one value that may be given any number of times.
-    static void addRepeatable(CLI::App &app, const char *name, std::vector<std::string> &values,
-                              const char *valueName, const Text &what)
-    {
-        app.add_option(name, values, inThisLanguage(what))->type_name(valueName)->allow_extra_args(false);
-    }
-
-    CLI::App *addCommand(const char *name, const Text &description)
-    {
-        CLI::App *command = m_app.add_subcommand(name, inThisLanguage(description));
-        command->group(inThisLanguage({"命令", "Commands", "Commandes"}));
-        settle(*command);
-        return command;
-    }
-
-    CLI::App *addList(const char *name, const Text &description)
-    {
-        CLI::App *command = addCommand(name, description);
-        addJson(command);
-        return command;
-    }
-
-    void addJson(CLI::App *command)
-    {
-        command->add_flag("--json", m_arguments.json,
-                          inThisLanguage({"每行输出一个 JSON 对象", "Print one JSON object a line",
-                                          "Un objet JSON par ligne"}));
-    }
-
-    void addPhotos(CLI::App *command)
-    {
-        command
-            ->add_option("PHOTO", m_arguments.photos,
-                         inThisLanguage({"照片文件", "Photo files", "Fichiers photo"}))
-            ->type_name("");
-    }
-
-    void addInspect()
-    {
-        m_inspect = addCommand("inspect", {"读出照片的尺寸、相机信息与主色",
-                                           "Show size, camera texts and palette of photos",
-                                           "Afficher taille, infos et couleurs des photos"});
-        addPhotos(m_inspect);
-        addJson(m_inspect);
-    }
-
-    void addExport()
-    {
-        m_export = addCommand("export", {"加边框并导出到文件夹", "Frame photos into a folder",
-                                         "Encadrer des photos dans un dossier"});
-        addPhotos(m_export);
-        m_export->add_flag(
-            "--session", m_arguments.session,
-            inThisLanguage({"导出上次编辑的照片，各用各的样式",
-                            "Export the photos of the stored session, each in its own style",
-                            "Exporter les photos de la session enregistrée, chacune avec son style"}));
-        addOption(*m_export, "-o,--output", m_arguments.folder, "DIR",
-                  {"目标文件夹，没有时会建立（必填）", "Destination folder, made when missing (required)",
-                   "Dossier de destination, créé au besoin (obligatoire)"});
-        addStyleOptions();
-        addOutputOptions();
-        addJson(m_export);
-        addQuiet(*m_export);
-    }
-
-    void addStyleOptions()
-    {
-        addOption(*m_export, "-t,--template", m_arguments.templateId, "ID",
-                  {"内置模板，默认 plain", "Built-in template; plain by default",
-                   "Modèle intégré, plain par défaut"});
-        addOption(*m_export, "--style", m_arguments.style, "FILE",
-                  {"样式文件（JSON）", "A style as a JSON file", "Un style, fichier JSON"});
-        addRepeatable(*m_export, "--set", m_arguments.sets, "PATH=VALUE",
-                      {"修改样式的一个字段，如 scale=0.7（可重复）",
-                       "Change one field, as in scale=0.7 (repeatable)",
-                       "Changer un champ, p. ex. scale=0.7 (répétable)"});
-        addRepeatable(*m_export, "--text", m_arguments.texts, "ID=TEXT",
-                      {"写入并显示一个文字图层，如 title=早晨（可重复）",
-                       "Write and show a text layer, as in title=Morning (repeatable)",
-                       "Écrire et montrer un calque, p. ex. title=Matin (répétable)"});
-        addOption(*m_export, "--background", m_arguments.background, "FILE",
-                  {"背景图片", "Picture for the backdrop", "Image de fond"});
-        addOption(*m_export, "--logo", m_arguments.logo, "FILE",
-                  {"徽标图片", "Picture for the logo", "Image du logo"});
-        addOption(*m_export, "--signature", m_arguments.signature, "FILE",
-                  {"签名图片", "Picture of the signature", "Image de la signature"});
-    }
-
-    void addCollage()
-    {
-        m_collage = addCommand("collage", {"把 2 到 9 张照片拼成一张", "Make one collage from 2 to 9 photos",
-                                           "Faire un collage de 2 à 9 photos"});
-        addPhotos(m_collage);
-        CLI::App &collage = *m_collage;
-        addOption(
-            collage, "-o,--output", m_arguments.folder, "FILE",
-            {"目标文件（必填）", "Destination file (required)", "Fichier de destination (obligatoire)"});
-        addOption(collage, "--layout", m_arguments.layout, "ID",
-                  {"布局，默认最适合照片的一种", "Layout; by default the one that suits the photos",
-                   "Disposition, par défaut celle qui convient aux photos"});
-        addOption(collage, "--aspect", m_arguments.aspect, "NAME",
-                  {"preset、square、portrait45、portrait34 或 story",
-                   "preset, square, portrait45, portrait34 or story",
-                   "preset, square, portrait45, portrait34 ou story"});
-        addSpacing(collage);
-        addCells(collage);
-        addFilmEdge(collage);
-        addOption(collage, "--size", m_arguments.size, "LONGEDGE",
-                  {"长边像素，720 到 4096，默认 2400", "Long edge in pixels, 720 to 4096; 2400 by default",
-                   "Grand côté en pixels, 720 à 4096, 2400 par défaut"});
-        addFormat(collage, {"默认按文件名的结尾", "by default what the file’s ending says",
-                            "par défaut selon la fin du nom"});
-        addJson(m_collage);
-        addQuiet(collage);
-    }
-
-    void addSpacing(CLI::App &collage)
-    {
-        addOption(collage, "--gap", m_arguments.gap, "F",
-                  {"间距，短边的比例，默认 0.02", "Gap as a fraction of the shorter side; 0.02 by default",
-                   "Espace, fraction du petit côté, 0.02 par défaut"});
-        addOption(collage, "--margin", m_arguments.margin, "F",
-                  {"外边距，默认 0.03", "Outer margin; 0.03 by default", "Marge, 0.03 par défaut"});
-        addOption(collage, "--radius", m_arguments.radius, "F",
-                  {"圆角，默认 0", "Corner radius; 0 by default", "Rayon des coins, 0 par défaut"});
-        addOption(
-            collage, "--background", m_arguments.background, "#RRGGBB",
-            {"背景色，默认白色", "Background colour; white by default", "Couleur de fond, blanc par défaut"});
-        addRepeatable(collage, "--ratio", m_arguments.ratios, "PATH=R",
-                      {"分隔线位置，0.15 到 0.85（可重复）", "Place of a divider, 0.15 to 0.85 (repeatable)",
-                       "Place d’un séparateur, 0.15 à 0.85 (répétable)"});
-    }
-
-    void addCells(CLI::App &collage)
-    {
-        addRepeatable(collage, "--frame", m_arguments.frames, "[SLOT=]NAME",
-                      {"照片边框：none、white、inner、instant 或 film（可重复）",
-                       "Frame of the cells: none, white, inner, instant or film (repeatable)",
-                       "Cadre des cases : none, white, inner, instant ou film (répétable)"});
-        addRepeatable(collage, "--pan", m_arguments.pans, "SLOT=X,Y",
-                      {"移动照片，-1 到 1（可重复）", "Move a photo in its cell, -1 to 1 (repeatable)",
-                       "Déplacer une photo, -1 à 1 (répétable)"});
-        addRepeatable(collage, "--zoom", m_arguments.zooms, "SLOT=Z",
-                      {"放大照片，1 到 4（可重复）", "Enlarge a photo in its cell, 1 to 4 (repeatable)",
-                       "Agrandir une photo, 1 à 4 (répétable)"});
-    }
-
-    void addFilmEdge(CLI::App &collage)
-    {
-        addOption(collage, "--stock", m_arguments.stock, "NAME",
-                  {"胶片长条的胶卷", "Film stock of a film strip", "Pellicule d’une bande film"});
-        addOption(collage, "--edge-text", m_arguments.edgeText, "TEXT",
-                  {"胶片边缘文字", "Edge text of a film strip", "Texte du bord d’une bande film"});
-        addOption(collage, "--start-number", m_arguments.startNumber, "N",
-                  {"首张编号，默认 1", "Number of the first frame; 1 by default",
-                   "Numéro de la première vue, 1 par défaut"});
-        collage.add_flag("--no-numbers", m_arguments.noNumbers,
-                         inThisLanguage({"不印编号", "Print no frame numbers", "Sans numéros de vue"}));
-    }
-
-    void addQuiet(CLI::App &command)
-    {
-        command.add_flag(
-            "-q,--quiet", m_arguments.quiet,
-            inThisLanguage({"不显示进度", "No progress on standard error", "Pas de progression"}));
-    }
-
-    void addFormat(CLI::App &command, const Text &byDefault)
-    {
-        addOption(command, "--format", m_arguments.format, "jpeg|png", byDefault);
-        addOption(command, "--max-mb", m_arguments.maxMb, "N",
-                  {"JPEG 大小上限，单位 MB（1,000,000 字节）", "JPEG size limit in MB of 1,000,000 bytes",
-                   "Taille maximale du JPEG en Mo (1 000 000 octets)"});
-    }
-
-    void addOutputOptions()
-    {
-        addOption(*m_export, "--size", m_arguments.size, "SIZE",
-                  {"1080（短边）、original 或长边像素，默认 4096",
-                   "1080 (short edge), original or a long edge in pixels; 4096 by default",
-                   "1080 (petit côté), original ou grand côté en pixels ; 4096 par défaut"});
-        addFormat(*m_export, {"默认 jpeg", "jpeg by default", "jpeg par défaut"});
-    }
-
-    Arguments &m_arguments;
+    Requests &m_requests;
     CLI::App m_app;
     CLI::App *m_export = nullptr;
     CLI::App *m_collage = nullptr;

@@ -54,8 +54,8 @@ void copyFrame(CollageDesign &design, int slot, CopyScope scope, const CollageLa
     const CellFrame frame = design.cells.at(slot).frame;
     for (const auto &[other, rect] : layout.cells) {
         const bool reached =
-            scope == CopyScope::all ||
-            (scope == CopyScope::row ? together(own.top(), own.bottom(), rect.top(), rect.bottom())
+            scope == CopyScope::All ||
+            (scope == CopyScope::Row ? together(own.top(), own.bottom(), rect.top(), rect.bottom())
                                      : together(own.left(), own.right(), rect.left(), rect.right()));
         if (reached && other < design.cells.size()) {
             design.cells[other].frame = frame;

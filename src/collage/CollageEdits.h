@@ -8,7 +8,7 @@
 namespace tarnovel {
 
 /// Where a cell's frame is copied to.
-enum class CopyScope { row, column, all };
+enum class CopyScope { Row, Column, All };
 
 /// Which layout a collage of other photos gets.
 enum class LayoutChoice {

@@ -60,7 +60,7 @@ void layOut(const CollageNode &node, const QRectF &rect, double gap, const Colla
         layout.cells[node.slot] = rect;
         return;
     }
-    const bool horizontal = *node.axis == CollageAxis::horizontal;
+    const bool horizontal = *node.axis == CollageAxis::Horizontal;
     const double length = horizontal ? rect.width() : rect.height();
     const double start = horizontal ? rect.x() : rect.y();
     const int firstGaps = gapsAlong(*node.axis, node.children.at(0));
@@ -107,7 +107,7 @@ QString ratioText(double ratio)
 Drag dragDivider(const CollageDivider &divider, QPointF point)
 {
     constexpr double pull = 0.02;
-    const bool horizontal = divider.axis == CollageAxis::horizontal;
+    const bool horizontal = divider.axis == CollageAxis::Horizontal;
     const double length = horizontal ? divider.parent.width() : divider.parent.height();
     const double way = horizontal ? point.x() - divider.parent.x() : point.y() - divider.parent.y();
     Drag drag;

@@ -13,7 +13,7 @@ namespace tarnovel {
 /// The line between the two children of a split, which the user can drag.
 struct CollageDivider {
     CollagePath path;
-    CollageAxis axis = CollageAxis::horizontal;
+    CollageAxis axis = CollageAxis::Horizontal;
     /// The split's whole rectangle, the gap included.
     QRectF parent;
     /// The middle of the gap: an x for a horizontal split, a y for a vertical one.

@@ -44,7 +44,7 @@ std::optional<CollageDivider> CollageGestures::dividerAt(QPointF point) const
     std::optional<CollageDivider> nearest;
     double distance = dividerReach;
     for (const CollageDivider &each : m_studio.layout().dividers) {
-        const bool horizontal = each.axis == CollageAxis::horizontal;
+        const bool horizontal = each.axis == CollageAxis::Horizontal;
         const QRectF &parent = each.parent;
         const double across = std::abs((horizontal ? point.x() : point.y()) - each.position);
         const bool along = horizontal ? point.y() >= parent.top() && point.y() <= parent.bottom()
@@ -69,7 +69,7 @@ bool CollageGestures::grabDivider(QPointF point)
     m_ratioLabel = CollageGeometry::ratioText(ratio);
     m_ratioThen = ratio;
     m_grabbedAt = point;
-    m_lastSnapped = CollageGeometry::dragDivider(*found, place).snapped;
+    m_snapped = CollageGeometry::dragDivider(*found, place).snapped;
     m_dividerBegun = false;
     return true;
 }
@@ -81,7 +81,7 @@ void CollageGestures::dragDivider(QPointF point)
         return;
     }
     const QPointF way = point - m_grabbedAt;
-    const double along = held->axis == CollageAxis::horizontal ? way.x() : way.y();
+    const double along = held->axis == CollageAxis::Horizontal ? way.x() : way.y();
     const double ratio = m_ratioThen + along / std::max(held->shared, 1.0);
     if (isOutsideLimits(m_ratioThen) &&
         CollageGeometry::heldRatio(ratio) == CollageGeometry::heldRatio(m_ratioThen)) {
@@ -89,10 +89,7 @@ void CollageGestures::dragDivider(QPointF point)
         return;
     }
     const CollageGeometry::Drag drag = CollageGeometry::dragDivider(*held, placeOf(*held, ratio));
-    if (drag.snapped && !m_lastSnapped) {
-        ++m_snapTick;
-    }
-    m_lastSnapped = drag.snapped;
+    m_snapped = drag.snapped;
     m_ratioLabel = drag.readout;
     CollageDesign design = m_studio.design();
     design.node.setRatio(held->path, drag.ratio);
@@ -106,7 +103,7 @@ void CollageGestures::releaseDivider()
 {
     m_divider.reset();
     m_ratioLabel.reset();
-    m_lastSnapped = false;
+    m_snapped = false;
 }
 
 QString CollageGestures::nudgeDivider(const QString &id, double share)

@@ -28,9 +28,7 @@ public:
     const std::optional<QString> &activeDivider() const { return m_divider; }
     /// The read-out while a divider is dragged.
     const std::optional<QString> &ratioLabel() const { return m_ratioLabel; }
-    bool snapped() const { return m_lastSnapped; }
-    /// Raised by one each time a divider newly snaps.
-    int snapTick() const { return m_snapTick; }
+    bool snapped() const { return m_snapped; }
     /// With the arrow keys, without snapping, by a share of the split's length. Returns the new read-out.
     QString nudgeDivider(const QString &id, double share);
 
@@ -73,9 +71,8 @@ private:
     QPointF m_grabbedAt;
     double m_ratioThen = 0.5;
     std::optional<QString> m_ratioLabel;
-    bool m_lastSnapped = false;
+    bool m_snapped = false;
     bool m_dividerBegun = false;
-    int m_snapTick = 0;
     int m_stepsThen = 0;
     std::optional<Start> m_pan;
     bool m_panBegun = false;

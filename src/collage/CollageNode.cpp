@@ -29,11 +29,11 @@ CollageNode CollageNode::chain(CollageAxis axis, int from, int count)
 
 CollageNode CollageNode::gridRows(int from, int columns, int rows)
 {
-    CollageNode row = chain(CollageAxis::horizontal, from * columns, columns);
+    CollageNode row = chain(CollageAxis::Horizontal, from * columns, columns);
     if (from >= rows - 1) {
         return row;
     }
-    return split(CollageAxis::vertical, 1.0 / (rows - from), row, gridRows(from + 1, columns, rows));
+    return split(CollageAxis::Vertical, 1.0 / (rows - from), row, gridRows(from + 1, columns, rows));
 }
 
 void CollageNode::setRatio(const CollagePath &path, double value)

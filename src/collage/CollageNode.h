@@ -7,7 +7,7 @@
 namespace tarnovel {
 
 /// The way a split goes: `horizontal` puts its two children side by side, `vertical` one above the other.
-enum class CollageAxis { horizontal, vertical };
+enum class CollageAxis { Horizontal, Vertical };
 
 /// Child indices from the root to a node: 0 is the first (left, upper) child, 1 the second.
 using CollagePath = QList<int>;

@@ -11,8 +11,8 @@ namespace tarnovel {
 
 namespace {
 
-constexpr auto horizontal = CollageAxis::horizontal;
-constexpr auto vertical = CollageAxis::vertical;
+constexpr auto horizontal = CollageAxis::Horizontal;
+constexpr auto vertical = CollageAxis::Vertical;
 
 /// A frame of 35 mm film and the room to the next: 38 mm along a film that is 35 mm wide.
 constexpr double framePitch = 38.0 / 35.0;

@@ -1,19 +1,12 @@
 #include "collage/CollageStudio.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include <QPainter>
 
-#include "base/Cancellation.h"
-#include "base/Json.h"
-#include "base/Log.h"
-#include "collage/CollageDraft.h"
 #include "editor/ImportFlow.h"
 #include "language/AppLanguage.h"
-#include "pipeline/ImagePipeline.h"
-#include "pipeline/PipelineError.h"
 
 using namespace Qt::StringLiterals;
 
@@ -26,11 +19,13 @@ void CollageView::draw(QPainter &painter) const
 
 CollageStudio::CollageStudio(EditorModel &model, ImagePipeline &pipeline, Clock &clock)
     : m_model(model),
-      m_pipeline(pipeline),
       m_photos(model, pipeline),
       m_images(pipeline, clock),
-      m_sliders([this] { checkpoint(); }, clock)
+      m_sliders([this] { checkpoint(); }, clock),
+      m_save(pipeline)
 {
+    connect(&m_save, &CollageSave::saved, this, &CollageStudio::saved);
+    connect(&m_save, &CollageSave::failed, this, &CollageStudio::saveFailed);
     connect(&m_photos, &CollagePhotos::changed, this, [this] { tell(PhotosChanged); });
     connect(&m_photos, &CollagePhotos::tileChanged, this, [this] { tell(ImagesChanged); });
     connect(&m_images, &CollageBoardImages::changed, this, [this] { tell(ImagesChanged); });
@@ -42,11 +37,6 @@ CollageStudio::CollageStudio(EditorModel &model, ImagePipeline &pipeline, Clock 
     });
 }
 
-CollageStudio::~CollageStudio()
-{
-    m_stop.request_stop();
-}
-
 bool CollageStudio::pick(const QList<QUuid> &photos)
 {
     bool picked = false;
@@ -55,7 +45,6 @@ bool CollageStudio::pick(const QList<QUuid> &photos)
             continue;
         }
         if (total() >= CollageEdits::mostPhotos) {
-            ++m_limitNotice;
             tell(LimitReached);
             break;
         }
@@ -82,7 +71,6 @@ void CollageStudio::toggle(const QUuid &photo)
                    MessageKind::Hint);
         return;
     }
-    ++m_selectTick;
     // Whoever hears of the photos reads the layouts that go with them.
     if (!m_choosing) {
         rebuild(LayoutChoice::Keep);
@@ -102,14 +90,13 @@ void CollageStudio::filesUnreadable(qsizetype count)
 {
     ImportSummary summary;
     summary.unreadable = count;
-    setMessage(summary.message(ImportSource::Files));
+    setMessage(summary.message());
 }
 
 void CollageStudio::addFiles(const QStringList &paths)
 {
     m_photos.open(paths, [this](const QList<QUuid> &photos, qsizetype unreadable) {
         if (!m_saving && pick(photos)) {
-            ++m_selectTick;
             if (!m_choosing) {
                 rebuild(LayoutChoice::Keep);
             }
@@ -156,7 +143,7 @@ void CollageStudio::start()
     if (shown.isEmpty()) {
         rebuild(LayoutChoice::Best);
         // There is nothing before the first collage to go back to.
-        m_undo.clear();
+        m_history.clear();
         tell(HistoryChanged);
     } else if (shown != m_picked) {
         rebuild(LayoutChoice::Keep);
@@ -178,54 +165,12 @@ QList<CollagePreset> CollageStudio::presets() const
                                     : CollagePreset::all(static_cast<int>(m_design.cells.size()));
 }
 
-void CollageStudio::setStage(QSizeF stage, double devicePixelRatio)
+void CollageStudio::setStage(QSizeF room, double devicePixelRatio)
 {
-    if (stage != m_stage || devicePixelRatio != m_devicePixelRatio) {
+    if (const BoardStage stage{room, devicePixelRatio}; stage != m_stage) {
         m_stage = stage;
-        m_devicePixelRatio = devicePixelRatio;
         tell(DesignChanged);
     }
-}
-
-CollagePlan CollageStudio::boardPlan() const
-{
-    // The plan of one pixel tells the shape that any other has.
-    const QSizeF shape = outputSize();
-    const double scale = std::min(m_stage.width() / shape.width(), m_stage.height() / shape.height());
-    const double longer = std::max(shape.width(), shape.height()) * scale * m_devicePixelRatio;
-    return CollagePlan::of(m_design, std::max(1, static_cast<int>(longer + 1e-6)));
-}
-
-QSizeF CollageStudio::boardSize() const
-{
-    return QSizeF(boardPlan().size) / m_devicePixelRatio;
-}
-
-CollageLayout CollageStudio::layout() const
-{
-    CollageLayout layout = boardPlan().layout;
-    const auto inPoints = [this](const QRectF &rect) {
-        return QRectF(rect.topLeft() / m_devicePixelRatio, rect.size() / m_devicePixelRatio);
-    };
-    for (auto &[slot, rect] : layout.cells) {
-        rect = inPoints(rect);
-    }
-    for (CollageDivider &divider : layout.dividers) {
-        divider.parent = inPoints(divider.parent);
-        divider.position /= m_devicePixelRatio;
-        divider.shared /= m_devicePixelRatio;
-    }
-    return layout;
-}
-
-std::optional<int> CollageStudio::cellAt(QPointF point) const
-{
-    for (const auto &[slot, rect] : layout().cells) {
-        if (rect.contains(point) && hasSlot(slot)) {
-            return slot;
-        }
-    }
-    return std::nullopt;
 }
 
 CollageView CollageStudio::view(const CollageDesign &design, const CollagePlan &plan) const
@@ -239,14 +184,14 @@ CollageView CollageStudio::view(const CollageDesign &design, const CollagePlan &
 
 CollageView CollageStudio::board()
 {
-    CollageView shown = view(m_design, boardPlan());
+    CollageView shown = view(m_design, m_stage.plan(m_design));
     shown.images = m_images.images(shown.design, shown.plan);
     return shown;
 }
 
 bool CollageStudio::settled() const
 {
-    return m_images.exact(m_design, boardPlan());
+    return m_images.exact(m_design, m_stage.plan(m_design));
 }
 
 CollageView CollageStudio::thumbnail(const CollagePreset &preset, int longEdge) const
@@ -273,11 +218,7 @@ void CollageStudio::checkpoint()
     }
     ++m_steps;
     m_sliders.end();
-    m_undo.append(m_design);
-    if (m_undo.size() > mostSteps) {
-        m_undo.removeFirst();
-    }
-    m_redo.clear();
+    m_history.record(m_design);
     tell(HistoryChanged);
 }
 
@@ -337,26 +278,25 @@ void CollageStudio::change(const CollageDesign &design, const QString &key)
     update(design);
 }
 
-void CollageStudio::move(QList<CollageDesign> &from, QList<CollageDesign> &to)
+void CollageStudio::bringBack(const CollageDesign &design)
 {
     ++m_steps;
-    to.append(m_design);
     m_sliders.end();
-    adopt(from.takeLast());
+    adopt(design);
     tell(HistoryChanged);
 }
 
 void CollageStudio::undo()
 {
     if (canUndo()) {
-        move(m_undo, m_redo);
+        bringBack(*m_history.undo([this](const CollageDesign &) { return m_design; }));
     }
 }
 
 void CollageStudio::redo()
 {
     if (canRedo()) {
-        move(m_redo, m_undo);
+        bringBack(*m_history.redo([this](const CollageDesign &) { return m_design; }));
     }
 }
 
@@ -373,32 +313,7 @@ void CollageStudio::finish()
     m_saving = true;
     m_message.clear();
     tell(PhaseChanged | MessageChanged | HistoryChanged);
-    m_saver.run(
-        [this, design = m_design, photos = photosOf(m_design), library = m_model.libraryFolder(),
-         stop = m_stop.get_token()] {
-            std::function<void()> outcome = [] {}; // closed meanwhile
-            try {
-                const CollageOutput::Saved collage =
-                    CollageOutput::save(m_pipeline, design, photos, library, stop);
-                outcome = [this, collage] { saved(collage); };
-            } catch (const OperationCancelled &) {
-                return outcome;
-            } catch (const PipelineFailure &failure) {
-                const auto culprit = std::ranges::find(photos, failure.file(), &PhotoItem::file);
-                const QString name =
-                    culprit == photos.end() ? QString() : culprit->name + localized({"：", ": ", "\u202f: "});
-                outcome = [this, reason = name + errorDescription(failure)] { saveFailed(reason); };
-            } catch (const FileError &error) {
-                qCWarning(logCollage) << "the collage was not saved:" << error.what();
-                outcome = [this, reason = errorDescription(error)] { saveFailed(reason); };
-            } catch (const std::exception &error) {
-                qCWarning(logCollage) << "the collage was not saved:" << error.what();
-                outcome = [this] { saveFailed({}); };
-            }
-            // A call that is never delivered takes the unclaimed file with it.
-            return outcome;
-        },
-        [](const std::function<void()> &outcome) { outcome(); });
+    m_save.start(m_design, photosOf(m_design), m_model.libraryFolder());
 }
 
 void CollageStudio::saved(const CollageOutput::Saved &collage)
@@ -436,81 +351,10 @@ void CollageStudio::cancel()
     if (m_closed) {
         return;
     }
-    m_stop.request_stop();
+    m_save.cancel();
     m_saving = false;
     m_closed = true;
     tell(PhaseChanged | HistoryChanged);
-}
-
-QByteArray CollageStudio::draft() const
-{
-    if (m_choosing || m_closed || m_undo.isEmpty()) {
-        return {};
-    }
-    CollageDraft draft{m_design, {}};
-    for (const PhotoItem &photo : photosOf(m_design)) {
-        if (!m_model.photo(photo.id)) {
-            draft.files.insert(photo.id, photo.file);
-        }
-    }
-    return writeCollageDraft(draft);
-}
-
-bool CollageStudio::resume(const QByteArray &document)
-{
-    CollageDraft draft;
-    try {
-        draft = readCollageDraft(document);
-    } catch (const JsonError &error) {
-        qCWarning(logCollage) << "a draft cannot be read:" << error.what();
-        return false;
-    }
-    if (draft.files.isEmpty()) {
-        adoptDraft(draft.design);
-        return true;
-    }
-    m_photos.open(draft.files.values(), [this, draft](const QList<QUuid> &opened, qsizetype) {
-        CollageDesign design = draft.design;
-        for (CollageCell &cell : design.cells) {
-            const auto same = std::ranges::find_if(opened, [&](const QUuid &id) {
-                return draft.files.contains(cell.photo) && photo(id)->file == draft.files.value(cell.photo);
-            });
-            cell.photo = same == opened.end() ? cell.photo : *same;
-        }
-        if (m_choosing && m_picked.isEmpty()) {
-            adoptDraft(design);
-        }
-    });
-    return true;
-}
-
-void CollageStudio::adoptDraft(CollageDesign design)
-{
-    QList<PhotoItem> photos;
-    m_picked.clear();
-    for (const CollageCell &cell : std::as_const(design.cells)) {
-        if (const PhotoItem *known = photo(cell.photo)) {
-            photos.append(*known);
-            m_picked.append(known->id);
-        }
-    }
-    tell(PhotosChanged);
-    if (photos.size() < design.cells.size()) {
-        setMessage(localized({"部分照片已经不在了。", "Some of its photos are gone.",
-                              "Certaines de ses photos ont disparu."}));
-    }
-    if (photos.size() < CollageEdits::fewestPhotos) {
-        return;
-    }
-    if (photos.size() < design.cells.size()) {
-        design = CollageEdits::rebuilt(design, photos, LayoutChoice::Keep);
-    }
-    // What has been arranged may be undone, and is worth a question before it goes.
-    m_undo = {CollageEdits::rebuilt({}, photos, LayoutChoice::Best)};
-    m_choosing = false;
-    m_photos.postponeTiles();
-    adopt(design);
-    tell(PhaseChanged | DesignChanged | HistoryChanged);
 }
 
 void CollageStudio::setMessage(const QString &message, MessageKind kind)

@@ -3,17 +3,17 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <stop_token>
 
 #include <QObject>
 #include <QStringList>
 
-#include "base/Worker.h"
+#include "collage/BoardStage.h"
 #include "collage/CollageBoardImages.h"
 #include "collage/CollageEdits.h"
-#include "collage/CollageOutput.h"
 #include "collage/CollagePhotos.h"
+#include "collage/CollageSave.h"
 #include "editor/EditorRules.h"
+#include "editor/UndoSteps.h"
 
 namespace tarnovel {
 
@@ -53,8 +53,6 @@ public:
     Q_DECLARE_FLAGS(Changes, Change)
 
     CollageStudio(EditorModel &model, ImagePipeline &pipeline, Clock &clock);
-    /// A save that is running is given up.
-    ~CollageStudio() override;
 
     // The chooser.
 
@@ -78,9 +76,6 @@ public:
     void start();
     /// From the board back to the chooser.
     void choosePhotos();
-    /// Counts the times that the limit was met, and the accepted taps: each change is worth an animation.
-    int limitNotice() const { return m_limitNotice; }
-    int selectTick() const { return m_selectTick; }
 
     // The board.
 
@@ -89,12 +84,12 @@ public:
     /// In the current language.
     QList<CollagePreset> presets() const;
     /// Room for the board, in points.
-    void setStage(QSizeF stage, double devicePixelRatio);
-    double devicePixelRatio() const { return m_devicePixelRatio; }
-    QSizeF boardSize() const;
+    void setStage(QSizeF room, double devicePixelRatio);
+    double devicePixelRatio() const { return m_stage.devicePixelRatio; }
+    QSizeF boardSize() const { return m_stage.boardSize(m_design); }
     /// Cells and dividers, in points.
-    CollageLayout layout() const;
-    std::optional<int> cellAt(QPointF point) const;
+    CollageLayout layout() const { return m_stage.layout(m_design); }
+    std::optional<int> cellAt(QPointF point) const { return m_stage.cellAt(m_design, point); }
     /// What the board shows now; asks for better pictures where there are any to come.
     CollageView board();
     /// The board shows exactly what the result will.
@@ -137,8 +132,8 @@ public:
 
     // Steps back and forward, of the board alone.
     static constexpr qsizetype mostSteps = 40;
-    bool canUndo() const { return editable() && !m_undo.isEmpty(); }
-    bool canRedo() const { return editable() && !m_redo.isEmpty(); }
+    bool canUndo() const { return editable() && m_history.canUndo(); }
+    bool canRedo() const { return editable() && m_history.canRedo(); }
     void undo();
     /// Changes with every step that is taken, undone or redone.
     int steps() const { return m_steps; }
@@ -185,7 +180,6 @@ private:
     bool pick(const QList<QUuid> &photos);
     void rebuild(LayoutChoice choice);
     QList<PhotoItem> photosOf(const CollageDesign &design) const;
-    CollagePlan boardPlan() const;
     CollageView view(const CollageDesign &design, const CollagePlan &plan) const;
     /// The cell of the selected photo in another design.
     std::optional<int> selectionIn(const CollageDesign &design) const;
@@ -195,7 +189,7 @@ private:
     bool needsSelection();
     void changeCell(const std::function<void(CollageCell &)> &edit, const QString &key = {});
     void changePage(double CollageDesign::*length, double value, double largest, const QString &key);
-    void move(QList<CollageDesign> &from, QList<CollageDesign> &to);
+    void bringBack(const CollageDesign &design);
     void saved(const CollageOutput::Saved &collage);
     void saveFailed(const QString &reason);
     void adoptDraft(CollageDesign design);
@@ -203,27 +197,21 @@ private:
     void tell(Changes changes) { Q_EMIT changed(changes); }
 
     EditorModel &m_model;
-    ImagePipeline &m_pipeline;
     CollagePhotos m_photos;
     CollageBoardImages m_images;
     SliderCheckpoints m_sliders;
     QList<QUuid> m_picked;
     CollageDesign m_design;
-    QList<CollageDesign> m_undo;
-    QList<CollageDesign> m_redo;
+    UndoSteps<CollageDesign> m_history{mostSteps};
     std::optional<int> m_selected;
     int m_steps = 0;
-    QSizeF m_stage{900, 900};
-    double m_devicePixelRatio = 1;
-    int m_limitNotice = 0;
-    int m_selectTick = 0;
+    BoardStage m_stage;
     bool m_choosing = true;
     bool m_saving = false;
     bool m_closed = false;
     QString m_message;
     MessageKind m_messageKind = MessageKind::Error;
-    std::stop_source m_stop;
-    Worker m_saver;
+    CollageSave m_save;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(CollageStudio::Changes)

@@ -21,9 +21,6 @@ void CollageStudio::select(std::optional<int> slot)
         return;
     }
     m_selected = slot;
-    if (slot) {
-        ++m_selectTick;
-    }
     tell(SelectionChanged);
 }
 

@@ -85,7 +85,7 @@ void CanvasGestures::dragPhoto(QPointF translation, QSizeF canvas)
     if (!settings.lockY) {
         settings.y = heldPhoto(m_dragStart->y() + translation.y() / canvas.height());
     }
-    feedbackAtCenter({settings.lockX || settings.x == 0, settings.lockY || settings.y == 0});
+    m_snap = {settings.lockX || settings.x == 0, settings.lockY || settings.y == 0};
     m_model.update(settings);
 }
 
@@ -147,7 +147,7 @@ void CanvasGestures::dragText(const QString &layerId, QPointF translation, QSize
     };
     const QPointF position(moved(m_textStart->x() + translation.x() / canvas.width()),
                            moved(m_textStart->y() + translation.y() / canvas.height()));
-    feedbackAtCenter({position.x() == 0.5, position.y() == 0.5});
+    m_snap = {position.x() == 0.5, position.y() == 0.5};
     moveText(layerId, position);
 }
 
@@ -242,14 +242,6 @@ std::optional<QString> CanvasGestures::layerAt(const FrameSettings &settings, QP
         }
     }
     return std::nullopt;
-}
-
-void CanvasGestures::feedbackAtCenter(CentreSnap snap)
-{
-    if ((snap.x && !m_snap.x) || (snap.y && !m_snap.y)) {
-        ++m_snapFeedback;
-    }
-    m_snap = snap;
 }
 
 } // namespace tarnovel

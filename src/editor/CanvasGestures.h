@@ -59,11 +59,8 @@ public:
 
     bool guidesVisible() const { return m_guidesVisible; }
     CentreSnap snap() const { return m_snap; }
-    /// Raised by one each time an axis newly holds.
-    int snapFeedback() const { return m_snapFeedback; }
 
 private:
-    void feedbackAtCenter(CentreSnap snap);
     /// Whether a gesture at this target has been undone, or cut short by another step: what follows of it
     /// does nothing.
     bool over(bool begun, const QString &target) const;
@@ -80,7 +77,6 @@ private:
     std::optional<double> m_textSizeStart;
     bool m_rotating = false;
     CentreSnap m_snap;
-    int m_snapFeedback = 0;
     bool m_guidesVisible = false;
 };
 

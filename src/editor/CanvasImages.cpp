@@ -71,10 +71,9 @@ CompositionImages CanvasImages::images(const PhotoItem &item, QSize canvas, cons
         return known ? ready.image : preview;
     };
     images.background = atHand(previews.background, m_ready.background, canvas);
-    images.watermark =
-        atHand(previews.watermark, m_ready.watermark, logoSize(item, canvas, previews.watermark));
-    images.handwriting =
-        atHand(previews.handwriting, m_ready.handwriting, signatureSize(item, canvas, previews.handwriting));
+    images.logo = atHand(previews.logo, m_ready.logo, logoSize(item, canvas, previews.logo));
+    images.signature =
+        atHand(previews.signature, m_ready.signature, signatureSize(item, canvas, previews.signature));
     if (!exact) {
         m_wanted = wanted;
         if (!m_running) {
@@ -104,9 +103,8 @@ CanvasImages::Ready CanvasImages::make(const Wanted &wanted, Ready old)
     };
     scale(previews.background, ready.background, previews.background.isNull() ? QSize() : canvas,
           coveringPicture);
-    scale(previews.watermark, ready.watermark, logoSize(wanted.item, canvas, previews.watermark),
-          scaledPicture);
-    scale(previews.handwriting, ready.handwriting, signatureSize(wanted.item, canvas, previews.handwriting),
+    scale(previews.logo, ready.logo, logoSize(wanted.item, canvas, previews.logo), scaledPicture);
+    scale(previews.signature, ready.signature, signatureSize(wanted.item, canvas, previews.signature),
           scaledPicture);
     return ready;
 }

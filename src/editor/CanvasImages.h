@@ -40,8 +40,8 @@ private:
         QRect pixels;
         PhotoImage photo;
         Scaled background;
-        Scaled watermark;
-        Scaled handwriting;
+        Scaled logo;
+        Scaled signature;
     };
     static Ready make(const Wanted &wanted, Ready old);
     PhotoImage photoAtHand(const Wanted &wanted, bool &exact) const;

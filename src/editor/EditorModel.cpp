@@ -1,25 +1,17 @@
 #include "editor/EditorModel.h"
 
 #include <algorithm>
-#include <iterator>
-#include <limits>
 #include <utility>
 
-#include <QFile>
-
-#include "base/Log.h"
 #include "language/AppLanguage.h"
-#include "model/LibraryCleanup.h"
 #include "model/SessionStore.h"
-#include "model/Styling.h"
-#include "render/BuiltInTemplate.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
 EditorModel::EditorModel(const EditorServices &services, Load load)
-    : m_services(services), m_loader(services.pipeline)
+    : m_services(services), m_loader(services.pipeline), m_setAside(services.libraryFolder)
 {
     connect(&m_loader, &PreviewLoader::changed, this, [this] { tell(PreviewsChanged); });
     connect(&m_loader, &PreviewLoader::unreadable, this, [this] {
@@ -29,14 +21,20 @@ EditorModel::EditorModel(const EditorServices &services, Load load)
     if (load == Load::StoredSession) {
         LoadedSession loaded = loadSession(services.libraryFolder, LibraryAccess::Own);
         m_session = std::move(loaded.session);
-        m_cleanupCandidates = std::move(loaded.cleanupCandidates);
-        m_setAside = SetAsideSessions::in(services.libraryFolder);
-        m_setAsideFiles = SetAsideSessions::neededFiles(services.libraryFolder);
+        m_setAside.readFolder();
         if (loaded.decoded) {
-            removeBroughtBack();
+            loaded.cleanupCandidates.merge(m_setAside.removeKnown(m_session));
         }
-        m_saves = std::make_unique<SaveScheduler>(services.writer, services.clock,
-                                                  [this](bool done) { saved(done); });
+        m_saves = std::make_unique<SessionSaves>(
+            services.writer, services.clock, services.libraryFolder, std::move(loaded.cleanupCandidates),
+            SessionSaves::Owner{.retained =
+                                    [this] {
+                                        std::set<QString> files = retainedFiles();
+                                        files.insert(m_setAside.neededFiles().begin(),
+                                                     m_setAside.neededFiles().end());
+                                        return files;
+                                    },
+                                .finished = [this](bool done) { saved(done); }});
         loadPreview();
     }
 }
@@ -136,129 +134,6 @@ qsizetype EditorModel::append(const QList<PhotoItem> &items)
     return taken.size();
 }
 
-bool EditorModel::autoApplied(std::optional<bool> autoApply) const
-{
-    return autoApply.value_or(autoApplyLastStyle());
-}
-
-qsizetype EditorModel::importPhotos(const QList<PhotoItem> &items, const std::optional<FrameSettings> &style,
-                                    std::optional<bool> autoApply, const std::stop_token &stop)
-{
-    if (stop.stop_requested()) {
-        return 0;
-    }
-    const std::optional<FrameSettings> applied = style                    ? style
-                                                 : autoApplied(autoApply) ? m_session.lastStyle
-                                                                          : std::nullopt;
-    QList<PhotoItem> ready = items;
-    if (applied) {
-        for (qsizetype i = 0; i < ready.size(); ++i) {
-            ready[i] = styled(ready.at(i), *applied, static_cast<int>(i));
-        }
-    }
-    const qsizetype added = append(ready);
-    if (applied && applied->style == FrameStyle::film) {
-        m_session.lastStyle = applied;
-        numberFilmFrame(*m_session.lastStyle, static_cast<int>(added));
-    }
-    scheduleSave();
-    return added;
-}
-
-FrameSettings EditorModel::styleForImport(const std::optional<FrameSettings> &explicitStyle, Origin origin,
-                                          std::optional<bool> autoApply) const
-{
-    if (explicitStyle) {
-        return *explicitStyle;
-    }
-    if (origin == Origin::Home) {
-        return BuiltInTemplates::make(BuiltInTemplate::plain, {}, {});
-    }
-    return autoApplied(autoApply) && m_session.lastStyle ? *m_session.lastStyle : FrameSettings();
-}
-
-void EditorModel::applyToAll()
-{
-    QList<QUuid> ids;
-    for (const PhotoItem &item : photos()) {
-        ids.append(item.id);
-    }
-    record(snapshot(ids));
-    const FrameSettings style = current() ? current()->settings : FrameSettings();
-    for (qsizetype i = 0; i < m_session.photos.size(); ++i) {
-        m_session.photos[i] = styled(photos().at(i), style, static_cast<int>(i));
-    }
-    edited();
-    loadPreview();
-    tell(SettingsChanged);
-    scheduleSave();
-}
-
-void EditorModel::applyPreset(const SavedPreset &preset)
-{
-    FrameSettings settings = preset.settings;
-    settings.normalize();
-    const QUuid id = preset.id;
-    step(settings);
-    markPresetUsed(id);
-}
-
-bool EditorModel::savePreset(const QString &name)
-{
-    const PhotoItem *item = current();
-    if (!item) {
-        return false;
-    }
-    m_session.presets.append({QUuid::createUuid(), name, item->settings, m_services.clock.date()});
-    edited();
-    tell(PresetsChanged);
-    scheduleSave();
-    return true;
-}
-
-void EditorModel::deletePreset(const QUuid &id)
-{
-    m_session.presets.removeIf([&id](const SavedPreset &preset) { return preset.id == id; });
-    tell(PresetsChanged);
-    scheduleSave();
-}
-
-void EditorModel::markPresetUsed(const QUuid &id)
-{
-    for (SavedPreset &preset : m_session.presets) {
-        if (preset.id == id) {
-            preset.lastUsed = m_services.clock.date();
-        }
-    }
-    tell(PresetsChanged);
-    scheduleSave();
-}
-
-const SavedPreset *EditorModel::preferredPreset() const
-{
-    const auto latest = std::ranges::max_element(presets(), {}, [](const SavedPreset &preset) {
-        return preset.lastUsed.value_or(-std::numeric_limits<double>::infinity());
-    });
-    return latest == presets().end() ? nullptr : &*latest;
-}
-
-std::optional<QString> EditorModel::activeTemplateID() const
-{
-    const PhotoItem *item = current();
-    if (!item) {
-        return FrameSettings().templateID;
-    }
-    if (item->settings.templateID) {
-        return item->settings.templateID;
-    }
-    for (const BuiltInTemplate look : BuiltInTemplates::all()) {
-        if (BuiltInTemplates::make(look, item->settings, previews().palette) == item->settings) {
-            return BuiltInTemplates::id(look);
-        }
-    }
-    return std::nullopt;
-}
-
 void EditorModel::movePhoto(const QUuid &id, const QUuid &before)
 {
     const auto indexOf = [this](const QUuid &wanted) {
@@ -340,7 +215,7 @@ void EditorModel::checkpoint()
 
 void EditorModel::undo()
 {
-    if (const auto step = m_history.undo([this](const QList<QUuid> &ids) { return snapshot(ids); })) {
+    if (const auto step = m_history.undo([this](const EditSnapshot &of) { return snapshot(of.ids()); })) {
         ++m_steps;
         bringBack(*step);
     }
@@ -348,7 +223,7 @@ void EditorModel::undo()
 
 void EditorModel::redo()
 {
-    if (const auto step = m_history.redo([this](const QList<QUuid> &ids) { return snapshot(ids); })) {
+    if (const auto step = m_history.redo([this](const EditSnapshot &of) { return snapshot(of.ids()); })) {
         ++m_steps;
         bringBack(*step);
     }
@@ -401,11 +276,9 @@ std::set<QString> EditorModel::retainedFiles() const
 
 void EditorModel::scheduleSave(SaveScheduler::Moment moment)
 {
-    if (!m_saves) {
-        return;
+    if (m_saves) {
+        m_saves->schedule(m_session, retainedFiles(), moment);
     }
-    m_cleanupCandidates.merge(retainedFiles());
-    m_saves->schedule(m_session, moment);
 }
 
 bool EditorModel::flush()
@@ -427,12 +300,6 @@ void EditorModel::saved(bool done)
     if (!m_restoredDocument.isEmpty()) {
         removeDocument(std::exchange(m_restoredDocument, {}));
     }
-    std::set<QString> retained = retainedFiles();
-    retained.insert(m_setAsideFiles.begin(), m_setAsideFiles.end());
-    for (const QString &name :
-         LibraryCleanup::removeUnused(m_cleanupCandidates, retained, m_services.libraryFolder)) {
-        m_cleanupCandidates.erase(name);
-    }
 }
 
 void EditorModel::edited()
@@ -448,17 +315,7 @@ std::optional<SecondsSince2001> EditorModel::lastEdit() const
 
 SalvagedSession EditorModel::restorable(const SetAsideSession &document) const
 {
-    SalvagedSession found = SetAsideSessions::salvage(document, m_services.libraryFolder);
-    found.known = found.session.photos.removeIf([this](const PhotoItem &item) {
-        return std::ranges::any_of(photos(), [&item](const PhotoItem &known) {
-            return known.id == item.id || known.file == item.file;
-        });
-    });
-    found.known += found.session.presets.removeIf([this](const SavedPreset &preset) {
-        return std::ranges::any_of(presets(),
-                                   [&preset](const SavedPreset &known) { return known.id == preset.id; });
-    });
-    return found;
+    return m_setAside.missingFrom(m_session, document);
 }
 
 EditorModel::Restored EditorModel::restore(const SetAsideSession &document)
@@ -484,23 +341,6 @@ EditorModel::Restored EditorModel::restore(const SetAsideSession &document)
     return result;
 }
 
-/// The program may have ended between the save that brought a document back and the document's removal: one
-/// that says nothing else than the session is over.
-void EditorModel::removeBroughtBack()
-{
-    const auto isHere = [](const auto &list, const auto &item) { return list.contains(item); };
-    for (const SetAsideSession &document : QList(m_setAside)) {
-        const SalvagedSession all = SetAsideSessions::salvage(document, m_services.libraryFolder);
-        const bool same = std::ranges::all_of(all.session.photos,
-                                              [&](const PhotoItem &item) { return isHere(photos(), item); });
-        if (all.whole() && same && !all.session.photos.isEmpty() &&
-            std::ranges::all_of(all.session.presets,
-                                [&](const SavedPreset &preset) { return isHere(presets(), preset); })) {
-            removeDocument(document.path);
-        }
-    }
-}
-
 void EditorModel::discard(const SetAsideSession &document)
 {
     removeDocument(document.path);
@@ -509,17 +349,12 @@ void EditorModel::discard(const SetAsideSession &document)
 
 void EditorModel::removeDocument(const QString &path)
 {
-    if (!QFile::remove(path)) {
-        qCWarning(logEditor) << "a set-aside session could not be removed:" << path;
-        return;
+    if (const std::optional<std::set<QString>> files = m_setAside.remove(path)) {
+        if (m_saves) {
+            m_saves->addCandidates(*files);
+        }
+        tell(PhotosChanged);
     }
-    std::set<QString> needed = SetAsideSessions::neededFiles(m_services.libraryFolder);
-    // What it alone needed may go now.
-    std::ranges::set_difference(m_setAsideFiles, needed,
-                                std::inserter(m_cleanupCandidates, m_cleanupCandidates.end()));
-    m_setAsideFiles = std::move(needed);
-    m_setAside = SetAsideSessions::in(m_services.libraryFolder);
-    tell(PhotosChanged);
 }
 
 void EditorModel::loadPreview()
@@ -542,16 +377,6 @@ void EditorModel::setImport(bool busy, const QString &progress)
     m_busy = busy;
     m_importProgress = progress;
     tell(ImportChanged);
-}
-
-bool EditorModel::autoApplyLastStyle() const
-{
-    return m_services.preferences.get(PreferenceKeys::autoApplyLastStyle);
-}
-
-void EditorModel::setAutoApplyLastStyle(bool on)
-{
-    m_services.preferences.set(PreferenceKeys::autoApplyLastStyle, on);
 }
 
 } // namespace tarnovel

@@ -10,11 +10,11 @@
 #include "editor/Clock.h"
 #include "editor/EditHistory.h"
 #include "editor/PreviewLoader.h"
-#include "editor/SaveScheduler.h"
+#include "editor/SessionSaves.h"
+#include "editor/SetAsideDocuments.h"
 #include "model/Preferences.h"
 #include "model/Session.h"
 #include "model/SessionWriter.h"
-#include "model/SetAsideSessions.h"
 #include "pipeline/ImagePipeline.h"
 
 namespace tarnovel {
@@ -69,8 +69,8 @@ public:
     const PhotoItem *photo(const QUuid &id) const;
     const Previews &previews() const { return m_loader.previews(); }
     const EditHistory &history() const { return m_history; }
-    bool canUndo() const { return !m_history.undoStack().isEmpty(); }
-    bool canRedo() const { return !m_history.redoStack().isEmpty(); }
+    bool canUndo() const { return m_history.canUndo(); }
+    bool canRedo() const { return m_history.canRedo(); }
     bool busy() const { return m_busy; }
     const QString &importProgress() const { return m_importProgress; }
     /// Something to tell the user, in the language of its moment; empty when there is nothing.
@@ -85,14 +85,11 @@ public:
     void change(const QUuid &id, const FrameSettings &settings);
     /// Puts as many as there is room for at the front, and selects the first of them. Returns how many.
     qsizetype append(const QList<PhotoItem> &items);
-    /// Styles new photos and puts them at the front. `style` and `autoApply` take the place of the last style
-    /// and of the preference. Nothing happens once `stop` is requested.
-    qsizetype importPhotos(const QList<PhotoItem> &items, const std::optional<FrameSettings> &style = {},
-                           std::optional<bool> autoApply = {}, const std::stop_token &stop = {});
-    enum class Origin { Editor, Home };
-    /// The style that new photos get.
-    FrameSettings styleForImport(const std::optional<FrameSettings> &explicitStyle, Origin origin,
-                                 std::optional<bool> autoApply = {}) const;
+    /// Styles new photos and puts them at the front. Without a `style` they get the last one, or stay as they
+    /// are where the preference says so.
+    qsizetype importPhotos(const QList<PhotoItem> &items, const std::optional<FrameSettings> &style = {});
+    /// The style that imported files get: the last one or, where the preference says so, a new photo's.
+    FrameSettings styleForImport() const;
     /// Gives every photo the selected one's settings, each keeping its camera texts.
     void applyToAll();
 
@@ -134,7 +131,7 @@ public:
     bool flush();
 
     /// Documents of earlier sessions that could not be read and are kept, newest first.
-    const QList<SetAsideSession> &setAside() const { return m_setAside; }
+    const QList<SetAsideSession> &setAside() const { return m_setAside.all(); }
     /// What bringing a document back came to; `added` and `presets` are new in the session.
     struct Restored {
         qsizetype photos = 0;
@@ -165,12 +162,11 @@ Q_SIGNALS:
 
 private:
     PhotoItem *currentItem();
-    bool autoApplied(std::optional<bool> autoApply) const;
+    std::optional<FrameSettings> autoApplied() const;
     void bringBack(const EditSnapshot &step);
     void edited();
     void loadPreview();
     void removeDocument(const QString &path);
-    void removeBroughtBack();
     void selectFirst();
     void saved(bool done);
     void tell(Changes changes) { Q_EMIT changed(changes); }
@@ -179,11 +175,8 @@ private:
     Session m_session;
     EditHistory m_history;
     PreviewLoader m_loader;
-    std::unique_ptr<SaveScheduler> m_saves;
-    std::set<QString> m_cleanupCandidates;
-    QList<SetAsideSession> m_setAside;
-    /// What the set-aside documents need.
-    std::set<QString> m_setAsideFiles;
+    SetAsideDocuments m_setAside;
+    std::unique_ptr<SessionSaves> m_saves;
     /// A document that was brought back and goes once the session is saved.
     QString m_restoredDocument;
     bool m_editedSinceSave = false;

@@ -34,20 +34,6 @@ QString truncatedText(qsizetype added)
          "50 photos maximum par session. Les %1 premières ont été ajoutées."});
 }
 
-QString unreadableText(qsizetype count, ImportSource source)
-{
-    if (source == ImportSource::Files) {
-        return counted(count, {"%1 个文件无法读取。", "%1 file could not be read.", "%1 fichier illisible."},
-                       {"%1 个文件无法读取。", "%1 files could not be read.", "%1 fichiers illisibles."});
-    }
-    return counted(
-        count,
-        {"%1 张照片无法读取，其余已导入。", "%1 photo could not be read. The others were imported.",
-         "%1 photo n’a pas pu être lue. Les autres ont été importées."},
-        {"%1 张照片无法读取，其余已导入。", "%1 photos could not be read. The others were imported.",
-         "%1 photos n’ont pas pu être lues. Les autres ont été importées."});
-}
-
 QString colon()
 {
     return localized({"：", ": ", "\u202f: "});
@@ -77,7 +63,7 @@ QStringList refusalTexts(const QList<ImportRefusal> &refused)
 
 } // namespace
 
-QString ImportSummary::message(ImportSource source) const
+QString ImportSummary::message() const
 {
     QStringList parts;
     if (!stopped.isEmpty()) {
@@ -89,7 +75,9 @@ QString ImportSummary::message(ImportSource source) const
         parts.append(truncatedText(added));
     }
     if (unreadable > 0) {
-        parts.append(unreadableText(unreadable, source));
+        parts.append(counted(
+            unreadable, {"%1 个文件无法读取。", "%1 file could not be read.", "%1 fichier illisible."},
+            {"%1 个文件无法读取。", "%1 files could not be read.", "%1 fichiers illisibles."}));
     }
     parts += refusalTexts(refused);
     return parts.join(u' ');
@@ -268,9 +256,7 @@ void ImportFlow::finish()
     } else if (m_request.mode != ImportMode::Photos) {
         finishPicture();
     } else if (!m_items.isEmpty()) {
-        const FrameSettings style =
-            m_model.styleForImport(m_request.style, EditorModel::Origin::Editor, m_request.autoApply);
-        m_summary.added = m_model.importPhotos(m_items, style);
+        m_summary.added = m_model.importPhotos(m_items, m_model.styleForImport());
         // The session may have grown meanwhile.
         m_summary.truncated = m_summary.truncated || m_summary.added < m_items.size();
         removeFrom(m_summary.added);
@@ -280,7 +266,7 @@ void ImportFlow::finish()
     // heard.
     const ImportSummary summary = m_summary;
     m_model.setImport(false, {});
-    if (const QString message = summary.message(m_request.source); !summary.cancelled && !message.isEmpty()) {
+    if (const QString message = summary.message(); !summary.cancelled && !message.isEmpty()) {
         m_model.setMessage(message);
     }
     Q_EMIT finished(summary);
@@ -314,7 +300,7 @@ void ImportFlow::finishPicture()
         settings.backgroundFile = picture.file;
     } else {
         settings.normalize();
-        TextLayer *logo = settings.layer(u"watermark"_s);
+        TextLayer *logo = settings.layer(logoLayer);
         logo->imageFile = picture.file;
         logo->imageAspect = picture.height > 0 ? picture.width / picture.height : 1;
         logo->visible = true;

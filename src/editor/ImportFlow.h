@@ -22,17 +22,9 @@ enum class ImportMode {
     Logo,
 };
 
-/// Where the files came from; it decides how unreadable ones are spoken of.
-enum class ImportSource { Files, PhotoPicker };
-
 struct ImportRequest {
     QStringList paths = {};
     ImportMode mode = ImportMode::Photos;
-    ImportSource source = ImportSource::Files;
-    /// A style that was chosen before the photos.
-    std::optional<FrameSettings> style = {};
-    /// Applies the last style or not, whatever the preference says.
-    std::optional<bool> autoApply = {};
     /// The photo that a background or a logo is for; the selected one of the moment when absent.
     std::optional<QUuid> target = {};
 };
@@ -57,7 +49,7 @@ struct ImportSummary {
     bool cancelled = false;
 
     /// What the user is told, in the current language; empty when all went as wished.
-    QString message(ImportSource source) const;
+    QString message() const;
 };
 
 /// Brings files into the library and the session, one after another, off the interface thread. Copies that

@@ -68,18 +68,18 @@ void PreviewLoader::load(const PhotoItem &item)
     const Pictures pictures = picturesOf(item.settings);
     loadBackground(item.file, pictures);
     if (pictures.logo) {
-        request(FramePicture::Logo, *pictures.logo, logoPixels, &Previews::watermark);
+        request(FramePicture::Logo, *pictures.logo, logoPixels, &Previews::logo);
     } else {
-        m_previews.watermark = {};
+        m_previews.logo = {};
     }
     // Another signature lies elsewhere: the old one would show there, stretched, until the new one arrives.
     if (std::exchange(m_signatureFile, pictures.signature) != pictures.signature) {
-        m_previews.handwriting = {};
+        m_previews.signature = {};
     }
     if (pictures.signature) {
-        request(FramePicture::Signature, *pictures.signature, signaturePixels, &Previews::handwriting);
+        request(FramePicture::Signature, *pictures.signature, signaturePixels, &Previews::signature);
     } else {
-        m_previews.handwriting = {};
+        m_previews.signature = {};
     }
     whenDone<QList<Ink>>(
         m_pipeline.primaryColors(item.file, m_stop.get_token()),
@@ -127,7 +127,7 @@ PreviewLoader::Pictures PreviewLoader::picturesOf(const FrameSettings &settings)
     if (image) {
         pictures.backgroundFile = settings.backgroundFile;
     }
-    if (const TextLayer *logo = settings.layer(u"watermark"_s)) {
+    if (const TextLayer *logo = settings.layer(logoLayer)) {
         pictures.logo = logo->imageFile;
     }
     pictures.signature = settings.handwritingFile;

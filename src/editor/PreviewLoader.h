@@ -15,8 +15,8 @@ namespace tarnovel {
 struct Previews {
     QImage photo;
     QImage background;
-    QImage watermark;
-    QImage handwriting;
+    QImage logo;
+    QImage signature;
     QList<Ink> palette;
     /// The pictures that were asked for and cannot be read.
     QList<FramePicture> missing;

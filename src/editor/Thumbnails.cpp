@@ -119,7 +119,7 @@ std::vector<Thumbnails::Source> Thumbnails::sourcesOf(const PhotoItem &item, QSi
     };
     const FrameSettings &settings = item.settings;
     const bool film = settings.style == FrameStyle::film;
-    const TextLayer *logo = settings.layer(u"watermark"_s);
+    const TextLayer *logo = settings.layer(logoLayer);
     std::vector<Source> sources(4);
     sources[0] = source(item.file, sourceSize(canvas));
     if (!film && settings.background == Backdrop::blur) {
@@ -192,10 +192,10 @@ void Thumbnails::loaded(size_t index, const std::shared_ptr<const std::vector<So
         m_job->images.background = image;
         break;
     case 2:
-        m_job->images.watermark = image;
+        m_job->images.logo = image;
         break;
     default:
-        m_job->images.handwriting = image;
+        m_job->images.signature = image;
         break;
     }
     if (index == 0 && image.isNull()) {
@@ -213,9 +213,9 @@ void Thumbnails::draw()
             job.images.photo = placedPhoto(
                 job.photo, CompositionRenderer::photoPlacement(job.item, settings, job.canvas), job.canvas);
             job.images.background = coveringPicture(job.images.background, job.canvas);
-            job.images.watermark = scaledPicture(job.images.watermark, logoPixels(job.item, job.canvas));
-            job.images.handwriting = scaledPicture(
-                job.images.handwriting, signaturePixels(job.item, job.images.handwriting.size(), job.canvas));
+            job.images.logo = scaledPicture(job.images.logo, logoPixels(job.item, job.canvas));
+            job.images.signature = scaledPicture(
+                job.images.signature, signaturePixels(job.item, job.images.signature.size(), job.canvas));
             QImage image(job.canvas, QImage::Format_RGB32);
             image.fill(Qt::white);
             {

@@ -10,7 +10,8 @@
 /// once a version.
 namespace tarnovel::ExportReviewPolicy {
 
-/// Counts one successful export, and tells whether to ask now.
+/// Counts one successful export, and tells whether to ask now. Here there is no store to rate in: whoever
+/// counts may leave the answer be, and the counts go along with the preferences to where there is one.
 bool recordSuccess(Preferences &preferences, const QString &currentVersion, const QStringList &arguments,
                    const QProcessEnvironment &environment);
 

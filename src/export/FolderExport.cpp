@@ -5,20 +5,15 @@
 #include "base/AtomicFile.h"
 #include "export/ExportChoices.h"
 #include "export/ExportNames.h"
-#include "pipeline/WhenFinished.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
-namespace {
-
-constexpr qsizetype mostThumbnails = 4;
-constexpr int thumbnailPixels = 700;
-
-} // namespace
-
-FolderExport::FolderExport(ImagePipeline &pipeline) : m_pipeline(pipeline), m_run(pipeline) {}
+FolderExport::FolderExport(ImagePipeline &pipeline) : m_thumbnails(pipeline), m_run(pipeline)
+{
+    connect(&m_thumbnails, &DeliveredThumbnails::changed, this, &FolderExport::changed);
+}
 
 void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &options, const QString &folder)
 {
@@ -34,6 +29,7 @@ void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &op
     m_error.clear();
     m_cancelled = false;
     m_result.reset();
+    m_thumbnails.clear();
     m_run.start(photos, options,
                 {.deliver =
                      [this, photos](int index, const ExportedFile &file) {
@@ -91,33 +87,16 @@ void FolderExport::fail(const QString &error)
 
 void FolderExport::finish()
 {
-    m_result = ExportResult{QUuid::createUuid(),  m_folder, m_written,
-                            m_run.skippedNames(), {},       PhotographyQuotes::random()};
-    addThumbnails();
+    m_result = ExportResult{QUuid::createUuid(), m_folder, m_written, m_run.skippedNames(),
+                            PhotographyQuotes::random()};
+    m_thumbnails.read(m_written);
     Q_EMIT changed();
-}
-
-void FolderExport::addThumbnails()
-{
-    for (const QString &file : m_written.first(std::min(mostThumbnails, m_written.size()))) {
-        whenFinished<QImage>(m_pipeline.read(file, thumbnailPixels), this,
-                             [this, id = m_result->id](const QFuture<QImage> &finished) {
-                                 if (!m_result || m_result->id != id) {
-                                     return;
-                                 }
-                                 try {
-                                     m_result->thumbnails.append(finished.result());
-                                     Q_EMIT changed();
-                                 } catch (const QException &) {
-                                     return; // a file that went away has no thumbnail
-                                 }
-                             });
-    }
 }
 
 void FolderExport::dismissResult()
 {
     m_result.reset();
+    m_thumbnails.clear();
     Q_EMIT changed();
 }
 

@@ -2,18 +2,18 @@
 
 #include <optional>
 
-#include <QImage>
 #include <QObject>
 #include <QStringList>
 #include <QUuid>
 
 #include "base/AtomicFile.h"
+#include "export/DeliveredThumbnails.h"
 #include "export/ExportRun.h"
 #include "language/PhotographyQuotes.h"
 
 namespace tarnovel {
 
-/// One finished export; thumbnails arrive after it.
+/// One finished export.
 struct ExportResult {
     QUuid id;
     QString folder;
@@ -21,8 +21,6 @@ struct ExportResult {
     QStringList files;
     /// Photos that were left out, by name.
     QStringList skipped;
-    /// Of the first four files at most; a file that cannot be read has none.
-    QList<QImage> thumbnails;
     std::optional<PhotographyQuote> quote;
 };
 
@@ -49,6 +47,8 @@ public:
     /// The last run was ended by the user: no failure.
     bool cancelled() const { return m_cancelled; }
     const std::optional<ExportResult> &result() const { return m_result; }
+    /// Of the result's files; they arrive after it.
+    const QList<QImage> &thumbnails() const { return m_thumbnails.images(); }
     void dismissResult();
 
 Q_SIGNALS:
@@ -60,9 +60,7 @@ private:
     void sumUp();
     void fail(const QString &error);
     void finish();
-    void addThumbnails();
 
-    ImagePipeline &m_pipeline;
     QString m_folder;
     QStringList m_written;
     TakenNames m_taken;
@@ -72,6 +70,7 @@ private:
     QString m_error;
     bool m_cancelled = false;
     std::optional<ExportResult> m_result;
+    DeliveredThumbnails m_thumbnails;
     ExportRun m_run;
 };
 

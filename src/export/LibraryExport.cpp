@@ -2,14 +2,10 @@
 
 #include "language/AppLanguage.h"
 #include "pipeline/PipelineError.h"
-#include "pipeline/WhenFinished.h"
 
 namespace tarnovel {
 
 namespace {
-
-constexpr qsizetype mostThumbnails = 4;
-constexpr int thumbnailPixels = 700;
 
 QString restrictedText()
 {
@@ -31,11 +27,12 @@ QString deniedText()
 } // namespace
 
 LibraryExport::LibraryExport(ImagePipeline &pipeline, PhotoLibrary &library)
-    : m_pipeline(pipeline),
-      m_library(library),
+    : m_library(library),
       m_files(std::make_shared<ExportFileLifetime>()),
+      m_thumbnails(pipeline),
       m_run(pipeline)
 {
+    connect(&m_thumbnails, &DeliveredThumbnails::changed, this, &LibraryExport::changed);
 }
 
 void LibraryExport::start(const QList<PhotoItem> &photos, const ExportOptions &options)
@@ -54,7 +51,6 @@ void LibraryExport::start(const QList<PhotoItem> &photos, const ExportOptions &o
     m_denied = false;
     m_refusal.clear();
     m_cancelled = false;
-    ++m_runNumber;
     m_saved.clear();
     m_thumbnails.clear();
     m_quote.reset();
@@ -167,20 +163,7 @@ void LibraryExport::finishSaving()
     m_phase = Phase::Saved;
     m_files = std::make_shared<ExportFileLifetime>();
     m_quote = PhotographyQuotes::random();
-    for (const QString &file : m_saved.first(std::min(mostThumbnails, m_saved.size()))) {
-        whenFinished<QImage>(m_pipeline.read(file, thumbnailPixels), this,
-                             [this, run = m_runNumber](const QFuture<QImage> &finished) {
-                                 if (run != m_runNumber) {
-                                     return;
-                                 }
-                                 try {
-                                     m_thumbnails.append(finished.result());
-                                     Q_EMIT changed();
-                                 } catch (const QException &) {
-                                     return; // a file that went away has no thumbnail
-                                 }
-                             });
-    }
+    m_thumbnails.read(m_saved);
     Q_EMIT changed();
     Q_EMIT succeeded();
 }

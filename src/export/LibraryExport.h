@@ -3,10 +3,10 @@
 #include <memory>
 #include <optional>
 
-#include <QImage>
 #include <QObject>
 
 #include "base/Worker.h"
+#include "export/DeliveredThumbnails.h"
 #include "export/ExportFileLifetime.h"
 #include "export/ExportRun.h"
 #include "export/PhotoLibrary.h"
@@ -48,7 +48,7 @@ public:
     const ExportRun &run() const { return m_run; }
     /// Where the photos are after a success.
     const QStringList &saved() const { return m_saved; }
-    const QList<QImage> &thumbnails() const { return m_thumbnails; }
+    const QList<QImage> &thumbnails() const { return m_thumbnails.images(); }
     const std::optional<PhotographyQuote> &quote() const { return m_quote; }
     /// The temporary files of the run under way. After a success they live as long as someone holds this;
     /// what is offered then are the photos of the library.
@@ -73,7 +73,6 @@ private:
     void failRendering(const QString &description);
     void failCancelled();
 
-    ImagePipeline &m_pipeline;
     PhotoLibrary &m_library;
     QList<PhotoItem> m_photos;
     ExportOptions m_options;
@@ -86,10 +85,8 @@ private:
     QString m_refusal;
     /// Cancelled while the library was still being asked.
     bool m_cancelled = false;
-    /// Counts the runs, so that thumbnails of an older one are told.
-    int m_runNumber = 0;
     QStringList m_saved;
-    QList<QImage> m_thumbnails;
+    DeliveredThumbnails m_thumbnails;
     std::optional<PhotographyQuote> m_quote;
     ExportRun m_run;
     Worker m_disk;

@@ -49,8 +49,6 @@ public:
 
     std::optional<FileError> refusal() const override { return m_refusal; }
 
-    QString album() const { return m_album; }
-
 private:
     std::optional<FileError> m_refusal;
     QString m_album;

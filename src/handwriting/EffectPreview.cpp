@@ -1,10 +1,5 @@
 #include "handwriting/EffectPreview.h"
 
-#include <new>
-#include <optional>
-
-#include "base/Log.h"
-
 namespace tarnovel {
 
 namespace {
@@ -37,13 +32,9 @@ void EffectPreview::refresh(const InkDrawing &drawing, const FinishStyle &style,
 void EffectPreview::render(const InkDrawing &drawing, const FinishStyle &style)
 {
     m_worker.runLatest(
-        [drawing, style, size = m_referenceSize](const std::stop_token &stop) -> std::optional<QImage> {
-            try {
-                return finishedImage(drawing, style, size, previewScale, stop);
-            } catch (const std::bad_alloc &) {
-                qCWarning(logHandwriting) << "not enough memory for a picture of the ink";
-                return {};
-            }
+        [drawing, style, size = m_referenceSize](const std::stop_token &stop) {
+            return InkRenderer::withinMemory(
+                [&] { return finishedImage(drawing, style, size, previewScale, stop); });
         },
         [this, drawing](const std::optional<QImage> &image) {
             // Without one the older picture stays.

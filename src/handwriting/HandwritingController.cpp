@@ -133,7 +133,7 @@ void HandwritingController::penCancel()
 
 void HandwritingController::eraseTo(QPointF position)
 {
-    const double radius = toolDiameter(HandwritingTool::eraser, m_width) / 2;
+    const double radius = toolDiameter(HandwritingTool::Eraser, m_width) / 2;
     const QRectF region = m_page.erase(*m_eraserAt, position, radius);
     m_eraserAt = position;
     drawingChanged(region);

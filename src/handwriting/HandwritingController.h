@@ -124,7 +124,7 @@ private:
     void tell(Changes changes) { Q_EMIT changed(changes); }
 
     const QSizeF m_referenceSize;
-    HandwritingTool m_tool = HandwritingTool::signature;
+    HandwritingTool m_tool = HandwritingTool::Signature;
     FinishStyle m_finish;
     double m_width = 6;
     bool m_moving = false;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "handwriting/SignatureSave.h"
+#include "model/Signature.h"
 #include "pipeline/ImagePipeline.h"
 #include "render/CompositionRenderer.h"
 #include "render/FrameGeometry.h"

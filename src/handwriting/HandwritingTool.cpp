@@ -21,15 +21,15 @@ constexpr Ink fromHex(unsigned rgb)
 QString handwritingToolTitle(HandwritingTool tool)
 {
     switch (tool) {
-    case HandwritingTool::fountain:
+    case HandwritingTool::Fountain:
         return localized({"钢笔", "Fountain", "Plume"});
-    case HandwritingTool::pencil:
+    case HandwritingTool::Pencil:
         return localized({"铅笔", "Pencil", "Crayon"});
-    case HandwritingTool::marker:
+    case HandwritingTool::Marker:
         return localized({"马克笔", "Marker", "Marqueur"});
-    case HandwritingTool::eraser:
+    case HandwritingTool::Eraser:
         return localized({"橡皮", "Eraser", "Gomme"});
-    case HandwritingTool::signature:
+    case HandwritingTool::Signature:
         break;
     }
     return localized({"签字笔", "Signature", "Signature"});
@@ -38,15 +38,15 @@ QString handwritingToolTitle(HandwritingTool tool)
 std::optional<InkPen> penOf(HandwritingTool tool)
 {
     switch (tool) {
-    case HandwritingTool::signature:
+    case HandwritingTool::Signature:
         return InkPen::signature;
-    case HandwritingTool::pencil:
+    case HandwritingTool::Pencil:
         return InkPen::pencil;
-    case HandwritingTool::marker:
+    case HandwritingTool::Marker:
         return InkPen::marker;
-    case HandwritingTool::eraser:
+    case HandwritingTool::Eraser:
         return std::nullopt;
-    case HandwritingTool::fountain:
+    case HandwritingTool::Fountain:
         break;
     }
     return InkPen::fountain;

@@ -11,11 +11,11 @@
 namespace tarnovel {
 
 /// What the pointer does on the page; the order is that of the picker.
-enum class HandwritingTool { signature, fountain, pencil, marker, eraser };
+enum class HandwritingTool { Signature, Fountain, Pencil, Marker, Eraser };
 
-inline constexpr std::array handwritingTools = {HandwritingTool::signature, HandwritingTool::fountain,
-                                                HandwritingTool::pencil, HandwritingTool::marker,
-                                                HandwritingTool::eraser};
+inline constexpr std::array handwritingTools = {HandwritingTool::Signature, HandwritingTool::Fountain,
+                                                HandwritingTool::Pencil, HandwritingTool::Marker,
+                                                HandwritingTool::Eraser};
 
 /// In the current language.
 QString handwritingToolTitle(HandwritingTool tool);

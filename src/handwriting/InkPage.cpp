@@ -81,15 +81,9 @@ QRectF InkPage::replace(const InkDrawing &drawing)
     return region;
 }
 
-void InkPage::step()
-{
-    m_undo.append(m_drawing);
-    m_redo.clear();
-}
-
 QRectF InkPage::add(std::shared_ptr<const DryStroke> stroke)
 {
-    step();
+    m_history.record(m_drawing);
     m_drawing.append(std::move(stroke));
     return m_drawing.last()->path.bounds;
 }
@@ -99,26 +93,20 @@ QRectF InkPage::clear()
     if (isEmpty()) {
         return {};
     }
-    step();
+    m_history.record(m_drawing);
     return replace({});
 }
 
 QRectF InkPage::undo()
 {
-    if (!canUndo()) {
-        return {};
-    }
-    m_redo.append(m_drawing);
-    return replace(m_undo.takeLast());
+    const auto before = m_history.undo([this](const InkDrawing &) { return m_drawing; });
+    return before ? replace(*before) : QRectF();
 }
 
 QRectF InkPage::redo()
 {
-    if (!canRedo()) {
-        return {};
-    }
-    m_undo.append(m_drawing);
-    return replace(m_redo.takeLast());
+    const auto after = m_history.redo([this](const InkDrawing &) { return m_drawing; });
+    return after ? replace(*after) : QRectF();
 }
 
 QRectF InkPage::erase(QPointF from, QPointF to, double radius)
@@ -129,8 +117,9 @@ QRectF InkPage::erase(QPointF from, QPointF to, double radius)
         return {};
     }
     if (!m_erasing) {
-        m_redoBefore = m_redo;
-        step();
+        m_drawingBefore = m_drawing;
+        m_historyBefore = m_history;
+        m_history.record(m_drawing);
         m_erasing = true;
     }
     return replace(left);
@@ -141,8 +130,8 @@ QRectF InkPage::takeErasingBack()
     if (!std::exchange(m_erasing, false)) {
         return {};
     }
-    m_redo = std::exchange(m_redoBefore, {});
-    return replace(m_undo.takeLast());
+    m_history = std::exchange(m_historyBefore, UndoSteps<InkDrawing>());
+    return replace(std::exchange(m_drawingBefore, {}));
 }
 
 } // namespace tarnovel

@@ -2,6 +2,7 @@
 
 #include <QRectF>
 
+#include "editor/UndoSteps.h"
 #include "handwriting/InkRenderer.h"
 
 namespace tarnovel {
@@ -12,8 +13,8 @@ class InkPage {
 public:
     const InkDrawing &drawing() const { return m_drawing; }
     bool isEmpty() const { return m_drawing.isEmpty(); }
-    bool canUndo() const { return !m_undo.isEmpty(); }
-    bool canRedo() const { return !m_redo.isEmpty(); }
+    bool canUndo() const { return m_history.canUndo(); }
+    bool canRedo() const { return m_history.canRedo(); }
 
     QRectF add(std::shared_ptr<const DryStroke> stroke);
     QRectF clear();
@@ -29,14 +30,13 @@ public:
 
 private:
     QRectF replace(const InkDrawing &drawing);
-    void step();
 
     InkDrawing m_drawing;
-    QList<InkDrawing> m_undo;
-    QList<InkDrawing> m_redo;
+    UndoSteps<InkDrawing> m_history;
     bool m_erasing = false;
-    /// What could be redone before the erasing.
-    QList<InkDrawing> m_redoBefore;
+    /// As they were before the erasing.
+    InkDrawing m_drawingBefore;
+    UndoSteps<InkDrawing> m_historyBefore;
 };
 
 /// Whether a disc of this radius that goes from one place straight to the other touches the path.

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <memory>
+#include <new>
+#include <optional>
 #include <stop_token>
 
 #include <QImage>
 #include <QList>
 
+#include "base/Log.h"
 #include "handwriting/InkPath.h"
 
 namespace tarnovel {
@@ -37,6 +40,18 @@ bool marks(const DryStroke &stroke, QSizeF page);
 /// The drawing on a transparent image of a rectangle in reference coordinates, whose corner is taken to the
 /// nearest device pixel. Throws OperationCancelled between strokes.
 QImage render(const InkDrawing &drawing, const QRectF &rect, double scale, const std::stop_token &stop = {});
+
+/// The picture that `render()` makes; none where there is not enough memory for it.
+template<typename Render>
+std::optional<QImage> withinMemory(Render render)
+{
+    try {
+        return render();
+    } catch (const std::bad_alloc &) {
+        qCWarning(logHandwriting) << "not enough memory for a picture of the ink";
+        return {};
+    }
+}
 
 } // namespace InkRenderer
 

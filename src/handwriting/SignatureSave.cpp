@@ -9,30 +9,11 @@
 #include "base/Log.h"
 #include "base/Uuid.h"
 #include "imaging/ImageEncoder.h"
+#include "model/Signature.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tarnovel {
-
-FrameSettings withSignature(FrameSettings settings, const QString &file, double aspect)
-{
-    settings.handwritingFile = file;
-    settings.handwritingAspect = aspect;
-    settings.handwritingX = 0.5;
-    settings.handwritingY = 0.5;
-    settings.handwritingWidth = 1.0;
-    return settings;
-}
-
-FrameSettings withoutSignature(FrameSettings settings)
-{
-    settings.handwritingFile.reset();
-    settings.handwritingAspect.reset();
-    settings.handwritingX.reset();
-    settings.handwritingY.reset();
-    settings.handwritingWidth.reset();
-    return settings;
-}
 
 SignatureSave::SignatureSave(EditorModel &model) : m_model(model) {}
 

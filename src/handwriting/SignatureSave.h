@@ -13,11 +13,6 @@
 
 namespace tarnovel {
 
-/// The settings with a signature that covers the whole frame; `aspect` is its width ÷ height.
-FrameSettings withSignature(FrameSettings settings, const QString &file, double aspect);
-/// The settings without any. The file stays in the library as long as the history needs it.
-FrameSettings withoutSignature(FrameSettings settings);
-
 /// Writes a signature into the library, off the interface thread, and gives it to the photo that was selected
 /// at the start, as one undo step. Whatever fails changes nothing and leaves no file.
 class SignatureSave : public QObject {

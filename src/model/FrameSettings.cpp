@@ -52,6 +52,11 @@ void FrameSettings::normalize()
     }
 }
 
+double FrameSettings::heldRatio(double ratio)
+{
+    return std::clamp(ratio, 0.2, 5.0);
+}
+
 double FrameSettings::ratio(QSizeF source) const
 {
     switch (preset) {
@@ -64,7 +69,7 @@ double FrameSettings::ratio(QSizeF source) const
     case CanvasPreset::story:
         return 0.5625;
     case CanvasPreset::custom:
-        return std::clamp(customHeight >= 1 ? customWidth / customHeight : customWidth, 0.2, 5.0);
+        return heldRatio(customHeight >= 1 ? customWidth / customHeight : customWidth);
     case CanvasPreset::original:
         break;
     }

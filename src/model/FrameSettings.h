@@ -52,6 +52,9 @@ struct TextLayer {
     bool operator==(const TextLayer &) const = default;
 };
 
+/// The layer that holds the logo, as records call it.
+inline const QString logoLayer = QStringLiteral("watermark");
+
 /// The seven layers of every record, in order: brand, model, exif, watermark, title, caption, date. All are
 /// hidden.
 const QList<TextLayer> &defaultLayers();
@@ -96,7 +99,9 @@ struct FrameSettings {
     /// Appends the default layers that are missing, in their order; nothing else changes.
     void normalize();
 
-    /// The canvas's width ÷ height for a photo of this pixel size: a custom ratio is held to 0.2…5, a photo's
+    /// A chosen width ÷ height of a canvas, held to 0.2…5.
+    static double heldRatio(double ratio);
+    /// The canvas's width ÷ height for a photo of this pixel size: a custom ratio is held, a photo's
     /// own is not, and a film frame's is that of its piece of film.
     double ratio(QSizeF source) const;
 

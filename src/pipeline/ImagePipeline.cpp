@@ -139,10 +139,10 @@ CompositionImages imagesFor(PhotoReader &reader, const PhotoItem &item, QSize ca
     throwIfCancelled(stop);
     // Logo and signature are resampled to the pixels that they cover, as the photo is: the painter scales
     // badly.
-    const TextLayer *logo = settings.layer(u"watermark"_s);
+    const TextLayer *logo = settings.layer(logoLayer);
     if (const QSize size = logoPixels(item, canvas); !size.isEmpty()) {
         const int most = std::min(edge, logoPixelsDecoded);
-        images.watermark = scaledPicture(
+        images.logo = scaledPicture(
             reader.picture(FramePicture::Logo, *logo->imageFile, std::min(most, longSide(size)), stop), size);
     }
     if (settings.handwritingFile) {
@@ -153,7 +153,7 @@ CompositionImages imagesFor(PhotoReader &reader, const PhotoItem &item, QSize ca
         const QImage picture =
             reader.picture(FramePicture::Signature, *settings.handwritingFile,
                            std::max(1, std::min({edge, signaturePixelsDecoded, drawn})), stop);
-        images.handwriting = scaledPicture(picture, signaturePixels(item, picture.size(), canvas));
+        images.signature = scaledPicture(picture, signaturePixels(item, picture.size(), canvas));
     }
     return images;
 }

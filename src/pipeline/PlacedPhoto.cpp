@@ -77,7 +77,7 @@ QImage coveringPicture(const QImage &picture, QSize canvas)
 
 QSize logoPixels(const PhotoItem &item, QSize canvas)
 {
-    const TextLayer *logo = item.settings.layer(u"watermark"_s);
+    const TextLayer *logo = item.settings.layer(logoLayer);
     if (!logo || !logo->visible || !logo->imageFile) {
         return {};
     }
@@ -89,7 +89,7 @@ QSize signaturePixels(const PhotoItem &item, QSize picture, QSize canvas)
     if (!item.settings.handwritingFile || picture.isEmpty()) {
         return {};
     }
-    return heldPixels(CompositionRenderer::handwritingRect(item.settings, picture, canvas).size(), canvas);
+    return heldPixels(CompositionRenderer::signatureRect(item.settings, picture, canvas).size(), canvas);
 }
 
 QImage scaledPicture(const QImage &picture, QSize size)

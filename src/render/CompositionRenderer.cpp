@@ -6,6 +6,7 @@
 
 #include <QPainter>
 
+#include "model/Signature.h"
 #include "render/DitheredGradient.h"
 #include "render/FilmRenderer.h"
 #include "render/Fonts.h"
@@ -199,17 +200,17 @@ void drawText(QPainter &painter, const TextLayer &layer, const FrameSettings &se
 }
 
 void drawLayer(QPainter &painter, const TextLayer &layer, const FrameSettings &settings, QSizeF size,
-               const QImage &watermark)
+               const QImage &logo)
 {
     if (!layer.visible || (layer.text.isEmpty() && !isPicture(layer))) {
         return;
     }
-    if (layer.id == u"watermark"_s && isPicture(layer) && !watermark.isNull()) {
+    if (layer.id == logoLayer && isPicture(layer) && !logo.isNull()) {
         const QRectF rect = textRect(layer, size);
         painter.save();
         painter.translate(rect.center());
         painter.rotate(degrees(layer));
-        drawPicture(painter, centred({}, rect.size()), watermark);
+        drawPicture(painter, centred({}, rect.size()), logo);
         painter.restore();
     } else {
         drawText(painter, layer, settings, size);
@@ -279,18 +280,17 @@ QRectF textRect(const TextLayer &layer, QSizeF size)
     return placed(layer, scale > 0 ? setText(layer, size).size() * scale : QSizeF(0, 0), size);
 }
 
-QRectF handwritingRect(const FrameSettings &settings, QSizeF imageSize, QSizeF size)
+QRectF signatureRect(const FrameSettings &settings, QSizeF imageSize, QSizeF size)
 {
     const double own = imageSize.width() / std::max(imageSize.height(), 1.0);
     const double aspect = std::max(settings.handwritingAspect.value_or(own), 0.1);
-    const double width =
-        FrameGeometry::held(settings.handwritingWidth.value_or(0.42), 0, largestType) * size.width();
+    const SignaturePlace place = signaturePlace(settings);
+    const double width = FrameGeometry::held(place.width, 0, largestType) * size.width();
     const double height = width / aspect;
     const auto centre = [](double fraction, double length, double element) {
         return FrameGeometry::held(fraction * length, element / 2, length - element / 2);
     };
-    return centred({centre(settings.handwritingX.value_or(0.5), size.width(), width),
-                    centre(settings.handwritingY.value_or(0.9), size.height(), height)},
+    return centred({centre(place.x, size.width(), width), centre(place.y, size.height(), height)},
                    {width, height});
 }
 
@@ -373,11 +373,11 @@ void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &setting
         drawBackdrop(painter, settings, size, images.background);
         drawPlacedPhoto(painter, item, settings, size, images.photo);
     }
-    if (settings.handwritingFile && !images.handwriting.isNull()) {
-        drawPicture(painter, handwritingRect(settings, images.handwriting.size(), size), images.handwriting);
+    if (settings.handwritingFile && !images.signature.isNull()) {
+        drawPicture(painter, signatureRect(settings, images.signature.size(), size), images.signature);
     }
     for (const TextLayer &layer : settings.layers) {
-        drawLayer(painter, layer, settings, size, images.watermark);
+        drawLayer(painter, layer, settings, size, images.logo);
     }
     painter.restore();
 }

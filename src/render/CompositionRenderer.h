@@ -29,8 +29,8 @@ struct CompositionImages {
     PhotoImage photo = {};
     /// For a blurred backdrop, the blurred photo; for a picture, that picture.
     QImage background = {};
-    QImage watermark = {};
-    QImage handwriting = {};
+    QImage logo = {};
+    QImage signature = {};
 };
 
 /// Draws one framed photo. Screen, thumbnails, studios and export all call `draw`; it reads nothing but its
@@ -54,7 +54,7 @@ QFont font(const TextLayer &layer, double width);
 QRectF textRect(const TextLayer &layer, QSizeF size);
 
 /// Where the signature goes. `imageSize` gives the aspect when the settings have none.
-QRectF handwritingRect(const FrameSettings &settings, QSizeF imageSize, QSizeF size);
+QRectF signatureRect(const FrameSettings &settings, QSizeF imageSize, QSizeF size);
 
 /// The whole device pixels that the photo's image covers one to one when the whole photo lies at `whole`, or
 /// an empty rectangle when it has to be scaled.

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "model/FrameSettings.h"
+
 namespace tarnovel::FrameGeometry {
 
 namespace {
 
-constexpr double narrowest = 0.2;
-constexpr double widest = 5;
 constexpr double shortEdgeOfFeeds = 1080;
 constexpr double largestMargin = 0.04;
 
@@ -21,7 +21,7 @@ double held(double value, double low, double high)
 
 QSizeF canvas(double ratio, double longEdge)
 {
-    const double r = std::isfinite(ratio) ? std::clamp(ratio, narrowest, widest) : 1;
+    const double r = std::isfinite(ratio) ? FrameSettings::heldRatio(ratio) : 1;
     const double edge = std::isfinite(longEdge) ? std::max(longEdge, 1.0) : 720;
     return r >= 1 ? QSizeF(edge, std::round(edge / r)) : QSizeF(std::round(edge * r), edge);
 }
@@ -33,7 +33,7 @@ QSizeF freeCanvas(double ratio, QSizeF source, ShortEdge shortEdge)
     if (shortEdge == ShortEdge::PhotosOwn) {
         edge = std::clamp(std::min(source.width(), source.height()), 1.0, shortEdgeOfFeeds);
     } else {
-        r = std::clamp(r, narrowest, widest);
+        r = FrameSettings::heldRatio(r);
     }
     return r < 1 ? QSizeF(edge, std::round(edge / r)) : QSizeF(std::round(edge * r), edge);
 }

@@ -115,7 +115,7 @@ protected:
     void lift(int slot) const
     {
         QTest::mousePress(&board(), Qt::LeftButton, {}, middle(slot));
-        ASSERT_TRUE(waitFor([this] { return board().lifted().has_value(); }));
+        ASSERT_TRUE(waitFor([this] { return board().lifting(); }));
     }
 };
 
@@ -164,7 +164,7 @@ TEST_F(CollageScreenTest, FiveChosenPhotosAreArrangedAndBecomeTheFirstOfTheSessi
     const CollageDivider divider = studio().layout().dividers.first();
     const QRectF parent = divider.parent;
     const QPoint handle = board().itemRect(5).center();
-    const bool horizontal = divider.axis == CollageAxis::horizontal;
+    const bool horizontal = divider.axis == CollageAxis::Horizontal;
     const double toMiddle =
         (0.5 - studio().design().node.ratio) * (horizontal ? parent.width() : parent.height());
     const QPoint way = horizontal ? QPoint(qRound(toMiddle) + 3, 0) : QPoint(0, qRound(toMiddle) + 3);
@@ -279,7 +279,7 @@ TEST_F(CollageScreenTest, EveryCellAndDividerIsReachedAndMovedByKeys)
     EXPECT_EQ(board().cursor(), 2);
     QTest::keyClick(&board(), Qt::Key_Tab);
     const double before = studio().design().node.ratio;
-    const bool horizontal = studio().design().node.axis == CollageAxis::horizontal;
+    const bool horizontal = studio().design().node.axis == CollageAxis::Horizontal;
     QTest::keyClick(&board(), horizontal ? Qt::Key_Right : Qt::Key_Down);
     EXPECT_NEAR(studio().design().node.ratio, before + 0.01, 1e-9);
     QTest::keyClick(&board(), horizontal ? Qt::Key_Left : Qt::Key_Up, Qt::ShiftModifier);

@@ -16,6 +16,7 @@
 #include "app/kit/Button.h"
 #include "app/kit/CardGrid.h"
 #include "app/kit/Overlay.h"
+#include "app/kit/Press.h"
 #include "app/window/EditorPage.h"
 #include "app/window/FilmStrip.h"
 #include "app/window/HomeScreen.h"
@@ -297,7 +298,9 @@ TEST_F(EditorWindow, TheStripScrollsWithoutAsking)
     QTest::mousePress(strip, Qt::LeftButton, {}, QPoint(400, 30));
     QTest::mouseMove(strip, QPoint(380, 30));
     QTest::mouseMove(strip, QPoint(300, 30));
-    QTest::qWait(700);
+    bool asked = false;
+    QObject::connect(strip, &ItemView::menuRequested, strip, [&asked] { asked = true; });
+    EXPECT_FALSE(QTest::qWaitFor([&asked] { return asked; }, 2 * Press::menuMs)) << "a drag is no long press";
     QTest::mouseRelease(strip, Qt::LeftButton, {}, QPoint(300, 30));
     const int dragged = strip->itemRect(0).left();
     EXPECT_LT(dragged, -60) << "the photos follow the hand";
@@ -369,7 +372,7 @@ TEST_F(EditorWindow, SpeaksTheChosenLanguageAtOnce)
     setLanguageSources({[] { return u"french"_s; }, [] { return QStringList(); }});
     window().retranslate();
     EXPECT_TRUE(named<Button>(u"Appliquer à tout"_s));
-    EXPECT_EQ(page().rail()->itemName(0), u"Modèles"_s);
+    EXPECT_EQ(page().findChild<ToolRail *>()->itemName(0), u"Modèles"_s);
     setLanguageSources({});
 }
 

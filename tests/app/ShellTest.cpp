@@ -347,7 +347,8 @@ TEST_F(Shell, ASmallWindowFoldsThePanelToADrawer)
     EXPECT_FALSE(page().panel()->isVisible());
     EXPECT_EQ(page().canvas()->width(), 820);
     const auto tapTool = [&](Tool tool) {
-        click(page().rail(), page().rail()->itemRect(static_cast<int>(tool)).center());
+        auto *rail = page().findChild<ToolRail *>();
+        click(rail, rail->itemRect(static_cast<int>(tool)).center());
     };
     tapTool(Tool::Border);
     EXPECT_TRUE(page().panel()->isVisible());

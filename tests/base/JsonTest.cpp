@@ -29,6 +29,7 @@ TEST(Json, RefusesWhatTheGrammarDoes)
     EXPECT_NE(complaint(R"({"a":1,"b":{"c":1,"c":2}})").find("\"c\" stands twice"), std::string::npos);
     EXPECT_EQ(complaint(R"([{"a":1},{"a":2}])"), "");
     EXPECT_EQ(complaint(QByteArray(64, '[') + QByteArray(64, ']')), "");
+    EXPECT_EQ(complaint(QByteArray(65, '[') + QByteArray(65, ']')), "more than 64 levels deep");
     EXPECT_EQ(complaint(QByteArray(100'000, '[')), "more than 64 levels deep");
 }
 

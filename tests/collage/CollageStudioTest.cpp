@@ -21,12 +21,14 @@ TEST_F(Chooser, NumbersNinePhotosInTapOrder)
     }
     EXPECT_EQ(m_studio.order(id(4)), 1);
     EXPECT_EQ(m_studio.order(id(8)), 9);
-    const int ticks = m_studio.selectTick();
+    int notices = 0;
+    QObject::connect(&m_studio, &CollageStudio::changed, &m_studio, [&](CollageStudio::Changes changes) {
+        notices += changes & CollageStudio::LimitReached ? 1 : 0;
+    });
     m_studio.toggle(id(9));
     EXPECT_EQ(m_studio.total(), 9);
     EXPECT_EQ(m_studio.order(id(9)), 0);
-    EXPECT_EQ(m_studio.limitNotice(), 1);
-    EXPECT_EQ(m_studio.selectTick(), ticks);
+    EXPECT_EQ(notices, 1);
     m_studio.toggle(id(2));
     EXPECT_EQ(m_studio.order(id(7)), 2);
     m_studio.toggle(QUuid::createUuid());
@@ -66,10 +68,14 @@ TEST_F(Chooser, FilesBeyondTheLimitAreOfferedButNotPicked)
         paths.append(m_folder.filePath(u"%1.png"_s.arg(i)));
         ASSERT_TRUE(QImage(3, 2, QImage::Format_RGB32).save(paths.last()));
     }
+    int notices = 0;
+    QObject::connect(&m_studio, &CollageStudio::changed, &m_studio, [&](CollageStudio::Changes changes) {
+        notices += changes & CollageStudio::LimitReached ? 1 : 0;
+    });
     m_studio.addFiles(paths);
     ASSERT_TRUE(waitFor([this] { return !m_studio.importing(); }));
     EXPECT_EQ(m_studio.total(), 9);
-    EXPECT_EQ(m_studio.limitNotice(), 1);
+    EXPECT_EQ(notices, 1);
     EXPECT_EQ(m_studio.candidates().size(), 22);
 }
 
@@ -146,18 +152,18 @@ TEST_F(Board, CopiesFramesToTheCellsBeside)
     };
     m_studio.select(1); // the upper one of the right column
     m_studio.setFrame(CellFrame::white);
-    m_studio.copyFrame(CopyScope::row);
+    m_studio.copyFrame(CopyScope::Row);
     EXPECT_EQ(frames(), u"wwn"_s);
     m_studio.undo();
-    m_studio.copyFrame(CopyScope::column);
+    m_studio.copyFrame(CopyScope::Column);
     EXPECT_EQ(frames(), u"nww"_s);
     m_studio.undo();
     EXPECT_EQ(frames(), u"nwn"_s);
-    m_studio.copyFrame(CopyScope::all);
+    m_studio.copyFrame(CopyScope::All);
     EXPECT_EQ(frames(), u"www"_s);
     m_studio.select(0);
     m_studio.setFrame(CellFrame::film);
-    m_studio.copyFrame(CopyScope::row); // reaches both of the right column
+    m_studio.copyFrame(CopyScope::Row); // reaches both of the right column
     EXPECT_EQ(frames(), u"fff"_s);
 }
 

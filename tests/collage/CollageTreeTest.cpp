@@ -106,7 +106,7 @@ QList<double> widths(const CollageNode &node, double length, double gap)
 
 TEST(CollageGeometry, MakesTheCellsOfAChainEqualWhateverTheGap)
 {
-    const auto chain = [](int count) { return CollageNode::chain(CollageAxis::horizontal, 0, count); };
+    const auto chain = [](int count) { return CollageNode::chain(CollageAxis::Horizontal, 0, count); };
     // (1000 − 2 · 20) ÷ 3 and (1000 − 8 · 30) ÷ 9
     for (const auto &[count, gap, expected] :
          {std::tuple(3, 20.0, 320.0), {9, 30.0, 760.0 / 9}, {2, 20.0, 490.0}, {6, 0.0, 1000.0 / 6}}) {
@@ -116,16 +116,16 @@ TEST(CollageGeometry, MakesTheCellsOfAChainEqualWhateverTheGap)
     }
     // Split from the middle the other way round, as the tree of a chain never is.
     const CollageNode backwards = CollageNode::split(
-        CollageAxis::horizontal, 0.75,
-        CollageNode::split(CollageAxis::horizontal, 2.0 / 3, chain(2), CollageNode::leaf(2)),
+        CollageAxis::Horizontal, 0.75,
+        CollageNode::split(CollageAxis::Horizontal, 2.0 / 3, chain(2), CollageNode::leaf(2)),
         CollageNode::leaf(3));
     for (const double width : widths(backwards, 1000, 40)) {
         EXPECT_NEAR(width, (1000 - 3 * 40) / 4.0, 1e-9);
     }
     // A split the other way counts no gap along this one: 38 % of 980 stay 38 % beside a stack of two.
-    const CollageNode stack = CollageNode::chain(CollageAxis::vertical, 1, 2);
+    const CollageNode stack = CollageNode::chain(CollageAxis::Vertical, 1, 2);
     const CollageLayout mixed = CollageGeometry::layout(
-        CollageNode::split(CollageAxis::horizontal, 0.38, CollageNode::leaf(0), stack), {0, 0, 1000, 500},
+        CollageNode::split(CollageAxis::Horizontal, 0.38, CollageNode::leaf(0), stack), {0, 0, 1000, 500},
         20);
     EXPECT_NEAR(mixed.cells.at(0).width(), 0.38 * 980, 1e-9);
     EXPECT_NEAR(mixed.cells.at(1).height(), 240, 1e-9);
@@ -133,7 +133,7 @@ TEST(CollageGeometry, MakesTheCellsOfAChainEqualWhateverTheGap)
 
 TEST(CollageGeometry, KeepsCellsInsideHoweverWideTheGap)
 {
-    for (const CollageAxis axis : {CollageAxis::horizontal, CollageAxis::vertical}) {
+    for (const CollageAxis axis : {CollageAxis::Horizontal, CollageAxis::Vertical}) {
         for (const double gap : {3.0, 12.0, 400.0}) {
             const QRectF area(5, 6, 60, 50);
             const CollageLayout layout = CollageGeometry::layout(CollageNode::chain(axis, 0, 6), area, gap);
@@ -151,7 +151,7 @@ TEST(CollageGeometry, KeepsCellsInsideHoweverWideTheGap)
 TEST(CollageGeometry, PutsDividersInTheMiddleOfTheirGaps)
 {
     const CollageLayout layout =
-        CollageGeometry::layout(CollageNode::chain(CollageAxis::horizontal, 0, 4), {0, 0, 1000, 500}, 40);
+        CollageGeometry::layout(CollageNode::chain(CollageAxis::Horizontal, 0, 4), {0, 0, 1000, 500}, 40);
     ASSERT_EQ(layout.dividers.size(), 3);
     for (int i = 0; i < 3; ++i) {
         EXPECT_NEAR(layout.dividers.at(i).position, (i + 1) * (220 + 40) - 20, 1e-9);
@@ -161,7 +161,7 @@ TEST(CollageGeometry, PutsDividersInTheMiddleOfTheirGaps)
 
 TEST(CollageGeometry, TakesTheGapOutOnceASplit)
 {
-    const CollageNode pair = CollageNode::chain(CollageAxis::horizontal, 0, 2);
+    const CollageNode pair = CollageNode::chain(CollageAxis::Horizontal, 0, 2);
     const CollageLayout layout = CollageGeometry::layout(pair, {0, 0, 1000, 500}, 20);
     EXPECT_EQ(layout.cells.at(0), QRectF(0, 0, 490, 500));
     EXPECT_EQ(layout.cells.at(1), QRectF(510, 0, 490, 500));
@@ -190,7 +190,7 @@ TEST(CollageGeometry, NamesDividersByTheirPath)
 TEST(CollageGeometry, HoldsAndSnapsADraggedDivider)
 {
     CollageDivider divider;
-    divider.axis = CollageAxis::vertical;
+    divider.axis = CollageAxis::Vertical;
     divider.parent = {50, 100, 300, 1000};
     const auto drag = [&divider](double percent) {
         return CollageGeometry::dragDivider(divider, {0, 100 + 10 * percent});

@@ -100,6 +100,17 @@ protected:
 
     bool exists(const QString &name) const { return QFileInfo::exists(m_library + u'/' + name); }
 
+    /// How many steps can be taken back.
+    static int stepsBack(const EditorModel &model)
+    {
+        EditHistory steps = model.history();
+        int count = 0;
+        while (steps.undo([](const EditSnapshot &step) { return step; })) {
+            ++count;
+        }
+        return count;
+    }
+
     Session stored() const { return loadSession(m_library, LibraryAccess::ReadOnly).session; }
 };
 

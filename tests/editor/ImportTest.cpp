@@ -78,7 +78,7 @@ TEST_F(Importing, StopsAtFiftyAndSaysSo)
     EXPECT_EQ(m_model.message(), u"Up to 50 photos per session. Added the first 5."_s);
     EXPECT_EQ(m_model.photos().first().name, u"new 0"_s);
     EXPECT_EQ(libraryFiles(), before + 5);
-    EXPECT_EQ(run({.paths = paths, .source = ImportSource::PhotoPicker}).added, 0);
+    EXPECT_EQ(run({.paths = paths}).added, 0);
 }
 
 TEST_F(Importing, UsesTheFirstReadableFileAsBackdrop)
@@ -90,7 +90,7 @@ TEST_F(Importing, UsesTheFirstReadableFileAsBackdrop)
     const FrameSettings &settings = m_model.current()->settings;
     EXPECT_EQ(settings.background, Backdrop::image);
     EXPECT_TRUE(exists(*settings.backgroundFile));
-    EXPECT_EQ(m_model.history().undoStack().size(), 1);
+    EXPECT_EQ(stepsBack(m_model), 1);
     EXPECT_EQ(libraryFiles(), 2);
 }
 
@@ -203,19 +203,16 @@ TEST_F(Importing, TellsItsEndInThreeLanguages)
     const ImportSummary full = {.added = 5, .truncated = true};
     const ImportSummary unreadable = {.unreadable = 2};
     setLanguageSources({[] { return u"french"_s; }, {}});
-    EXPECT_EQ(full.message(ImportSource::Files),
-              u"50 photos maximum par session. Les 5 premières ont été ajoutées."_s);
-    EXPECT_EQ(unreadable.message(ImportSource::Files), u"2 fichiers illisibles."_s);
-    EXPECT_EQ((ImportSummary{.added = 1, .truncated = true}).message(ImportSource::Files),
+    EXPECT_EQ(full.message(), u"50 photos maximum par session. Les 5 premières ont été ajoutées."_s);
+    EXPECT_EQ(unreadable.message(), u"2 fichiers illisibles."_s);
+    EXPECT_EQ((ImportSummary{.added = 1, .truncated = true}).message(),
               u"50 photos maximum par session. La première a été ajoutée."_s);
-    EXPECT_EQ((ImportSummary{.truncated = true}).message(ImportSource::Files),
+    EXPECT_EQ((ImportSummary{.truncated = true}).message(),
               u"50 photos maximum par session. Aucune n’a été ajoutée."_s);
-    EXPECT_EQ((ImportSummary{.unreadable = 1}).message(ImportSource::Files), u"1 fichier illisible."_s);
-    EXPECT_EQ(unreadable.message(ImportSource::PhotoPicker),
-              u"2 photos n’ont pas pu être lues. Les autres ont été importées."_s);
+    EXPECT_EQ((ImportSummary{.unreadable = 1}).message(), u"1 fichier illisible."_s);
     setLanguageSources({[] { return u"chinese"_s; }, {}});
-    EXPECT_EQ(full.message(ImportSource::Files), u"一次最多编辑 50 张，已添加前 5 张。"_s);
-    EXPECT_EQ(unreadable.message(ImportSource::Files), u"2 个文件无法读取。"_s);
+    EXPECT_EQ(full.message(), u"一次最多编辑 50 张，已添加前 5 张。"_s);
+    EXPECT_EQ(unreadable.message(), u"2 个文件无法读取。"_s);
 }
 
 TEST_F(Importing, TakesRequestsInTurn)

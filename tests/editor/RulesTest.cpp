@@ -35,7 +35,7 @@ TEST_F(Canvas, DragsThePhotoAsOneStepAndSnapsIt)
     m_gestures.endPhotoDrag();
     EXPECT_FALSE(m_gestures.guidesVisible());
     EXPECT_DOUBLE_EQ(settings().x, 0.15);
-    EXPECT_EQ(m_model.history().undoStack().size(), 1);
+    EXPECT_EQ(stepsBack(m_model), 1);
     m_gestures.dragPhoto({10, 0}, canvas);
     EXPECT_DOUBLE_EQ(settings().x, 0.16);
     m_model.undo();
@@ -58,11 +58,11 @@ TEST_F(Canvas, NudgesWithinWhatDragsKeepTo)
     locked.lockY = true;
     m_model.update(locked);
     // Nothing moves, and nothing is there to be undone.
-    const auto steps = m_model.history().undoStack().size();
+    const auto steps = stepsBack(m_model);
     m_gestures.nudge({}, {-0.02, 0.02});
     m_gestures.nudge(u"absent"_s, {0.02, 0.02});
     EXPECT_EQ(settings(), locked);
-    EXPECT_EQ(m_model.history().undoStack().size(), steps);
+    EXPECT_EQ(stepsBack(m_model), steps);
 }
 
 TEST_F(Canvas, NeverCarriesAGestureToAnotherPhoto)
@@ -72,24 +72,46 @@ TEST_F(Canvas, NeverCarriesAGestureToAnotherPhoto)
     m_model.select(m_model.photos().last().id);
     m_gestures.dragPhoto({200, 0}, {1000, 1000});
     EXPECT_DOUBLE_EQ(settings().x, 0.2);
-    EXPECT_EQ(m_model.history().undoStack().size(), 2);
+    EXPECT_EQ(stepsBack(m_model), 2);
     m_model.undo();
     EXPECT_EQ(settings().x, 0);
 }
 
-TEST_F(Canvas, TicksOnceForEachNewSnap)
+TEST_F(Canvas, AGestureThatIsUndoneDoesNothingMore)
 {
     const QSizeF canvas(1000, 1000);
-    m_gestures.dragPhoto({100, 100}, canvas);
-    EXPECT_EQ(m_gestures.snapFeedback(), 0);
-    m_gestures.dragPhoto({5, 100}, canvas);
-    m_gestures.dragPhoto({3, 100}, canvas);
-    EXPECT_EQ(m_gestures.snapFeedback(), 1);
-    m_gestures.dragPhoto({3, 3}, canvas);
-    EXPECT_EQ(m_gestures.snapFeedback(), 2);
-    m_gestures.dragPhoto({50, 50}, canvas);
-    m_gestures.dragPhoto({3, 3}, canvas);
-    EXPECT_EQ(m_gestures.snapFeedback(), 3);
+    const FrameSettings before = settings();
+    m_gestures.dragPhoto({100, 0}, canvas);
+    m_model.undo();
+    m_gestures.dragPhoto({200, 0}, canvas);
+    EXPECT_EQ(settings(), before);
+    m_gestures.endPhotoDrag();
+    m_gestures.pinchPhoto(0.5);
+    m_model.undo();
+    m_gestures.pinchPhoto(0.4);
+    EXPECT_EQ(settings(), before);
+    m_gestures.endPinch();
+    m_gestures.dragText(u"title"_s, {0, -100}, canvas);
+    m_model.undo();
+    m_gestures.dragText(u"title"_s, {0, -200}, canvas);
+    EXPECT_EQ(settings(), before);
+    m_gestures.endTextDrag();
+    m_gestures.dragPhoto({200, 0}, canvas);
+    EXPECT_DOUBLE_EQ(settings().x, 0.2) << "the next one begins anew";
+}
+
+TEST_F(Canvas, HoldsToEachAxisByItself)
+{
+    const QSizeF canvas(1000, 1000);
+    const struct {
+        QPointF translation;
+        CentreSnap snap;
+    } cases[] = {
+        {{100, 100}, {}}, {{5, 100}, {true, false}}, {{100, -5}, {false, true}}, {{3, 3}, {true, true}}};
+    for (const auto &each : cases) {
+        m_gestures.dragPhoto(each.translation, canvas);
+        EXPECT_EQ(m_gestures.snap(), each.snap) << each.translation.x();
+    }
 }
 
 TEST_F(Canvas, PinchesWithinLimits)
@@ -103,7 +125,7 @@ TEST_F(Canvas, PinchesWithinLimits)
     m_gestures.endPinch();
     m_gestures.pinchPhoto(2);
     EXPECT_DOUBLE_EQ(settings().scale, 0.88);
-    EXPECT_EQ(m_model.history().undoStack().size(), 2);
+    EXPECT_EQ(stepsBack(m_model), 2);
 }
 
 TEST_F(Canvas, DragsATextLayerWithinTheCanvas)
@@ -113,16 +135,16 @@ TEST_F(Canvas, DragsATextLayerWithinTheCanvas)
     m_gestures.dragText(u"title"_s, {5, -400}, {1000, 1000});
     EXPECT_EQ(title().x, 0.5);
     EXPECT_DOUBLE_EQ(title().y, 0.45);
-    EXPECT_EQ(m_gestures.snapFeedback(), 1);
+    EXPECT_EQ(m_gestures.snap(), (CentreSnap{true, false}));
     m_gestures.endTextDrag();
-    EXPECT_EQ(m_model.history().undoStack().size(), 1);
+    EXPECT_EQ(stepsBack(m_model), 1);
     m_gestures.nudge(u"title"_s, {0.01, 2});
     EXPECT_DOUBLE_EQ(title().x, 0.51);
     EXPECT_EQ(title().y, 0.98);
-    EXPECT_EQ(m_model.history().undoStack().size(), 2);
+    EXPECT_EQ(stepsBack(m_model), 2);
     m_gestures.dragText(u"absent"_s, {1, 1}, {1000, 1000});
     m_gestures.dragPhoto({std::nan(""), 0}, {1000, 1000});
-    EXPECT_EQ(m_model.history().undoStack().size(), 2);
+    EXPECT_EQ(stepsBack(m_model), 2);
 }
 
 TEST_F(Canvas, FindsTheTopMostLayerUnderTheFinger)
@@ -150,7 +172,7 @@ TEST_F(Canvas, FindsTheTopMostLayerUnderTheFinger)
 TEST_F(Rules, JoinTheChangesOfOneSlider)
 {
     SliderCheckpoints sliders(m_model, m_clock);
-    const auto steps = [this] { return m_model.history().undoStack().size(); };
+    const auto steps = [this] { return stepsBack(m_model); };
     sliders.change(u"scale"_s);
     m_clock.advance(500ms);
     sliders.change(u"scale"_s);
@@ -177,7 +199,7 @@ TEST_F(Rules, TakeOnlyRealDates)
     EXPECT_TRUE(CaptureDateEntry::enter(m_model, u" 2026.09.22 "_s));
     EXPECT_EQ(settings().layer(u"date"_s)->text, u"2026.09.22"_s);
     EXPECT_TRUE(settings().layer(u"date"_s)->visible) << "who enters a date wants to see it";
-    EXPECT_EQ(m_model.history().undoStack().size(), 1);
+    EXPECT_EQ(stepsBack(m_model), 1);
 }
 
 TEST_F(Rules, KeepAMarginAtEveryQuickPosition)

@@ -14,26 +14,24 @@ const QString placeholder = u"[NEW EDGE MARKING — VERIFY]"_s;
 
 TEST(FilmStockCatalog, OffersTheVerifiedRowsInTableOrder)
 {
-    const std::vector<FilmStock> &all = FilmStockCatalog::all();
-    const std::vector<FilmStock> &available = FilmStockCatalog::available();
-    ASSERT_EQ(all.size(), 85U);
-    ASSERT_EQ(available.size(), 79U);
-    EXPECT_EQ(available.front().name, u"Kodak Portra 160"_s);
-    EXPECT_EQ(available.back().name, u"Kodak Ektachrome 100D 5294"_s);
+    QStringList offered;
     QSet<QString> names;
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        const FilmStock &stock = all[i];
+    for (const FilmStock &stock : FilmStockCatalog::all()) {
         names.insert(stock.name);
-        const bool pending = i >= 18 && i < 24;
-        EXPECT_EQ(stock.verified, !pending) << stock.name.toStdString();
-        EXPECT_EQ(stock.marking == placeholder, pending) << stock.name.toStdString();
-        EXPECT_EQ(stock.brand == u"KODAK · EASTMAN 2026"_s, pending) << stock.name.toStdString();
+        EXPECT_NE(stock.verified, stock.marking == placeholder) << stock.name.toStdString();
+        if (stock.verified) {
+            offered.append(stock.name);
+        }
     }
-    EXPECT_EQ(names.size(), 85);
-    ASSERT_EQ(FilmOptions::stocks().size(), 79);
-    for (std::size_t i = 0; i < available.size(); ++i) {
-        EXPECT_EQ(FilmOptions::stocks().at(static_cast<qsizetype>(i)), available[i].name);
+    EXPECT_EQ(names.size(), std::ssize(FilmStockCatalog::all())) << "a name stands for one stock";
+    EXPECT_LT(offered.size(), names.size()) << "some are still to be verified";
+    QStringList available;
+    for (const FilmStock &stock : FilmStockCatalog::available()) {
+        available.append(stock.name);
     }
+    EXPECT_EQ(available, offered);
+    EXPECT_EQ(FilmOptions::stocks(), offered);
+    EXPECT_EQ(offered.first(), u"Kodak Portra 160"_s);
     EXPECT_TRUE(FilmOptions::stocks().contains(FilmOptions().stock));
 }
 

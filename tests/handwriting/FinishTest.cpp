@@ -1,3 +1,4 @@
+#include <array>
 #include <gtest/gtest.h>
 
 #include "handwriting/HandwritingFinish.h"
@@ -64,20 +65,31 @@ TEST(ColorFinish, FillsEveryStrokeAndNothingElse)
     EXPECT_EQ(handwritingFinishFromName(u"Color"_s), std::nullopt);
 }
 
-TEST(Sparkles, LieInAFixedPatternWithAStarAtEveryTwentyThird)
+TEST(Sparkles, AreStrewnAllOverThePageWithAStarHereAndThere)
 {
-    const Sparkle first = sparkle(0, page, 1);
-    EXPECT_EQ(first.centre, QPointF(0, 0));
-    EXPECT_DOUBLE_EQ(first.diameter, 1.2);
-    EXPECT_DOUBLE_EQ(first.opacity, 0.5);
-    const Sparkle thirteenth = sparkle(13, page, 2);
-    EXPECT_DOUBLE_EQ(thirteenth.centre.x(), 82 / 997.0 * 600);
-    EXPECT_DOUBLE_EQ(thirteenth.centre.y(), 501 / 991.0 * 400);
-    EXPECT_DOUBLE_EQ(thirteenth.diameter, 2 * 2.2);
-    EXPECT_DOUBLE_EQ(thirteenth.opacity, 0.86);
-    EXPECT_DOUBLE_EQ(sparkle(5, page, 0.5).diameter, 0.8 * 6.2);
+    std::array<int, 12> inPart{};
+    int stars = 0;
     for (int i = 0; i < sparkleCount; ++i) {
-        EXPECT_EQ(sparkle(i, page, 1).star, i % 23 == 0);
+        const Sparkle dot = sparkle(i, page, 1);
+        ASSERT_TRUE(QRectF(QPointF(), page).contains(dot.centre)) << i;
+        EXPECT_GT(dot.diameter, 0.5);
+        EXPECT_LT(dot.diameter, 8);
+        EXPECT_GE(dot.opacity, 0.5);
+        EXPECT_LE(dot.opacity, 1);
+        stars += dot.star ? 1 : 0;
+        ++inPart.at(static_cast<size_t>(dot.centre.x() * 4 / page.width()) +
+                    4 * static_cast<size_t>(dot.centre.y() * 3 / page.height()));
+        // The same dot on a page of twice the size, as a preview and what is saved show it.
+        const Sparkle larger = sparkle(i, page * 2, 2);
+        EXPECT_NEAR(larger.centre.x(), 2 * dot.centre.x(), 1e-9);
+        EXPECT_NEAR(larger.centre.y(), 2 * dot.centre.y(), 1e-9);
+        EXPECT_NEAR(larger.diameter, 2 * dot.diameter, 1e-9);
+        EXPECT_EQ(larger.star, dot.star);
+    }
+    EXPECT_GT(stars, sparkleCount / 40);
+    EXPECT_LT(stars, sparkleCount / 10);
+    for (const int dots : inPart) {
+        EXPECT_NEAR(dots, sparkleCount / 12.0, sparkleCount / 40.0) << "no part of the page is bare";
     }
 }
 

@@ -5,12 +5,12 @@
 #include <QRegularExpression>
 
 #include "base/Cancellation.h"
-#include "editor/EditorWorld.h"
-#include "handwriting/HandwritingController.h"
 #include "handwriting/HandwritingReference.h"
 #include "handwriting/Strokes.h"
+#include "handwriting/Studio.h"
 #include "imaging/ImageEncoder.h"
 #include "language/AppLanguage.h"
+#include "model/Signature.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -18,116 +18,12 @@ using namespace std::chrono_literals;
 namespace tarnovel::test {
 namespace {
 
-TEST(Viewport, FitsAndLimitsTheZoom)
-{
-    HandwritingViewport tall({1000, 2000}, 1);
-    tall.layOut({1000, 1000});
-    EXPECT_DOUBLE_EQ(tall.minimumZoom(), 0.5);
-    EXPECT_DOUBLE_EQ(tall.maximumZoom(), 3);
-    EXPECT_DOUBLE_EQ(tall.zoom(), 0.5);
-    EXPECT_EQ(tall.insets(), QPointF(250, 0));
-    EXPECT_EQ(tall.referenceRect(), QRectF(250, 0, 500, 1000));
-    tall.zoomTo(100, {500, 500});
-    EXPECT_DOUBLE_EQ(tall.zoom(), 3);
-    EXPECT_EQ(tall.insets(), QPointF(0, 0));
-
-    HandwritingViewport small({1000, 1000}, 0.5);
-    small.layOut({200, 300});
-    EXPECT_DOUBLE_EQ(small.minimumZoom(), 0.2);
-    EXPECT_DOUBLE_EQ(small.maximumZoom(), 2);
-    small.layOut({});
-    EXPECT_DOUBLE_EQ(small.minimumZoom(), 0.2);
-    small.layOut({200, 300}, 20);
-    EXPECT_EQ(small.referenceRect(), QRectF(20, 70, 160, 160));
-    small.zoomTo(2, {100, 150});
-    small.pan({1e6, 1e6});
-    EXPECT_EQ(small.offset(), QPointF(0, 0)); // zoomed in, the page takes the whole view
-}
-
-TEST(Viewport, KeepsItsPlaceWhenTheWindowChanges)
-{
-    HandwritingViewport viewport({1000, 1400}, 0.8);
-    viewport.layOut({700, 700});
-    EXPECT_DOUBLE_EQ(viewport.zoom(), 0.5);
-    viewport.layOut({1400, 1400});
-    EXPECT_DOUBLE_EQ(viewport.zoom(), 1); // still all of it
-
-    viewport.zoomTo(3, {700, 700});
-    viewport.pan({-200, 150});
-    const QPointF middle = viewport.toReference({700, 700});
-    viewport.layOut({900, 700});
-    EXPECT_DOUBLE_EQ(viewport.relativeZoom(), 3);
-    EXPECT_NEAR(viewport.toReference({450, 350}).x(), middle.x(), 1e-9);
-    EXPECT_NEAR(viewport.toReference({450, 350}).y(), middle.y(), 1e-9);
-    EXPECT_EQ(viewport.toView(viewport.toReference({12, 34})), QPointF(12, 34));
-}
-
-TEST(Viewport, ZoomsAboutThePointerAndStopsAtTheEdges)
-{
-    HandwritingViewport viewport({1000, 1000}, 0.5);
-    viewport.layOut({500, 500});
-    const QPointF held = viewport.toReference({400, 100});
-    viewport.zoomTo(1.5, {400, 100});
-    EXPECT_NEAR(viewport.toReference({400, 100}).x(), held.x(), 1e-9);
-    EXPECT_NEAR(viewport.toReference({400, 100}).y(), held.y(), 1e-9);
-    viewport.pan({1e6, 1e6});
-    EXPECT_EQ(viewport.toReference({0, 0}), QPointF(0, 0));
-    viewport.pan({-1e6, -1e6});
-    EXPECT_EQ(viewport.toReference({500, 500}), QPointF(1000, 1000));
-    viewport.zoomTo(0, {400, 100});
-    EXPECT_EQ(viewport.referenceRect(), QRectF(0, 0, 500, 500));
-}
-
-/// A studio over the first photo of a library.
-class Studio : public EditorWorld {
-protected:
-    explicit Studio(EditorModel::Load load = EditorModel::Load::StoredSession) : m_model(m_services, load)
-    {
-        m_model.append(photos(1));
-        m_studio.layOut({600, 700}, 2);
-    }
-
-    void write(QPointF from, QPointF to)
-    {
-        m_studio.penDown({from, 0});
-        for (int i = 1; i < 20; ++i) {
-            m_studio.penMove({from + (to - from) * i / 20, i * 0.008});
-        }
-        m_studio.penUp({to, 0.16});
-    }
-
-    /// Saves and waits; what the user was told, or nothing.
-    QString save(HandwritingController &studio)
-    {
-        bool ended = false;
-        QString told;
-        QObject context;
-        QObject::connect(&studio, &HandwritingController::saved, &context, [&] { ended = true; });
-        QObject::connect(&studio, &HandwritingController::saveFailed, &context, [&](const QString &message) {
-            ended = true;
-            told = message;
-        });
-        EXPECT_TRUE(studio.save());
-        EXPECT_TRUE(studio.saving());
-        EXPECT_FALSE(studio.save());
-        EXPECT_TRUE(waitFor([&] { return ended; }));
-        EXPECT_FALSE(studio.saving());
-        return told;
-    }
-
-    QString signature() const { return m_model.current()->settings.handwritingFile.value_or(QString()); }
-
-    EditorModel m_model;
-    HandwritingController m_studio{m_model, m_clock, {1050, 1400}, 0.9};
-};
-
 using Tools = Studio;
 using Preview = Studio;
-using Saving = Studio;
 
 TEST_F(Tools, BeginAsTheDesignHasThem)
 {
-    EXPECT_EQ(m_studio.tool(), HandwritingTool::signature);
+    EXPECT_EQ(m_studio.tool(), HandwritingTool::Signature);
     EXPECT_EQ(m_studio.color(), softBlack);
     EXPECT_EQ(m_studio.width(), 6);
     EXPECT_EQ(m_studio.finish(), HandwritingFinish::color);
@@ -155,7 +51,7 @@ TEST_F(Tools, WriteInTheirOwnWayAndMoveWithoutWriting)
 {
     const Ink red = {1, 0, 0};
     m_studio.setColor(red);
-    m_studio.setTool(HandwritingTool::marker);
+    m_studio.setTool(HandwritingTool::Marker);
     m_studio.setWidth(10);
     write({100, 100}, {400, 100});
     ASSERT_EQ(m_studio.drawing().size(), 1);
@@ -179,7 +75,7 @@ TEST_F(Tools, WriteInTheirOwnWayAndMoveWithoutWriting)
     EXPECT_EQ(m_studio.drawing().size(), 1);
     m_studio.penDown({{100, 300}, 0});
     m_studio.penMove({{200, 300}, 0.1});
-    m_studio.setTool(HandwritingTool::pencil);
+    m_studio.setTool(HandwritingTool::Pencil);
     EXPECT_FALSE(m_studio.penIsDown());
     EXPECT_EQ(m_studio.drawing().size(), 2);
     EXPECT_EQ(m_studio.drawing().last()->stroke.pen, InkPen::marker);
@@ -216,7 +112,7 @@ TEST_F(Tools, EraseByTheToolOrTheOtherEndOfThePen)
     EXPECT_TRUE(m_studio.isEmpty());
     m_studio.undo();
     EXPECT_EQ(m_studio.drawing().size(), 2);
-    m_studio.setTool(HandwritingTool::eraser);
+    m_studio.setTool(HandwritingTool::Eraser);
     write({250, 90}, {260, 110});
     EXPECT_EQ(m_studio.drawing().size(), 1);
     m_studio.clear();
@@ -239,7 +135,7 @@ TEST_F(Tools, GiveBackWhatAGestureErased)
     m_studio.undo();
     const InkDrawing before = m_studio.drawing();
     const QImage shown = m_studio.ink();
-    m_studio.setTool(HandwritingTool::eraser);
+    m_studio.setTool(HandwritingTool::Eraser);
     m_studio.penDown({{250, 80}, 0});
     m_studio.penMove({{250, 150}, 0.01});
     m_studio.penMove({{250, 220}, 0.02});
@@ -263,7 +159,7 @@ TEST_F(Tools, GiveBackWhatAGestureErased)
 
 TEST_F(Tools, ShowTheInkOfTheViewAtEveryZoom)
 {
-    m_studio.setTool(HandwritingTool::fountain);
+    m_studio.setTool(HandwritingTool::Fountain);
     for (int i = 0; i < 30; ++i) { // enough for the view to be drawn on another thread
         m_studio.penDown({{100, 20.0 * i}, 0});
         for (int step = 1; step < 200; ++step) {
@@ -359,7 +255,7 @@ TEST_F(Preview, LeavesItsStrokesOutOfTheInk)
         image.fill(Qt::transparent);
         return m_studio.ink() == image;
     };
-    m_studio.setTool(HandwritingTool::marker);
+    m_studio.setTool(HandwritingTool::Marker);
     m_studio.setFinish(HandwritingFinish::glitter);
     write({100, 100}, {400, 300});
     EXPECT_FALSE(blank()); // there is no picture yet
@@ -391,164 +287,6 @@ TEST_F(Preview, LeavesItsStrokesOutOfTheInk)
     m_studio.setFinish(HandwritingFinish::color);
     EXPECT_GT(qAlpha(m_studio.ink().pixel(first.toPoint())), 100);
     EXPECT_GT(qAlpha(m_studio.ink().pixel(second.toPoint())), 100);
-}
-
-TEST_F(Saving, AnEmptyPageChangesNothing)
-{
-    const FrameSettings before = m_model.current()->settings;
-    EXPECT_FALSE(m_studio.save());
-    write({100, 100}, {400, 300});
-    m_studio.undo();
-    EXPECT_FALSE(m_studio.save());
-    EXPECT_EQ(m_model.current()->settings, before);
-    EXPECT_FALSE(m_model.canUndo());
-    EXPECT_TRUE(QDir(m_library).entryList({u"handwriting-*"_s}).isEmpty());
-}
-
-TEST_F(Saving, PutsThePageOverTheWholeFrame)
-{
-    m_studio.setColor({1, 0, 0});
-    m_studio.setWidth(20);
-    write({100, 60}, {400, 60});
-    m_studio.setColor({0, 0, 1});
-    write({100, 120}, {400, 120});
-    EXPECT_EQ(save(m_studio), QString());
-    const FrameSettings settings = m_model.current()->settings;
-    EXPECT_TRUE(QRegularExpression(u"^handwriting-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\.png$"_s)
-                    .match(signature())
-                    .hasMatch());
-    EXPECT_EQ(settings.handwritingAspect, 0.75);
-    EXPECT_EQ(settings.handwritingX, 0.5);
-    EXPECT_EQ(settings.handwritingY, 0.5);
-    EXPECT_EQ(settings.handwritingWidth, 1.0);
-    const QImage file(m_library + u'/' + signature());
-    EXPECT_EQ(file.size(), QSize(1050, 1400));
-    EXPECT_EQ(file.pixel(250, 60), qRgba(255, 0, 0, 255));
-    EXPECT_EQ(qAlpha(file.pixel(250, 90)), 0);
-
-    const ExportedFile framed = m_pipeline.exportPhoto(*m_model.current(), {}).result();
-    const QImage exported(framed.path);
-    const double scale = exported.width() / 1050.0;
-    const QColor red = exported.pixelColor(static_cast<int>(250 * scale), static_cast<int>(60 * scale));
-    const QColor blue = exported.pixelColor(static_cast<int>(250 * scale), static_cast<int>(120 * scale));
-    EXPECT_GT(red.red(), red.blue() + 200);
-    EXPECT_GT(blue.blue(), blue.red() + 200);
-
-    m_model.undo();
-    EXPECT_EQ(signature(), QString());
-    EXPECT_FALSE(m_model.canUndo());
-}
-
-TEST_F(Saving, KeepsTheOldFileWhileTheHistoryNeedsIt)
-{
-    write({100, 60}, {400, 60});
-    EXPECT_EQ(save(m_studio), QString());
-    const QString first = signature();
-    EXPECT_TRUE(waitFor([&] { return !m_model.previews().handwriting.isNull(); }));
-    HandwritingController again(m_model, m_clock, {1050, 1400}, 0.9);
-    again.setFinish(HandwritingFinish::rainbow);
-    again.penDown({{500, 1300}, 0});
-    again.penUp({{600, 1200}, 0.2});
-    bool oldShown = true;
-    QObject::connect(&again, &HandwritingController::saved, &again,
-                     [&] { oldShown = !m_model.previews().handwriting.isNull(); });
-    EXPECT_EQ(save(again), QString());
-    EXPECT_FALSE(oldShown);
-    EXPECT_TRUE(waitFor([&] { return !m_model.previews().handwriting.isNull(); }));
-    const QString second = signature();
-    EXPECT_NE(first, second);
-    EXPECT_EQ(m_model.history().undoStack().size(), 2);
-    m_model.flush();
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(exists(first));
-    m_model.undo();
-    EXPECT_EQ(signature(), first);
-    m_model.redo();
-    EXPECT_EQ(stored().photos.size(), 1);
-
-    for (qsizetype i = 0; i < EditHistory::mostSteps; ++i) {
-        m_model.checkpoint();
-    }
-    m_model.scheduleSave();
-    m_model.flush();
-    EXPECT_TRUE(waitFor([&] { return !exists(first); }));
-    EXPECT_TRUE(exists(second));
-    EXPECT_EQ(stored().photos.first().settings.handwritingFile, second);
-    m_model.checkpoint();
-    m_model.update(withoutSignature(m_model.current()->settings));
-    EXPECT_EQ(signature(), QString());
-}
-
-TEST_F(Saving, AFailureSaysSoAndChangesNothing)
-{
-    write({100, 60}, {400, 60});
-    const FrameSettings before = m_model.current()->settings;
-    m_model.flush();
-    ASSERT_TRUE(QDir(m_library).removeRecursively());
-    EXPECT_EQ(save(m_studio), u"Could not save handwriting."_s);
-    EXPECT_EQ(m_model.current()->settings, before);
-    EXPECT_FALSE(m_model.canUndo());
-    EXPECT_EQ(m_studio.drawing().size(), 1);
-
-    // The photo went while its signature was being written.
-    ASSERT_TRUE(QDir().mkpath(m_library));
-    m_studio.save();
-    m_model.removeCurrent();
-    EXPECT_TRUE(waitFor([&] { return !m_studio.saving(); }));
-    EXPECT_TRUE(QDir(m_library).entryList({u"handwriting-*"_s}).isEmpty());
-}
-
-TEST_F(Saving, AStudioThatClosesLeavesNoFile)
-{
-    {
-        HandwritingController closing(m_model, m_clock, {1050, 1400}, 0.9);
-        closing.penDown({{500, 1300}, 0});
-        closing.penUp({{600, 1200}, 0.2});
-        EXPECT_TRUE(closing.save());
-    }
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(QDir(m_library).entryList({u"handwriting-*"_s}).isEmpty());
-    EXPECT_EQ(signature(), QString());
-}
-
-TEST_F(Saving, AStudioThatClosesStopsTheWriting)
-{
-    std::atomic<bool> begun = false;
-    std::atomic<bool> stopped = false;
-    {
-        SignatureSave closing(m_model);
-        closing.start([&](const std::stop_token &stop) {
-            begun = true;
-            const QDeadlineTimer patience(5s);
-            while (!stop.stop_requested() && !patience.hasExpired()) {
-                std::this_thread::yield();
-            }
-            stopped = stop.stop_requested();
-            QImage image(100, 100, QImage::Format_ARGB32_Premultiplied);
-            image.fill(Qt::black);
-            EXPECT_THROW(encodePng(image, stop), OperationCancelled);
-            return image;
-        });
-        EXPECT_TRUE(waitFor([&] { return begun.load(); }));
-    }
-    EXPECT_TRUE(stopped);
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(QDir(m_library).entryList({u"handwriting-*"_s}).isEmpty());
-    EXPECT_EQ(signature(), QString());
-}
-
-TEST_F(Saving, TheReferenceIsTheFrameWithoutItsOldSignature)
-{
-    PhotoItem item = *m_model.current();
-    const HandwritingReference reference = HandwritingReference::of(item);
-    EXPECT_EQ(reference.size, QSize(1050, 1400));
-    const QRectF photo = CompositionRenderer::photoRect(item, item.settings, reference.size);
-    EXPECT_NEAR(reference.focusY, photo.bottom() / 1400, 1e-9);
-    const QImage plain = reference.render(m_pipeline, item).result();
-    EXPECT_EQ(plain.size(), reference.size);
-    write({100, 60}, {400, 60});
-    EXPECT_EQ(save(m_studio), QString());
-    EXPECT_EQ(reference.render(m_pipeline, *m_model.current()).result(), plain);
 }
 
 } // namespace

@@ -43,6 +43,7 @@ TEST(Ratio, HoldsCustomRatiosAndNothingElse)
         return settings.ratio({100, 100});
     };
     EXPECT_EQ(custom(3, 0.5), 3);
+    EXPECT_EQ(custom(3, 1.5), 2);
     EXPECT_EQ(custom(100, 1), 5);
     EXPECT_EQ(custom(0, 4), 0.2);
     settings.preset = CanvasPreset::original;

@@ -257,7 +257,7 @@ TEST(Draw, PlacesTheSignatureWhereTheSettingsSay)
     item.settings.handwritingY = 0.3;
     item.settings.handwritingWidth = 0.1;
     item.settings.handwritingAspect = 4;
-    const QImage canvas = drawn(item, {1000, 1000}, {.handwriting = ink});
+    const QImage canvas = drawn(item, {1000, 1000}, {.signature = ink});
     // 100 × 25 around (200, 300).
     const auto across = runs(canvas, {0, 300}, {1, 0});
     ASSERT_EQ(across.size(), 3U);
@@ -273,9 +273,9 @@ TEST(Draw, PlacesTheSignatureByItsDefaults)
     PhotoItem item = photoItem(0, 0);
     QImage ink(200, 100, QImage::Format_ARGB32_Premultiplied);
     ink.fill(Qt::black);
-    EXPECT_EQ(drawn(item, {1000, 1000}, {.handwriting = ink}).pixelColor(500, 890), QColor(Qt::white));
+    EXPECT_EQ(drawn(item, {1000, 1000}, {.signature = ink}).pixelColor(500, 890), QColor(Qt::white));
     item.settings.handwritingFile = u"signature.png"_s;
-    const QImage canvas = drawn(item, {1000, 1000}, {.handwriting = ink});
+    const QImage canvas = drawn(item, {1000, 1000}, {.signature = ink});
     // 420 wide, 210 high, its centre held from 900 to 1000 − 105.
     EXPECT_EQ(canvas.pixelColor(291, 895), QColor(Qt::black));
     EXPECT_EQ(canvas.pixelColor(288, 895), QColor(Qt::white));
@@ -417,7 +417,7 @@ TEST(Draw, SurvivesAbsurdSettings)
         for (const FrameStyle style : {FrameStyle::simple, FrameStyle::cinema}) {
             item.settings.style = style;
             const QImage picture = photoImage({20, 10});
-            const QImage canvas = drawn(item, {90, 120}, {.photo = {picture}, .handwriting = picture});
+            const QImage canvas = drawn(item, {90, 120}, {.photo = {picture}, .signature = picture});
             EXPECT_NE(canvas.pixelColor(0, 0), QColor(Qt::magenta));
         }
     }

@@ -41,7 +41,7 @@ TEST(Reference, LayersTurnClockwise)
             layer.imageFile = u"logo.png"_s;
             layer.imageAspect = 10;
         }
-        const QImage canvas = drawn(item, {800, 800}, {.watermark = flat});
+        const QImage canvas = drawn(item, {800, 800}, {.logo = flat});
         const double angle = degrees * std::numbers::pi / 180;
         for (const double along : {-90.0, 90.0}) {
             const QPoint down =

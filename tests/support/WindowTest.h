@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "app/kit/Field.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "app/kit/Slider.h"
 #include "app/window/EditorPage.h"
 #include "app/window/ToolPanel.h"
@@ -78,7 +78,7 @@ protected:
 
     void clickItem(const QString &name, int index)
     {
-        auto *items = control<app::Items>(name);
+        auto *items = control<app::ItemView>(name);
         ASSERT_NE(items, nullptr);
         ASSERT_LT(index, items->count());
         click(items, items->itemRect(index).center());

@@ -11,6 +11,7 @@
 
 #include "app/canvas/CanvasMarks.h"
 #include "app/canvas/CanvasView.h"
+#include "app/kit/Press.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,7 +23,6 @@ constexpr double nudgeStep = 0.005;
 constexpr double largeNudgeStep = 0.02;
 constexpr double keyZoom = 1.02;
 constexpr double wheelZoomPerDegree = 1.0 / 15 * 0.03;
-constexpr int dragDistance = 3;
 constexpr int pinchEndMs = 250;
 
 } // namespace
@@ -93,7 +93,7 @@ void CanvasView::mouseMoveEvent(QMouseEvent *event)
         return;
     }
     const QPointF way = position - m_pressed;
-    if (!m_moved && way.manhattanLength() < dragDistance) {
+    if (!m_moved && way.manhattanLength() < Press::movesPicture) {
         return;
     }
     m_moved = true;

@@ -91,7 +91,6 @@ private:
     bool m_moved = false;
     double m_magnification = 1;
     QBasicTimer m_pinchEnd;
-    int m_feedback = 0;
 
 protected:
     void timerEvent(QTimerEvent *event) override;

@@ -81,7 +81,7 @@ Overlay *editTextOnCanvas(QWidget *window, const EditorContext &context, const Q
                      inLayer(layerId, [&](TextLayer &changed) { changed.text = words; }));
     });
     QObject::connect(text, &QLineEdit::returnPressed, card, &Overlay::close);
-    QObject::connect(font, &Items::chosen, card, [&edits, layerId](int index) {
+    QObject::connect(font, &ItemView::chosen, card, [&edits, layerId](int index) {
         edits.step(inLayer(layerId, [&](TextLayer &changed) { changed.fontStyle = fontAt(index); }));
     });
     QObject::connect(card, &Overlay::closed, card, [&edits] { edits.endAdjusting(); });

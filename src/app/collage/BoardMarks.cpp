@@ -23,7 +23,7 @@ constexpr double lineWidth = 2;
 
 QRectF handleRect(const CollageDivider &divider, QPointF origin, Grasp grasp)
 {
-    const bool upright = divider.axis == CollageAxis::horizontal;
+    const bool upright = divider.axis == CollageAxis::Horizontal;
     const QPointF middle = upright ? QPointF(divider.position, divider.parent.center().y())
                                    : QPointF(divider.parent.center().x(), divider.position);
     const QSizeF along = grasp == Grasp::Rest ? restingHandle : largeHandle;
@@ -50,7 +50,7 @@ void paintHeldLine(QPainter &painter, const CollageDivider &divider, QPointF ori
     const QRectF parent = divider.parent.translated(origin);
     const double half = lineWidth / 2;
     painter.fillRect(
-        divider.axis == CollageAxis::horizontal
+        divider.axis == CollageAxis::Horizontal
             ? QRectF(origin.x() + divider.position - half, parent.top(), lineWidth, parent.height())
             : QRectF(parent.left(), origin.y() + divider.position - half, parent.width(), lineWidth),
         theme().accent);

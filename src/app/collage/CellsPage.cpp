@@ -43,11 +43,11 @@ CollageView sample(CollageStudio &studio, const QUuid &photo, CellFrame frame, Q
 
 } // namespace
 
-FrameTiles::FrameTiles(CollageStudio &studio) : Items(Arrows::Move), m_studio(studio)
+FrameTiles::FrameTiles(CollageStudio &studio) : ItemView(Arrows::Move), m_studio(studio)
 {
     setName(said({"格子边框", "Cell frame", "Cadre de la case"}));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    connect(this, &Items::chosen, this,
+    connect(this, &ItemView::chosen, this,
             [this](int index) { m_studio.setFrame(cellFrames.at(static_cast<size_t>(index))); });
 }
 
@@ -201,9 +201,9 @@ void CellsPage::addFrames()
         copy->setObjectName(u"copyTo%1"_s.arg(static_cast<int>(scope)));
         connect(copy, &QPushButton::clicked, this, [this, scope] { m_studio.copyFrame(scope); });
     };
-    add(CopyScope::row, "row", said({"本行", "Row", "Ligne"}));
-    add(CopyScope::column, "column", said({"本列", "Column", "Colonne"}));
-    add(CopyScope::all, "grid", said({"全部", "All", "Toutes"}));
+    add(CopyScope::Row, "row", said({"本行", "Row", "Ligne"}));
+    add(CopyScope::Column, "column", said({"本列", "Column", "Colonne"}));
+    add(CopyScope::All, "grid", said({"全部", "All", "Toutes"}));
     row->addStretch();
     column->addWidget(m_copies);
     column->addSpacing(4);

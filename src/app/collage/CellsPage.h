@@ -4,7 +4,7 @@
 #include <QPixmap>
 #include <QWidget>
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "collage/CollageStudio.h"
 
 namespace tarnovel::app {
@@ -14,7 +14,7 @@ class Label;
 class Slider;
 
 /// The papers that a cell can have, round the selected cell's photo.
-class FrameTiles : public Items {
+class FrameTiles : public ItemView {
     Q_OBJECT
 
 public:

@@ -31,8 +31,8 @@ QRectF between(const QRectF &from, const QRectF &to, double progress)
 
 } // namespace
 
-CollageBoard::CollageBoard(const EditorContext &context, CollageStudio &studio)
-    : Items(Arrows::Move), m_context(context), m_studio(studio), m_gestures(studio)
+CollageBoard::CollageBoard(EditorState &state, CollageStudio &studio)
+    : ItemView(Arrows::Move), m_state(state), m_studio(studio), m_gestures(studio)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAcceptDrops(true);
@@ -44,11 +44,11 @@ CollageBoard::CollageBoard(const EditorContext &context, CollageStudio &studio)
     m_relayout.setEasingCurve(QEasingCurve::OutCubic);
     connect(&m_relayout, &QVariantAnimation::valueChanged, this, [this] { update(); });
     connect(&studio, &CollageStudio::changed, this, &CollageBoard::studioChanged);
-    connect(&context.state, &EditorState::pickingChanged, this,
+    connect(&state, &EditorState::pickingChanged, this,
             [this] { showCursor(mapFromGlobal(QCursor::pos())); });
     // A screen reader's press on a cell.
-    connect(this, &Items::chosen, this, &CollageBoard::moveTo);
-    connect(this, &Items::menuRequested, this, [this](int index) {
+    connect(this, &ItemView::chosen, this, &CollageBoard::moveTo);
+    connect(this, &ItemView::menuRequested, this, [this](int index) {
         if (index < cells()) {
             openMenu(index);
         }
@@ -61,10 +61,7 @@ void CollageBoard::studioChanged(CollageStudio::Changes changes)
         noteLayout();
     }
     if (changes & (CollageStudio::PhaseChanged | CollageStudio::PhotosChanged)) {
-        m_press.reset();
-        m_lift.reset();
-        m_target.reset();
-        m_gestures.releaseDivider();
+        letGo();
     }
     repaintBoard();
 }
@@ -109,11 +106,6 @@ QRectF CollageBoard::boardRect() const
     const double device = devicePixelRatioF();
     const auto whole = [device](double length) { return qRound(length * device) / device; };
     return {QPointF(whole((width() - board.width()) / 2), whole((height() - board.height()) / 2)), board};
-}
-
-std::optional<int> CollageBoard::lifted() const
-{
-    return m_lift ? std::optional(m_lift->slot) : std::nullopt;
 }
 
 void CollageBoard::repaintBoard()
@@ -180,7 +172,7 @@ void CollageBoard::resizeEvent(QResizeEvent *event)
     m_studio.setStage(room.expandedTo({80, 80}), devicePixelRatioF());
     m_relayout.stop();
     update();
-    Items::resizeEvent(event);
+    ItemView::resizeEvent(event);
 }
 
 void CollageBoard::paintCollage(QPainter &painter, const CollageView &view, const QRectF &frame) const
@@ -259,7 +251,7 @@ void CollageBoard::paintItem(QPainter &painter, int index, const State &state)
     if (index < cells()) {
         if (state.focused) {
             paintRing(painter, index, BoardMarks::Ring::Focused);
-        } else if (state.chosen && !m_lift) {
+        } else if (state.chosen && !lifting()) {
             paintRing(painter, index, BoardMarks::Ring::Chosen);
         }
         return;
@@ -267,14 +259,14 @@ void CollageBoard::paintItem(QPainter &painter, int index, const State &state)
     const QPointF origin = boardRect().topLeft();
     const CollageLayout layout = m_studio.layout();
     const CollageDivider &divider = layout.dividers.at(index - cells());
-    const bool held = m_gestures.activeDivider() == divider.id();
-    if (held) {
+    const bool grasped = m_gestures.activeDivider() == divider.id();
+    if (grasped) {
         BoardMarks::paintHeldLine(painter, divider, origin);
     }
     BoardMarks::paintHandle(painter, divider, origin,
-                            held || state.focused       ? BoardMarks::Grasp::Held
-                            : state.hovered && !m_press ? BoardMarks::Grasp::Near
-                                                        : BoardMarks::Grasp::Rest);
+                            grasped || state.focused              ? BoardMarks::Grasp::Held
+                            : state.hovered && !held<CellPress>() ? BoardMarks::Grasp::Near
+                                                                  : BoardMarks::Grasp::Rest);
 }
 
 void CollageBoard::paintRing(QPainter &painter, int slot, BoardMarks::Ring ring) const
@@ -289,29 +281,29 @@ void CollageBoard::paintRing(QPainter &painter, int slot, BoardMarks::Ring ring)
 void CollageBoard::paintEvent(QPaintEvent *event)
 {
     m_dirty = event->region();
-    Items::paintEvent(event);
+    ItemView::paintEvent(event);
     QPainter painter(this);
     if (m_target) {
         paintRing(painter, *m_target, BoardMarks::Ring::Target);
     }
-    if (m_lift) {
-        paintLifted(painter);
+    if (const Lift *lift = held<Lift>()) {
+        paintLifted(painter, *lift);
     }
     if (!m_studio.choosing()) {
         paintReadout(painter);
     }
 }
 
-void CollageBoard::paintLifted(QPainter &painter) const
+void CollageBoard::paintLifted(QPainter &painter, const Lift &lift) const
 {
-    const QRectF cell = m_studio.layout().cells.at(m_lift->slot).translated(boardRect().topLeft());
+    const QRectF cell = m_studio.layout().cells.at(lift.slot).translated(boardRect().topLeft());
     QColor faded = theme().canvas;
     faded.setAlphaF(0.64F);
     painter.fillRect(cell, faded);
-    const QRectF picture(m_lift->at - m_lift->grip * liftedScale, cell.size() * liftedScale);
+    const QRectF picture(lift.at - lift.grip * liftedScale, cell.size() * liftedScale);
     drawShadow(painter, picture, 0, Elevation::Sheet);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(picture, m_lift->picture, QRectF(m_lift->picture.rect()));
+    painter.drawPixmap(picture, lift.picture, QRectF(lift.picture.rect()));
     Paint::outline(painter, picture, 0, theme().rim);
 }
 
@@ -333,10 +325,10 @@ void CollageBoard::paintReadout(QPainter &painter) const
     }
 }
 
-void CollageBoard::lift()
+void CollageBoard::lift(const CellPress &press)
 {
     const QRectF frame = boardRect();
-    const QRectF cell = m_studio.layout().cells.at(m_press->slot);
+    const QRectF cell = m_studio.layout().cells.at(press.slot);
     QPixmap picture((cell.size() * devicePixelRatioF()).toSize().expandedTo({1, 1}));
     picture.setDevicePixelRatio(devicePixelRatioF());
     picture.fill(m_studio.design().background);
@@ -344,7 +336,7 @@ void CollageBoard::lift()
     paintCollage(painter, m_studio.board(), QRectF(-cell.topLeft(), frame.size()));
     painter.end();
     picture.setDevicePixelRatio(1);
-    m_lift = {m_press->slot, picture, m_press->at - frame.topLeft() - cell.topLeft(), m_press->at};
+    m_hand = Lift{press.slot, picture, press.at - frame.topLeft() - cell.topLeft(), press.at};
     setCursor(Qt::ClosedHandCursor);
     update();
 }

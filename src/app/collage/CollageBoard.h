@@ -1,6 +1,8 @@
 #pragma once
 
 #include <map>
+#include <optional>
+#include <variant>
 
 #include <QPixmap>
 #include <QRegion>
@@ -8,7 +10,7 @@
 
 #include "app/EditorContext.h"
 #include "app/collage/BoardMarks.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "collage/CollageGestures.h"
 
 class QNativeGestureEvent;
@@ -21,17 +23,17 @@ inline constexpr const char *collagePhotoMime = "application/x-tarnovel-collage-
 
 /// The collage being arranged: dividers and photos are dragged here, photos zoomed, swapped and replaced. Its
 /// items are the cells in their order, then the dividers; the Tab key goes through all of them.
-class CollageBoard : public Items {
+class CollageBoard : public ItemView {
     Q_OBJECT
 
 public:
-    CollageBoard(const EditorContext &context, CollageStudio &studio);
+    CollageBoard(EditorState &state, CollageStudio &studio);
 
     CollageGestures &gestures() { return m_gestures; }
     /// The collage's place, in the widget's coordinates.
     QRectF boardRect() const;
-    /// The cell that has been lifted to be swapped.
-    std::optional<int> lifted() const;
+    /// A cell has been lifted to be swapped.
+    bool lifting() const { return held<Lift>(); }
 
     int count() const override;
     QRect itemRect(int index) const override;
@@ -39,7 +41,6 @@ public:
     bool itemChosen(int index) const override;
     int itemAt(QPoint position) const override;
 
-    static constexpr int longPressMs = 350;
     /// Room between the collage and the edges of its stage.
     static constexpr int margin = 48;
 
@@ -68,19 +69,41 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
-    /// A cell under the pressed button.
-    struct Press {
+    // What the hand does, one thing at a time.
+    struct Idle {};
+    /// Drags a divider; CollageGestures knows which.
+    struct DividerDrag {};
+    /// Holds a cell by the pressed button, and pans its photo once it has moved.
+    struct CellPress {
         int slot = 0;
         QPointF at;
         bool moved = false;
     };
-    /// A cell in hand, on its way to another.
+    /// Carries a cell on its way to another.
     struct Lift {
         int slot = 0;
         QPixmap picture;
         QPointF grip;
         QPointF at;
     };
+    /// Two fingers on a cell, or beside all.
+    struct Pinch {
+        QPointF centre;
+        std::optional<int> slot;
+    };
+    template<typename Doing>
+    Doing *held()
+    {
+        return std::get_if<Doing>(&m_hand);
+    }
+    template<typename Doing>
+    const Doing *held() const
+    {
+        return std::get_if<Doing>(&m_hand);
+    }
+    /// Ends what the hand does; a cell in it goes back.
+    void letGo();
+
     /// Where the photos were before the layout changed.
     struct Relayout {
         QSizeF size;
@@ -97,11 +120,11 @@ private:
     void paintAround(QPainter &painter, const QRectF &frame) const;
     void paintMissing(QPainter &painter, const CollageView &view) const;
     void paintRing(QPainter &painter, int slot, BoardMarks::Ring ring) const;
-    void paintLifted(QPainter &painter) const;
+    void paintLifted(QPainter &painter, const Lift &lift) const;
     void paintReadout(QPainter &painter) const;
     void repaintBoard();
-    void lift();
-    void drop(QPointF position);
+    void lift(const CellPress &press);
+    void drop(int slot, QPointF position);
     void showCursor(QPointF position);
     void moveTo(int index);
     bool cellKey(QKeyEvent *event, int slot);
@@ -114,16 +137,13 @@ private:
     void pinch(const QPinchGesture &fingers);
     bool nativeGesture(QNativeGestureEvent *event);
 
-    EditorContext m_context;
+    EditorState &m_state;
     CollageStudio &m_studio;
     CollageGestures m_gestures;
-    std::optional<Press> m_press;
-    std::optional<Lift> m_lift;
+    std::variant<Idle, DividerDrag, CellPress, Lift, Pinch> m_hand;
+    /// The cell that a lifted one, or a drop, would go to.
     std::optional<int> m_target;
     QBasicTimer m_longPress;
-    /// The cell under two fingers.
-    std::optional<int> m_pinched;
-    QPointF m_pinchCentre;
     /// The read-out of a divider that the keyboard moved.
     QString m_nudged;
     QBasicTimer m_nudgeEnd;

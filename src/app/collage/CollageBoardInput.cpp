@@ -1,10 +1,9 @@
-// What the board does with pointer, keys and drops.
+// What the board does with pointer and drops.
 
 #include <algorithm>
 #include <cmath>
 
 #include <QGestureEvent>
-#include <QKeyEvent>
 #include <QMimeData>
 #include <QNativeGestureEvent>
 #include <QPainter>
@@ -13,35 +12,13 @@
 
 #include "app/collage/CellMenu.h"
 #include "app/collage/CollageBoard.h"
+#include "app/kit/Press.h"
 
 namespace tarnovel::app {
 
 namespace {
 
-constexpr double dividerStep = 0.01;
-constexpr double largeDividerStep = 0.05;
-/// Points that an arrow key pans.
-constexpr double panStep = 8;
-constexpr double largePanStep = 40;
-constexpr double keyZoom = 1.05;
 constexpr double wheelZoomPerDegree = 0.01;
-constexpr int nudgeLabelMs = 1200;
-
-QPointF wayOf(int key)
-{
-    switch (key) {
-    case Qt::Key_Left:
-        return {-1, 0};
-    case Qt::Key_Right:
-        return {1, 0};
-    case Qt::Key_Up:
-        return {0, -1};
-    case Qt::Key_Down:
-        return {0, 1};
-    default:
-        return {};
-    }
-}
 
 QStringList localFiles(const QMimeData *data)
 {
@@ -72,17 +49,18 @@ void CollageBoard::mousePressEvent(QMouseEvent *event)
         return;
     }
     const QPointF position = event->position();
-    if (m_context.state.colorTaker()) {
+    if (m_state.colorTaker()) {
         takeColor(position);
         return;
     }
     const QPointF point = position - boardRect().topLeft();
     if (m_gestures.grabDivider(point)) {
+        m_hand = DividerDrag();
         moveTo(itemAt(position.toPoint()));
     } else if (const std::optional<int> slot = slotAt(position)) {
         moveTo(*slot);
-        m_press = {*slot, position};
-        m_longPress.start(longPressMs, Qt::PreciseTimer, this);
+        m_hand = CellPress{*slot, position};
+        m_longPress.start(Press::liftMs, Qt::PreciseTimer, this);
     } else {
         m_studio.select({});
     }
@@ -92,24 +70,24 @@ void CollageBoard::mousePressEvent(QMouseEvent *event)
 void CollageBoard::mouseMoveEvent(QMouseEvent *event)
 {
     const QPointF position = event->position();
-    if (m_gestures.activeDivider()) {
+    if (held<DividerDrag>()) {
         m_gestures.dragDivider(position - boardRect().topLeft());
         repaintBoard();
-    } else if (m_lift) {
-        m_lift->at = position;
+    } else if (Lift *lift = held<Lift>()) {
+        lift->at = position;
         const std::optional<int> slot = slotAt(position);
-        setTarget(slot == m_lift->slot ? std::nullopt : slot);
+        setTarget(slot == lift->slot ? std::nullopt : slot);
         update();
-    } else if (m_press) {
-        const QPointF way = position - m_press->at;
-        if (!m_press->moved && std::hypot(way.x(), way.y()) < CollageGestures::panThreshold) {
+    } else if (CellPress *press = held<CellPress>()) {
+        const QPointF way = position - press->at;
+        if (!press->moved && std::hypot(way.x(), way.y()) < CollageGestures::panThreshold) {
             return;
         }
-        m_press->moved = true;
+        press->moved = true;
         m_longPress.stop();
-        m_gestures.panPhoto(m_press->slot, way);
+        m_gestures.panPhoto(press->slot, way);
     } else {
-        Items::mouseMoveEvent(event);
+        ItemView::mouseMoveEvent(event);
     }
     showCursor(position);
 }
@@ -119,12 +97,10 @@ void CollageBoard::mouseReleaseEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton) {
         return;
     }
-    m_longPress.stop();
-    m_gestures.releaseDivider();
-    m_gestures.endPan();
-    m_press.reset();
-    if (m_lift) {
-        drop(event->position());
+    const std::optional<int> carried = lifting() ? std::optional(held<Lift>()->slot) : std::nullopt;
+    letGo();
+    if (carried) {
+        drop(*carried, event->position());
     }
     repaintBoard();
     showCursor(event->position());
@@ -136,14 +112,25 @@ void CollageBoard::mouseDoubleClickEvent(QMouseEvent *event)
     mousePressEvent(event);
 }
 
-void CollageBoard::drop(QPointF position)
+void CollageBoard::letGo()
 {
-    const int from = m_lift->slot;
-    const std::optional<int> to = slotAt(position);
-    m_lift.reset();
+    m_longPress.stop();
+    if (held<DividerDrag>()) {
+        m_gestures.releaseDivider();
+    } else if (held<CellPress>()) {
+        m_gestures.endPan();
+    } else if (held<Pinch>()) {
+        m_gestures.endPinch();
+    }
+    m_hand = Idle();
     setTarget({});
-    if (to && *to != from) {
-        m_studio.swapCells(from, *to);
+}
+
+void CollageBoard::drop(int slot, QPointF position)
+{
+    const std::optional<int> to = slotAt(position);
+    if (to && *to != slot) {
+        m_studio.swapCells(slot, *to);
         moveTo(*to);
     }
     update();
@@ -153,31 +140,32 @@ void CollageBoard::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() == m_longPress.timerId()) {
         m_longPress.stop();
-        if (m_press && m_studio.editable()) {
-            lift();
+        if (const CellPress *press = held<CellPress>(); press && m_studio.editable()) {
+            lift(CellPress(*press));
         }
     } else if (event->timerId() == m_nudgeEnd.timerId()) {
         m_nudgeEnd.stop();
         m_nudged.clear();
         repaintBoard();
     } else {
-        Items::timerEvent(event);
+        ItemView::timerEvent(event);
     }
 }
 
 void CollageBoard::showCursor(QPointF position)
 {
-    if (m_context.state.colorTaker()) {
+    if (m_state.colorTaker()) {
         setCursor(Qt::CrossCursor);
         return;
     }
-    if (m_lift || (m_press && m_press->moved)) {
+    const CellPress *press = held<CellPress>();
+    if (lifting() || (press && press->moved)) {
         setCursor(Qt::ClosedHandCursor);
         return;
     }
     const int index = itemAt(position.toPoint());
     if (index >= cells()) {
-        setCursor(dividerOf(index).axis == CollageAxis::horizontal ? Qt::SplitHCursor : Qt::SplitVCursor);
+        setCursor(dividerOf(index).axis == CollageAxis::Horizontal ? Qt::SplitHCursor : Qt::SplitVCursor);
     } else {
         setCursor(index >= 0 ? Qt::OpenHandCursor : Qt::ArrowCursor);
     }
@@ -186,8 +174,8 @@ void CollageBoard::showCursor(QPointF position)
 void CollageBoard::takeColor(QPointF position)
 {
     const QPointF pixel = (position - boardRect().topLeft()) * devicePixelRatioF();
-    const std::function<void(const QColor &)> taker = m_context.state.colorTaker();
-    m_context.state.endPicking();
+    const std::function<void(const QColor &)> taker = m_state.colorTaker();
+    m_state.endPicking();
     QImage one(1, 1, QImage::Format_RGB32);
     one.fill(m_studio.design().background);
     QPainter painter(&one);
@@ -225,21 +213,19 @@ bool CollageBoard::nativeGesture(QNativeGestureEvent *event)
 
 void CollageBoard::pinch(const QPinchGesture &fingers)
 {
-    // The first finger's pan ends where the second one lands.
-    m_longPress.stop();
-    m_press.reset();
-    m_gestures.endPan();
-    if (!m_pinched) {
-        // The gesture itself does not know where it began.
-        m_pinchCentre = mapFromGlobal(fingers.centerPoint());
-        m_pinched = slotAt(m_pinchCentre);
+    if (!held<Pinch>()) {
+        // The first finger's pan ends where the second one lands. The gesture itself does not know where it
+        // began.
+        letGo();
+        const QPointF centre = mapFromGlobal(fingers.centerPoint());
+        m_hand = Pinch{centre, slotAt(centre)};
     }
-    if (m_pinched) {
-        m_gestures.pinchPhoto(*m_pinched, fingers.totalScaleFactor(), m_pinchCentre - boardRect().topLeft());
+    const Pinch held = *this->held<Pinch>();
+    if (held.slot) {
+        m_gestures.pinchPhoto(*held.slot, fingers.totalScaleFactor(), held.centre - boardRect().topLeft());
     }
     if (fingers.state() == Qt::GestureFinished || fingers.state() == Qt::GestureCanceled) {
-        m_gestures.endPinch();
-        m_pinched.reset();
+        letGo();
     }
 }
 
@@ -258,121 +244,7 @@ bool CollageBoard::event(QEvent *event)
     if (event->type() == QEvent::LanguageChange) {
         setAccessibleName(localized({"拼图", "Collage", "Collage"}));
     }
-    return Items::event(event);
-}
-
-void CollageBoard::focusInEvent(QFocusEvent *event)
-{
-    const bool backwards = event->reason() == Qt::BacktabFocusReason;
-    if (event->reason() == Qt::TabFocusReason || backwards) {
-        moveTo(backwards ? count() - 1 : m_studio.selected().value_or(0));
-    }
-    Items::focusInEvent(event);
-}
-
-bool CollageBoard::focusNextPrevChild(bool next)
-{
-    const int to = cursor() + (next ? 1 : -1);
-    if (to >= 0 && to < count()) {
-        moveTo(to);
-        return true;
-    }
-    return Items::focusNextPrevChild(next);
-}
-
-void CollageBoard::swapTowards(int slot, int key)
-{
-    const std::map<int, QRectF> places = m_studio.layout().cells;
-    const QPointF start = places.at(slot).center();
-    const QPointF way = wayOf(key);
-    std::optional<int> nearest;
-    double shortest = 0;
-    for (const auto &[other, rect] : places) {
-        const QPointF to = rect.center() - start;
-        const double along = QPointF::dotProduct(to, way);
-        const double distance = along + 2 * std::abs(to.x() * way.y() + to.y() * way.x());
-        if (other != slot && along > 1 && (!nearest || distance < shortest)) {
-            nearest = other;
-            shortest = distance;
-        }
-    }
-    if (nearest) {
-        m_studio.swapCells(slot, *nearest);
-        moveTo(*nearest);
-    }
-}
-
-bool CollageBoard::cellKey(QKeyEvent *event, int slot)
-{
-    const QPointF way = wayOf(event->key());
-    const bool control = event->modifiers() & Qt::ControlModifier;
-    if (!way.isNull() && control) {
-        swapTowards(slot, event->key());
-        return true;
-    }
-    if (!way.isNull()) {
-        m_gestures.nudgePhoto(slot, way * (event->modifiers() & Qt::ShiftModifier ? largePanStep : panStep));
-        return true;
-    }
-    switch (event->key()) {
-    case Qt::Key_Plus:
-    case Qt::Key_Equal:
-        m_gestures.zoomPhoto(slot, keyZoom);
-        return true;
-    case Qt::Key_Minus:
-        m_gestures.zoomPhoto(slot, 1 / keyZoom);
-        return true;
-    case Qt::Key_0:
-        if (!control) {
-            return false;
-        }
-        m_studio.select(slot);
-        m_studio.resetPhoto();
-        return true;
-    case Qt::Key_Delete:
-    case Qt::Key_Backspace:
-        m_studio.toggle(m_studio.design().cells.at(slot).photo);
-        return true;
-    default:
-        return false;
-    }
-}
-
-bool CollageBoard::dividerKey(QKeyEvent *event, int index)
-{
-    const CollageDivider divider = dividerOf(index);
-    const QPointF way = wayOf(event->key());
-    const double along = divider.axis == CollageAxis::horizontal ? way.x() : way.y();
-    if (along == 0) {
-        return !way.isNull();
-    }
-    const double step = event->modifiers() & Qt::ShiftModifier ? largeDividerStep : dividerStep;
-    m_nudged = m_gestures.nudgeDivider(divider.id(), along * step);
-    m_nudgeEnd.start(nudgeLabelMs, this);
-    return true;
-}
-
-void CollageBoard::keyPressEvent(QKeyEvent *event)
-{
-    const int index = cursor();
-    if (event->key() == Qt::Key_Escape && (m_lift || m_context.state.colorTaker() || m_studio.selected())) {
-        if (m_lift) {
-            m_press.reset();
-            m_lift.reset();
-            setTarget({});
-        } else if (m_context.state.colorTaker()) {
-            m_context.state.endPicking();
-        } else {
-            m_studio.select({});
-        }
-        return;
-    }
-    const bool taken = m_studio.editable() && !m_lift && index >= 0 && index < count() &&
-                       !(event->modifiers() & Qt::AltModifier) &&
-                       (index < cells() ? cellKey(event, index) : dividerKey(event, index));
-    if (!taken) {
-        Items::keyPressEvent(event);
-    }
+    return ItemView::event(event);
 }
 
 void CollageBoard::openMenu(int slot)

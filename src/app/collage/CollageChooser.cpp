@@ -38,7 +38,7 @@ ChooserGrid::ChooserGrid(CollageStudio &studio) : PhotoItems(studio, tile)
             layOut();
         }
     });
-    connect(this, &Items::chosen, this,
+    connect(this, &ItemView::chosen, this,
             [this](int index) { this->studio().toggle(this->studio().candidates().at(index).id); });
     layOut();
 }
@@ -109,7 +109,7 @@ void ChooserGrid::paintItem(QPainter &painter, int index, const State &state)
 ChooserTray::ChooserTray(CollageStudio &studio) : PhotoItems(studio, slotSide)
 {
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
-    connect(this, &Items::chosen, this,
+    connect(this, &ItemView::chosen, this,
             [this](int index) { this->studio().toggle(this->studio().picked().at(index)); });
 }
 
@@ -187,7 +187,7 @@ CollageChooser::CollageChooser(CollageStudio &studio)
     column->addWidget(m_empty, 1);
     column->addWidget(m_scroll, 1);
     column->addWidget(makeTray());
-    connect(m_grid, &Items::cursorMoved, this, [this](int index) {
+    connect(m_grid, &ItemView::cursorMoved, this, [this](int index) {
         if (index >= 0) {
             const QPoint middle = m_grid->itemRect(index).center();
             constexpr int half = ChooserGrid::tile / 2 + ringRoom;

@@ -31,7 +31,7 @@ std::vector<Phrase> tabNames(bool film)
 
 } // namespace
 
-CollagePanel::CollagePanel(const EditorContext &context, CollageStudio &studio)
+CollagePanel::CollagePanel(EditorState &state, CollageStudio &studio)
     : m_studio(studio), m_tabs(new Segments(tabNames(false))), m_pages(new QStackedWidget)
 {
     setFixedWidth(panelWidth);
@@ -51,11 +51,11 @@ CollagePanel::CollagePanel(const EditorContext &context, CollageStudio &studio)
         m_pages->addWidget(scroll);
     };
     add(new CellsPage(studio));
-    add(new PageControls(context, studio));
+    add(new PageControls(state, studio));
     add(new FilmEdgePage(studio));
     column->addWidget(m_pages, 1);
     m_tabs->setCurrent(0);
-    connect(m_tabs, &Items::chosen, m_pages, &QStackedWidget::setCurrentIndex);
+    connect(m_tabs, &ItemView::chosen, m_pages, &QStackedWidget::setCurrentIndex);
     connect(&studio, &CollageStudio::changed, this, [this](CollageStudio::Changes changes) {
         if (changes & (CollageStudio::DesignChanged | CollageStudio::PhaseChanged)) {
             showState();

@@ -16,7 +16,7 @@ class CollagePanel : public QWidget {
     Q_OBJECT
 
 public:
-    CollagePanel(const EditorContext &context, CollageStudio &studio);
+    CollagePanel(EditorState &state, CollageStudio &studio);
 
     enum class Tab { Cells, Page, FilmEdge };
     /// A tab that the collage has not counts as the first.

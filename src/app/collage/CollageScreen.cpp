@@ -84,9 +84,9 @@ QWidget *CollageScreen::makeBoardPage()
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
     m_photos = new PhotoColumn(*m_studio);
-    m_board = new CollageBoard(m_context, *m_studio);
+    m_board = new CollageBoard(m_context.state, *m_studio);
     m_layouts = new LayoutStrip(*m_studio);
-    m_panel = new CollagePanel(m_context, *m_studio);
+    m_panel = new CollagePanel(m_context.state, *m_studio);
     auto *middle = new QVBoxLayout;
     middle->setSpacing(0);
     middle->addWidget(m_board, 1);

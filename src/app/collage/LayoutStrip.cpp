@@ -7,7 +7,6 @@
 #include <QFontMetrics>
 #include <QPainter>
 #include <QTimerEvent>
-#include <QWheelEvent>
 
 #include "app/kit/Theme.h"
 #include "language/AppLanguage.h"
@@ -24,20 +23,19 @@ constexpr int captionHeight = 24;
 /// Between layouts: as there is room.
 constexpr int widestGap = 28;
 constexpr int narrowestGap = 12;
-constexpr int sideInset = 24;
 constexpr int restMs = 60;
 /// Between a thumbnail and the ring of the chosen one.
 constexpr int ringGap = 5;
 
 } // namespace
 
-LayoutStrip::LayoutStrip(CollageStudio &studio) : Items(Arrows::Move), m_studio(studio)
+LayoutStrip::LayoutStrip(CollageStudio &studio) : ItemStrip(Arrows::Move), m_studio(studio)
 {
     setFixedHeight(stripHeight);
     setName(said({"版式", "Layout", "Mise en page"}));
     connect(&studio, &CollageStudio::changed, this, &LayoutStrip::studioChanged);
-    connect(this, &Items::chosen, this, [this](int index) { m_studio.choosePreset(m_presets.at(index).id); });
-    connect(this, &Items::cursorMoved, this, &LayoutStrip::reveal);
+    connect(this, &ItemView::chosen, this,
+            [this](int index) { m_studio.choosePreset(m_presets.at(index).id); });
     learn();
 }
 
@@ -75,7 +73,6 @@ QSizeF LayoutStrip::sizeOf(const CollagePreset &preset) const
 
 void LayoutStrip::layOut()
 {
-    m_edges.clear();
     const QFontMetrics metrics(typeFont(Type::CaptionStrong));
     QList<int> widths;
     for (const CollagePreset &preset : m_presets) {
@@ -84,43 +81,15 @@ void LayoutStrip::layOut()
     }
     const int room = width() - 2 * sideInset;
     const int all = std::accumulate(widths.begin(), widths.end(), 0);
-    m_gap = std::clamp((room - all) / std::max(count() - 1, 1), narrowestGap, widestGap);
-    int x = 0;
-    for (const int each : widths) {
-        m_edges.append(x);
-        x += each + m_gap;
-    }
-    m_edges.append(x);
-    const int left = sideInset + std::max((room - x + m_gap) / 2, 0);
-    for (int &edge : m_edges) {
-        edge += left;
-    }
-    scrollTo(m_offset);
-}
-
-void LayoutStrip::scrollTo(int offset)
-{
-    m_offset = std::clamp(offset, 0, std::max(m_edges.last() - m_gap + sideInset - width(), 0));
+    const int gap = std::clamp((room - all) / std::max(count() - 1, 1), narrowestGap, widestGap);
+    const int spare = room - all - gap * std::max(count() - 1, 0);
+    setWidths(widths, gap, sideInset + std::max(spare / 2, 0));
     update();
-}
-
-void LayoutStrip::reveal(int index)
-{
-    if (index < 0 || index >= count()) {
-        return;
-    }
-    const QRect item = itemRect(index);
-    if (item.left() < sideInset) {
-        scrollTo(m_offset + item.left() - sideInset);
-    } else if (item.right() > width() - sideInset) {
-        scrollTo(m_offset + item.right() - width() + sideInset);
-    }
 }
 
 QRect LayoutStrip::itemRect(int index) const
 {
-    const int left = m_edges.at(index);
-    return {left - m_offset, 8, m_edges.at(index + 1) - left - m_gap, stripHeight - 16};
+    return placeOf(index, 8, stripHeight - 16);
 }
 
 bool LayoutStrip::itemChosen(int index) const
@@ -184,20 +153,13 @@ void LayoutStrip::paintItem(QPainter &painter, int index, const State &state)
 void LayoutStrip::resizeEvent(QResizeEvent *event)
 {
     layOut();
-    Items::resizeEvent(event);
-}
-
-void LayoutStrip::wheelEvent(QWheelEvent *event)
-{
-    const QPoint delta = event->pixelDelta().isNull() ? event->angleDelta() / 2 : event->pixelDelta();
-    scrollTo(m_offset - (std::abs(delta.x()) > std::abs(delta.y()) ? delta.x() : delta.y()));
-    event->accept();
+    ItemStrip::resizeEvent(event);
 }
 
 void LayoutStrip::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() != m_rest.timerId()) {
-        Items::timerEvent(event);
+        ItemStrip::timerEvent(event);
         return;
     }
     m_rest.stop();
@@ -210,7 +172,7 @@ bool LayoutStrip::event(QEvent *event)
     if (event->type() == QEvent::LanguageChange && !m_studio.choosing()) {
         learn();
     }
-    return Items::event(event);
+    return ItemStrip::event(event);
 }
 
 } // namespace tarnovel::app

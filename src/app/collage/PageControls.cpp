@@ -15,8 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel::app {
 
-PageControls::PageControls(const EditorContext &context, CollageStudio &studio)
-    : m_studio(studio), m_paper(new QWidget)
+PageControls::PageControls(EditorState &state, CollageStudio &studio) : m_studio(studio), m_paper(new QWidget)
 {
     auto *column = new QVBoxLayout(this);
     column->setSpacing(0);
@@ -50,18 +49,18 @@ PageControls::PageControls(const EditorContext &context, CollageStudio &studio)
     paper->addWidget(new Label(Type::Label, said({"背景", "Background", "Fond"})));
     paper->addSpacing(4);
     m_background =
-        new ColorDots(context.state, {{packedColor(0xFFFFFF), said({"白", "White", "Blanc"})},
-                                      {packedColor(0xF4F1EA), said({"暖白", "Warm white", "Blanc chaud"})},
-                                      {packedColor(0xC9C6BF), said({"浅灰", "Light grey", "Gris clair"})},
-                                      {packedColor(0x6E6D68), said({"灰", "Grey", "Gris"})},
-                                      {packedColor(0x0D0D0D), said({"黑", "Black", "Noir"})},
-                                      {packedColor(0xD9A184), said({"陶土", "Terracotta", "Terre cuite"})}});
+        new ColorDots(state, {{packedColor(0xFFFFFF), said({"白", "White", "Blanc"})},
+                              {packedColor(0xF4F1EA), said({"暖白", "Warm white", "Blanc chaud"})},
+                              {packedColor(0xC9C6BF), said({"浅灰", "Light grey", "Gris clair"})},
+                              {packedColor(0x6E6D68), said({"灰", "Grey", "Gris"})},
+                              {packedColor(0x0D0D0D), said({"黑", "Black", "Noir"})},
+                              {packedColor(0xD9A184), said({"陶土", "Terracotta", "Terre cuite"})}});
     m_background->setName(said({"背景", "Background", "Fond"}));
     paper->addWidget(m_background);
     column->addWidget(m_paper);
     m_aspect->setObjectName(u"aspect"_s);
     m_background->setObjectName(u"paper"_s);
-    connect(m_aspect, &Items::chosen, this,
+    connect(m_aspect, &ItemView::chosen, this,
             [this](int index) { m_studio.setAspect(collageAspects.at(static_cast<size_t>(index))); });
     const auto take = [this](const QColor &color) { m_studio.setBackground(color); };
     connect(m_background, &ColorDots::chosenColor, this, take);

@@ -16,7 +16,7 @@ class PageControls : public QWidget {
     Q_OBJECT
 
 public:
-    PageControls(const EditorContext &context, CollageStudio &studio);
+    PageControls(EditorState &state, CollageStudio &studio);
 
 private:
     Slider *addLength(const Phrase &name, double largest, double usual, void (CollageStudio::*set)(double));

@@ -12,6 +12,7 @@
 #include "app/collage/CollageChooser.h"
 #include "app/kit/Button.h"
 #include "app/kit/Label.h"
+#include "app/kit/Press.h"
 #include "app/kit/ScrollArea.h"
 #include "app/kit/Theme.h"
 
@@ -24,7 +25,6 @@ constexpr int tileSide = 72;
 constexpr int tileStep = 84;
 constexpr int ringRoom = 12;
 constexpr int badge = 24;
-constexpr int dragDistance = 8;
 
 } // namespace
 
@@ -36,7 +36,7 @@ ColumnPhotos::ColumnPhotos(CollageStudio &studio) : PhotoItems(studio, tileSide)
             learn();
         }
     });
-    connect(this, &Items::chosen, this, &ColumnPhotos::take);
+    connect(this, &ItemView::chosen, this, &ColumnPhotos::take);
     learn();
 }
 
@@ -105,7 +105,7 @@ void ColumnPhotos::mousePressEvent(QMouseEvent *event)
 void ColumnPhotos::mouseMoveEvent(QMouseEvent *event)
 {
     const QPointF way = event->position() - m_pressed;
-    if (m_grabbed >= 0 && event->buttons() & Qt::LeftButton && way.manhattanLength() >= dragDistance &&
+    if (m_grabbed >= 0 && event->buttons() & Qt::LeftButton && way.manhattanLength() > Press::takesItem &&
         studio().editable()) {
         const int index = std::exchange(m_grabbed, -1);
         // What is dragged away has not been tapped.
@@ -164,7 +164,7 @@ PhotoColumn::PhotoColumn(CollageStudio &studio)
     scroll->setWidget(photos);
     photos->setAutoFillBackground(false);
     column->addWidget(scroll, 1);
-    connect(photos, &Items::cursorMoved, this, [photos, scroll](int index) {
+    connect(photos, &ItemView::cursorMoved, this, [photos, scroll](int index) {
         if (index >= 0 && photos->hasFocus()) {
             const QPoint middle = photos->itemRect(index).center();
             scroll->ensureVisible(middle.x(), middle.y(), 0, tileStep / 2 + ringRoom);

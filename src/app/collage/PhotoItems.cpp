@@ -20,7 +20,7 @@ constexpr int ringDelayMs = 150;
 } // namespace
 
 PhotoItems::PhotoItems(CollageStudio &studio, int side, QWidget *parent)
-    : Items(Arrows::Move, parent), m_studio(studio), m_side(side)
+    : ItemView(Arrows::Move, parent), m_studio(studio), m_side(side)
 {
     connect(&studio, &CollageStudio::changed, this, [this](CollageStudio::Changes changes) {
         if (changes & (CollageStudio::PhotosChanged | CollageStudio::ImagesChanged)) {
@@ -103,7 +103,7 @@ void PhotoItems::paintNumber(QPainter &painter, const QRectF &circle, qsizetype 
 void PhotoItems::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() != m_spin.timerId()) {
-        Items::timerEvent(event);
+        ItemView::timerEvent(event);
         return;
     }
     if (!std::exchange(m_waiting, false)) {

@@ -4,13 +4,13 @@
 #include <QHash>
 #include <QPixmap>
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "collage/CollageStudio.h"
 
 namespace tarnovel::app {
 
 /// Photos that a collage can be made of, as square tiles of one size.
-class PhotoItems : public Items {
+class PhotoItems : public ItemView {
     Q_OBJECT
 
 protected:

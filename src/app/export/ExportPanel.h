@@ -2,20 +2,15 @@
 
 #include "app/EditorContext.h"
 #include "app/FileChooser.h"
-#include "export/ExportChoices.h"
-#include "export/FolderExport.h"
-#include "export/LibraryExport.h"
-
-class QVBoxLayout;
+#include "export/ExportJobs.h"
 
 namespace tarnovel::app {
 
 class Button;
+class ExportForm;
 class Label;
 class ProblemCard;
 class ProgressBar;
-class Segments;
-class SizeChoice;
 
 /// Where the user says how and where to the photos go, and sees how far they are.
 class ExportPanel : public QWidget {
@@ -26,18 +21,16 @@ public:
 
     /// As it is whenever it opens: the whole set, into a folder.
     void open();
-    bool working() const;
+    bool working() const { return m_jobs.working(); }
     /// "5 / 12" while a run is under way.
     QString progress() const;
     /// The photo that the run under way could not write; it waits for the user.
-    const std::optional<ExportProblem> &problem() const { return run().problem(); }
-    const FolderExport &folderExport() const { return m_folder; }
-    const LibraryExport &libraryExport() const { return m_library; }
+    const std::optional<ExportProblem> &problem() const { return m_jobs.run().problem(); }
+    const FolderExport &folderExport() const { return m_jobs.folder(); }
+    const LibraryExport &libraryExport() const { return m_jobs.library(); }
     /// Of the run under way.
-    bool savesToLibrary() const { return m_intoLibrary; }
-    /// Gives up the run under way.
-    void cancelRun() { cancel(); }
-    void dismissResult() { m_folder.dismissResult(); }
+    bool savesToLibrary() const { return m_jobs.intoLibrary(); }
+    void dismissResult() { m_jobs.folder().dismissResult(); }
     QSize sizeHint() const override { return {384, 600}; }
 
 Q_SIGNALS:
@@ -53,42 +46,23 @@ protected:
 
 private:
     QWidget *makeHeader();
-    void addOptions(QVBoxLayout *column);
     QWidget *makeFooter();
     void refresh();
     void showRun();
-    void choose(const std::function<void(ExportChoices &)> &change);
     void start();
-    void startInto(const QString &folder);
-    /// The run under way, or the last one.
-    const ExportRun &run() const { return m_intoLibrary ? m_library.run() : m_folder.run(); }
-    ExportRun &run() { return m_intoLibrary ? m_library.run() : m_folder.run(); }
     void showProblem();
     void showError();
-    /// Photos may be removed from the session while a run still reads their files.
-    void keepFiles(const QList<PhotoItem> &photos);
     void cancel();
-    void folderChanged();
-    void libraryChanged();
+    void jobsChanged();
     /// Once for each error: to the screen reader, and as a message when the panel is closed.
     void tellError(const QString &error);
-    bool toLibrary() const;
 
     EditorContext m_context;
     FileChooser m_chooser;
-    FolderExport m_folder;
-    LibraryExport m_library;
-    ExportChoices m_choices;
+    ExportJobs m_jobs;
     QUuid m_lastResult;
     QString m_told;
-    QWidget *m_options;
-    Segments *m_destination;
-    Segments *m_which;
-    SizeChoice *m_size;
-    Segments *m_format;
-    Segments *m_limit;
-    Label *m_limitNote;
-    Label *m_fileName;
+    ExportForm *m_form;
     Label *m_status;
     Label *m_photo;
     ProgressBar *m_bar;
@@ -101,7 +75,6 @@ private:
     Label *m_error;
     /// What is in the library's way, and the photo that an error is about.
     Label *m_errorDetail;
-    bool m_intoLibrary = false;
 };
 
 } // namespace tarnovel::app

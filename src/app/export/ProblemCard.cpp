@@ -25,9 +25,9 @@ constexpr int padding = 12;
 /// The tinted ground with the photo's frame at its left.
 class ProblemCard::Tint : public QWidget {
 public:
-    explicit Tint(const EditorContext &context) : m_context(context)
+    explicit Tint(Thumbnails &thumbnails) : m_thumbnails(thumbnails)
     {
-        connect(&context.thumbnails, &Thumbnails::ready, this, qOverload<>(&QWidget::update));
+        connect(&thumbnails, &Thumbnails::ready, this, qOverload<>(&QWidget::update));
         setMinimumHeight(thumbnailRoom.height() + 2 * padding);
     }
 
@@ -50,7 +50,7 @@ protected:
         const QRectF box(padding + (thumbnailRoom.width() - tile.width()) / 2, (height() - tile.height()) / 2,
                          tile.width(), tile.height());
         const QImage image =
-            m_context.thumbnails.image({ThumbnailKey::Of::Problem, m_photo.id.toString()}, m_photo, room);
+            m_thumbnails.image({ThumbnailKey::Of::Problem, m_photo.id.toString()}, m_photo, room);
         if (image.isNull()) {
             Paint::rounded(painter, box, 4, theme().surfaceMuted);
             Icons::draw(painter, "warn", box.center() - QPointF(10, 10), 20, theme().danger);
@@ -60,13 +60,12 @@ protected:
     }
 
 private:
-    EditorContext m_context;
+    Thumbnails &m_thumbnails;
     PhotoItem m_photo;
 };
 
-ProblemCard::ProblemCard(const EditorContext &context)
-    : m_context(context),
-      m_tint(new Tint(context)),
+ProblemCard::ProblemCard(Thumbnails &thumbnails)
+    : m_tint(new Tint(thumbnails)),
       m_title(new Label(Type::BodyStrong, {}, Label::Tone::Danger)),
       m_reason(new Label(Type::Label, {})),
       m_alike(new Switch(
@@ -96,6 +95,7 @@ ProblemCard::ProblemCard(const EditorContext &context)
         row->addWidget(button, 1);
     }
     column->addLayout(row);
+    m_stop->setObjectName(u"stopExport"_s);
     connect(m_stop, &QPushButton::clicked, this, &ProblemCard::stopAsked);
     connect(m_retry, &QPushButton::clicked, this, &ProblemCard::retryAsked);
     connect(m_skip, &QPushButton::clicked, this, [this] {

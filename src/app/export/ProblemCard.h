@@ -17,7 +17,7 @@ class ProblemCard : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ProblemCard(const EditorContext &context);
+    explicit ProblemCard(Thumbnails &thumbnails);
 
     void show(const ExportProblem &problem);
     using QWidget::show;
@@ -32,7 +32,6 @@ Q_SIGNALS:
 private:
     class Tint;
 
-    EditorContext m_context;
     Tint *m_tint;
     Label *m_title;
     Label *m_reason;

@@ -16,7 +16,7 @@ constexpr int radio = 20;
 
 } // namespace
 
-SizeChoice::SizeChoice() : Items(Arrows::Choose)
+SizeChoice::SizeChoice() : ItemView(Arrows::Choose)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }

@@ -2,12 +2,12 @@
 
 #include <QStringList>
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
 /// Rows of which one is chosen, each with a value at its end.
-class SizeChoice : public Items {
+class SizeChoice : public ItemView {
     Q_OBJECT
 
 public:

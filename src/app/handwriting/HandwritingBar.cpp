@@ -56,7 +56,7 @@ HandwritingBar::HandwritingBar()
         }
     }
     closeButton()->setFocusPolicy(Qt::TabFocus);
-    connect(m_mode, &Items::chosen, this, [this](int index) { Q_EMIT movingChosen(index == Move); });
+    connect(m_mode, &ItemView::chosen, this, [this](int index) { Q_EMIT movingChosen(index == Move); });
     connect(m_undo, &QPushButton::clicked, this, &HandwritingBar::undoAsked);
     connect(m_redo, &QPushButton::clicked, this, &HandwritingBar::redoAsked);
     connect(m_clear, &QPushButton::clicked, this, &HandwritingBar::clearAsked);

@@ -24,7 +24,7 @@ namespace tarnovel::app {
 
 namespace {
 
-constexpr double keyZoom = 1.25;
+constexpr double zoomStep = 1.25;
 constexpr int noteMargin = 24;
 /// Between the guide and the page.
 constexpr int guideGap = 24;
@@ -43,6 +43,7 @@ Phrase howToWrite()
 
 HandwritingScreen::HandwritingScreen(const EditorContext &context)
     : m_context(context),
+      m_keys(makeKeys()),
       m_bar(new HandwritingBar),
       m_canvas(new InkCanvas(context.state)),
       m_tools(new HandwritingTools(context.state)),
@@ -85,15 +86,12 @@ void HandwritingScreen::connectBars()
     connect(m_bar, &HandwritingBar::redoAsked, this, withStudio(&HandwritingController::redo));
     connect(m_bar, &HandwritingBar::clearAsked, this, withStudio(&HandwritingController::clear));
     connect(m_bar, &HandwritingBar::doneAsked, this, &HandwritingScreen::done);
-    connect(m_tools, &HandwritingTools::toolChosen, this, [this](HandwritingTool tool) {
-        m_studio->setTool(tool);
-        m_studio->setMoving(false);
-    });
+    connect(m_tools, &HandwritingTools::toolChosen, this, &HandwritingScreen::take);
     connect(m_tools, &HandwritingTools::colorChosen, this, withStudio(&HandwritingController::setColor));
     connect(m_tools, &HandwritingTools::widthChosen, this, withStudio(&HandwritingController::setWidth));
     connect(m_tools, &HandwritingTools::finishChosen, this, withStudio(&HandwritingController::setFinish));
-    connect(m_zoom, &ZoomControl::largerAsked, this, [this] { m_canvas->zoomBy(keyZoom); });
-    connect(m_zoom, &ZoomControl::smallerAsked, this, [this] { m_canvas->zoomBy(1 / keyZoom); });
+    connect(m_zoom, &ZoomControl::largerAsked, this, [this] { m_canvas->zoomBy(zoomStep); });
+    connect(m_zoom, &ZoomControl::smallerAsked, this, [this] { m_canvas->zoomBy(1 / zoomStep); });
     connect(m_zoom, &ZoomControl::fitAsked, this, [this] { m_canvas->zoomToFit(); });
     connect(m_guideButton, &QPushButton::clicked, this, &HandwritingScreen::openGuide);
 }
@@ -300,100 +298,31 @@ void HandwritingScreen::openGuide()
     overlay->open();
 }
 
-bool HandwritingScreen::isKnown(const QKeyEvent &key) const
+HandwritingKeys HandwritingScreen::makeKeys()
 {
-    if (key.modifiers() & Qt::ControlModifier) {
-        return key.key() == Qt::Key_Z || key.key() == Qt::Key_Y || key.key() == Qt::Key_0 ||
-               key.key() == Qt::Key_Plus || key.key() == Qt::Key_Equal || key.key() == Qt::Key_Minus;
-    }
-    return key.key() == Qt::Key_Escape || key.key() == Qt::Key_Space ||
-           (key.text().size() == 1 && QStringLiteral("dmeDME12345[]+-=").contains(key.text()));
+    return HandwritingKeys({.undo = [this] { m_studio->undo(); },
+                            .redo = [this] { m_studio->redo(); },
+                            .take = [this](HandwritingTool tool) { take(tool); },
+                            .move = [this](bool moving) { m_studio->setMoving(moving); },
+                            .widen = [this](int sizes) { m_studio->setWidth(m_studio->width() + sizes); },
+                            .enlarge = [this] { m_canvas->zoomBy(zoomStep); },
+                            .reduce = [this] { m_canvas->zoomBy(1 / zoomStep); },
+                            .fit = [this] { m_canvas->zoomToFit(); },
+                            .leave =
+                                [this] {
+                                    if (m_context.state.colorTaker()) {
+                                        m_context.state.endPicking();
+                                    } else {
+                                        close();
+                                    }
+                                },
+                            .hold = [this] { hold(true); }});
 }
 
-bool HandwritingScreen::actWithControl(const QKeyEvent &key)
+void HandwritingScreen::take(HandwritingTool tool)
 {
-    switch (key.key()) {
-    case Qt::Key_Z:
-        if (key.modifiers() & Qt::ShiftModifier) {
-            m_studio->redo();
-        } else {
-            m_studio->undo();
-        }
-        return true;
-    case Qt::Key_Y:
-        m_studio->redo();
-        return true;
-    case Qt::Key_0:
-        m_canvas->zoomToFit();
-        return true;
-    case Qt::Key_Plus:
-    case Qt::Key_Equal:
-        m_canvas->zoomBy(keyZoom);
-        return true;
-    case Qt::Key_Minus:
-        m_canvas->zoomBy(1 / keyZoom);
-        return true;
-    default:
-        return false;
-    }
-}
-
-bool HandwritingScreen::act(const QKeyEvent &key)
-{
-    if (!m_studio || !isKnown(key) || key.modifiers() & Qt::AltModifier) {
-        return false;
-    }
-    if (m_studio->saving()) {
-        return true;
-    }
-    if (key.modifiers() & Qt::ControlModifier) {
-        return actWithControl(key);
-    }
-    if (key.key() == Qt::Key_Escape) {
-        if (m_context.state.colorTaker()) {
-            m_context.state.endPicking();
-        } else {
-            close();
-        }
-        return true;
-    }
-    if (key.key() == Qt::Key_Space) {
-        if (!key.isAutoRepeat()) {
-            hold(true);
-        }
-        return true;
-    }
-    // Signs rather than keys, since they are elsewhere on other keyboards.
-    const char16_t sign = key.text().toLower().at(0).unicode();
-    if (sign >= u'1' && sign <= u'5') {
-        m_studio->setTool(handwritingTools.at(sign - u'1'));
-        m_studio->setMoving(false);
-        return true;
-    }
-    switch (sign) {
-    case u'd':
-        m_studio->setMoving(false);
-        return true;
-    case u'm':
-        m_studio->setMoving(true);
-        return true;
-    case u'e':
-        m_studio->setTool(HandwritingTool::eraser);
-        m_studio->setMoving(false);
-        return true;
-    case u'[':
-        m_studio->setWidth(m_studio->width() - 1);
-        return true;
-    case u']':
-        m_studio->setWidth(m_studio->width() + 1);
-        return true;
-    case u'-':
-        m_canvas->zoomBy(1 / keyZoom);
-        return true;
-    default: // + and =
-        m_canvas->zoomBy(keyZoom);
-        return true;
-    }
+    m_studio->setTool(tool);
+    m_studio->setMoving(false);
 }
 
 void HandwritingScreen::hold(bool moving)
@@ -409,7 +338,8 @@ void HandwritingScreen::hold(bool moving)
 bool HandwritingScreen::event(QEvent *event)
 {
     // These keys are the page's, whatever they mean to the window.
-    if (event->type() == QEvent::ShortcutOverride && m_studio && isKnown(*static_cast<QKeyEvent *>(event))) {
+    if (event->type() == QEvent::ShortcutOverride && m_studio &&
+        m_keys.find(*static_cast<QKeyEvent *>(event))) {
         event->accept();
         return true;
     }
@@ -421,8 +351,14 @@ bool HandwritingScreen::event(QEvent *event)
 
 void HandwritingScreen::keyPressEvent(QKeyEvent *event)
 {
-    if (!act(*event)) {
+    const std::function<void()> *act = m_studio ? m_keys.find(*event) : nullptr;
+    if (!act) {
         QWidget::keyPressEvent(event);
+        return;
+    }
+    const bool again = event->key() == Qt::Key_Space && event->isAutoRepeat();
+    if (!m_studio->saving() && !again) {
+        (*act)();
     }
 }
 

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include "app/EditorContext.h"
+#include "app/handwriting/HandwritingKeys.h"
 #include "handwriting/HandwritingController.h"
 
 namespace tarnovel::app {
@@ -69,13 +70,12 @@ private:
     void close();
     void done();
     void end();
-    /// Does what the key stands for; false for a key that means nothing here.
-    bool act(const QKeyEvent &key);
-    bool actWithControl(const QKeyEvent &key);
-    bool isKnown(const QKeyEvent &key) const;
+    HandwritingKeys makeKeys();
+    void take(HandwritingTool tool);
     void hold(bool moving);
 
     EditorContext m_context;
+    HandwritingKeys m_keys;
     QUuid m_photo;
     std::unique_ptr<HandwritingController> m_studio;
     std::stop_source m_stop;

@@ -56,15 +56,15 @@ protected:
 const char *iconOf(HandwritingTool tool)
 {
     switch (tool) {
-    case HandwritingTool::fountain:
+    case HandwritingTool::Fountain:
         return "fountain";
-    case HandwritingTool::pencil:
+    case HandwritingTool::Pencil:
         return "pencil";
-    case HandwritingTool::marker:
+    case HandwritingTool::Marker:
         return "marker";
-    case HandwritingTool::eraser:
+    case HandwritingTool::Eraser:
         return "eraser";
-    case HandwritingTool::signature:
+    case HandwritingTool::Signature:
         break;
     }
     return "signpen";
@@ -136,13 +136,13 @@ QWidget *HandwritingTools::makePens()
                          [tool](QPainter &painter, const QRectF &box, const QColor &color) {
                              Icons::draw(painter, iconOf(tool), box.topLeft(), iconSize.width(), color);
                          },
-                         tool == HandwritingTool::eraser ? key + u", E"_s : key});
+                         tool == HandwritingTool::Eraser ? key + u", E"_s : key});
     }
     m_pens = new ToolTiles(std::move(tiles), {penWidth, contentHeight}, iconSize);
     column->addWidget(makeTitle(said({"签名笔", "Signing pen", "Stylo de signature"})));
     column->addWidget(m_pens);
     column->addStretch();
-    connect(m_pens, &Items::chosen, this,
+    connect(m_pens, &ItemView::chosen, this,
             [this](int index) { Q_EMIT toolChosen(handwritingTools.at(static_cast<size_t>(index))); });
     return block;
 }
@@ -204,7 +204,7 @@ QWidget *HandwritingTools::makeEffects()
     column->addWidget(makeTitle(said({"效果", "Effect", "Effet"})));
     column->addWidget(m_effects);
     column->addStretch();
-    connect(m_effects, &Items::chosen, this,
+    connect(m_effects, &ItemView::chosen, this,
             [this](int index) { Q_EMIT finishChosen(handwritingFinishes.at(static_cast<size_t>(index))); });
     return block;
 }
@@ -218,10 +218,10 @@ void HandwritingTools::display(const HandwritingController &studio)
     m_colors->setColor(CompositionRenderer::opaque(studio.color()));
     m_width->setValue(studio.width());
     m_sample->display(studio.tool(), {studio.finish(), studio.color()}, studio.width());
-    const bool erases = studio.tool() == HandwritingTool::eraser;
+    const bool erases = studio.tool() == HandwritingTool::Eraser;
     m_colors->setVisible(!erases);
     m_eraserHint->setVisible(erases);
-    m_colorTitle->setPhrase(erases ? Phrase([] { return handwritingToolTitle(HandwritingTool::eraser); })
+    m_colorTitle->setPhrase(erases ? Phrase([] { return handwritingToolTitle(HandwritingTool::Eraser); })
                                    : said({"颜色", "Color", "Couleur"}));
     setEnabled(!studio.saving());
 }

@@ -27,7 +27,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    HandwritingTool m_tool = HandwritingTool::signature;
+    HandwritingTool m_tool = HandwritingTool::Signature;
     FinishStyle m_style;
     double m_width = 0;
 };

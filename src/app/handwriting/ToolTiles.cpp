@@ -22,7 +22,7 @@ constexpr int narrowWidth = 60;
 } // namespace
 
 ToolTiles::ToolTiles(std::vector<Tile> tiles, QSize tile, QSize picture, QWidget *parent)
-    : Items(Arrows::Choose, parent), m_tiles(std::move(tiles)), m_tile(tile), m_picture(picture)
+    : ItemView(Arrows::Choose, parent), m_tiles(std::move(tiles)), m_tile(tile), m_picture(picture)
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFocusPolicy(Qt::TabFocus);
@@ -97,7 +97,7 @@ bool ToolTiles::event(QEvent *event)
         }
         return true;
     }
-    return Items::event(event);
+    return ItemView::event(event);
 }
 
 } // namespace tarnovel::app

@@ -2,13 +2,13 @@
 
 #include <vector>
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "app/kit/Phrase.h"
 
 namespace tarnovel::app {
 
 /// A row of tiles with a picture and a caption each, of which one is chosen.
-class ToolTiles : public Items {
+class ToolTiles : public ItemView {
     Q_OBJECT
 
 public:

@@ -59,7 +59,7 @@ BackgroundSection::BackgroundSection(const EditorContext &context) : Section(con
     column()->addWidget(m_picture);
     m_choose->setObjectName(u"chooseImage"_s);
     connect(m_choose, &QPushButton::clicked, &context.state, &EditorState::backgroundAsked);
-    connect(m_kind, &Items::chosen, this, [this](int index) {
+    connect(m_kind, &ItemView::chosen, this, [this](int index) {
         const auto kind = static_cast<Backdrop>(index);
         edits().step([kind](FrameSettings &settings) { settings.background = kind; });
     });
@@ -101,7 +101,7 @@ void BackgroundSection::addColors()
     m_photoColors->setObjectName(u"photoColors"_s);
     m_papers->setObjectName(u"papers"_s);
     m_picker->setObjectName(u"picker"_s);
-    connect(m_which, &Items::chosen, this, [this] { refresh(); });
+    connect(m_which, &ItemView::chosen, this, [this] { refresh(); });
     connect(m_photoColors, &Swatches::colorChosen, this,
             [this](const QColor &color) { setColor(color, false); });
     connect(m_papers, &Swatches::colorChosen, this, [this](const QColor &color) { setColor(color, false); });

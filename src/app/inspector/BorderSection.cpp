@@ -44,7 +44,7 @@ BorderSection::BorderSection(const EditorContext &context) : Section(context)
     m_photoColors->setObjectName(u"photoColors"_s);
     m_dots->setObjectName(u"color"_s);
 
-    connect(m_style, &Items::chosen, this, [this](int index) {
+    connect(m_style, &ItemView::chosen, this, [this](int index) {
         edits().step([index](FrameSettings &settings) {
             settings.style = static_cast<FrameStyle>(index);
             if (settings.style == FrameStyle::film && !settings.film) {

@@ -51,7 +51,8 @@ void RatioTiles::paintItem(QPainter &painter, int index, const State &state)
 {
     CardGrid::paintItem(painter, index, state);
     constexpr QSizeF room(46, 46);
-    const QSizeF shape = QSizeF(std::clamp(m_ratio(index), 0.2, 5.0), 1).scaled(room, Qt::KeepAspectRatio);
+    const QSizeF shape =
+        QSizeF(FrameSettings::heldRatio(m_ratio(index)), 1).scaled(room, Qt::KeepAspectRatio);
     const QRectF box(QPointF(itemRect(index).topLeft()) +
                          QPointF((tile.width() - shape.width()) / 2, (tile.height() - shape.height()) / 2),
                      shape);
@@ -72,7 +73,7 @@ CanvasSection::CanvasSection(const EditorContext &context) : Section(context)
     m_tiles->setName(said({"画布", "Canvas", "Format"}));
     column()->addWidget(m_tiles);
     m_tiles->setObjectName(u"presets"_s);
-    connect(m_tiles, &Items::chosen, this, [this](int index) {
+    connect(m_tiles, &ItemView::chosen, this, [this](int index) {
         edits().step([index](FrameSettings &settings) { settings.preset = presetAt(index); });
     });
     addRule();

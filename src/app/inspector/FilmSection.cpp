@@ -77,7 +77,7 @@ FilmSection::FilmSection(const EditorContext &context) : Section(context)
     column()->addWidget(m_film);
     m_format->setObjectName(u"format"_s);
     m_stocks->setObjectName(u"stocks"_s);
-    connect(m_format, &Items::chosen, this, [this](int index) {
+    connect(m_format, &ItemView::chosen, this, [this](int index) {
         change(
             [index](FilmOptions &options) { options.format = filmFormats.at(static_cast<size_t>(index)); });
     });

@@ -106,7 +106,7 @@ LayerPlace::LayerPlace(const EditorContext &context)
     m_pad->setObjectName(u"pad"_s);
     m_x->setObjectName(u"layerX"_s);
     m_y->setObjectName(u"layerY"_s);
-    connect(m_pad, &Items::chosen, this, [this](int index) {
+    connect(m_pad, &ItemView::chosen, this, [this](int index) {
         const PhotoItem *photo = m_context.model.current();
         if (!photo || !photo->settings.layer(m_id)) {
             return;

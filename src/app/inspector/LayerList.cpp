@@ -31,7 +31,7 @@ QString shown(const TextLayer &layer)
 
 } // namespace
 
-LayerList::LayerList() : Items(Arrows::Choose)
+LayerList::LayerList() : ItemView(Arrows::Choose)
 {
     setName(said({"文字图层", "Text layers", "Calques de texte"}));
 }
@@ -117,13 +117,13 @@ void LayerList::mousePressEvent(QMouseEvent *event)
         Q_EMIT visibilityAsked(index);
         return;
     }
-    Items::mousePressEvent(event);
+    ItemView::mousePressEvent(event);
 }
 
 void LayerList::mouseReleaseEvent(QMouseEvent *event)
 {
     const int pressed = pressedItem();
-    Items::mouseReleaseEvent(event);
+    ItemView::mouseReleaseEvent(event);
     if (event->button() == Qt::LeftButton && pressed >= 0 && pressed == itemAt(event->position().toPoint())) {
         Q_EMIT rowClicked(pressed);
     }
@@ -135,7 +135,7 @@ void LayerList::keyPressEvent(QKeyEvent *event)
         Q_EMIT visibilityAsked(cursor());
         return;
     }
-    Items::keyPressEvent(event);
+    ItemView::keyPressEvent(event);
 }
 
 } // namespace tarnovel::app

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "model/FrameSettings.h"
 
 namespace tarnovel::app {
 
 /// The texts of a frame, one a row, with an eye each.
-class LayerList : public Items {
+class LayerList : public ItemView {
     Q_OBJECT
 
 public:

@@ -4,10 +4,9 @@
 
 namespace tarnovel::app {
 
-class Button;
 class LayerPlace;
 class LayerShape;
-class PictureWell;
+class PictureHolder;
 class Switch;
 
 /// The picture that stands for the photographer.
@@ -22,12 +21,7 @@ protected:
     void display(const PhotoItem &photo) override;
 
 private:
-    PictureWell *m_well;
-    QWidget *m_empty;
-    QWidget *m_change;
-    Button *m_choose;
-    Button *m_remove;
-    QWidget *m_controls;
+    PictureHolder *m_holder;
     Switch *m_visible;
     LayerShape *m_shape;
     LayerPlace *m_place;

@@ -4,8 +4,7 @@
 
 namespace tarnovel::app {
 
-class Button;
-class PictureWell;
+class PictureHolder;
 class Slider;
 
 /// The handwritten signature: where it stands, and how large.
@@ -20,14 +19,9 @@ protected:
     void display(const PhotoItem &photo) override;
 
 private:
-    PictureWell *m_well;
+    PictureHolder *m_holder;
     /// The picture in the well.
     qint64 m_shown = 0;
-    QWidget *m_empty;
-    QWidget *m_change;
-    Button *m_write;
-    Button *m_remove;
-    QWidget *m_controls;
     Slider *m_size;
     Slider *m_x;
     Slider *m_y;

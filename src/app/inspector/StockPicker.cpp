@@ -44,7 +44,7 @@ protected:
 
 } // namespace
 
-StockList::StockList() : Items(Arrows::Move)
+StockList::StockList() : ItemView(Arrows::Move)
 {
     filter({});
 }
@@ -187,13 +187,13 @@ StockPicker::StockPicker()
     connect(m_search, &QLineEdit::textEdited, this, &StockPicker::filter);
     connect(m_search, &QLineEdit::returnPressed, this,
             [this] { m_list->choose(std::max(m_list->cursor(), 0)); });
-    connect(m_list, &Items::cursorMoved, this, [this](int index) {
+    connect(m_list, &ItemView::cursorMoved, this, [this](int index) {
         if (index >= 0) {
             const QRect row = m_list->itemRect(index);
             m_scroll->ensureVisible(row.center().x(), row.center().y(), 0, rowHeight);
         }
     });
-    connect(m_list, &Items::chosen, this, [this](int index) {
+    connect(m_list, &ItemView::chosen, this, [this](int index) {
         const QString stock = m_list->stockAt(index);
         m_search->clear();
         Q_EMIT chosen(stock);

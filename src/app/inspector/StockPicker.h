@@ -4,7 +4,7 @@
 
 #include <QWidget>
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
@@ -12,7 +12,7 @@ class Field;
 class ScrollArea;
 
 /// The film stocks by brand. A name that is in no brand can be used too.
-class StockList : public Items {
+class StockList : public ItemView {
     Q_OBJECT
 
 public:

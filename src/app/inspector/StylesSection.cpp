@@ -69,7 +69,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
     column()->addWidget(m_autoApply);
     m_autoApply->setObjectName(u"autoApply"_s);
     connect(m_autoApply, &Switch::toggledByUser, &context.model, &EditorModel::setAutoApplyLastStyle);
-    connect(m_grid, &Items::chosen, this, [this](int index) {
+    connect(m_grid, &ItemView::chosen, this, [this](int index) {
         SavedPreset preset = model().presets().at(index);
         if (const PhotoItem *photo = model().current()) {
             preset.settings = applied(preset, *photo);
@@ -78,7 +78,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
         preset.settings.templateID = styleId(preset);
         model().applyPreset(preset);
     });
-    connect(m_grid, &Items::menuRequested, this, &StylesSection::askDelete);
+    connect(m_grid, &ItemView::menuRequested, this, &StylesSection::askDelete);
     connect(&context.thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
         if (key.of == ThumbnailKey::Of::Style) {
             m_grid->update();

@@ -38,7 +38,7 @@ TemplatesSection::TemplatesSection(const EditorContext &context) : Section(conte
     m_grid->setName(said({"模板", "Templates", "Modèles"}));
     column()->addWidget(m_grid);
     m_grid->setObjectName(u"templates"_s);
-    connect(m_grid, &Items::chosen, this, [this](int index) {
+    connect(m_grid, &ItemView::chosen, this, [this](int index) {
         edits().step([this, index](FrameSettings &settings) {
             settings = BuiltInTemplates::make(BuiltInTemplates::all().at(index), settings,
                                               model().previews().palette);

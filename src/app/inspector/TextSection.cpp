@@ -33,7 +33,7 @@ bool isOfCamera(const QString &id)
 /// and are listed only while one of them is at hand.
 QList<TextLayer> listed(const FrameSettings &settings, const QString &atHand)
 {
-    static const QStringList order = {u"title"_s, u"caption"_s, u"date"_s, u"watermark"_s,
+    static const QStringList order = {u"title"_s, u"caption"_s, u"date"_s, logoLayer,
                                       u"brand"_s, u"model"_s,   u"exif"_s};
     QList<TextLayer> layers;
     for (const QString &id : order) {
@@ -110,17 +110,17 @@ TextSection::TextSection(const EditorContext &context) : Section(context)
             refresh();
         }
     });
-    connect(m_list, &Items::chosen, this, [this](int index) {
+    connect(m_list, &ItemView::chosen, this, [this](int index) {
         this->context().state.selectLayer(m_list->layers().at(index).id);
         refresh();
     });
     connect(m_list, &LayerList::rowClicked, this, &TextSection::editText);
-    connect(m_list, &Items::activated, this, &TextSection::editText);
+    connect(m_list, &ItemView::activated, this, &TextSection::editText);
     connect(m_list, &LayerList::visibilityAsked, this, [this](int index) {
         const QString id = m_list->layers().at(index).id;
         edits().step(inLayer(id, [](TextLayer &layer) { layer.visible = !layer.visible; }));
     });
-    connect(m_list, &Items::menuRequested, this, [this](int index) {
+    connect(m_list, &ItemView::menuRequested, this, [this](int index) {
         if (isOwn(m_list->layers().at(index).id)) {
             this->context().state.selectLayer(m_list->layers().at(index).id);
             removeLayer();
@@ -168,7 +168,7 @@ void TextSection::addEditor()
         m_text->setModified(false);
         edits().endAdjusting();
     });
-    connect(m_font, &Items::chosen, this, [this](int index) {
+    connect(m_font, &ItemView::chosen, this, [this](int index) {
         edits().step(inLayer(m_id, [index](TextLayer &layer) { layer.fontStyle = fontAt(index); }));
     });
     connect(m_ink, &ColorDots::chosenColor, this, [this](const QColor &color) {

@@ -65,7 +65,7 @@ void paintFramed(QPainter &painter, const QImage &image, const QRectF &tile, boo
 }
 
 CardGrid::CardGrid(Source source, QSize tile, int columns, QWidget *parent)
-    : Items(Arrows::Move, parent), m_source(std::move(source)), m_tile(tile), m_columns(columns)
+    : ItemView(Arrows::Move, parent), m_source(std::move(source)), m_tile(tile), m_columns(columns)
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
@@ -157,7 +157,7 @@ bool CardGrid::event(QEvent *event)
         QToolTip::showText(help->globalPos(), index >= 0 ? itemName(index).toHtmlEscaped() : QString(), this);
         return true;
     }
-    return Items::event(event);
+    return ItemView::event(event);
 }
 
 } // namespace tarnovel::app

@@ -4,12 +4,12 @@
 
 #include <QImage>
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
 /// Tiles with a picture and a name, in columns.
-class CardGrid : public Items {
+class CardGrid : public ItemView {
     Q_OBJECT
 
 public:

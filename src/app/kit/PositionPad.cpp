@@ -7,7 +7,7 @@
 
 namespace tarnovel::app {
 
-PositionPad::PositionPad(QWidget *parent) : Items(Arrows::Move, parent)
+PositionPad::PositionPad(QWidget *parent) : ItemView(Arrows::Move, parent)
 {
     setFixedSize(sizeHint());
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
 /// Nine places in a square.
-class PositionPad : public Items {
+class PositionPad : public ItemView {
     Q_OBJECT
 
 public:

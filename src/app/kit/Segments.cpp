@@ -22,7 +22,7 @@ constexpr int iconGap = 8;
 } // namespace
 
 Segments::Segments(std::vector<Phrase> names, QWidget *parent)
-    : Items(Arrows::Choose, parent), m_names(std::move(names))
+    : ItemView(Arrows::Choose, parent), m_names(std::move(names))
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
@@ -68,7 +68,7 @@ void Segments::resizeEvent(QResizeEvent *event)
         m_wasTall = tall();
         updateGeometry();
     }
-    Items::resizeEvent(event);
+    ItemView::resizeEvent(event);
 }
 
 void Segments::paintGround(QPainter &painter)

@@ -2,13 +2,13 @@
 
 #include <vector>
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "app/kit/Phrase.h"
 
 namespace tarnovel::app {
 
 /// A row of two to five choices of which one holds.
-class Segments : public Items {
+class Segments : public ItemView {
     Q_OBJECT
 
 public:

@@ -21,10 +21,10 @@ constexpr int margin = 4;
 
 } // namespace
 
-Swatches::Swatches(Shape shape, QWidget *parent) : Items(Arrows::Move, parent), m_shape(shape)
+Swatches::Swatches(Shape shape, QWidget *parent) : ItemView(Arrows::Move, parent), m_shape(shape)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    connect(this, &Items::chosen, this, [this](int index) {
+    connect(this, &ItemView::chosen, this, [this](int index) {
         if (isWheel(index)) {
             Q_EMIT wheelChosen();
         } else {

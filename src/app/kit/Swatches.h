@@ -4,13 +4,13 @@
 
 #include <QColor>
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 #include "app/kit/Phrase.h"
 
 namespace tarnovel::app {
 
 /// A row of colours; the last may be a wheel that stands for any other.
-class Swatches : public Items {
+class Swatches : public ItemView {
     Q_OBJECT
 
 public:

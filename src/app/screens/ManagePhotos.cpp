@@ -39,10 +39,10 @@ Phrase countedPhrase(qsizetype count, const Text &one, const Text &other)
 
 } // namespace
 
-ManageGrid::ManageGrid(const EditorContext &context) : Items(Arrows::Move), m_context(context)
+ManageGrid::ManageGrid(const PhotosContext &context) : ItemView(Arrows::Move), m_context(context)
 {
     setName(said({"照片", "Photos", "Photos"}));
-    connect(this, &Items::chosen, this, [this](int index) {
+    connect(this, &ItemView::chosen, this, [this](int index) {
         const QUuid id = m_context.model.photos().at(index).id;
         if (m_picked.erase(id) == 0) {
             m_picked.insert(id);
@@ -99,7 +99,7 @@ QSize ManageGrid::sizeHint() const
 void ManageGrid::resizeEvent(QResizeEvent *event)
 {
     setFixedHeight(heightForWidth(width()));
-    Items::resizeEvent(event);
+    ItemView::resizeEvent(event);
 }
 
 bool ManageGrid::itemChosen(int index) const
@@ -152,7 +152,7 @@ void ManageGrid::paintItem(QPainter &painter, int index, const State &state)
                      QString::number(index + 1));
 }
 
-ManagePhotos::ManagePhotos(const EditorContext &context)
+ManagePhotos::ManagePhotos(const PhotosContext &context)
     : m_context(context),
       m_grid(new ManageGrid(context)),
       m_area(new ScrollArea),
@@ -180,13 +180,13 @@ ManagePhotos::ManagePhotos(const EditorContext &context)
     });
     connect(m_clear, &QPushButton::clicked, this, &ManagePhotos::askClear);
     connect(m_grid, &ManageGrid::pickedChanged, this, &ManagePhotos::refresh);
-    connect(m_grid, &Items::cursorMoved, this, [this](int index) {
+    connect(m_grid, &ItemView::cursorMoved, this, [this](int index) {
         if (index >= 0) {
             const QRect item = m_grid->itemRect(index);
             m_area->ensureVisible(item.center().x(), item.center().y(), 0, item.height() / 2 + 16);
         }
     });
-    connect(m_grid, &Items::menuRequested, this, [this](int index) {
+    connect(m_grid, &ItemView::menuRequested, this, [this](int index) {
         if (m_grid->picked().empty()) {
             m_grid->setPicked({m_context.model.photos().at(index).id});
         }

@@ -3,7 +3,7 @@
 #include <set>
 
 #include "app/EditorContext.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
@@ -12,11 +12,11 @@ class Label;
 class ScrollArea;
 
 /// The session's photos as tiles of which several can be picked.
-class ManageGrid : public Items {
+class ManageGrid : public ItemView {
     Q_OBJECT
 
 public:
-    explicit ManageGrid(const EditorContext &context);
+    explicit ManageGrid(const PhotosContext &context);
 
     const std::set<QUuid> &picked() const { return m_picked; }
     void setPicked(const std::set<QUuid> &picked);
@@ -41,7 +41,7 @@ protected:
 private:
     int columns(int width) const;
 
-    EditorContext m_context;
+    PhotosContext m_context;
     std::set<QUuid> m_picked;
 };
 
@@ -50,7 +50,7 @@ class ManagePhotos : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ManagePhotos(const EditorContext &context);
+    explicit ManagePhotos(const PhotosContext &context);
 
     void open();
 
@@ -67,7 +67,7 @@ private:
     void askRemove();
     void askClear();
 
-    EditorContext m_context;
+    PhotosContext m_context;
     ManageGrid *m_grid;
     ScrollArea *m_area;
     Button *m_selectAll;

@@ -9,6 +9,7 @@
 #include "app/kit/Button.h"
 #include "app/kit/Icons.h"
 #include "app/kit/Label.h"
+#include "app/kit/Press.h"
 #include "app/kit/ScrollArea.h"
 #include "app/kit/Shadow.h"
 #include "app/kit/Theme.h"
@@ -30,11 +31,10 @@ constexpr int leastCover = 320;
 /// Of the window.
 constexpr int narrowWidth = 1100;
 constexpr int cardPadding = 24;
-constexpr int dragDistance = 6;
 constexpr double liftedDegrees = 2;
 constexpr int manyDots = 20;
 
-QImage thumbnail(const EditorContext &context, const PhotoItem &photo, QSize roomPx)
+QImage thumbnail(const PhotosContext &context, const PhotoItem &photo, QSize roomPx)
 {
     return context.thumbnails.image(ThumbnailKey::photo(photo), photo, roomPx);
 }
@@ -73,7 +73,7 @@ protected:
 
 } // namespace
 
-PostGrid::PostGrid(const EditorContext &context) : Items(Arrows::Move), m_context(context)
+PostGrid::PostGrid(const PhotosContext &context) : ItemView(Arrows::Move), m_context(context)
 {
     setColumn(usualColumn);
     setName(said({"套图", "Set", "Série"}));
@@ -174,7 +174,7 @@ void PostGrid::paintItem(QPainter &painter, int index, const State &state)
 
 void PostGrid::paintEvent(QPaintEvent *event)
 {
-    Items::paintEvent(event);
+    ItemView::paintEvent(event);
     if (m_lifted < 0) {
         return;
     }
@@ -204,14 +204,14 @@ void PostGrid::mousePressEvent(QMouseEvent *event)
     if (event->button() == Qt::LeftButton) {
         m_press = event->position().toPoint();
     }
-    Items::mousePressEvent(event);
+    ItemView::mousePressEvent(event);
 }
 
 void PostGrid::mouseMoveEvent(QMouseEvent *event)
 {
     const QPoint position = event->position().toPoint();
     if (m_press && event->buttons() & Qt::LeftButton) {
-        if (m_lifted < 0 && (position - *m_press).manhattanLength() > dragDistance) {
+        if (m_lifted < 0 && (position - *m_press).manhattanLength() > Press::takesItem) {
             m_lifted = itemAt(*m_press);
         }
         if (m_lifted >= 0) {
@@ -223,7 +223,7 @@ void PostGrid::mouseMoveEvent(QMouseEvent *event)
             return;
         }
     }
-    Items::mouseMoveEvent(event);
+    ItemView::mouseMoveEvent(event);
 }
 
 void PostGrid::mouseReleaseEvent(QMouseEvent *event)
@@ -238,7 +238,7 @@ void PostGrid::mouseReleaseEvent(QMouseEvent *event)
         movePhoto(from, to);
         setCursorItem(to);
     }
-    Items::mouseReleaseEvent(event);
+    ItemView::mouseReleaseEvent(event);
 }
 
 void PostGrid::keyPressEvent(QKeyEvent *event)
@@ -264,10 +264,10 @@ void PostGrid::keyPressEvent(QKeyEvent *event)
         update();
         return;
     }
-    Items::keyPressEvent(event);
+    ItemView::keyPressEvent(event);
 }
 
-CoverView::CoverView(const EditorContext &context) : m_context(context)
+CoverView::CoverView(const PhotosContext &context) : m_context(context)
 {
     connect(&context.thumbnails, &Thumbnails::ready, this, [this] { update(); });
 }
@@ -299,7 +299,7 @@ void CoverView::paintEvent(QPaintEvent *)
     }
 }
 
-SetPreview::SetPreview(const EditorContext &context)
+SetPreview::SetPreview(const PhotosContext &context)
     : m_context(context),
       m_title(new Label(Type::Title, said({"拖动照片排序", "Drag photos to reorder",
                                            "Glissez les photos pour les réordonner"}))),
@@ -332,7 +332,7 @@ SetPreview::SetPreview(const EditorContext &context)
     m_area->setWidgetResizable(false);
     m_area->hold(m_grid);
     connect(m_grid, &PostGrid::scrollAsked, this, [this](int y) { m_area->ensureVisible(0, y, 0, 60); });
-    connect(m_grid, &Items::cursorMoved, this, [this](int index) {
+    connect(m_grid, &ItemView::cursorMoved, this, [this](int index) {
         if (index >= 0) {
             const QRect item = m_grid->itemRect(index);
             m_area->ensureVisible(item.center().x(), item.center().y(), 0, item.height() / 2 + 8);
@@ -394,8 +394,7 @@ void SetPreview::keyPressEvent(QKeyEvent *event)
 
 void SetPreview::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
-    painter.fillRect(rect(), theme().canvas);
+    QPainter(this).fillRect(rect(), theme().canvas);
 }
 
 } // namespace tarnovel::app

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "app/EditorContext.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
@@ -11,11 +11,11 @@ class Label;
 class ScrollArea;
 
 /// The set's pictures as a post shows them, in three columns; dragged tiles move.
-class PostGrid : public Items {
+class PostGrid : public ItemView {
     Q_OBJECT
 
 public:
-    explicit PostGrid(const EditorContext &context);
+    explicit PostGrid(const PhotosContext &context);
 
     void reload();
     /// How wide one of the three columns is.
@@ -45,7 +45,7 @@ private:
     /// The photo that stands at a place while one is lifted.
     int photoAt(int place) const;
 
-    EditorContext m_context;
+    PhotosContext m_context;
     std::optional<QPoint> m_press;
     int m_column = 0;
     int m_lifted = -1;
@@ -58,13 +58,13 @@ class CoverView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit CoverView(const EditorContext &context);
+    explicit CoverView(const PhotosContext &context);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    EditorContext m_context;
+    PhotosContext m_context;
 };
 
 /// The page that shows the set like a post, where it is put in order.
@@ -72,7 +72,7 @@ class SetPreview : public QWidget {
     Q_OBJECT
 
 public:
-    explicit SetPreview(const EditorContext &context);
+    explicit SetPreview(const PhotosContext &context);
 
     void open();
     PostGrid *grid() const { return m_grid; }
@@ -89,7 +89,7 @@ protected:
 private:
     void place();
 
-    EditorContext m_context;
+    PhotosContext m_context;
     QWidget *m_bar;
     Label *m_title;
     Label *m_hint;

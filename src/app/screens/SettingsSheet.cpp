@@ -40,9 +40,9 @@ QString systemLanguageName()
 }
 
 /// Small windows that show the three appearances.
-class AppearanceTiles : public Items {
+class AppearanceTiles : public ItemView {
 public:
-    AppearanceTiles() : Items(Arrows::Choose) { setFixedHeight(96); }
+    AppearanceTiles() : ItemView(Arrows::Choose) { setFixedHeight(96); }
 
     int count() const override { return 3; }
     QRect itemRect(int index) const override
@@ -218,14 +218,14 @@ QWidget *makeSettings(const EditorContext &context, Appearance &appearance,
     column->addStretch();
     column->addWidget(makeAbout(context));
     QObject::connect(
-        language, &Items::chosen, pane,
+        language, &ItemView::chosen, pane,
         [&preferences = context.preferences, languageChanged = std::move(languageChanged)](int index) {
             const std::optional<AppLanguage> chosen =
                 index == 0 ? std::nullopt : std::optional(static_cast<AppLanguage>(index - 1));
             preferences.set(PreferenceKeys::language, {languageName(chosen)});
             languageChanged();
         });
-    QObject::connect(tiles, &Items::chosen, &appearance,
+    QObject::connect(tiles, &ItemView::chosen, &appearance,
                      [&appearance](int index) { appearance.choose(static_cast<AppearanceChoice>(index)); });
     QObject::connect(autoApply, &Switch::toggledByUser, &context.model, &EditorModel::setAutoApplyLastStyle);
     return pane;

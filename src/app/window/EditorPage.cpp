@@ -76,7 +76,7 @@ EditorPage::EditorPage(const EditorContext &context, EditorActions &actions, con
     row->addWidget(m_export);
     m_export->hide();
     connect(m_home, &HomeScreen::continueAsked, this, &EditorPage::showEditor);
-    connect(m_rail, &Items::chosen, this, [this] {
+    connect(m_rail, &ItemView::chosen, this, [this] {
         const Tool tool = m_context.state.tool();
         showDrawer(!(m_drawer && m_drawerTool == tool));
     });

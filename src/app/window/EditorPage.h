@@ -44,7 +44,6 @@ public:
     CanvasView *canvas() const { return m_canvas; }
     FilmStrip *strip() const { return m_strip; }
     ToolPanel *panel() const { return m_panel; }
-    ToolRail *rail() const { return m_rail; }
     TopBar *bar() const { return m_bar; }
     ExportPanel *exporting() const { return m_export; }
     /// What the veil of a drag covers: stage and strip, or all of home.

@@ -1,23 +1,18 @@
 #include "app/window/MainWindow.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QFileInfo>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QShortcut>
 #include <QStackedLayout>
 
-#include "app/Wording.h"
 #include "app/canvas/CanvasView.h"
 #include "app/canvas/TextPopover.h"
 #include "app/collage/CollageScreen.h"
 #include "app/export/ExportPanel.h"
-#include "app/export/SuccessSheet.h"
 #include "app/handwriting/HandwritingScreen.h"
 #include "app/kit/Accessible.h"
-#include "app/kit/Button.h"
 #include "app/kit/Focus.h"
 #include "app/kit/Overlay.h"
 #include "app/kit/Theme.h"
@@ -29,11 +24,7 @@
 #include "app/window/EditorPage.h"
 #include "app/window/FilmStrip.h"
 #include "app/window/HomeScreen.h"
-#include "app/window/ToolPanel.h"
-#include "app/window/TopBar.h"
 #include "app/window/WindowClosing.h"
-#include "export/PhotoLibrary.h"
-#include "language/Plural.h"
 
 using namespace Qt::StringLiterals;
 
@@ -45,6 +36,8 @@ MainWindow::MainWindow(const WindowServices &services)
       m_placement(*this, services.editor.preferences),
       m_pages(new QStackedLayout(this)),
       m_page(new EditorPage(services.editor, *m_actions, services.chooser, services.library)),
+      m_questions(services.editor.model, services.editor.state, *m_page),
+      m_success(*this, *m_page->exporting(), services.editor.state),
       m_veil(new DropVeil(this)),
       m_toast(new Toast(this))
 {
@@ -89,8 +82,8 @@ void MainWindow::connectActions()
     });
     m_actions->connectTo(Act::Undo, [this] { m_services.editor.model.undoVisibly(); });
     m_actions->connectTo(Act::Redo, [this] { m_services.editor.model.redoVisibly(); });
-    when(Act::ApplyToAll, &MainWindow::applyToAll);
-    when(Act::SaveStyle, &MainWindow::askStyleName);
+    m_actions->connectTo(Act::ApplyToAll, [this] { m_questions.applyToAll(); });
+    m_actions->connectTo(Act::SaveStyle, [this] { m_questions.askStyleName(); });
     when(Act::Collage, &MainWindow::showCollage);
     when(Act::PreviewSet, &MainWindow::showSetPreview);
     when(Act::Manage, &MainWindow::showManage);
@@ -114,27 +107,20 @@ void MainWindow::connectState()
         m_toast->say(text, kind);
     });
     connect(&shared, &EditorState::addPhotosAsked, this, [this] {
-        m_services.chooser.photos(this, [this](const QStringList &files) {
-            import(files, ImportMode::Photos, ImportSource::Files);
-        });
+        m_services.chooser.photos(this,
+                                  [this](const QStringList &files) { import(files, ImportMode::Photos); });
     });
     connect(&shared, &EditorState::backgroundAsked, this, [this] {
-        m_services.chooser.picture(this, [this](const QStringList &files) {
-            import(files, ImportMode::Background, ImportSource::Files);
-        });
+        m_services.chooser.picture(
+            this, [this](const QStringList &files) { import(files, ImportMode::Background); });
     });
     connect(&shared, &EditorState::logoAsked, this, [this] {
-        m_services.chooser.picture(
-            this, [this](const QStringList &files) { import(files, ImportMode::Logo, ImportSource::Files); });
+        m_services.chooser.picture(this,
+                                   [this](const QStringList &files) { import(files, ImportMode::Logo); });
     });
     connect(&shared, &EditorState::signatureAsked, this, &MainWindow::showHandwriting);
-    connect(&shared, &EditorState::saveStyleAsked, this, &MainWindow::askStyleName);
-    connect(&shared, &EditorState::applyToAllAsked, this, &MainWindow::applyToAll);
-    connect(&shared, &EditorState::removeAsked, this, &MainWindow::askRemove);
     connect(m_page->strip(), &FilmStrip::manageAsked, this, &MainWindow::showManage);
     connect(m_page->strip(), &FilmStrip::previewSetAsked, this, &MainWindow::showSetPreview);
-    connect(m_page->exporting(), &ExportPanel::exportedToFolder, this, &MainWindow::showFolderSuccess);
-    connect(m_page->exporting(), &ExportPanel::exportedToLibrary, this, &MainWindow::showLibrarySuccess);
     connect(m_page->home(), &HomeScreen::continueAsked, this, &MainWindow::showEditor);
     connect(m_page->canvas(), &CanvasView::editTextAsked, this, [this](const QString &layer) {
         state().setTool(Tool::Text);
@@ -219,7 +205,7 @@ void MainWindow::showEditor()
 void MainWindow::showManage()
 {
     if (!m_manage) {
-        m_manage = new ManagePhotos(m_services.editor);
+        m_manage = new ManagePhotos(m_services.editor.photos());
         connect(m_manage, &ManagePhotos::closeAsked, this, &MainWindow::showEditor);
     }
     showPage(m_manage);
@@ -229,7 +215,7 @@ void MainWindow::showManage()
 void MainWindow::showSetPreview()
 {
     if (!m_preview) {
-        m_preview = new SetPreview(m_services.editor);
+        m_preview = new SetPreview(m_services.editor.photos());
         connect(m_preview, &SetPreview::closeAsked, this, &MainWindow::showEditor);
         connect(m_preview, &SetPreview::exportAsked, this, [this] {
             showEditor();
@@ -338,96 +324,6 @@ void MainWindow::updateActions()
     }
     m_actions->setEnabled(Act::Guide, onPage);
     m_actions->setEnabled(Act::Settings, onPage);
-}
-
-void MainWindow::askRemove()
-{
-    if (!m_services.editor.model.current()) {
-        return;
-    }
-    ask(m_page->strip()->removeButton(),
-        {said({"移除这张照片", "Remove this photo", "Retirer cette photo"}),
-         [] { return Wording::local(Confirmations::removePhoto()); }, said({"移除", "Remove", "Retirer"})},
-        [this] { m_services.editor.model.removeCurrent(); });
-}
-
-void MainWindow::askStyleName()
-{
-    if (!m_services.editor.model.current()) {
-        return;
-    }
-    QWidget *anchor =
-        m_page->exportShown() ? static_cast<QWidget *>(m_page->bar()) : m_page->panel()->saveStyleButton();
-    askText(
-        anchor,
-        {.title = said({"保存我的风格", "Save my style", "Enregistrer mon style"}),
-         .text = said({"画布、背景、边框和文字样式会一起保存。",
-                       "Canvas, background, border and texts are kept together.",
-                       "Format, fond, bordure et textes sont conservés ensemble."}),
-         .fieldName = said({"风格名称", "Style name", "Nom du style"}),
-         .confirm = said({"保存", "Save", "Enregistrer"})},
-        [this](const QString &typed) {
-            const QString name = typed.simplified().left(60);
-            if (name.isEmpty()) {
-                return localized({"请输入名称。", "Enter a name.", "Saisissez un nom."});
-            }
-            if (m_services.editor.model.savePreset(name)) {
-                state().say(localized({"风格已保存", "Style saved", "Style enregistré"}), Toast::Kind::Done);
-            }
-            return QString();
-        });
-}
-
-void MainWindow::applyToAll()
-{
-    EditorModel &model = m_services.editor.model;
-    if (!model.current()) {
-        return;
-    }
-    model.applyToAll();
-    state().say(
-        counted(model.photos().size(), {"风格已应用。", "Style applied.", "Style appliqué."},
-                {"风格已应用到 %1 张照片。", "Style applied to %1 photos.", "Style appliqué aux %1 photos."}),
-        Toast::Kind::Done);
-}
-
-void MainWindow::showFolderSuccess()
-{
-    ExportPanel *panel = m_page->exporting();
-    const std::optional<ExportResult> &result = panel->folderExport().result();
-    if (!result || m_success) {
-        return;
-    }
-    const qsizetype count = result->files.size();
-    m_success = showSuccess(this,
-                            {[count] { return ExportTexts::exported(count); },
-                             result->folder,
-                             result->files,
-                             result->skipped,
-                             {},
-                             [panel] {
-                                 const std::optional<ExportResult> &now = panel->folderExport().result();
-                                 return now ? now->thumbnails : QList<QImage>();
-                             },
-                             result->quote},
-                            [this](const QString &text) { state().say(text, Toast::Kind::Done); });
-    connect(&panel->folderExport(), &FolderExport::changed, m_success, qOverload<>(&QWidget::update));
-    connect(m_success, &Overlay::closed, this, [panel] { panel->dismissResult(); });
-}
-
-void MainWindow::showLibrarySuccess()
-{
-    const LibraryExport &run = m_page->exporting()->libraryExport();
-    if (m_success || run.saved().isEmpty()) {
-        return;
-    }
-    m_success = showSuccess(
-        this,
-        {[] { return LibraryExport::savedText(); }, QFileInfo(run.saved().first()).absolutePath(),
-         run.saved(), run.run().skippedNames(), [] { return Wording::local(LibraryExport::shareText()); },
-         [&run] { return run.thumbnails(); }, run.quote()},
-        [this](const QString &text) { state().say(text, Toast::Kind::Done); });
-    connect(&run, &LibraryExport::changed, m_success, qOverload<>(&QWidget::update));
 }
 
 void MainWindow::placeToast()

@@ -8,8 +8,11 @@
 #include "app/Appearance.h"
 #include "app/EditorContext.h"
 #include "app/FileChooser.h"
+#include "app/export/ExportSuccess.h"
+#include "app/window/PhotoQuestions.h"
 #include "app/window/WindowPlacement.h"
 #include "base/ScratchFolder.h"
+#include "base/Worker.h"
 
 class QMimeData;
 class QStackedLayout;
@@ -96,16 +99,11 @@ private:
     void updateActions();
     void acceptDrag(QDropEvent *event) const;
     void showPage(QWidget *page);
-    void import(const QStringList &files, ImportMode mode, ImportSource source);
+    void import(const QStringList &files, ImportMode mode);
     bool backgroundWanted() const;
     void paste();
     /// Takes the picture itself, where no file of it is at hand. False when there is none.
     bool importImage(const QMimeData *carried, const QString &name);
-    void askRemove();
-    void askStyleName();
-    void applyToAll();
-    void showFolderSuccess();
-    void showLibrarySuccess();
     void placeToast();
 
     WindowServices m_services;
@@ -113,18 +111,20 @@ private:
     WindowPlacement m_placement;
     QStackedLayout *m_pages;
     EditorPage *m_page;
+    PhotoQuestions m_questions;
+    ExportSuccess m_success;
     QPointer<ManagePhotos> m_manage;
     QPointer<SetPreview> m_preview;
     QPointer<CollageScreen> m_collage;
     QPointer<HandwritingScreen> m_handwriting;
     DropVeil *m_veil;
     Toast *m_toast;
-    QPointer<Overlay> m_success;
     /// Pictures from the clipboard wait here for their import.
     std::unique_ptr<ScratchFolder> m_pasted;
     int m_pastes = 0;
     std::unique_ptr<WindowClosing> m_closing;
     bool m_dropUsable = false;
+    Worker m_paster;
 };
 
 } // namespace tarnovel::app

@@ -4,8 +4,6 @@
 #include <QClipboard>
 #include <QDragEnterEvent>
 #include <QMimeData>
-#include <QPointer>
-#include <QThreadPool>
 
 #include "app/collage/CollageScreen.h"
 #include "app/window/DropVeil.h"
@@ -23,7 +21,7 @@ namespace tarnovel::app {
 void MainWindow::openPhotos(const QStringList &photos, const QString &activationToken)
 {
     if (!photos.isEmpty()) {
-        import(photos, ImportMode::Photos, ImportSource::Files);
+        import(photos, ImportMode::Photos);
     }
     if (isVisible()) {
         if (!activationToken.isEmpty()) {
@@ -36,7 +34,7 @@ void MainWindow::openPhotos(const QStringList &photos, const QString &activation
     }
 }
 
-void MainWindow::import(const QStringList &files, ImportMode mode, ImportSource source)
+void MainWindow::import(const QStringList &files, ImportMode mode)
 {
     if (files.isEmpty()) {
         return;
@@ -44,7 +42,6 @@ void MainWindow::import(const QStringList &files, ImportMode mode, ImportSource 
     ImportRequest request;
     request.paths = files;
     request.mode = mode;
-    request.source = source;
     m_services.editor.imports.start(request);
 }
 
@@ -61,7 +58,7 @@ void MainWindow::paste()
     const QMimeData *copied = QApplication::clipboard()->mimeData();
     const QStringList files = FileDrops::pictures(copied);
     if (!files.isEmpty()) {
-        import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
+        import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos);
         return;
     }
     if (!importImage(copied, localized({"粘贴的图片", "Pasted picture", "Image collée"}))) {
@@ -90,16 +87,14 @@ bool MainWindow::importImage(const QMimeData *carried, const QString &name)
     }
     const ImportMode mode = backgroundWanted() ? ImportMode::Background : ImportMode::Photos;
     const QString path = m_pasted->filePath(u"%1 %2.png"_s.arg(name).arg(++m_pastes));
-    QThreadPool::globalInstance()->start([window = QPointer<MainWindow>(this), image, path, mode] {
-        const bool saved = image.save(path, "PNG", 90);
-        QMetaObject::invokeMethod(qApp, [window, path, saved, mode] {
-            if (window && saved) {
-                window->import({path}, mode, ImportSource::Files);
-            } else if (window) {
-                window->state().say(errorDescription(PipelineError::write), Toast::Kind::Error);
-            }
-        });
-    });
+    m_paster.run([image, path] { return image.save(path, "PNG", 90); },
+                 [this, path, mode](bool saved) {
+                     if (saved) {
+                         import({path}, mode);
+                     } else {
+                         state().say(errorDescription(PipelineError::write), Toast::Kind::Error);
+                     }
+                 });
     return true;
 }
 
@@ -152,7 +147,7 @@ void MainWindow::dropEvent(QDropEvent *event)
     if (currentPage() == m_collage) {
         m_collage->addFiles(files);
     } else if (!files.isEmpty()) {
-        import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos, ImportSource::Files);
+        import(files, backgroundWanted() ? ImportMode::Background : ImportMode::Photos);
     } else if (FileDrops::hasFiles(carried)) {
         return;
     } else if (!importImage(carried, localized({"拖入的图片", "Dropped picture", "Image déposée"}))) {

@@ -27,12 +27,12 @@ const ToolRow &rowAt(int index)
 
 } // namespace
 
-ToolRail::ToolRail(EditorState &state) : Items(Arrows::Choose), m_state(state)
+ToolRail::ToolRail(EditorState &state) : ItemView(Arrows::Choose), m_state(state)
 {
     setFixedWidth(sizeHint().width());
     setName(said({"工具", "Tools", "Outils"}));
     setCurrent(static_cast<int>(state.tool()));
-    connect(this, &Items::chosen, this, [this](int index) { m_state.setTool(rowAt(index).tool); });
+    connect(this, &ItemView::chosen, this, [this](int index) { m_state.setTool(rowAt(index).tool); });
     connect(&state, &EditorState::toolChanged, this,
             [this] { setCurrent(static_cast<int>(m_state.tool())); });
 }

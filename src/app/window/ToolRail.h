@@ -1,12 +1,12 @@
 #pragma once
 
 #include "app/EditorContext.h"
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
 /// The column of tools at the window's edge.
-class ToolRail : public Items {
+class ToolRail : public ItemView {
     Q_OBJECT
 
 public:

@@ -1,4 +1,4 @@
-#include "app/kit/ItemsAccessible.h"
+#include "app/kit/ItemViewAccessible.h"
 
 #include <map>
 #include <memory>
@@ -7,7 +7,7 @@
 #include <QAccessibleWidget>
 #include <QPointer>
 
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 namespace tarnovel::app {
 
@@ -15,7 +15,7 @@ namespace {
 
 class ItemAccessible : public QAccessibleInterface, public QAccessibleActionInterface {
 public:
-    ItemAccessible(Items *items, int index) : m_items(items), m_index(index) {}
+    ItemAccessible(ItemView *items, int index) : m_items(items), m_index(index) {}
 
     bool isValid() const override { return m_items && m_index < m_items->count(); }
     QObject *object() const override { return nullptr; }
@@ -65,21 +65,21 @@ public:
     QStringList keyBindingsForAction(const QString &) const override { return {}; }
 
 private:
-    QPointer<Items> m_items;
+    QPointer<ItemView> m_items;
     int m_index;
 };
 
-class ItemsAccessible : public QAccessibleWidget {
+class ItemViewAccessible : public QAccessibleWidget {
 public:
-    explicit ItemsAccessible(Items *items) : QAccessibleWidget(items, QAccessible::List) {}
-    ~ItemsAccessible() override
+    explicit ItemViewAccessible(ItemView *items) : QAccessibleWidget(items, QAccessible::List) {}
+    ~ItemViewAccessible() override
     {
         for (const auto &[index, id] : m_children) {
             QAccessible::deleteAccessibleInterface(id);
         }
     }
-    ItemsAccessible(const ItemsAccessible &) = delete;
-    ItemsAccessible &operator=(const ItemsAccessible &) = delete;
+    ItemViewAccessible(const ItemViewAccessible &) = delete;
+    ItemViewAccessible &operator=(const ItemViewAccessible &) = delete;
 
     int childCount() const override { return items() ? items()->count() : 0; }
     QAccessibleInterface *child(int index) const override
@@ -110,19 +110,19 @@ public:
     }
 
 private:
-    Items *items() const { return static_cast<Items *>(object()); }
+    ItemView *items() const { return static_cast<ItemView *>(object()); }
     mutable std::map<int, QAccessible::Id> m_children;
 };
 
 QAccessibleInterface *make(const QString &, QObject *object)
 {
-    auto *items = qobject_cast<Items *>(object);
-    return items ? new ItemsAccessible(items) : nullptr;
+    auto *items = qobject_cast<ItemView *>(object);
+    return items ? new ItemViewAccessible(items) : nullptr;
 }
 
 } // namespace
 
-void installItemsAccessible()
+void installItemViewAccessible()
 {
     static const bool once = [] {
         QAccessible::installFactory(make);

@@ -11,7 +11,7 @@ namespace tarnovel::app {
 
 /// A group of things to choose from that is one stop of the Tab key: arrows move inside. Screen readers see
 /// each item by its name.
-class Items : public QWidget {
+class ItemView : public QWidget {
     Q_OBJECT
 
 public:
@@ -23,7 +23,7 @@ public:
         Move,
     };
 
-    explicit Items(Arrows arrows, QWidget *parent = nullptr);
+    explicit ItemView(Arrows arrows, QWidget *parent = nullptr);
 
     /// What a screen reader calls the group.
     void setName(Phrase name);

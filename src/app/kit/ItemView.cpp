@@ -1,4 +1,4 @@
-#include "app/kit/Items.h"
+#include "app/kit/ItemView.h"
 
 #include <limits>
 #include <utility>
@@ -10,31 +10,26 @@
 #include <QPainter>
 
 #include "app/kit/Focus.h"
-#include "app/kit/ItemsAccessible.h"
+#include "app/kit/ItemViewAccessible.h"
+#include "app/kit/Press.h"
 
 namespace tarnovel::app {
 
-namespace {
-
-constexpr int longPressMs = 500;
-
-} // namespace
-
-Items::Items(Arrows arrows, QWidget *parent) : QWidget(parent), m_arrows(arrows)
+ItemView::ItemView(Arrows arrows, QWidget *parent) : QWidget(parent), m_arrows(arrows)
 {
-    installItemsAccessible();
+    installItemViewAccessible();
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setProperty("paintsFocus", true);
 }
 
-void Items::setName(Phrase name)
+void ItemView::setName(Phrase name)
 {
     m_name = std::move(name);
     setAccessibleName(m_name());
 }
 
-void Items::setCurrent(int index)
+void ItemView::setCurrent(int index)
 {
     if (m_current == index) {
         return;
@@ -46,7 +41,7 @@ void Items::setCurrent(int index)
     update();
 }
 
-void Items::setCursorItem(int index)
+void ItemView::setCursorItem(int index)
 {
     if (m_cursor == index) {
         return;
@@ -59,7 +54,7 @@ void Items::setCursorItem(int index)
     Q_EMIT cursorMoved(index);
 }
 
-int Items::itemAt(QPoint position) const
+int ItemView::itemAt(QPoint position) const
 {
     for (int i = 0; i < count(); ++i) {
         if (itemRect(i).contains(position)) {
@@ -69,7 +64,7 @@ int Items::itemAt(QPoint position) const
     return -1;
 }
 
-void Items::choose(int index)
+void ItemView::choose(int index)
 {
     if (index < 0 || index >= count() || !itemEnabled(index)) {
         return;
@@ -79,7 +74,7 @@ void Items::choose(int index)
     Q_EMIT chosen(index);
 }
 
-void Items::paintEvent(QPaintEvent *event)
+void ItemView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     paintGround(painter);
@@ -97,25 +92,25 @@ void Items::paintEvent(QPaintEvent *event)
     }
 }
 
-void Items::mousePressEvent(QMouseEvent *event)
+void ItemView::mousePressEvent(QMouseEvent *event)
 {
     const int index = itemAt(event->position().toPoint());
     if (event->button() != Qt::LeftButton || index < 0 || !itemEnabled(index)) {
         return;
     }
     m_pressed = index;
-    m_longPress.start(longPressMs, this);
+    m_longPress.start(Press::menuMs, this);
     update();
 }
 
-void Items::cancelPress()
+void ItemView::cancelPress()
 {
     m_longPress.stop();
     m_pressed = -1;
     update();
 }
 
-void Items::mouseMoveEvent(QMouseEvent *event)
+void ItemView::mouseMoveEvent(QMouseEvent *event)
 {
     const int index = itemAt(event->position().toPoint());
     if (index != m_hovered) {
@@ -127,7 +122,7 @@ void Items::mouseMoveEvent(QMouseEvent *event)
     }
 }
 
-void Items::mouseReleaseEvent(QMouseEvent *event)
+void ItemView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton) {
         return;
@@ -140,7 +135,7 @@ void Items::mouseReleaseEvent(QMouseEvent *event)
     }
 }
 
-void Items::mouseDoubleClickEvent(QMouseEvent *event)
+void ItemView::mouseDoubleClickEvent(QMouseEvent *event)
 {
     const int index = itemAt(event->position().toPoint());
     if (event->button() == Qt::LeftButton && index >= 0) {
@@ -149,7 +144,7 @@ void Items::mouseDoubleClickEvent(QMouseEvent *event)
     }
 }
 
-void Items::contextMenuEvent(QContextMenuEvent *event)
+void ItemView::contextMenuEvent(QContextMenuEvent *event)
 {
     const int index = event->reason() == QContextMenuEvent::Keyboard ? m_cursor : itemAt(event->pos());
     if (index >= 0) {
@@ -157,13 +152,13 @@ void Items::contextMenuEvent(QContextMenuEvent *event)
     }
 }
 
-void Items::leaveEvent(QEvent *)
+void ItemView::leaveEvent(QEvent *)
 {
     m_hovered = -1;
     update();
 }
 
-void Items::timerEvent(QTimerEvent *event)
+void ItemView::timerEvent(QTimerEvent *event)
 {
     if (event->timerId() != m_longPress.timerId()) {
         QWidget::timerEvent(event);
@@ -177,7 +172,7 @@ void Items::timerEvent(QTimerEvent *event)
     }
 }
 
-int Items::nextInDirection(int key) const
+int ItemView::nextInDirection(int key) const
 {
     const int from = m_cursor >= 0 ? m_cursor : std::max(m_current, 0);
     if (from >= count()) {
@@ -210,7 +205,7 @@ int Items::nextInDirection(int key) const
     return best;
 }
 
-void Items::moveCursor(int key)
+void ItemView::moveCursor(int key)
 {
     int next = -1;
     if (key == Qt::Key_Home) {
@@ -230,7 +225,7 @@ void Items::moveCursor(int key)
     }
 }
 
-void Items::keyPressEvent(QKeyEvent *event)
+void ItemView::keyPressEvent(QKeyEvent *event)
 {
     switch (event->key()) {
     case Qt::Key_Left:
@@ -267,7 +262,7 @@ void Items::keyPressEvent(QKeyEvent *event)
     QWidget::keyPressEvent(event);
 }
 
-void Items::focusInEvent(QFocusEvent *event)
+void ItemView::focusInEvent(QFocusEvent *event)
 {
     if (m_cursor < 0 || m_cursor >= count()) {
         m_cursor = count() > 0 ? std::clamp(m_current, 0, count() - 1) : -1;
@@ -276,13 +271,13 @@ void Items::focusInEvent(QFocusEvent *event)
     QWidget::focusInEvent(event);
 }
 
-void Items::focusOutEvent(QFocusEvent *event)
+void ItemView::focusOutEvent(QFocusEvent *event)
 {
     update();
     QWidget::focusOutEvent(event);
 }
 
-bool Items::event(QEvent *event)
+bool ItemView::event(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange) {
         if (m_name) {
