@@ -8,6 +8,7 @@
 #include <QThreadPool>
 
 #include "app/collage/CollageScreen.h"
+#include "app/window/Activation.h"
 #include "app/window/DropVeil.h"
 #include "app/window/EditorPage.h"
 #include "app/window/FileDrops.h"
@@ -26,13 +27,7 @@ void MainWindow::openPhotos(const QStringList &photos, const QString &activation
         import(photos, ImportMode::Photos, ImportSource::Files);
     }
     if (isVisible()) {
-        if (!activationToken.isEmpty()) {
-            // Where windows may not push themselves to the front, the platform looks here for leave to.
-            qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
-        }
-        setWindowState(windowState() & ~Qt::WindowMinimized);
-        raise();
-        activateWindow();
+        Activation::bringToFront(*this, activationToken);
     }
 }
 
