@@ -11,6 +11,7 @@ INSTALLED = [
     "bin/tarnovel",
     f"share/applications/{ID}.desktop",
     f"share/metainfo/{ID}.metainfo.xml",
+    f"share/dbus-1/services/{ID}.service",
     f"share/icons/hicolor/scalable/apps/{ID}.svg",
     f"share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg",
     *(f"share/icons/hicolor/{size}x{size}/apps/{ID}.png" for size in (16, 24, 32, 48, 64, 128, 256, 512)),
@@ -30,6 +31,9 @@ def main():
         subprocess.run(["cmake", "--install", build, "--prefix", folder], check=True, stdout=subprocess.DEVNULL)
         root = pathlib.Path(folder)
         faults += [f"{name} is not installed" for name in INSTALLED if not (root / name).is_file()]
+        started = re.search(r"^Exec=(\S+)", (root / f"share/dbus-1/services/{ID}.service").read_text(), re.M)[1]
+        if started != str(root / "bin/tarnovel"):
+            faults.append(f"the bus would start {started}")
         for command in (
             ["desktop-file-validate", root / INSTALLED[1]],
             ["appstreamcli", "validate", "--no-net", root / INSTALLED[2]],

@@ -25,7 +25,7 @@ listing() {
 cp "$deb" "$root/tmp/tarnovel.deb"
 mkdir -p "$root/root/photos" && cp samples/*.jpg "$root/root/photos/"
 inside apt-get update -qq
-inside apt-get install -y -qq xvfb xauth man-db x11-utils >/dev/null
+inside apt-get install -y -qq xvfb xauth man-db x11-utils dbus libglib2.0-bin >/dev/null
 # What it needs is there first, so that what stays behind of the program itself is told apart.
 needed=$(dpkg-deb -f "$deb" Depends | tr ',' '\n' | sed 's/[(|].*//')
 # shellcheck disable=SC2086  # a list of names
@@ -40,10 +40,20 @@ exported=$(find "$root/root/out" -name '*-framed.jpg' | wc -l)
 echo "$exported photos exported"
 inside man --pager=cat tarnovel-export | grep -q -- --template || { echo "no manual page" >&2; exit 1; }
 # The window is open when the X server has one of its name.
-inside xvfb-run -a sh -c 'tarnovel & i=0
-    until xwininfo -root -tree | grep -qi tarnovel; do
+window='i=0; until xwininfo -root -tree | grep -qi tarnovel; do
         i=$((i + 1)); [ $i -le 120 ] || { echo "no window" >&2; exit 1; }; sleep 0.5
-    done; kill $!; wait $! || true; echo "the window opened"'
+    done'
+inside xvfb-run -a sh -c "tarnovel & $window; kill \$!; wait \$! || true"
+echo "the window opened"
+# Once more as desktops do it.
+inside xvfb-run -a dbus-run-session -- sh -ec "
+    name=io.github.tarnovel.Tarnovel
+    gdbus call --session --dest \$name --object-path /io/github/tarnovel/Tarnovel \
+        --method org.freedesktop.Application.Open \"['file:///root/photos/\$(ls /root/photos | head -1)']\" '{}' >/dev/null
+    $window
+    kill \$(gdbus call --session --dest org.freedesktop.DBus --object-path / \
+        --method org.freedesktop.DBus.GetConnectionUnixProcessID \$name | tr -dc ' 0-9' | cut -d' ' -f2)"
+echo "the window opened by the session bus"
 inside apt-get purge -y -qq tarnovel >/dev/null
 listing >"$root/tmp/after"
 diff "$root/tmp/before" "$root/tmp/after" || { echo "the package left traces" >&2; exit 1; }

@@ -97,19 +97,18 @@ class Tree:
         return self.meant(file.parent / asked[0][1]) if forwards else file.resolve()
 
     @functools.cache
-    def offered(self, file):
-        """The names from outside that a start of this file may hold."""
-        _, names = self.closure(file)
-        readable = frozenset().union(*map(self.behind, names))
-        return frozenset(name for name in self.every_name() if self.meant(self.outside_file(name)) in readable)
+    def readable(self, name, wanted):
+        """Whether an include of one name from outside brings another."""
+        return self.meant(self.outside_file(wanted)) in self.behind(name)
+
+    def offers(self, file, names):
+        """Whether a start of this file may hold these names from outside: all of them are read by it anyhow."""
+        asked = self.closure(file)[1]
+        return all(wanted in asked or any(self.readable(name, wanted) for name in asked) for wanted in names)
 
     @functools.cache
-    def every_name(self):
-        names = set().union(*(self.closure(file)[1] for file in self.sources + self.headers))
-        # <cassert> and its like mean to be included more than once; C headers that wait for others cannot come first.
-        return frozenset(name for name in names if self.outside_file(name) and not name.endswith(("assert", ".h")))
-
-    def weight(self, names):
+    def weight(self, number):
+        names = STARTS[number]
         return sum(file.stat().st_size for file in frozenset().union(*map(self.behind, names)))
 
     def prepare(self):
@@ -137,12 +136,38 @@ class Tree:
             run([f"clang++-{CLANG}", "-std=c++17", "-fno-rtti", "-fPIC", "-shared", "-isystem", folder, source, "-o", made])
 
     def start_of(self, file):
-        fitting = [number for number, names in enumerate(STARTS) if self.offered(file).issuperset(names)]
-        largest = max(fitting, key=lambda number: self.weight(STARTS[number]), default=None)
-        return [] if largest is None else ["-include-pch", self.work / f"start{largest}.pch"]
+        """The heaviest start that holds nothing but what the file reads anyhow, by its number; none fits some files."""
+        return self.plan[str(file.relative_to(self.root))]
+
+    @functools.cached_property
+    def plan(self):
+        """Where each file begins. Working it out reads every header of the libraries, so the answer is kept."""
+        asked = [(str(file), includes(file)) for file in self.sources + self.headers]
+        key = hashlib.sha256(repr((asked, self.flags, STARTS, [self.newest(names) for names in STARTS])).encode())
+        kept = self.work / f"plan-{key.hexdigest()[:24]}.json"
+        if not kept.exists():
+            plan = {str(file.relative_to(self.root)): self.heaviest(file) for file in self.sources + self.headers}
+            kept.write_text(json.dumps(plan))
+        return json.loads(kept.read_text())
+
+    def heaviest(self, file):
+        fitting = [number for number, names in enumerate(STARTS) if self.offers(file, names)]
+        return max(fitting, key=self.weight, default=None)
 
     def arguments(self, file):
-        return [*self.flags, *LANGUAGE, "-Wno-everything", *self.start_of(file)]
+        start = self.start_of(file)
+        given = [] if start is None else ["-include-pch", self.work / f"start{start}.pch"]
+        return [*self.flags, *LANGUAGE, "-Wno-everything", *given]
+
+    def shown_by_source(self, header):
+        """Whether tidy, where it passes, has shown that this header compiles alone: its source includes it before
+        anything else, and begins with the start that the header itself would have."""
+        source = header.with_suffix(".cpp")
+        if not source.is_file():
+            return False
+        first = next(iter(includes(source)), None)
+        return first == (QUOTE, str(header.relative_to(self.root / "src"))) and \
+            self.start_of(source) == self.start_of(header)
 
     def tidy(self, file):
         module = ["-load", self.work / "own_code.so", "--checks=tarnovel-own-code,clang-diagnostic-shadow"]
@@ -187,7 +212,7 @@ def main():
     kind, tree = sys.argv[1], Tree(pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3]))
     if kind == "prepare":
         return tree.prepare()
-    files = tree.sources if kind == "tidy" else tree.headers
+    files = tree.sources if kind == "tidy" else [file for file in tree.headers if not tree.shown_by_source(file)]
     with concurrent.futures.ThreadPoolExecutor(2) as pool:
         faults = list(filter(None, pool.map(functools.partial(tree.check, kind), files)))
     print("\n".join(faults))

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <mutex>
+#include <optional>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,6 +19,7 @@
 #include <QTranslator>
 
 #include "app/Appearance.h"
+#include "app/DesktopService.h"
 #include "app/EditorContext.h"
 #include "app/ProgramEnd.h"
 #include "app/kit/Icons.h"
@@ -90,6 +92,8 @@ QStringList pathsOf(const QStringList &arguments)
             named = true;
         } else if (!named && (argument == u"-v"_s || argument == u"--verbose"_s)) {
             printLog();
+        } else if (!named && argument == QLatin1StringView(DesktopService::argument)) {
+            continue;
         } else if (named || !ExportReviewPolicy::isAutomation(argument)) {
             paths.append(FileDrops::pathOf(argument));
         }
@@ -149,13 +153,45 @@ bool askUnanswered()
     return box.clickedButton() == again;
 }
 
+/// How long a start by the bus waits to be told what for.
+constexpr int callMs = 10'000;
+
+enum class Outcome { Owner, HandedOver, Refused };
+
+/// Takes the library for this program, or hands what is asked to the program that has it.
+Outcome takeLibrary(SingleInstance &instance, const OpenRequest &request)
+{
+    const QStringList photos = FileDrops::pictures(request.paths);
+    while (!instance.acquire(photos, request.activationToken)) {
+        if (instance.handedOver()) {
+            return Outcome::HandedOver;
+        }
+        if (!askUnanswered()) {
+            return Outcome::Refused;
+        }
+    }
+    return Outcome::Owner;
+}
+
+void open(MainWindow &window, const OpenRequest &request)
+{
+    const QStringList photos = FileDrops::pictures(request.paths);
+    window.openPhotos(photos, request.activationToken);
+    if (photos.isEmpty() && !request.paths.isEmpty()) {
+        window.state().say(
+            localized({"里面没有可以打开的图片。", "There is no picture in it that can be opened.",
+                       "Il ne s’y trouve aucune image lisible."}),
+            Toast::Kind::Error);
+    }
+}
+
 } // namespace
 
 int runEditor(int argc, char **argv)
 {
     // Before the platform takes it for a window that a second start never shows.
     installLog();
-    const QString activationToken = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
+    OpenRequest request = {{}, DesktopService::activationToken()};
     Preferences preferences;
     LanguagePreference language(preferences);
     setLanguageSources(
@@ -178,13 +214,25 @@ int runEditor(int argc, char **argv)
     QApplication::setWindowIcon(icon);
 
     const QString library = LibraryPaths::root();
-    const QStringList paths = pathsOf(QApplication::arguments());
-    const QStringList photos = FileDrops::pictures(paths);
-    SingleInstance instance(library);
-    while (!instance.acquire(photos, activationToken)) {
-        if (instance.handedOver() || !askUnanswered()) {
-            return instance.handedOver() ? 0 : 1;
+    request.paths = pathsOf(QApplication::arguments());
+    DesktopService service;
+    if (DesktopService::startedByBus(argc, argv) && service.offer()) {
+        const std::optional<OpenRequest> asked = service.take(callMs);
+        if (!asked) {
+            return 0;
         }
+        request = *asked;
+    }
+    SingleInstance instance(library);
+    for (Outcome outcome = takeLibrary(instance, request); outcome != Outcome::Owner;
+         outcome = takeLibrary(instance, request)) {
+        // What was asked meanwhile goes the same way; what comes later starts another program.
+        service.withdraw();
+        const std::optional<OpenRequest> next = service.take();
+        if (!next || outcome == Outcome::Refused) {
+            return outcome == Outcome::Refused ? 1 : 0;
+        }
+        request = *next;
     }
     // Folders of pasted pictures as older versions named them, which nobody holds.
     ScratchFolder::sweep(u"Tarnovel-"_s, 86'400);
@@ -214,11 +262,10 @@ int runEditor(int argc, char **argv)
     QObject::connect(&instance, &SingleInstance::photosReceived, &window, &MainWindow::openPhotos);
     const ProgramEnd end([&window](bool certain) { window.saveNow(certain); });
     window.show();
-    window.openPhotos(photos);
-    if (photos.isEmpty() && !paths.isEmpty()) {
-        state.say(localized({"里面没有可以打开的图片。", "There is no picture in it that can be opened.",
-                             "Il ne s’y trouve aucune image lisible."}),
-                  Toast::Kind::Error);
+    open(window, request);
+    service.deliverTo([&window](const OpenRequest &later) { open(window, later); });
+    if (DesktopService::startedByBus(argc, argv) || DesktopService::speaksForSession()) {
+        service.offer();
     }
     QTimer::singleShot(0, &window, &MainWindow::offerDrafts);
     return QApplication::exec();

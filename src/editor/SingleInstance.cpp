@@ -126,6 +126,7 @@ bool SingleInstance::lock()
 
 bool SingleInstance::acquire(const QStringList &photos, const QString &activationToken)
 {
+    m_handedOver = false;
     QElapsedTimer timer;
     timer.start();
     // The owner may be about to listen, or about to end.

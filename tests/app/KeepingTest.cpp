@@ -316,6 +316,7 @@ TEST_F(KeepingWindow, AboutCopiesVersionsAndTheLog)
     installLog();
     qCWarning(logApp) << "a cause";
     window().showSettings();
+    EXPECT_TRUE(control<app::Label>(u"licence"_s)->text().contains(u"GPL-3.0-or-later"_s));
     click(control(u"copyDetails"_s));
     const QString copied = QApplication::clipboard()->text();
     EXPECT_TRUE(copied.startsWith(u"Tarnovel "_s));

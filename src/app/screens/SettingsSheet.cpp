@@ -145,10 +145,18 @@ QWidget *makeAbout(const EditorContext &context)
     auto *about = new QWidget;
     auto *row = new QHBoxLayout(about);
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(new Label(
-                       Type::Label, [] { return u"Tarnovel "_s + QStringLiteral(TARNOVEL_VERSION); },
-                       Label::Tone::Secondary),
-                   1);
+    auto *lines = new QVBoxLayout;
+    lines->setSpacing(2);
+    lines->addWidget(new Label(
+        Type::Label, [] { return u"Tarnovel "_s + QStringLiteral(TARNOVEL_VERSION); },
+        Label::Tone::Secondary));
+    auto *licence = new Label(Type::Label,
+                              said({"自由软件：GPL-3.0-or-later", "Free software: GPL-3.0-or-later",
+                                    "Logiciel libre\u202f: GPL-3.0-or-later"}),
+                              Label::Tone::Secondary);
+    licence->setObjectName(u"licence"_s);
+    lines->addWidget(licence);
+    row->addLayout(lines, 1);
     auto *copy = new Button(Button::Kind::Ghost, said({"复制详情", "Copy details", "Copier les détails"}));
     copy->setObjectName(u"copyDetails"_s);
     copy->setHint(

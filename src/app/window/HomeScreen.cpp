@@ -8,6 +8,7 @@
 #include <QEvent>
 #include <QLocale>
 #include <QPainter>
+#include <QTimeZone>
 
 #include "app/Wording.h"
 #include "app/inspector/Section.h"
@@ -107,7 +108,7 @@ constexpr int leastSampleHeight = 240;
 
 QDateTime dateTime(SecondsSince2001 seconds)
 {
-    const QDateTime epoch(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    const QDateTime epoch(QDate(2001, 1, 1), QTime(0, 0), QTimeZone::utc());
     return epoch.addMSecs(static_cast<qint64>(seconds * 1000)).toLocalTime();
 }
 

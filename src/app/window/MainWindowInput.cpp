@@ -6,6 +6,7 @@
 #include <QMimeData>
 
 #include "app/collage/CollageScreen.h"
+#include "app/window/Activation.h"
 #include "app/window/DropVeil.h"
 #include "app/window/EditorPage.h"
 #include "app/window/FileDrops.h"
@@ -24,13 +25,7 @@ void MainWindow::openPhotos(const QStringList &photos, const QString &activation
         import(photos, ImportMode::Photos);
     }
     if (isVisible()) {
-        if (!activationToken.isEmpty()) {
-            // Where windows may not push themselves to the front, the platform looks here for leave to.
-            qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
-        }
-        setWindowState(windowState() & ~Qt::WindowMinimized);
-        raise();
-        activateWindow();
+        Activation::bringToFront(*this, activationToken);
     }
 }
 
