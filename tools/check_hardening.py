@@ -16,8 +16,7 @@ def readelf(what, program):
     return run.stdout
 
 
-def main():
-    program = sys.argv[1]
+def faults(program):
     header, segments = readelf("-h", program), readelf("-l", program)
     dynamic, symbols = readelf("-d", program), readelf("--dyn-syms", program)
     stack = re.search(r"GNU_STACK.*", segments)
@@ -34,9 +33,13 @@ def main():
         # The C library's own start-up objects bear no mark of it, so that the linker leaves none on the whole: what
         # counts is that functions begin with a place that may be jumped to.
         wanted["control-flow protection (CET)"] = pathlib.Path(program).read_bytes().count(ENDBR64) > FEWEST_FUNCTIONS
-    missing = [what for what, found in wanted.items() if not found]
-    print("\n".join(f"{program}: {what} is missing" for what in missing))
-    sys.exit(1 if missing else 0)
+    return [f"{program}: {what} is missing" for what, found in wanted.items() if not found]
+
+
+def main():
+    found = [fault for program in sys.argv[1:] for fault in faults(program)]
+    print("\n".join(found))
+    sys.exit(1 if found else 0)
 
 
 main()

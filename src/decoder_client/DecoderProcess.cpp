@@ -75,6 +75,9 @@ private:
 
 DecoderProcess::DecoderProcess(const QString &program)
 {
+    if (program.isEmpty()) {
+        throw ImageError(ImageError::Cause::NoDecoder, "there is no decoder");
+    }
     std::array<int, 2> ends = {-1, -1};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         throw ImageError(ImageError::Cause::NoDecoder, "no socket");
@@ -139,7 +142,10 @@ DecoderProcess::Outcome DecoderProcess::receive(QByteArray &bytes, const Patienc
     nanoseconds last = before;
     steady_clock::time_point moved = began;
     for (;;) {
-        const int events = poll(watched.data(), watched.size(), static_cast<int>(lookEvery.count()));
+        const auto left = patience.wait ? *patience.wait - (steady_clock::now() - began) : nanoseconds::max();
+        const auto pause = std::clamp<nanoseconds>(left, milliseconds(1), lookEvery);
+        const int events = poll(watched.data(), watched.size(),
+                                static_cast<int>(std::chrono::ceil<milliseconds>(pause).count()));
         if (events < 0 && errno != EINTR) {
             return Outcome::Ended;
         }

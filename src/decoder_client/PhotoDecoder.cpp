@@ -49,11 +49,11 @@ QString decoderProgram()
     // Tests and tools lie in folders of the build tree.
     for (const QString &place :
          {folder + u'/' + name, folder + u"/../libexec/tarnovel/"_s + name, folder + u"/../"_s + name}) {
-        if (QFileInfo(place).isExecutable()) {
+        if (QFileInfo(place).isFile() && QFileInfo(place).isExecutable()) {
             return QFileInfo(place).canonicalFilePath();
         }
     }
-    return name;
+    return {};
 }
 
 PhotoDecoder::PhotoDecoder() : PhotoDecoder(decoderProgram()) {}
@@ -72,19 +72,41 @@ void PhotoDecoder::start()
     if (m_process) {
         return;
     }
-    auto process = m_spare ? std::exchange(m_spare, nullptr) : std::make_unique<DecoderProcess>(m_program);
+    m_mapped.clear();
+    // A spare one may have ended while it waited.
+    if ((m_spare && isStarted(std::exchange(m_spare, nullptr))) ||
+        isStarted(std::make_unique<DecoderProcess>(m_program))) {
+        return;
+    }
+    throw ImageError(ImageError::Cause::NoDecoder, "the decoder does not start: " + m_program.toUtf8());
+}
+
+bool PhotoDecoder::isStarted(std::unique_ptr<DecoderProcess> process)
+{
     ++m_starts;
     QByteArray bytes;
     const Outcome outcome = process->receive(bytes, m_patience, {});
     const std::optional<DecoderReply> ready = decodedReply(bytes);
     if (outcome != Outcome::Message || !ready || ready->kind != DecoderReply::Kind::Ready) {
-        throw ImageError(ImageError::Cause::NoDecoder, "does not start: " + process->end());
+        qCWarning(logDecoder) << "the decoder does not start:" << process->end();
+        return false;
     }
     if (!ready->detail.isEmpty()) {
         qCInfo(logDecoder) << "the decoder runs without these locks of the kernel:" << ready->detail;
     }
     m_process = std::move(process);
-    m_slots.decoderIsNew();
+    return true;
+}
+
+void PhotoDecoder::rest()
+{
+    m_slots.drop();
+    DecoderRequest request;
+    request.kind = DecoderRequest::Kind::Forget;
+    request.forgotten = m_slots.takeForgotten();
+    if (m_process) {
+        m_process->send(encoded(request));
+    }
 }
 
 const PhotoFacts &PhotoDecoder::facts(const RegularFile &photo, const std::stop_token &stop)
@@ -123,6 +145,8 @@ QList<QImage> PhotoDecoder::decode(const RegularFile &photo, const QList<Picture
     if (reply.kind != DecoderReply::Kind::Decoded || reply.transparent.size() != parts.size()) {
         lost(photo.identity(), "an answer to another question", ImageError::Cause::Damaged);
     }
+    // Whatever else comes back, the slot may not have been mapped.
+    m_mapped.insert(lent.number);
     QList<QImage> images;
     for (qsizetype i = 0; i < parts.size(); ++i) {
         images.append(lentImage(lent.slot, layout.offsets[i], parts[i].size, reply.transparent[i]));
@@ -135,7 +159,11 @@ void PhotoDecoder::prepareSpare(const FileIdentity &photo)
     const auto known = m_facts.find(photo);
     if (m_spareKind == Spare::WhileSlow && !m_spare && known != m_facts.end() &&
         isSlowToCancel(known->second.header.format)) {
-        m_spare = std::make_unique<DecoderProcess>(m_program);
+        try {
+            m_spare = std::make_unique<DecoderProcess>(m_program);
+        } catch (const ImageError &error) {
+            qCInfo(logDecoder) << "no spare decoder:" << error.what();
+        }
     }
 }
 
@@ -153,14 +181,16 @@ DecoderReply PhotoDecoder::exchange(const RegularFile &photo, DecoderRequest req
     std::vector<int> descriptors = {photo.descriptor()};
     if (slot.slot) {
         request.slot = slot.number;
-        request.slotIsNew = slot.isNew || isFresh;
+        request.slotIsNew = !m_mapped.contains(slot.number);
         if (request.slotIsNew) {
             descriptors.push_back(slot.slot->descriptor());
         }
     }
+    request.forgotten = m_slots.takeForgotten();
     if (!m_process->send(encoded(request), descriptors)) {
         if (isFresh) {
-            lost(photo.identity(), "gone before it was asked", ImageError::Cause::NoDecoder);
+            m_process.reset();
+            throw ImageError(ImageError::Cause::NoDecoder, "the decoder was gone before it was asked");
         }
         // It ended while it had nothing to do: no photo's fault.
         qCWarning(logDecoder) << "the decoder had ended:" << m_process->end();

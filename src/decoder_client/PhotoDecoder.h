@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stop_token>
 
 #include <QImage>
@@ -42,7 +43,7 @@ public:
                          const std::stop_token &stop = {});
 
     /// Gives the memory of pictures back. The process stays.
-    void rest() { m_slots.drop(); }
+    void rest();
 
     /// How many times a decoder was started.
     int starts() const { return m_starts; }
@@ -51,6 +52,7 @@ private:
     DecoderReply exchange(const RegularFile &photo, DecoderRequest request, const PictureSlots::Lent &slot,
                           const std::stop_token &stop);
     void start();
+    bool isStarted(std::unique_ptr<DecoderProcess> process);
     void prepareSpare(const FileIdentity &photo);
     DecoderReply awaited(const RegularFile &photo, quint32 id, const std::stop_token &stop);
     [[noreturn]] void cancelRequest(const FileIdentity &photo, quint32 id);
@@ -63,6 +65,8 @@ private:
     /// Started, and not heard of yet.
     std::unique_ptr<DecoderProcess> m_spare;
     PictureSlots m_slots;
+    /// The slots that the decoder has written into.
+    std::set<quint32> m_mapped;
     quint32 m_lastId = 0;
     int m_starts = 0;
     std::map<FileIdentity, PhotoFacts> m_facts;

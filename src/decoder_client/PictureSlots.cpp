@@ -65,19 +65,17 @@ PictureSlots::Lent PictureSlots::take(qint64 bytes)
         free = &m_places.emplace_back();
     }
     if (!free->slot || free->slot->size() < bytes) {
-        free->slot.reset();
-        free->slot = std::make_shared<PictureSlot>(bytes);
-        free->isKnown = false;
+        giveBack(*free);
+        *free = {++m_lastNumber, std::make_shared<PictureSlot>(bytes)};
     }
-    const Lent lent{static_cast<quint32>(free - m_places.data()), free->slot, !free->isKnown};
-    free->isKnown = true;
-    return lent;
+    return {free->number, free->slot};
 }
 
-void PictureSlots::decoderIsNew()
+void PictureSlots::giveBack(Place &place)
 {
-    for (Place &place : m_places) {
-        place.isKnown = false;
+    if (place.slot) {
+        m_forgotten.append(place.number);
+        place.slot.reset();
     }
 }
 
@@ -85,7 +83,7 @@ void PictureSlots::drop()
 {
     for (Place &place : m_places) {
         if (place.slot.use_count() == 1) {
-            place.slot.reset();
+            giveBack(place);
         }
     }
 }

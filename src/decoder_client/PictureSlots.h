@@ -2,9 +2,11 @@
 
 #include <atomic>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include <QImage>
+#include <QList>
 
 #include "decoder_protocol/MessageSocket.h"
 
@@ -37,24 +39,26 @@ public:
     struct Lent {
         quint32 number = 0;
         std::shared_ptr<PictureSlot> slot;
-        /// The decoder has not seen it yet.
-        bool isNew = false;
     };
 
     /// A slot that no picture lies in, with room for so many bytes. Throws like PictureSlot, also when all
     /// are taken.
     Lent take(qint64 bytes);
-    /// A new decoder has none of them.
-    void decoderIsNew();
     /// Gives the memory back, but for what pictures still lie in.
     void drop();
+    /// The numbers of the slots that have been given back since the last call.
+    QList<quint32> takeForgotten() { return std::exchange(m_forgotten, {}); }
 
 private:
     struct Place {
+        quint32 number = 0;
         std::shared_ptr<PictureSlot> slot;
-        bool isKnown = false;
     };
+    void giveBack(Place &place);
+
     std::vector<Place> m_places;
+    QList<quint32> m_forgotten;
+    quint32 m_lastNumber = 0;
 };
 
 } // namespace tarnovel

@@ -27,7 +27,7 @@ constexpr qsizetype longestText = 1'000;
 template<typename Enum>
 bool isWithin(Enum value, Enum last)
 {
-    return value <= last;
+    return static_cast<qint64>(value) >= 0 && value <= last;
 }
 
 QDataStream &operator<<(QDataStream &stream, const std::optional<double> &value)
@@ -102,7 +102,8 @@ bool isReadFrom(const QByteArray &bytes, Read read)
 QByteArray encoded(const DecoderRequest &request)
 {
     return written([&](QDataStream &stream) {
-        stream << request.id << request.kind << request.parts << request.slot << request.slotIsNew;
+        stream << request.id << request.kind << request.parts << request.slot << request.slotIsNew
+               << request.forgotten;
     });
 }
 
@@ -118,10 +119,11 @@ std::optional<DecoderRequest> decodedRequest(const QByteArray &bytes)
 {
     DecoderRequest request;
     const bool whole = isReadFrom(bytes, [&](QDataStream &stream) {
-        stream >> request.id >> request.kind >> request.parts >> request.slot >> request.slotIsNew;
+        stream >> request.id >> request.kind >> request.parts >> request.slot >> request.slotIsNew >>
+            request.forgotten;
     });
-    const bool known = isWithin(request.kind, DecoderRequest::Kind::Cancel) &&
-                       request.parts.size() <= mostDecoderParts && request.slot < mostDecoderSlots;
+    const bool known =
+        isWithin(request.kind, DecoderRequest::Kind::Forget) && request.parts.size() <= mostDecoderParts;
     return whole && known ? std::optional(request) : std::nullopt;
 }
 

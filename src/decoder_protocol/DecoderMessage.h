@@ -20,14 +20,18 @@ struct PhotoFacts {
 /// What the program asks of the decoder. The photo's descriptor travels beside the message, and after it that
 /// of the slot where that is new.
 struct DecoderRequest {
-    enum class Kind : quint8 { Describe, Decode, Cancel };
+    /// `Forget` has no answer.
+    enum class Kind : quint8 { Describe, Decode, Cancel, Forget };
     quint32 id = 0;
     Kind kind = Kind::Describe;
     /// The parts of the upright picture that are decoded into the slot, one after the other (see SlotLayout).
     QList<PicturePart> parts;
+    /// Each piece of memory has a number of its own, which is never used again.
     quint32 slot = 0;
-    /// The slot's memory is new: the decoder maps it, and keeps it for the requests to come.
+    /// The decoder has not seen the slot: it maps it before all else, and keeps it for the requests to come.
     bool slotIsNew = false;
+    /// Slots that will not be used again.
+    QList<quint32> forgotten;
 };
 
 /// What the decoder answers. The program takes nothing of it for granted.

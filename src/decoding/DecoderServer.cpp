@@ -77,6 +77,13 @@ struct Job {
 /// What the decoding thread keeps from one request to the next.
 class Desk {
 public:
+    void forget(const QList<quint32> &slots)
+    {
+        for (const quint32 slot : slots) {
+            m_slots.erase(slot);
+        }
+    }
+
     DecoderReply answer(Job job, const std::stop_token &stop)
     {
         DecoderReply reply;
@@ -121,18 +128,15 @@ private:
         if (job.descriptors.empty()) {
             throw ImageError(ImageError::Cause::Missing, "no file came with the request");
         }
+        forget(job.request.forgotten);
+        if (job.request.slotIsNew && job.descriptors.size() > 1 && m_slots.size() < mostDecoderSlots) {
+            m_slots[job.request.slot] = std::make_unique<Slot>(job.descriptors[1]);
+        }
         RegularFile file(job.descriptors[0].release());
         // Mostly the photo that has just been described.
         if (!m_photo || m_photo->identity() != file.identity()) {
             m_photo.reset();
             m_photo.emplace(std::move(file));
-        }
-        if (job.request.slotIsNew) {
-            m_slots.erase(job.request.slot);
-            if (job.descriptors.size() < 2) {
-                throw ImageError(ImageError::Cause::Missing, "no memory came with the request");
-            }
-            m_slots.emplace(job.request.slot, std::make_unique<Slot>(job.descriptors[1]));
         }
     }
 
@@ -187,6 +191,7 @@ public:
     void cancel(quint32 id)
     {
         const std::scoped_lock lock(m_mutex);
+        m_cancelled = id; // which may have to begin yet
         if (m_current == id) {
             m_stop.request_stop();
         }
@@ -217,8 +222,13 @@ private:
             m_current = job.request.id;
             m_stop = {};
             const std::stop_token stop = m_stop.get_token();
+            if (m_current == m_cancelled) {
+                m_stop.request_stop();
+            }
             lock.unlock();
-            if (!sendMessage(m_socket, encoded(desk.answer(std::move(job), stop)))) {
+            if (job.request.kind == DecoderRequest::Kind::Forget) {
+                desk.forget(job.request.forgotten);
+            } else if (!sendMessage(m_socket, encoded(desk.answer(std::move(job), stop)))) {
                 _exit(0);
             }
         }
@@ -230,6 +240,7 @@ private:
     std::deque<Job> m_jobs;
     bool m_resting = false;
     std::optional<quint32> m_current;
+    std::optional<quint32> m_cancelled;
     std::stop_source m_stop;
     std::thread m_thread;
 };

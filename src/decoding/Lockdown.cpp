@@ -33,8 +33,9 @@ bool limit(__rlimit_resource what, rlim_t most)
     return setrlimit(what, &both) == 0;
 }
 
-/// No file may be opened or changed by its path. The kernel has this from 5.13 on, and may have it turned
-/// off.
+/// No file may be opened or changed by its path, by this thread and those that it starts: the decoding
+/// thread. For those that the libraries have started, the filter of calls says the same. The kernel has this
+/// from 5.13 on, and may have it turned off.
 bool closeFileSystem()
 {
     landlock_ruleset_attr rules{};
@@ -51,6 +52,16 @@ bool closeFileSystem()
     const bool restricted = syscall(SYS_landlock_restrict_self, ruleset, 0) == 0;
     close(ruleset);
     return restricted;
+}
+
+/// What the process was started with is the program's own.
+bool dropStandardStreams()
+{
+    const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+    const bool dropped = null >= 0 && dup2(null, STDIN_FILENO) >= 0 && dup2(null, STDOUT_FILENO) >= 0 &&
+                         dup2(null, STDERR_FILENO) >= 0;
+    close(null);
+    return dropped;
 }
 
 /// The calls that decoding makes, over all formats.
@@ -120,7 +131,8 @@ private:
         // Memory that can be run as a program is what an intruder wants.
         rule(SCMP_ACT_ALLOW, SCMP_SYS(mmap), hasBits(2, PROT_EXEC, 0));
         rule(SCMP_ACT_ALLOW, SCMP_SYS(mprotect), hasBits(2, PROT_EXEC, 0));
-        // Of descriptors alone: with a path it would look into the file system.
+        // Meant for descriptors. The filter cannot see a path beside the flag, which would tell at most that
+        // a file is there.
         rule(SCMP_ACT_ALLOW, SCMP_SYS(newfstatat), hasBits(3, AT_EMPTY_PATH, AT_EMPTY_PATH));
         for (const int command : {F_GETFD, F_SETFD, F_GETFL, F_DUPFD_CLOEXEC}) {
             rule(SCMP_ACT_ALLOW, SCMP_SYS(fcntl), equals(1, static_cast<scmp_datum_t>(command)));
@@ -174,6 +186,7 @@ QByteArrayList lockDown(Unneeded unneeded)
     lock(limit(RLIMIT_CORE, 0) && limit(RLIMIT_NOFILE, mostDescriptors), "limits");
     lock(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0, "no new privileges");
     lock(prctl(PR_SET_DUMPABLE, 0, 0, 0, 0) == 0, "no memory dumps");
+    lock(isSanitized || dropStandardStreams(), "standard streams");
     lock(closeFileSystem(), "Landlock");
     if constexpr (isSanitized) {
         return missing;

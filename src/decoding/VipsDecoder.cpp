@@ -27,7 +27,10 @@ constexpr qint64 mostWholeBytes = 800'000'000;
 {
     const QByteArray detail = QByteArray(vips_error_buffer()).trimmed();
     vips_error_clear();
-    throw ImageError(ImageError::Cause::Damaged, detail.isEmpty() ? QByteArray("cannot be decoded") : detail);
+    // The libraries tell a shortage of memory in words alone.
+    const bool isShortage = detail.toLower().contains("memory");
+    throw ImageError(isShortage ? ImageError::Cause::TooLarge : ImageError::Cause::Damaged,
+                     detail.isEmpty() ? QByteArray("cannot be decoded") : detail);
 }
 
 /// Takes over what an operation made; throws when it failed. By reference, for the operation may be called in

@@ -158,6 +158,9 @@ void ExportRun::skip(Skipping which)
         return;
     }
     const ExportProblem problem = *std::exchange(m_problem, std::nullopt);
+    if (problem.worthRetrying) {
+        m_ahead.reset();
+    }
     if (which == Skipping::AllAlike) {
         m_skippedAlike.insert(problem.cause);
     }
@@ -168,6 +171,7 @@ void ExportRun::retry()
 {
     if (m_problem) {
         m_problem.reset();
+        m_ahead.reset(); // which may have met what has been put right
         const std::shared_ptr<const Steps> steps = m_steps;
         steps->progressed(m_index);
         next();

@@ -151,6 +151,29 @@ TEST_F(PhotoDecoding, KeepsWhatLivesOnApartFromWhatComesNext)
     EXPECT_NE(drawnOn, other);
 }
 
+TEST_F(PhotoDecoding, WritesIntoTheMemoryThatTheProgramReads)
+{
+    save(quarters({200, 100}), path(u"a.png"_s));
+    save(texture({400, 300}), path(u"b.png"_s));
+    PhotoDecoder decoder;
+    const RegularFile small(path(u"a.png"_s));
+    const RegularFile large(path(u"b.png"_s));
+    decoder.decode(small, {PicturePart::whole({200, 100}, 200)});
+    decoder.facts(large);
+    // A photo that is gone between its description and its decoding takes no slot with it.
+    written(path(u"c.png"_s), contents(path(u"b.png"_s)));
+    const RegularFile emptied(path(u"c.png"_s));
+    decoder.facts(emptied);
+    QFile(path(u"c.png"_s)).resize(0);
+    EXPECT_THROW(decoder.decode(emptied, {{{0, 0, 400, 300}, {1600, 1200}}}), ImageError);
+    EXPECT_EQ(decoder.decode(large, {PicturePart::whole({400, 300}, 400)}).first(), texture({400, 300}));
+    const QImage wide = decoder.decode(large, {{{0, 0, 400, 300}, {1600, 1200}}}).first();
+    EXPECT_NE(wide.pixel(800, 600), qRgb(0, 0, 0));
+    decoder.rest();
+    EXPECT_EQ(decoder.decode(small, {PicturePart::whole({200, 100}, 200)}).first(), quarters({200, 100}));
+    EXPECT_EQ(decoder.starts(), 1);
+}
+
 TEST_F(PhotoDecoding, TellsHostileFilesApartAndLivesOn)
 {
     save(texture({90, 60}), path(u"a.png"_s));
