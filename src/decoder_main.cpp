@@ -26,7 +26,7 @@ int main()
     close_range(socket + 1, ~0U, 0);
     const char *strict = std::getenv("TARNOVEL_DECODER_STRICT");
     const bool kills = strict != nullptr && std::strcmp(strict, "1") == 0;
-    tarnovel::prepareDecoder(socket);
+    tarnovel::prepareDecoder();
     tarnovel::serveDecoder(socket,
                            tarnovel::lockDown(kills ? tarnovel::Unneeded::Kills : tarnovel::Unneeded::Fails));
 }

@@ -214,6 +214,7 @@ public:
             begun.item = item();
             begun.made = m_pipeline.exportPhoto(begun.item, m_options, m_interruption.token());
         } catch (const OperationCancelled &) {
+            finish(); // which may be there already
             throw;
         } catch (const QException &) {
             begun.failure = std::current_exception();
@@ -264,8 +265,10 @@ private:
             const QString temporary = QDir::tempPath();
             const bool elsewhere = error.path().startsWith(temporary + u"/tarnovel-run-"_s);
             const QString where =
-                elsewhere ? localized({"临时文件夹 ", "temporary folder ", "dossier temporaire "}) + temporary
-                          : m_request.folder;
+                error.path() == u"memory"_s ? localized({"内存", "memory", "mémoire"})
+                : elsewhere
+                    ? localized({"临时文件夹 ", "temporary folder ", "dossier temporaire "}) + temporary
+                    : m_request.folder;
             reportFailure(photo, where + u": "_s + errorDescription(error));
         }
         ++m_done;

@@ -14,9 +14,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QFile>
 
 #include "imaging/ImageError.h"
+
+using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
@@ -27,6 +30,8 @@ using std::chrono::nanoseconds;
 using std::chrono::steady_clock;
 
 constexpr milliseconds lookEvery{250};
+/// What a process that does nothing may use by the way.
+constexpr milliseconds leastMovement{1};
 /// Where the decoder expects its socket.
 constexpr int decoderSocket = 3;
 
@@ -96,6 +101,13 @@ DecoderProcess::~DecoderProcess()
     end();
 }
 
+void DecoderProcess::kill() const
+{
+    if (m_pid > 0) {
+        ::kill(m_pid, SIGKILL);
+    }
+}
+
 QByteArray DecoderProcess::end()
 {
     if (m_pid < 0) {
@@ -105,7 +117,7 @@ QByteArray DecoderProcess::end()
     // What has ended by itself keeps its own status.
     if (waitid(P_PID, static_cast<id_t>(m_pid), &ended, WEXITED | WNOHANG | WNOWAIT) != 0 ||
         ended.si_pid == 0) {
-        kill(m_pid, SIGKILL);
+        ::kill(m_pid, SIGKILL);
     }
     while (waitid(P_PID, static_cast<id_t>(m_pid), &ended, WEXITED) != 0 && errno == EINTR) {
     }
@@ -127,6 +139,17 @@ nanoseconds DecoderProcess::processorTime() const
         return {};
     }
     return std::chrono::seconds(time.tv_sec) + nanoseconds(time.tv_nsec);
+}
+
+bool DecoderProcess::waitsForDisk() const
+{
+    const QDir tasks(u"/proc/%1/task"_s.arg(m_pid));
+    const QStringList threads = tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    return std::ranges::any_of(threads, [&tasks](const QString &thread) {
+        QFile stat(tasks.filePath(thread + u"/stat"_s));
+        // The state stands behind the name, which is in parentheses.
+        return stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") D ");
+    });
 }
 
 DecoderProcess::Outcome DecoderProcess::receive(QByteArray &bytes, const Patience &patience,
@@ -163,11 +186,11 @@ DecoderProcess::Outcome DecoderProcess::receive(QByteArray &bytes, const Patienc
         }
         const steady_clock::time_point now = steady_clock::now();
         const nanoseconds used = processorTime();
-        if (used != last) {
+        if (used - last >= leastMovement) {
             last = used;
             moved = now;
         }
-        if (now - moved > patience.still) {
+        if (now - moved > patience.still && (now - moved > patience.disk || !waitsForDisk())) {
             return Outcome::Hung;
         }
         if (used - before > patience.work) {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 
 #include "base/Cancellation.h"
@@ -24,6 +25,15 @@ constexpr milliseconds cancelPatience{100};
 constexpr size_t mostRemembered = 1000;
 /// A photo that has ended so many decoders is not tried again.
 constexpr int mostDeaths = 2;
+/// A decoder that did not start so often is not waited for again.
+constexpr int mostFailedStarts = 2;
+
+/// The decoder has ended in the middle of a request.
+struct DecoderEnded {
+    QByteArray how;
+    /// It had worked for another photo before.
+    bool hadServedAnother;
+};
 
 /// The libraries of these formats hear of a cancellation after half a second and more.
 bool isSlowToCancel(PictureFormat format)
@@ -48,7 +58,9 @@ QString decoderProgram()
     const QString name = u"tarnovel-decoder"_s;
     // Tests and tools lie in folders of the build tree.
     for (const QString &place :
-         {folder + u'/' + name, folder + u"/../libexec/tarnovel/"_s + name, folder + u"/../"_s + name}) {
+         {folder + u'/' + name,
+          QDir(folder + u"/.."_s).filePath(QStringLiteral(TARNOVEL_LIBEXEC "/tarnovel/")) + name,
+          folder + u"/../"_s + name}) {
         if (QFileInfo(place).isFile() && QFileInfo(place).isExecutable()) {
             return QFileInfo(place).canonicalFilePath();
         }
@@ -67,27 +79,35 @@ PhotoDecoder::PhotoDecoder(QString program, DecoderProcess::Patience patience)
 
 PhotoDecoder::~PhotoDecoder() = default;
 
-void PhotoDecoder::start()
+void PhotoDecoder::start(const std::stop_token &stop)
 {
     if (m_process) {
         return;
     }
     m_mapped.clear();
+    m_served.reset();
+    while (m_dying.size() > 1) {
+        m_dying.pop_front();
+    }
     // A spare one may have ended while it waited.
-    if ((m_spare && isStarted(std::exchange(m_spare, nullptr))) ||
-        isStarted(std::make_unique<DecoderProcess>(m_program))) {
+    if (m_failedStarts < mostFailedStarts && ((m_spare && isStarted(std::exchange(m_spare, nullptr), stop)) ||
+                                              isStarted(std::make_unique<DecoderProcess>(m_program), stop))) {
+        m_failedStarts = 0;
         return;
     }
+    ++m_failedStarts;
     throw ImageError(ImageError::Cause::NoDecoder, "the decoder does not start: " + m_program.toUtf8());
 }
 
-bool PhotoDecoder::isStarted(std::unique_ptr<DecoderProcess> process)
+bool PhotoDecoder::isStarted(std::unique_ptr<DecoderProcess> process, const std::stop_token &stop)
 {
     ++m_starts;
     QByteArray bytes;
-    const Outcome outcome = process->receive(bytes, m_patience, {});
+    const Outcome outcome = process->receive(bytes, m_patience, stop);
+    throwIfCancelled(stop);
     const std::optional<DecoderReply> ready = decodedReply(bytes);
-    if (outcome != Outcome::Message || !ready || ready->kind != DecoderReply::Kind::Ready) {
+    if (outcome != Outcome::Message || !ready || ready->kind != DecoderReply::Kind::Ready ||
+        ready->id != decoderProtocol) {
         qCWarning(logDecoder) << "the decoder does not start:" << process->end();
         return false;
     }
@@ -167,6 +187,32 @@ void PhotoDecoder::prepareSpare(const FileIdentity &photo)
     }
 }
 
+/// Sends the request to a decoder that lives, and waits.
+DecoderReply PhotoDecoder::asked(const RegularFile &photo, DecoderRequest request,
+                                 const PictureSlots::Lent &slot, const std::stop_token &stop)
+{
+    request.forgotten = m_slots.takeForgotten();
+    // One that ended while it had nothing to do is no photo's fault.
+    for (int round = 0; round < 3; ++round) {
+        start(stop);
+        request.id = ++m_lastId;
+        std::vector<int> descriptors = {photo.descriptor()};
+        if (slot.slot) {
+            request.slot = slot.number;
+            request.slotIsNew = !m_mapped.contains(slot.number);
+            if (request.slotIsNew) {
+                descriptors.push_back(slot.slot->descriptor());
+            }
+        }
+        if (m_process->send(encoded(request), descriptors)) {
+            return awaited(photo, request.id, stop);
+        }
+        qCWarning(logDecoder) << "the decoder had ended:" << m_process->end();
+        m_process.reset();
+    }
+    throw ImageError(ImageError::Cause::NoDecoder, "the decoder was gone before it was asked");
+}
+
 DecoderReply PhotoDecoder::exchange(const RegularFile &photo, DecoderRequest request,
                                     const PictureSlots::Lent &slot, const std::stop_token &stop)
 {
@@ -175,29 +221,24 @@ DecoderReply PhotoDecoder::exchange(const RegularFile &photo, DecoderRequest req
         deaths != m_deaths.end() && deaths->second >= mostDeaths) {
         throw ImageError(ImageError::Cause::Damaged, "has ended the decoder before");
     }
-    const bool isFresh = !m_process;
-    start();
-    request.id = ++m_lastId;
-    std::vector<int> descriptors = {photo.descriptor()};
-    if (slot.slot) {
-        request.slot = slot.number;
-        request.slotIsNew = !m_mapped.contains(slot.number);
-        if (request.slotIsNew) {
-            descriptors.push_back(slot.slot->descriptor());
+    DecoderReply reply;
+    try {
+        reply = asked(photo, request, slot, stop);
+    } catch (const DecoderEnded &ended) {
+        // What another photo has broken in it may have come to light only now.
+        if (!ended.hadServedAnother) {
+            lost(photo.identity(), ended.how, ImageError::Cause::Damaged);
         }
-    }
-    request.forgotten = m_slots.takeForgotten();
-    if (!m_process->send(encoded(request), descriptors)) {
-        if (isFresh) {
-            m_process.reset();
-            throw ImageError(ImageError::Cause::NoDecoder, "the decoder was gone before it was asked");
-        }
-        // It ended while it had nothing to do: no photo's fault.
-        qCWarning(logDecoder) << "the decoder had ended:" << m_process->end();
+        qCWarning(logDecoder) << "the decoder" << ended.how
+                              << "after another photo; this one is tried in a new one";
         m_process.reset();
-        return exchange(photo, request, slot, stop);
+        try {
+            reply = asked(photo, request, slot, stop);
+        } catch (const DecoderEnded &again) {
+            lost(photo.identity(), again.how, ImageError::Cause::Damaged);
+        }
     }
-    const DecoderReply reply = awaited(photo, request.id, stop);
+    m_served = photo.identity();
     switch (reply.kind) {
     case DecoderReply::Kind::Failed:
         throw ImageError(reply.cause, reply.detail);
@@ -221,7 +262,7 @@ DecoderReply PhotoDecoder::awaited(const RegularFile &photo, quint32 id, const s
     case Outcome::Stopped:
         cancelRequest(photo.identity(), id);
     case Outcome::Ended:
-        lost(photo.identity(), "ended: " + m_process->end(), Cause::Damaged);
+        throw DecoderEnded{"ended: " + m_process->end(), m_served && *m_served != photo.identity()};
     case Outcome::Hung:
     case Outcome::TimedOut:
         lost(photo.identity(), "hangs", Cause::Damaged);
@@ -246,11 +287,17 @@ void PhotoDecoder::cancelRequest(const FileIdentity &photo, quint32 id)
     QByteArray bytes;
     DecoderProcess::Patience brief = m_patience;
     brief.wait = cancelPatience;
-    const bool answered =
-        !slow && m_process->send(encoded(cancel)) && m_process->receive(bytes, brief, {}) == Outcome::Message;
-    const std::optional<DecoderReply> reply = answered ? decodedReply(bytes) : std::nullopt;
+    const Outcome outcome =
+        !slow && m_process->send(encoded(cancel)) ? m_process->receive(bytes, brief, {}) : Outcome::TimedOut;
+    const std::optional<DecoderReply> reply =
+        outcome == Outcome::Message ? decodedReply(bytes) : std::nullopt;
+    if (outcome == Outcome::Ended) {
+        qCWarning(logDecoder) << "the decoder ended while it was told to stop:" << m_process->end();
+    }
     if (!reply || reply->id != id) {
-        m_process.reset();
+        // Its memory takes the kernel a while: whoever asks next does not wait for that.
+        m_process->kill();
+        m_dying.push_back(std::move(m_process));
     }
     throw OperationCancelled();
 }

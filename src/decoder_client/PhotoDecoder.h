@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
@@ -51,8 +52,10 @@ public:
 private:
     DecoderReply exchange(const RegularFile &photo, DecoderRequest request, const PictureSlots::Lent &slot,
                           const std::stop_token &stop);
-    void start();
-    bool isStarted(std::unique_ptr<DecoderProcess> process);
+    DecoderReply asked(const RegularFile &photo, DecoderRequest request, const PictureSlots::Lent &slot,
+                       const std::stop_token &stop);
+    void start(const std::stop_token &stop);
+    bool isStarted(std::unique_ptr<DecoderProcess> process, const std::stop_token &stop);
     void prepareSpare(const FileIdentity &photo);
     DecoderReply awaited(const RegularFile &photo, quint32 id, const std::stop_token &stop);
     [[noreturn]] void cancelRequest(const FileIdentity &photo, quint32 id);
@@ -67,6 +70,11 @@ private:
     PictureSlots m_slots;
     /// The slots that the decoder has written into.
     std::set<quint32> m_mapped;
+    /// Killed, and not waited for yet.
+    std::deque<std::unique_ptr<DecoderProcess>> m_dying;
+    /// The photo that this decoder answered about last.
+    std::optional<FileIdentity> m_served;
+    int m_failedStarts = 0;
     quint32 m_lastId = 0;
     int m_starts = 0;
     std::map<FileIdentity, PhotoFacts> m_facts;

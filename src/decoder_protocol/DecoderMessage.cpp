@@ -21,6 +21,23 @@ static QDataStream &operator>>(QDataStream &stream, PicturePart &part)
 
 namespace {
 
+/// A list of at most `most` items. The count that stands before it is no reason to take memory.
+template<typename Value>
+void readList(QDataStream &stream, QList<Value> &list, quint32 most)
+{
+    quint32 count = 0;
+    stream >> count;
+    if (count > most) {
+        stream.setStatus(QDataStream::ReadCorruptData);
+    }
+    for (quint32 i = 0; i < count && stream.status() == QDataStream::Ok; ++i) {
+        Value value{};
+        stream >> value;
+        list.append(value);
+    }
+}
+
+constexpr quint32 mostForgotten = 1000;
 constexpr qsizetype longestDetail = 4'000;
 constexpr qsizetype longestText = 1'000;
 
@@ -119,11 +136,12 @@ std::optional<DecoderRequest> decodedRequest(const QByteArray &bytes)
 {
     DecoderRequest request;
     const bool whole = isReadFrom(bytes, [&](QDataStream &stream) {
-        stream >> request.id >> request.kind >> request.parts >> request.slot >> request.slotIsNew >>
-            request.forgotten;
+        stream >> request.id >> request.kind;
+        readList(stream, request.parts, mostDecoderParts);
+        stream >> request.slot >> request.slotIsNew;
+        readList(stream, request.forgotten, mostForgotten);
     });
-    const bool known =
-        isWithin(request.kind, DecoderRequest::Kind::Forget) && request.parts.size() <= mostDecoderParts;
+    const bool known = isWithin(request.kind, DecoderRequest::Kind::Forget);
     return whole && known ? std::optional(request) : std::nullopt;
 }
 
@@ -131,7 +149,9 @@ std::optional<DecoderReply> decodedReply(const QByteArray &bytes)
 {
     DecoderReply reply;
     const bool whole = isReadFrom(bytes, [&](QDataStream &stream) {
-        stream >> reply.id >> reply.kind >> reply.facts >> reply.transparent >> reply.cause >> reply.detail;
+        stream >> reply.id >> reply.kind >> reply.facts;
+        readList(stream, reply.transparent, mostDecoderParts);
+        stream >> reply.cause >> reply.detail;
     });
     const bool known = isWithin(reply.kind, DecoderReply::Kind::Cancelled) &&
                        isWithin(reply.cause, ImageError::Cause::NoDecoder) &&

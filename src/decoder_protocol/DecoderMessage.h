@@ -48,6 +48,10 @@ struct DecoderReply {
     QByteArray detail;
 };
 
+/// Goes up with every change of the messages, and is the id of the decoder's first one: a program may go on
+/// running while a newer decoder is installed.
+constexpr quint32 decoderProtocol = 1;
+
 /// The longest message of either side, in bytes.
 constexpr qsizetype longestDecoderMessage = 64 << 10;
 /// A request is for at most this many parts.

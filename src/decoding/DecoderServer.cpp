@@ -1,5 +1,6 @@
 #include "decoding/DecoderServer.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstring>
 #include <deque>
@@ -14,8 +15,6 @@
 
 #include <malloc.h>
 #include <sys/mman.h>
-#include <sys/socket.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include "base/Cancellation.h"
@@ -30,7 +29,7 @@ namespace tarnovel {
 namespace {
 
 /// After this long without a request the memory that is kept for the next photo goes back.
-constexpr timeval restSeconds{3, 0};
+constexpr std::chrono::seconds restAfter{3};
 constexpr size_t descriptorsOfRequest = 2;
 // Each arena of the allocator keeps what its threads have freed.
 constexpr int mostArenas = 2;
@@ -197,26 +196,23 @@ public:
         }
     }
 
-    void rest()
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_resting = m_jobs.empty();
-        m_wake.notify_one();
-    }
-
 private:
     [[noreturn]] void run()
     {
         Desk desk;
+        bool rested = true;
         for (;;) {
             std::unique_lock lock(m_mutex);
             m_current.reset();
-            m_wake.wait(lock, [this] { return m_resting || !m_jobs.empty(); });
-            if (std::exchange(m_resting, false)) {
-                lock.unlock();
+            const auto hasWork = [this] { return !m_jobs.empty(); };
+            // Nothing moves by itself while there is nothing to do, or while work hangs: the program watches
+            // the processor's clock of this process.
+            if (!rested && !m_wake.wait_for(lock, restAfter, hasWork)) {
                 desk.rest();
-                continue;
+                rested = true;
             }
+            m_wake.wait(lock, hasWork);
+            rested = false;
             Job job = std::move(m_jobs.front());
             m_jobs.pop_front();
             m_current = job.request.id;
@@ -238,7 +234,6 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_wake;
     std::deque<Job> m_jobs;
-    bool m_resting = false;
     std::optional<quint32> m_current;
     std::optional<quint32> m_cancelled;
     std::stop_source m_stop;
@@ -247,9 +242,8 @@ private:
 
 } // namespace
 
-void prepareDecoder(int socket)
+void prepareDecoder()
 {
-    setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &restSeconds, sizeof(restSeconds));
     mallopt(M_ARENA_MAX, mostArenas);
     prepareParser();
     // A photo in its own colours, decoded once, brings in the codecs and the pool of threads.
@@ -271,24 +265,15 @@ void prepareDecoder(int socket)
 void serveDecoder(int socket, const QByteArrayList &missing)
 {
     DecoderReply ready;
+    ready.id = decoderProtocol;
     ready.detail = missing.join(", ");
     sendMessage(socket, encoded(ready));
     auto *decoding = new Decoding(socket); // goes with the process: a decoding in progress is not waited for
-    bool rested = true;
     for (;;) {
         ReceivedMessage message;
-        switch (receiveMessage(socket, message, descriptorsOfRequest)) {
-        case Receiving::Ended:
+        if (receiveMessage(socket, message, descriptorsOfRequest) != Receiving::Message) {
             _exit(0);
-        case Receiving::Nothing:
-            if (!std::exchange(rested, true)) {
-                decoding->rest();
-            }
-            continue;
-        case Receiving::Message:
-            break;
         }
-        rested = false;
         const std::optional<DecoderRequest> request = decodedRequest(message.bytes);
         if (!request) {
             _exit(1);

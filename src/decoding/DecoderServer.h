@@ -5,8 +5,8 @@
 namespace tarnovel {
 
 /// Opens all that decoding will need later, when nothing can be opened any more: libraries, their modules,
-/// their threads' resources. Also sets how long the socket waits.
-void prepareDecoder(int socket);
+/// their threads' resources.
+void prepareDecoder();
 
 /// Reads photos for the program at the other end of the socket until that goes. One thread hears the socket,
 /// so that a request can be cancelled; one decodes. `missing` are the locks that could not be closed.

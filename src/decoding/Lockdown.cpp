@@ -60,7 +60,9 @@ bool dropStandardStreams()
     const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
     const bool dropped = null >= 0 && dup2(null, STDIN_FILENO) >= 0 && dup2(null, STDOUT_FILENO) >= 0 &&
                          dup2(null, STDERR_FILENO) >= 0;
-    close(null);
+    if (null > STDERR_FILENO) {
+        close(null);
+    }
     return dropped;
 }
 

@@ -120,10 +120,10 @@ void ImportFlow::endNow()
     m_queue.clear();
     m_copier.wait();
     ++m_run;
+    m_stop.request_stop(); // what is being looked at, so that its facts are to be had at once
     if (!m_copied.isEmpty()) {
         takeCopied();
     }
-    m_stop.request_stop();
     m_summary.cancelled = false;
     finish();
 }
@@ -132,7 +132,7 @@ void ImportFlow::endNow()
 void ImportFlow::takeCopied()
 {
     try {
-        PhotoItem item = m_pipeline.inspect({m_copied}).result();
+        PhotoItem item = m_pipeline.inspect({m_copied}, ImagePipeline::TestDecode::No).result();
         item.name = QFileInfo(m_request.paths.at(m_index - 1)).completeBaseName();
         m_items.append(item);
     } catch (const QException &) {

@@ -71,6 +71,21 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
     return bytes;
 }
 
+/// Stops when either of two does.
+class JoinedStop {
+public:
+    JoinedStop(const std::stop_token &one, const std::stop_token &other)
+        : m_one(one, [this] { m_both.request_stop(); }), m_other(other, [this] { m_both.request_stop(); })
+    {
+    }
+    std::stop_token token() const { return m_both.get_token(); }
+
+private:
+    std::stop_source m_both;
+    std::stop_callback<std::function<void()>> m_one;
+    std::stop_callback<std::function<void()>> m_other;
+};
+
 template<typename Work>
 auto promised(const QString &subject, const std::stop_token &stop, const Work &work)
 {
@@ -203,6 +218,7 @@ ImagePipeline::ImagePipeline(const QString &libraryFolder, QString temporaryFold
 
 ImagePipeline::~ImagePipeline()
 {
+    m_ending.request_stop();
     m_screen.thread.waitForDone();
     m_reading.thread.waitForDone();
     m_composing.waitForDone();
@@ -219,8 +235,9 @@ auto ImagePipeline::enqueue(QThreadPool &thread, const QString &subject, std::st
     auto promise = std::make_shared<QPromise<Value>>();
     QFuture<Value> future = promise->future();
     promise->start(); // nobody waits for a future that has not started
-    thread.start([promise, subject, stop = std::move(stop), work = std::move(work)]() mutable {
-        fulfil(std::move(promise), subject, stop, work, [] {});
+    thread.start([this, promise, subject, stop = std::move(stop), work = std::move(work)]() mutable {
+        const JoinedStop either(stop, m_ending.get_token());
+        fulfil(std::move(promise), subject, either.token(), work, [] {});
     });
     return future;
 }
@@ -236,8 +253,9 @@ QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const Ex
         // Two photos at most are between their reading and their end.
         m_room.acquire();
         const auto read = std::make_shared<ReadPhoto>();
+        const JoinedStop either(stop, m_ending.get_token());
         try {
-            *read = promised(item.file, stop, [&](const std::stop_token &token) {
+            *read = promised(item.file, either.token(), [&](const std::stop_token &token) {
                 const QSize canvas = outputCanvas(item, options);
                 return ReadPhoto{canvas, imagesFor(m_reading.reader, item, canvas, token)};
             });
@@ -257,7 +275,8 @@ QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const Ex
                 throwIfCancelled(token);
                 return written(m_canvas, options, token);
             };
-            fulfil(std::move(promise), item.file, stop, work, [this] { ended(); });
+            const JoinedStop eitherNow(stop, m_ending.get_token());
+            fulfil(std::move(promise), item.file, eitherNow.token(), work, [this] { ended(); });
         });
     });
     return future;

@@ -117,6 +117,8 @@ private:
     void ended();
 
     const QString m_temporaryFolder;
+    /// Nobody waits any more for what is still to be done.
+    std::stop_source m_ending;
     Lane m_reading;
     std::unique_ptr<Lane> m_ownScreen;
     /// Of the screen; a command's is the other one.

@@ -267,7 +267,7 @@ TEST_F(FakeDecoding, APhotoThatKillsTwiceIsNotTriedAgain)
 
 TEST_F(FakeDecoding, TheDecoderItselfIsMissedByItsName)
 {
-    for (const char *kind : {"does not start", "hangs at once"}) {
+    for (const char *kind : {"does not start", "hangs at once", "of another version"}) {
         behave(kind);
         PhotoDecoder decoder(QStringLiteral(FAKE_DECODER), brief());
         EXPECT_EQ(causeOf(decoder, path(u"a.jpg"_s)), Cause::NoDecoder) << kind;
@@ -285,9 +285,9 @@ TEST_F(FakeDecoding, TheDecoderItselfIsMissedByItsName)
 
 TEST(Lockdown, RefusesWhatADecoderHasNoNeedOf)
 {
-    for (const char *call :
-         {"open", "create", "unlink", "socket", "fork", "vfork", "execve", "ptrace", "kill", "signal another",
-          "executable memory", "look up a path", "too much memory", "more limits", "io_uring"}) {
+    for (const char *call : {"open", "create", "unlink", "socket", "fork", "vfork", "execve", "ptrace",
+                             "kill", "signal another", "executable memory", "look up a path",
+                             "too much memory", "more limits", "io_uring", "another process's memory"}) {
         QProcess program;
         program.start(QStringLiteral(LOCKED_CALL), {QString::fromLatin1(call)});
         ASSERT_TRUE(program.waitForFinished(60'000));

@@ -60,7 +60,9 @@ int main()
     if (kind == "hangs at once") {
         hang();
     }
-    sendMessage(programSocket, encoded(DecoderReply()));
+    DecoderReply ready;
+    ready.id = kind == "of another version" ? decoderProtocol + 1 : decoderProtocol;
+    sendMessage(programSocket, encoded(ready));
     for (;;) {
         ReceivedMessage message;
         if (receiveMessage(programSocket, message, 2) != Receiving::Message) {

@@ -6,11 +6,14 @@
 #include <string_view>
 
 #include <fcntl.h>
+#include <linux/io_uring.h>
 #include <sys/mman.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include "decoding/Lockdown.h"
@@ -35,11 +38,11 @@ bool isRefused(std::string_view call)
         return fork() < 0;
     }
     if (call == "vfork") {
-        return syscall(SYS_fork) < 0;
+        return syscall(SYS_vfork) < 0;
     }
     if (call == "execve") {
         char *const none[] = {nullptr};
-        return execve("/bin/true", none, none) < 0;
+        return execve("/bin/false", none, none) < 0; // which ends with 1
     }
     if (call == "ptrace") {
         return ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) < 0;
@@ -54,17 +57,25 @@ bool isRefused(std::string_view call)
         return mmap(nullptr, 4096, PROT_READ | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) == MAP_FAILED;
     }
     if (call == "look up a path") {
-        return syscall(SYS_newfstatat, AT_FDCWD, "/etc", nullptr, 0) < 0;
+        struct stat found {};
+        return syscall(SYS_newfstatat, AT_FDCWD, "/etc", &found, 0) < 0;
     }
     if (call == "too much memory") {
         return mmap(nullptr, size_t(5) << 30, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) == MAP_FAILED;
     }
     if (call == "more limits") {
         const rlimit wide{RLIM_INFINITY, RLIM_INFINITY};
-        return setrlimit(RLIMIT_CORE, &wide) < 0;
+        return setrlimit(RLIMIT_CORE, &wide) < 0 && errno == ENOSYS;
     }
     if (call == "io_uring") {
-        return syscall(SYS_io_uring_setup, 1, nullptr) < 0;
+        io_uring_params parameters{};
+        return syscall(SYS_io_uring_setup, 1, &parameters) < 0;
+    }
+    if (call == "another process's memory") {
+        char byte = 0;
+        const iovec here{&byte, 1};
+        const iovec there{&byte, 1};
+        return syscall(SYS_process_vm_readv, getpid(), &here, 1, &there, 1, 0) < 0;
     }
     return false;
 }
