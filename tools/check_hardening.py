@@ -8,7 +8,7 @@ import subprocess
 import sys
 
 ENDBR64 = b"\xf3\x0f\x1e\xfa"
-FEWEST_FUNCTIONS = 1000
+FEWEST_FUNCTIONS = 200
 
 
 def readelf(what, program):

@@ -213,7 +213,7 @@ DecoderReply PhotoDecoder::asked(const RegularFile &photo, DecoderRequest reques
     throw ImageError(ImageError::Cause::NoDecoder, "the decoder was gone before it was asked");
 }
 
-DecoderReply PhotoDecoder::exchange(const RegularFile &photo, DecoderRequest request,
+DecoderReply PhotoDecoder::exchange(const RegularFile &photo, const DecoderRequest &request,
                                     const PictureSlots::Lent &slot, const std::stop_token &stop)
 {
     throwIfCancelled(stop);

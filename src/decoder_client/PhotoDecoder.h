@@ -50,8 +50,8 @@ public:
     int starts() const { return m_starts; }
 
 private:
-    DecoderReply exchange(const RegularFile &photo, DecoderRequest request, const PictureSlots::Lent &slot,
-                          const std::stop_token &stop);
+    DecoderReply exchange(const RegularFile &photo, const DecoderRequest &request,
+                          const PictureSlots::Lent &slot, const std::stop_token &stop);
     DecoderReply asked(const RegularFile &photo, DecoderRequest request, const PictureSlots::Lent &slot,
                        const std::stop_token &stop);
     void start(const std::stop_token &stop);

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include <QDataStream>
+#include <QIODevice>
 
 #include "imaging/BufferPool.h"
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include <QList>
 #include <QtEndian>
 
 namespace tarnovel {

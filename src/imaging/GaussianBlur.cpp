@@ -80,6 +80,7 @@ QImage blurredDirectly(const QImage &image, double sigma)
     const std::vector<float> kernel = halfKernel(sigma);
     const auto reach = static_cast<int>(kernel.size()) - 1;
     std::vector<Row> rows;
+    rows.reserve(static_cast<size_t>(image.height()));
     for (int y = 0; y < image.height(); ++y) {
         rows.push_back(blurredRow(image.constScanLine(y), image.width(), kernel));
     }

@@ -112,8 +112,8 @@ auto promised(const QString &subject, const std::stop_token &stop, const Work &w
 /// Does the work, calls `ended`, and then tells how it went: whoever hears of it may look at what is left
 /// behind.
 template<typename Value, typename Work, typename Ended>
-void fulfil(std::shared_ptr<QPromise<Value>> promise, const QString &subject, const std::stop_token &stop,
-            const Work &work, const Ended &ended)
+void fulfil(QPromise<Value> &promise, const QString &subject, const std::stop_token &stop, const Work &work,
+            const Ended &ended)
 {
     std::optional<Value> value;
     std::exception_ptr failure;
@@ -124,11 +124,11 @@ void fulfil(std::shared_ptr<QPromise<Value>> promise, const QString &subject, co
     }
     ended();
     if (failure) {
-        promise->setException(failure);
+        promise.setException(failure);
     } else {
-        promise->addResult(std::move(*value));
+        promise.addResult(std::move(*value));
     }
-    promise->finish();
+    promise.finish();
 }
 
 CompositionImages imagesFor(PhotoReader &reader, const PhotoItem &item, QSize canvas,
@@ -173,8 +173,7 @@ CompositionImages imagesFor(PhotoReader &reader, const PhotoItem &item, QSize ca
     return images;
 }
 
-/// The images are let go as soon as they have been drawn: the memory that they lie in is wanted for the next.
-void compose(QImage &canvas, const PhotoItem &item, CompositionImages images)
+void compose(QImage &canvas, const PhotoItem &item, const CompositionImages &images)
 {
     if (canvas.isNull()) {
         throw PipelineFailure(PipelineError::tooLarge);
@@ -237,7 +236,7 @@ auto ImagePipeline::enqueue(QThreadPool &thread, const QString &subject, std::st
     promise->start(); // nobody waits for a future that has not started
     thread.start([this, promise, subject, stop = std::move(stop), work = std::move(work)]() mutable {
         const JoinedStop either(stop, m_ending.get_token());
-        fulfil(std::move(promise), subject, either.token(), work, [] {});
+        fulfil(*promise, subject, either.token(), work, [] {});
     });
     return future;
 }
@@ -271,12 +270,13 @@ QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const Ex
                     m_canvas = QImage();
                     m_canvas = QImage(read->canvas, QImage::Format_RGB32);
                 }
-                compose(m_canvas, item, std::exchange(read->images, {}));
+                compose(m_canvas, item, read->images);
+                read->images = {}; // the memory that they lie in is wanted for the next
                 throwIfCancelled(token);
                 return written(m_canvas, options, token);
             };
             const JoinedStop eitherNow(stop, m_ending.get_token());
-            fulfil(std::move(promise), item.file, eitherNow.token(), work, [this] { ended(); });
+            fulfil(*promise, item.file, eitherNow.token(), work, [this] { ended(); });
         });
     });
     return future;
@@ -356,10 +356,10 @@ QFuture<QImage> ImagePipeline::render(const PhotoItem &item, QSize canvas, std::
 {
     return enqueue(m_screen.thread, item.file, std::move(stop),
                    [this, item, canvas](const std::stop_token &token) {
-                       CompositionImages images = imagesFor(m_screen.reader, item, canvas, token);
+                       const CompositionImages images = imagesFor(m_screen.reader, item, canvas, token);
                        throwIfCancelled(token);
                        QImage image(canvas, QImage::Format_RGB32);
-                       compose(image, item, std::move(images));
+                       compose(image, item, images);
                        return image;
                    });
 }

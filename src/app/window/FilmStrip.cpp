@@ -1,6 +1,7 @@
 #include "app/window/FilmStrip.h"
 
 #include <QBoxLayout>
+#include <QEvent>
 #include <QPainter>
 
 #include "app/kit/Button.h"
