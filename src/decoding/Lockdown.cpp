@@ -191,7 +191,8 @@ QByteArrayList lockDown(Unneeded unneeded)
     lock(isSanitized || dropStandardStreams(), "standard streams");
     lock(closeFileSystem(), "Landlock");
     if constexpr (isSanitized) {
-        return missing;
+        return missing << "memory limit"
+                       << "seccomp";
     }
     lock(limit(RLIMIT_AS, mostAddresses), "memory limit");
     lock(Filter(unneeded).load(), "seccomp");
