@@ -58,6 +58,13 @@ struct PhotosContext {
     Thumbnails &thumbnails;
 };
 
+/// What shows and changes the selected photo's frame works with.
+struct EditingContext {
+    EditorModel &model;
+    SettingsEdits &edits;
+    EditorState &state;
+};
+
 /// Everything the editor's own screens work with; all of it outlives them. A widget that needs less takes
 /// less.
 struct EditorContext {
@@ -71,6 +78,7 @@ struct EditorContext {
     EditorState &state;
 
     PhotosContext photos() const { return {model, thumbnails}; }
+    EditingContext editing() const { return {model, edits, state}; }
 };
 
 } // namespace tarnovel::app

@@ -25,6 +25,12 @@ constexpr double keyZoom = 1.02;
 constexpr double wheelZoomPerDegree = 1.0 / 15 * 0.03;
 constexpr int pinchEndMs = 250;
 
+/// Clockwise from the right, in degrees.
+double direction(QPointF arm)
+{
+    return qRadiansToDegrees(std::atan2(arm.y(), arm.x()));
+}
+
 } // namespace
 
 QPointF CanvasView::inLayer(QPointF position, const QRectF &box) const
@@ -32,27 +38,29 @@ QPointF CanvasView::inLayer(QPointF position, const QRectF &box) const
     return layerTransform(box).inverted().map(position);
 }
 
-CanvasView::Grip CanvasView::gripAt(QPointF position) const
+std::optional<CanvasView::Grip> CanvasView::gripAt(QPointF position) const
 {
     const QRectF frame = frameRect();
     if (frame.isEmpty()) {
-        return Grip::None;
+        return {};
     }
+    const FrameSettings &settings = m_context.model.current()->settings;
     if (const std::optional<QRectF> box = layerBox()) {
+        const QString &layer = *m_state.selectedLayer();
+        const QPointF arm = position - box->center();
         switch (CanvasMarks::handleAt(inLayer(position, *box), *box)) {
         case CanvasMarks::Handle::Corner:
-            return Grip::Corner;
+            return CornerGrip{layer, std::max(std::hypot(arm.x(), arm.y()), 1.0)};
         case CanvasMarks::Handle::Knob:
-            return Grip::Knob;
+            return KnobGrip{layer, settings.layer(layer)->rotation.value_or(0) - direction(arm)};
         case CanvasMarks::Handle::None:
             break;
         }
     }
-    const FrameSettings &settings = m_context.model.current()->settings;
-    if (CanvasGestures::layerAt(settings, position - frame.topLeft(), frame.size())) {
-        return Grip::Text;
+    if (const auto layer = CanvasGestures::layerAt(settings, position - frame.topLeft(), frame.size())) {
+        return TextGrip{*layer};
     }
-    return frame.contains(position) ? Grip::Photo : Grip::None;
+    return frame.contains(position) ? std::optional<Grip>(PhotoGrip()) : std::nullopt;
 }
 
 void CanvasView::mousePressEvent(QMouseEvent *event)
@@ -61,26 +69,16 @@ void CanvasView::mousePressEvent(QMouseEvent *event)
         return;
     }
     const QPointF position = event->position();
-    if (m_context.state.colorTaker()) {
+    if (m_state.colorTaker()) {
         takeColor(position);
         return;
     }
-    m_grip = gripAt(position);
-    m_pressed = position;
-    m_moved = false;
-    const QRectF frame = frameRect();
-    if (m_grip == Grip::Text) {
-        m_gripLayer = *CanvasGestures::layerAt(m_context.model.current()->settings,
-                                               position - frame.topLeft(), frame.size());
-        m_context.state.selectLayer(m_gripLayer);
-    } else if (m_grip == Grip::Corner || m_grip == Grip::Knob) {
-        m_gripLayer = *m_context.state.selectedLayer();
-        const QPointF arm = position - layerBox()->center();
-        m_grabDistance = std::max(std::hypot(arm.x(), arm.y()), 1.0);
-        m_grabAngle = m_context.model.current()->settings.layer(m_gripLayer)->rotation.value_or(0) -
-                      qRadiansToDegrees(std::atan2(arm.y(), arm.x()));
-    } else {
-        m_context.state.selectLayer({});
+    const std::optional<Grip> grip = gripAt(position);
+    m_drag = grip ? std::optional<Drag>({*grip, position}) : std::nullopt;
+    if (const auto *text = grip ? std::get_if<TextGrip>(&*grip) : nullptr) {
+        m_state.selectLayer(text->layer);
+    } else if (!grip || std::holds_alternative<PhotoGrip>(*grip)) {
+        m_state.selectLayer({});
     }
     showCursor(position);
 }
@@ -88,39 +86,40 @@ void CanvasView::mousePressEvent(QMouseEvent *event)
 void CanvasView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPointF position = event->position();
-    if (m_grip == Grip::None) {
+    if (!m_drag) {
         showCursor(position);
         return;
     }
-    const QPointF way = position - m_pressed;
-    if (!m_moved && way.manhattanLength() < Press::movesPicture) {
-        return;
+    m_drag->moved |= (position - m_drag->pressed).manhattanLength() >= Press::movesPicture;
+    if (m_drag->moved) {
+        // The step may end the drag: what is held outlives it.
+        const Grip held = m_drag->grip;
+        std::visit([&](const auto &grip) { drag(grip, position); }, held);
     }
-    m_moved = true;
-    const QSizeF canvas = frameRect().size();
-    switch (m_grip) {
-    case Grip::Photo:
-        m_gestures.dragPhoto(way, canvas);
-        break;
-    case Grip::Text:
-        m_gestures.dragText(m_gripLayer, way, canvas);
-        break;
-    case Grip::Corner:
-    case Grip::Knob: {
-        const std::optional<QRectF> box = layerBox();
-        if (!box) {
-            break;
-        }
+}
+
+void CanvasView::drag(const PhotoGrip &, QPointF position)
+{
+    m_gestures.dragPhoto(position - m_drag->pressed, frameRect().size());
+}
+
+void CanvasView::drag(const TextGrip &grip, QPointF position)
+{
+    m_gestures.dragText(grip.layer, position - m_drag->pressed, frameRect().size());
+}
+
+void CanvasView::drag(const CornerGrip &grip, QPointF position)
+{
+    if (const std::optional<QRectF> box = layerBox()) {
         const QPointF arm = position - box->center();
-        if (m_grip == Grip::Corner) {
-            m_gestures.scaleText(m_gripLayer, std::hypot(arm.x(), arm.y()) / m_grabDistance);
-        } else {
-            m_gestures.rotateText(m_gripLayer, m_grabAngle + qRadiansToDegrees(std::atan2(arm.y(), arm.x())));
-        }
-        break;
+        m_gestures.scaleText(grip.layer, std::hypot(arm.x(), arm.y()) / grip.distance);
     }
-    case Grip::None:
-        break;
+}
+
+void CanvasView::drag(const KnobGrip &grip, QPointF position)
+{
+    if (const std::optional<QRectF> box = layerBox()) {
+        m_gestures.rotateText(grip.layer, grip.angle + direction(position - box->center()));
     }
 }
 
@@ -135,7 +134,7 @@ void CanvasView::mouseReleaseEvent(QMouseEvent *event)
 
 void CanvasView::endGesture()
 {
-    m_grip = Grip::None;
+    m_drag.reset();
     m_gestures.endPhotoDrag();
     m_gestures.endTextDrag();
     m_gestures.endTextScale();
@@ -145,7 +144,7 @@ void CanvasView::endGesture()
 
 void CanvasView::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton || m_context.state.colorTaker() || !m_context.model.current()) {
+    if (event->button() != Qt::LeftButton || m_state.colorTaker() || !m_context.model.current()) {
         return;
     }
     const QRectF frame = frameRect();
@@ -153,31 +152,24 @@ void CanvasView::mouseDoubleClickEvent(QMouseEvent *event)
         m_context.model.current()->settings, event->position() - frame.topLeft(), frame.size());
     if (layer) {
         endGesture();
-        m_context.state.selectLayer(layer);
+        m_state.selectLayer(layer);
         Q_EMIT editTextAsked(*layer);
     }
 }
 
 void CanvasView::showCursor(QPointF position)
 {
-    if (m_context.state.colorTaker()) {
+    if (m_state.colorTaker()) {
         setCursor(Qt::CrossCursor);
         return;
     }
-    switch (m_grip == Grip::None ? gripAt(position) : m_grip) {
-    case Grip::Photo:
-        setCursor(m_grip == Grip::Photo ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
-        break;
-    case Grip::Corner:
-        setCursor(Qt::SizeFDiagCursor);
-        break;
-    case Grip::Knob:
-        setCursor(Qt::PointingHandCursor);
-        break;
-    case Grip::Text:
-    case Grip::None:
+    const std::optional<Grip> grip = m_drag ? m_drag->grip : gripAt(position);
+    if (!grip || std::holds_alternative<TextGrip>(*grip)) {
         setCursor(Qt::ArrowCursor);
-        break;
+    } else if (std::holds_alternative<PhotoGrip>(*grip)) {
+        setCursor(m_drag ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
+    } else {
+        setCursor(std::holds_alternative<CornerGrip>(*grip) ? Qt::SizeFDiagCursor : Qt::PointingHandCursor);
     }
 }
 
@@ -185,8 +177,8 @@ void CanvasView::takeColor(QPointF position)
 {
     const QRectF frame = frameRect();
     const QPoint pixel = ((position - frame.topLeft()) * devicePixelRatioF()).toPoint();
-    const std::function<void(const QColor &)> taker = m_context.state.colorTaker();
-    m_context.state.endPicking();
+    const std::function<void(const QColor &)> taker = m_state.colorTaker();
+    m_state.endPicking();
     if (m_frame.rect().contains(pixel)) {
         taker(m_frame.pixelColor(pixel));
     }
@@ -210,18 +202,18 @@ bool CanvasView::focusNextPrevChild(bool next)
     }
     // The layers are stops on the way through the stage.
     const QStringList ids = visibleLayers();
-    const std::optional<QString> &selected = m_context.state.selectedLayer();
+    const std::optional<QString> &selected = m_state.selectedLayer();
     const qsizetype at = selected ? ids.indexOf(*selected) : -1;
     const qsizetype to = next ? at + 1 : at < 0 ? -2 : at - 1;
     if (to >= 0 && to < ids.size()) {
-        m_context.state.selectLayer(ids.at(to));
+        m_state.selectLayer(ids.at(to));
         return true;
     }
     if (to == -1) {
-        m_context.state.selectLayer({});
+        m_state.selectLayer({});
         return true;
     }
-    m_context.state.selectLayer({});
+    m_state.selectLayer({});
     return QWidget::focusNextPrevChild(next);
 }
 
@@ -231,7 +223,7 @@ void CanvasView::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
         return;
     }
-    const std::optional<QString> &layer = m_context.state.selectedLayer();
+    const std::optional<QString> &layer = m_state.selectedLayer();
     const double step = event->modifiers() & Qt::ShiftModifier ? largeNudgeStep : nudgeStep;
     const auto kind = event->isAutoRepeat() ? CanvasGestures::Nudge::Repeat : CanvasGestures::Nudge::Step;
     switch (event->key()) {
@@ -261,10 +253,10 @@ void CanvasView::keyPressEvent(QKeyEvent *event)
         }
         break;
     case Qt::Key_Escape:
-        if (m_context.state.colorTaker()) {
-            m_context.state.endPicking();
+        if (m_state.colorTaker()) {
+            m_state.endPicking();
         } else if (layer) {
-            m_context.state.selectLayer({});
+            m_state.selectLayer({});
         } else {
             QWidget::keyPressEvent(event);
         }

@@ -27,8 +27,8 @@ constexpr QSize tightStage(800, 600);
 
 } // namespace
 
-CanvasView::CanvasView(const EditorContext &context, QWidget *parent)
-    : QWidget(parent), m_context(context), m_gestures(context.model)
+CanvasView::CanvasView(const PhotosContext &context, EditorState &state, QWidget *parent)
+    : QWidget(parent), m_context(context), m_state(state), m_gestures(context.model)
 {
     setAccessibleRole(*this, QAccessible::Graphic);
     setFocusPolicy(Qt::StrongFocus);
@@ -38,12 +38,12 @@ CanvasView::CanvasView(const EditorContext &context, QWidget *parent)
     grabGesture(Qt::PinchGesture);
     connect(&context.model, &EditorModel::changed, this, &CanvasView::modelChanged);
     connect(&m_images, &CanvasImages::changed, this, &CanvasView::redraw);
-    connect(&context.state, &EditorState::layerChanged, this, [this] {
+    connect(&state, &EditorState::layerChanged, this, [this] {
         showState();
         update();
     });
-    connect(&context.state, &EditorState::pickingChanged, this,
-            [this] { setCursor(m_context.state.colorTaker() ? Qt::CrossCursor : Qt::ArrowCursor); });
+    connect(&state, &EditorState::pickingChanged, this,
+            [this] { setCursor(m_state.colorTaker() ? Qt::CrossCursor : Qt::ArrowCursor); });
     showState();
 }
 
@@ -53,15 +53,15 @@ void CanvasView::modelChanged(EditorModel::Changes changes)
     if (changes & EditorModel::SelectionChanged && m_photo != m_context.model.selected()) {
         m_photo = m_context.model.selected();
         endGesture();
-        m_context.state.selectLayer({});
+        m_state.selectLayer({});
         m_frame = {};
     }
     if (changes & (EditorModel::SelectionChanged | EditorModel::SettingsChanged |
                    EditorModel::PreviewsChanged | EditorModel::PhotosChanged)) {
-        const std::optional<QString> &layer = m_context.state.selectedLayer();
+        const std::optional<QString> &layer = m_state.selectedLayer();
         const PhotoItem *photo = m_context.model.current();
         if (layer && !(photo && photo->settings.layer(*layer))) {
-            m_context.state.selectLayer({});
+            m_state.selectLayer({});
         }
         redraw();
         showState();
@@ -71,7 +71,7 @@ void CanvasView::modelChanged(EditorModel::Changes changes)
 void CanvasView::showState()
 {
     const PhotoItem *photo = m_context.model.current();
-    const std::optional<QString> &layer = m_context.state.selectedLayer();
+    const std::optional<QString> &layer = m_state.selectedLayer();
     const TextLayer *text = photo && layer ? photo->settings.layer(*layer) : nullptr;
     const QString name = localized({"画面", "Picture", "Image"});
     const QString empty = localized({"，空", ", empty", ", vide"});
@@ -180,7 +180,7 @@ void CanvasView::paintEvent(QPaintEvent *event)
                                    CanvasMarks::Naming::Full);
     paintGuides(painter, frame);
     paintSelection(painter, frame);
-    if (hasFocus() && keyboardFocusVisible() && !m_context.state.selectedLayer()) {
+    if (hasFocus() && keyboardFocusVisible() && !m_state.selectedLayer()) {
         Paint::outline(painter, frame.adjusted(-6, -6, 6, 6), 4, theme().accent, 2);
     }
 }
@@ -206,7 +206,7 @@ void CanvasView::paintGuides(QPainter &painter, const QRectF &frame) const
 std::optional<QRectF> CanvasView::layerBox() const
 {
     const PhotoItem *photo = m_context.model.current();
-    const std::optional<QString> &id = m_context.state.selectedLayer();
+    const std::optional<QString> &id = m_state.selectedLayer();
     const TextLayer *layer = photo && id ? photo->settings.layer(*id) : nullptr;
     const QRectF frame = frameRect();
     if (!layer || !layer->visible || frame.isEmpty()) {
@@ -218,7 +218,7 @@ std::optional<QRectF> CanvasView::layerBox() const
 
 QTransform CanvasView::layerTransform(const QRectF &box) const
 {
-    const TextLayer &layer = *m_context.model.current()->settings.layer(*m_context.state.selectedLayer());
+    const TextLayer &layer = *m_context.model.current()->settings.layer(*m_state.selectedLayer());
     QTransform turned;
     turned.translate(box.center().x(), box.center().y());
     turned.rotate(layer.rotation.value_or(0));

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <variant>
 
 #include <QImage>
 #include <QPixmap>
@@ -22,7 +23,7 @@ class CanvasView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit CanvasView(const EditorContext &context, QWidget *parent = nullptr);
+    CanvasView(const PhotosContext &context, EditorState &state, QWidget *parent = nullptr);
 
     /// Where the frame is, in the widget's coordinates; empty without a photo.
     QRectF frameRect() const;
@@ -46,10 +47,32 @@ protected:
     void changeEvent(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
     bool focusNextPrevChild(bool next) override;
 
 private:
-    enum class Grip { None, Photo, Text, Corner, Knob };
+    struct PhotoGrip {};
+    struct TextGrip {
+        QString layer;
+    };
+    struct CornerGrip {
+        QString layer;
+        /// From the layer's centre to the hand at the press, in points.
+        double distance;
+    };
+    struct KnobGrip {
+        QString layer;
+        /// What the layer was turned by beyond the hand's own direction, in degrees.
+        double angle;
+    };
+    /// What the pointer can take hold of.
+    using Grip = std::variant<PhotoGrip, TextGrip, CornerGrip, KnobGrip>;
+    /// From the press to the release.
+    struct Drag {
+        Grip grip;
+        QPointF pressed;
+        bool moved = false;
+    };
 
     void modelChanged(EditorModel::Changes changes);
     void showState();
@@ -60,7 +83,11 @@ private:
     void paintSelection(QPainter &painter, const QRectF &frame) const;
     void paintGuides(QPainter &painter, const QRectF &frame) const;
     void paintLoading(QPainter &painter, const QRectF &frame);
-    Grip gripAt(QPointF position) const;
+    std::optional<Grip> gripAt(QPointF position) const;
+    void drag(const PhotoGrip &grip, QPointF position);
+    void drag(const TextGrip &grip, QPointF position);
+    void drag(const CornerGrip &grip, QPointF position);
+    void drag(const KnobGrip &grip, QPointF position);
     QPointF inLayer(QPointF position, const QRectF &box) const;
     QTransform layerTransform(const QRectF &box) const;
     void showCursor(QPointF position);
@@ -71,7 +98,8 @@ private:
     QStringList visibleLayers() const;
     QSize frameDevicePixels() const;
 
-    EditorContext m_context;
+    PhotosContext m_context;
+    EditorState &m_state;
     CanvasGestures m_gestures;
     CanvasImages m_images;
     /// The frame as last drawn, in device pixels.
@@ -83,17 +111,9 @@ private:
     /// Handles were shown at the last repaint.
     bool m_marked = false;
     std::optional<QUuid> m_photo;
-    Grip m_grip = Grip::None;
-    QString m_gripLayer;
-    QPointF m_pressed;
-    double m_grabDistance = 0;
-    double m_grabAngle = 0;
-    bool m_moved = false;
+    std::optional<Drag> m_drag;
     double m_magnification = 1;
     QBasicTimer m_pinchEnd;
-
-protected:
-    void timerEvent(QTimerEvent *event) override;
 };
 
 } // namespace tarnovel::app

@@ -29,7 +29,7 @@ QList<Swatches::Entry> papers()
 
 } // namespace
 
-BackgroundSection::BackgroundSection(const EditorContext &context) : Section(context)
+BackgroundSection::BackgroundSection(const EditingContext &context) : Section(context)
 {
     m_kind = new Segments({said({"纯色", "Solid", "Uni"}), said({"渐变", "Gradient", "Dégradé"}),
                            said({"模糊", "Blur", "Flou"}), said({"图片", "Image", "Image"})});
@@ -108,7 +108,7 @@ void BackgroundSection::addColors()
     connect(m_picker, &ColorPicker::changed, this, [this](const QColor &color) { setColor(color, true); });
     connect(m_picker, &ColorPicker::released, this, [this] { edits().endAdjusting(); });
     connect(m_picker, &ColorPicker::dropperRequested, this,
-            [this] { context().state.pickColor([this](const QColor &color) { setColor(color, false); }); });
+            [this] { state().pickColor([this](const QColor &color) { setColor(color, false); }); });
 }
 
 bool BackgroundSection::second() const

@@ -14,7 +14,7 @@ class BackgroundSection : public Section {
     Q_OBJECT
 
 public:
-    explicit BackgroundSection(const EditorContext &context);
+    explicit BackgroundSection(const EditingContext &context);
     void reset() override;
 
 protected:

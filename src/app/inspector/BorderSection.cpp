@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel::app {
 
-BorderSection::BorderSection(const EditorContext &context) : Section(context)
+BorderSection::BorderSection(const EditingContext &context) : Section(context)
 {
     addHeading(said({"边框样式", "Frame style", "Style de cadre"}));
     m_style = new Segments({said({"简约", "Simple", "Simple"}), said({"拍立得", "Instant", "Instantané"}),

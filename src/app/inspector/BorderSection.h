@@ -14,7 +14,7 @@ class BorderSection : public Section {
     Q_OBJECT
 
 public:
-    explicit BorderSection(const EditorContext &context);
+    explicit BorderSection(const EditingContext &context);
     void reset() override;
 
 protected:

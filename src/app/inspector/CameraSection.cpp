@@ -32,7 +32,7 @@ protected:
 
 } // namespace
 
-CameraSection::CameraSection(const EditorContext &context) : Section(context)
+CameraSection::CameraSection(const EditingContext &context) : Section(context)
 {
     for (size_t i = 0; i < m_rows.size(); ++i) {
         addRow(m_rows.at(i), titles.at(i));

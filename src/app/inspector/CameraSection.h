@@ -15,7 +15,7 @@ class CameraSection : public Section {
     Q_OBJECT
 
 public:
-    explicit CameraSection(const EditorContext &context);
+    explicit CameraSection(const EditingContext &context);
     void reset() override;
 
 protected:

@@ -59,7 +59,7 @@ void RatioTiles::paintItem(QPainter &painter, int index, const State &state)
     Paint::outline(painter, box, 1.5, state.chosen ? theme().accent : theme().inkSecondary, 1.25);
 }
 
-CanvasSection::CanvasSection(const EditorContext &context) : Section(context)
+CanvasSection::CanvasSection(const EditingContext &context) : Section(context)
 {
     m_tiles = new RatioTiles({.count = [] { return static_cast<int>(presets.size()); },
                               .name = [this](int index) { return nameOf(index); },

@@ -26,7 +26,7 @@ class CanvasSection : public Section {
     Q_OBJECT
 
 public:
-    explicit CanvasSection(const EditorContext &context);
+    explicit CanvasSection(const EditingContext &context);
     void reset() override;
 
 protected:

@@ -36,7 +36,7 @@ Phrase automatic(const QString &text)
 
 } // namespace
 
-FilmSection::FilmSection(const EditorContext &context) : Section(context)
+FilmSection::FilmSection(const EditingContext &context) : Section(context)
 {
     auto *use = new Button(Button::Kind::Secondary,
                            said({"使用胶片边框", "Use film frame", "Utiliser le cadre film"}), "film");

@@ -16,7 +16,7 @@ class FilmSection : public Section {
     Q_OBJECT
 
 public:
-    explicit FilmSection(const EditorContext &context);
+    explicit FilmSection(const EditingContext &context);
     void reset() override;
 
 protected:

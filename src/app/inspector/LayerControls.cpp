@@ -32,8 +32,8 @@ QSizeF referenceCanvas(const PhotoItem &photo)
     return {canvasWidth, canvasWidth / std::clamp(photo.settings.ratio(photo.size()), 0.05, 20.0)};
 }
 
-LayerShape::LayerShape(const EditorContext &context)
-    : m_context(context),
+LayerShape::LayerShape(SettingsEdits &edits)
+    : m_edits(edits),
       m_size(new Slider(said({"字号", "Size", "Taille"}), {.low = LayerLimits::smallest * 100,
                                                            .high = LayerLimits::largest * 100,
                                                            .step = 0.1,
@@ -56,16 +56,16 @@ LayerShape::LayerShape(const EditorContext &context)
     m_size->setObjectName(u"layerSize"_s);
     m_rotation->setObjectName(u"layerRotation"_s);
     connect(m_size, &Slider::changed, this, [this](double value) {
-        m_context.edits.adjust(u"size "_s + m_id,
-                               inLayer(m_id, [value](TextLayer &layer) { layer.size = value / 100; }));
+        m_edits.adjust(u"size "_s + m_id,
+                       inLayer(m_id, [value](TextLayer &layer) { layer.size = value / 100; }));
     });
     connect(m_rotation, &Slider::changed, this, [this](double value) {
-        m_context.edits.adjust(u"rotation "_s + m_id, inLayer(m_id, [value](TextLayer &layer) {
-                                   layer.rotation = value == 0 ? std::nullopt : std::optional(value);
-                               }));
+        m_edits.adjust(u"rotation "_s + m_id, inLayer(m_id, [value](TextLayer &layer) {
+                           layer.rotation = value == 0 ? std::nullopt : std::optional(value);
+                       }));
     });
     for (Slider *slider : {m_size, m_rotation}) {
-        connect(slider, &Slider::released, this, [this] { m_context.edits.endAdjusting(); });
+        connect(slider, &Slider::released, this, [this] { m_edits.endAdjusting(); });
     }
 }
 
@@ -76,8 +76,9 @@ void LayerShape::display(const TextLayer &layer)
     m_rotation->setValue(std::remainder(layer.rotation.value_or(0), 360));
 }
 
-LayerPlace::LayerPlace(const EditorContext &context)
-    : m_context(context),
+LayerPlace::LayerPlace(EditorModel &model, SettingsEdits &edits)
+    : m_model(model),
+      m_edits(edits),
       m_pad(new PositionPad),
       m_name(new Label(Type::Body, {}, Label::Tone::Secondary)),
       m_x(new NumberField(said({"水平位置", "Horizontal position", "Position horizontale"}), coordinates())),
@@ -107,22 +108,21 @@ LayerPlace::LayerPlace(const EditorContext &context)
     m_x->setObjectName(u"layerX"_s);
     m_y->setObjectName(u"layerY"_s);
     connect(m_pad, &ItemView::chosen, this, [this](int index) {
-        const PhotoItem *photo = m_context.model.current();
+        const PhotoItem *photo = m_model.current();
         if (!photo || !photo->settings.layer(m_id)) {
             return;
         }
         const QPointF place = QuickPositions::place(QuickPositions::all.at(static_cast<size_t>(index)),
                                                     *photo->settings.layer(m_id), referenceCanvas(*photo));
-        m_context.edits.step(inLayer(m_id, [place](TextLayer &layer) {
+        m_edits.step(inLayer(m_id, [place](TextLayer &layer) {
             layer.x = place.x();
             layer.y = place.y();
         }));
     });
     const auto types = [this](NumberField *field, double TextLayer::*axis) {
         connect(field, &NumberField::valueTyped, this, [this, axis](double value) {
-            m_context.edits.adjust(u"place "_s + m_id, inLayer(m_id, [axis, value](TextLayer &layer) {
-                                       layer.*axis = value / 100;
-                                   }));
+            m_edits.adjust(u"place "_s + m_id,
+                           inLayer(m_id, [axis, value](TextLayer &layer) { layer.*axis = value / 100; }));
         });
     };
     types(m_x, &TextLayer::x);

@@ -16,11 +16,11 @@ class LayerShape : public QWidget {
     Q_OBJECT
 
 public:
-    explicit LayerShape(const EditorContext &context);
+    explicit LayerShape(SettingsEdits &edits);
     void display(const TextLayer &layer);
 
 private:
-    EditorContext m_context;
+    SettingsEdits &m_edits;
     QString m_id;
     Slider *m_size;
     Slider *m_rotation;
@@ -31,11 +31,12 @@ class LayerPlace : public QWidget {
     Q_OBJECT
 
 public:
-    explicit LayerPlace(const EditorContext &context);
+    explicit LayerPlace(EditorModel &model, SettingsEdits &edits);
     void display(const PhotoItem &photo, const TextLayer &layer);
 
 private:
-    EditorContext m_context;
+    EditorModel &m_model;
+    SettingsEdits &m_edits;
     QString m_id;
     PositionPad *m_pad;
     Label *m_name;

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace tarnovel::app {
 
-LogoSection::LogoSection(const EditorContext &context) : Section(context)
+LogoSection::LogoSection(const EditingContext &context) : Section(context)
 {
     m_holder = new PictureHolder(
         {.icon = "logo",
@@ -29,10 +29,10 @@ LogoSection::LogoSection(const EditorContext &context) : Section(context)
     controls->setSpacing(4);
     m_visible = new Switch(said({"显示徽标", "Show logo", "Afficher le logo"}));
     controls->addWidget(m_visible);
-    m_shape = new LayerShape(context);
+    m_shape = new LayerShape(context.edits);
     controls->addWidget(m_shape);
     controls->addWidget(makeRule());
-    m_place = new LayerPlace(context);
+    m_place = new LayerPlace(context.model, context.edits);
     controls->addWidget(m_place);
     m_visible->setObjectName(u"showLogo"_s);
     connect(m_holder, &PictureHolder::chooseAsked, &context.state, &EditorState::logoAsked);

@@ -14,7 +14,7 @@ class LogoSection : public Section {
     Q_OBJECT
 
 public:
-    explicit LogoSection(const EditorContext &context);
+    explicit LogoSection(const EditingContext &context);
     void reset() override;
 
 protected:

@@ -21,7 +21,7 @@ const Slider::Range offsets{.low = -50,
 
 } // namespace
 
-PlacementSection::PlacementSection(const EditorContext &context) : Section(context)
+PlacementSection::PlacementSection(const EditingContext &context) : Section(context)
 {
     m_size = new Slider(said({"大小", "Size", "Taille"}),
                         {.low = 10, .high = 100, .step = 1, .decimals = 0, .unit = u" %"_s, .usual = 88});

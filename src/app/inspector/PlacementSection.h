@@ -12,7 +12,7 @@ class PlacementSection : public Section {
     Q_OBJECT
 
 public:
-    explicit PlacementSection(const EditorContext &context);
+    explicit PlacementSection(const EditingContext &context);
     void reset() override;
 
 protected:

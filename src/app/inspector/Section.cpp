@@ -84,7 +84,7 @@ std::function<void(TextLayer &)> typed(const QString &text)
     };
 }
 
-Section::Section(const EditorContext &context, QWidget *parent)
+Section::Section(const EditingContext &context, QWidget *parent)
     : QWidget(parent), m_context(context), m_column(new QVBoxLayout)
 {
     m_column->setContentsMargins(20, 0, 20, 16);

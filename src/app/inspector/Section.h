@@ -16,7 +16,7 @@ class Section : public QWidget {
     Q_OBJECT
 
 public:
-    explicit Section(const EditorContext &context, QWidget *parent = nullptr);
+    explicit Section(const EditingContext &context, QWidget *parent = nullptr);
 
     virtual bool canReset() const { return true; }
     /// Puts the section's values back to what a new style has, as one step.
@@ -35,12 +35,12 @@ protected:
     void addHeading(Phrase phrase);
     /// A line with an icon that explains.
     void addHint(const char *icon, Phrase phrase);
-    const EditorContext &context() const { return m_context; }
     EditorModel &model() const { return m_context.model; }
     SettingsEdits &edits() const { return m_context.edits; }
+    EditorState &state() const { return m_context.state; }
 
 private:
-    EditorContext m_context;
+    EditingContext m_context;
     QVBoxLayout *m_column;
     QUuid m_photo;
 };

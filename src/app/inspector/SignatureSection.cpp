@@ -50,7 +50,7 @@ QImage inked(const QImage &picture)
 
 } // namespace
 
-SignatureSection::SignatureSection(const EditorContext &context) : Section(context)
+SignatureSection::SignatureSection(const EditingContext &context) : Section(context)
 {
     m_holder = new PictureHolder(
         {.icon = "signature",

@@ -12,7 +12,7 @@ class SignatureSection : public Section {
     Q_OBJECT
 
 public:
-    explicit SignatureSection(const EditorContext &context);
+    explicit SignatureSection(const EditingContext &context);
     void reset() override;
 
 protected:

@@ -27,7 +27,8 @@ QString styleId(const SavedPreset &preset)
 
 } // namespace
 
-StylesSection::StylesSection(const EditorContext &context) : Section(context)
+StylesSection::StylesSection(const EditingContext &context, Preferences &preferences, Thumbnails &thumbnails)
+    : Section(context), m_preferences(preferences), m_thumbnails(thumbnails)
 {
     auto *save = new Button(Button::Kind::Secondary,
                             said({"保存我的风格", "Save my style", "Enregistrer mon style"}), "styles");
@@ -61,7 +62,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
     m_keepTexts->setObjectName(u"keepCameraTexts"_s);
     column()->addWidget(m_keepTexts);
     connect(m_keepTexts, &Switch::toggledByUser, this, [this](bool on) {
-        this->context().preferences.set(PreferenceKeys::keepCameraTexts, on);
+        m_preferences.set(PreferenceKeys::keepCameraTexts, on);
         m_grid->reload();
     });
     m_autoApply = new Switch(said({"新照片使用上次的风格", "Apply last style to new photos",
@@ -79,7 +80,7 @@ StylesSection::StylesSection(const EditorContext &context) : Section(context)
         model().applyPreset(preset);
     });
     connect(m_grid, &ItemView::menuRequested, this, &StylesSection::askDelete);
-    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
+    connect(&thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
         if (key.of == ThumbnailKey::Of::Style) {
             m_grid->update();
         }
@@ -113,13 +114,13 @@ QImage StylesSection::card(int index, QSize roomPx) const
     PhotoItem shown = *photo;
     shown.settings = applied(preset, *photo);
     return CanvasMarks::withPlaceholders(
-        context().thumbnails.image({ThumbnailKey::Of::Style, preset.id.toString()}, shown, roomPx),
-        shown.settings, devicePixelRatioF());
+        m_thumbnails.image({ThumbnailKey::Of::Style, preset.id.toString()}, shown, roomPx), shown.settings,
+        devicePixelRatioF());
 }
 
 FrameSettings StylesSection::applied(const SavedPreset &preset, const PhotoItem &photo) const
 {
-    if (context().preferences.get(PreferenceKeys::keepCameraTexts)) {
+    if (m_preferences.get(PreferenceKeys::keepCameraTexts)) {
         return styled(photo, preset.settings, 0).settings;
     }
     FrameSettings settings = preset.settings;
@@ -135,7 +136,7 @@ void StylesSection::display(const PhotoItem &)
     m_empty->setVisible(none);
     m_grid->reload();
     m_keepTexts->setVisible(!none);
-    m_keepTexts->show(context().preferences.get(PreferenceKeys::keepCameraTexts));
+    m_keepTexts->show(m_preferences.get(PreferenceKeys::keepCameraTexts));
     // The keyboard begins at the style that was used last.
     const SavedPreset *preferred = model().preferredPreset();
     if (preferred && m_grid->cursor() < 0) {

@@ -13,13 +13,15 @@ class StylesSection : public Section {
     Q_OBJECT
 
 public:
-    explicit StylesSection(const EditorContext &context);
+    StylesSection(const EditingContext &context, Preferences &preferences, Thumbnails &thumbnails);
     bool canReset() const override { return false; }
 
 protected:
     void display(const PhotoItem &photo) override;
 
 private:
+    Preferences &m_preferences;
+    Thumbnails &m_thumbnails;
     QImage card(int index, QSize roomPx) const;
     /// What a click on a style makes of the photo, which is what its card shows.
     FrameSettings applied(const SavedPreset &preset, const PhotoItem &photo) const;

@@ -24,7 +24,8 @@ ThumbnailKey templateKey(BuiltInTemplate look)
 
 } // namespace
 
-TemplatesSection::TemplatesSection(const EditorContext &context) : Section(context)
+TemplatesSection::TemplatesSection(const EditingContext &context, Thumbnails &thumbnails)
+    : Section(context), m_thumbnails(thumbnails)
 {
     m_grid = new CardGrid(
         {.count = [] { return static_cast<int>(BuiltInTemplates::all().size()); },
@@ -44,7 +45,7 @@ TemplatesSection::TemplatesSection(const EditorContext &context) : Section(conte
                                               model().previews().palette);
         });
     });
-    connect(&context.thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
+    connect(&thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
         const QList<BuiltInTemplate> &looks = BuiltInTemplates::all();
         for (int i = 0; i < looks.size(); ++i) {
             if (key == templateKey(looks.at(i))) {
@@ -63,7 +64,7 @@ QImage TemplatesSection::card(int index, QSize roomPx) const
     const BuiltInTemplate look = BuiltInTemplates::all().at(index);
     PhotoItem dressed = *photo;
     dressed.settings = BuiltInTemplates::make(look, photo->settings, model().previews().palette);
-    return CanvasMarks::withPlaceholders(context().thumbnails.image(templateKey(look), dressed, roomPx),
+    return CanvasMarks::withPlaceholders(m_thumbnails.image(templateKey(look), dressed, roomPx),
                                          dressed.settings, devicePixelRatioF());
 }
 

@@ -11,13 +11,14 @@ class TemplatesSection : public Section {
     Q_OBJECT
 
 public:
-    explicit TemplatesSection(const EditorContext &context);
+    TemplatesSection(const EditingContext &context, Thumbnails &thumbnails);
     bool canReset() const override { return false; }
 
 protected:
     void display(const PhotoItem &photo) override;
 
 private:
+    Thumbnails &m_thumbnails;
     QImage card(int index, QSize roomPx) const;
     CardGrid *m_grid;
     QUuid m_photo;

@@ -87,7 +87,7 @@ Segments *makeFontSegments()
     return segments;
 }
 
-TextSection::TextSection(const EditorContext &context) : Section(context)
+TextSection::TextSection(const EditingContext &context) : Section(context)
 {
     m_list = new LayerList;
     column()->addWidget(m_list);
@@ -98,7 +98,7 @@ TextSection::TextSection(const EditorContext &context) : Section(context)
     m_camera->setObjectName(u"cameraInfo"_s);
     column()->addWidget(add);
     column()->addWidget(m_camera);
-    connect(m_camera, &QPushButton::clicked, this, [this] { this->context().state.setTool(Tool::Camera); });
+    connect(m_camera, &QPushButton::clicked, this, [this] { state().setTool(Tool::Camera); });
     add->setObjectName(u"addText"_s);
     addRule();
     m_editor = new QWidget;
@@ -111,7 +111,7 @@ TextSection::TextSection(const EditorContext &context) : Section(context)
         }
     });
     connect(m_list, &ItemView::chosen, this, [this](int index) {
-        this->context().state.selectLayer(m_list->layers().at(index).id);
+        state().selectLayer(m_list->layers().at(index).id);
         refresh();
     });
     connect(m_list, &LayerList::rowClicked, this, &TextSection::editText);
@@ -122,7 +122,7 @@ TextSection::TextSection(const EditorContext &context) : Section(context)
     });
     connect(m_list, &ItemView::menuRequested, this, [this](int index) {
         if (isOwn(m_list->layers().at(index).id)) {
-            this->context().state.selectLayer(m_list->layers().at(index).id);
+            state().selectLayer(m_list->layers().at(index).id);
             removeLayer();
         }
     });
@@ -142,17 +142,17 @@ void TextSection::addEditor()
     m_font = makeFontSegments();
     box->addWidget(m_font);
     box->addWidget(makeRule());
-    m_shape = new LayerShape(context());
+    m_shape = new LayerShape(edits());
     box->addWidget(m_shape);
     auto *ink = new QHBoxLayout;
     ink->setSpacing(16);
     ink->addWidget(new Label(Type::Label, said({"颜色", "Color", "Couleur"})));
-    m_ink = new ColorDots(context().state, {});
+    m_ink = new ColorDots(state(), {});
     m_ink->setName(said({"文字颜色", "Text color", "Couleur du texte"}));
     ink->addWidget(m_ink, 1);
     box->addLayout(ink);
     box->addWidget(makeRule());
-    m_place = new LayerPlace(context());
+    m_place = new LayerPlace(model(), edits());
     box->addWidget(m_place);
     m_remove = new Button(Button::Kind::DangerGhost, said({"删除文字", "Remove text", "Supprimer le texte"}),
                           "trash");
@@ -183,7 +183,7 @@ void TextSection::addEditor()
 
 QString TextSection::shownLayer(const PhotoItem &photo) const
 {
-    const std::optional<QString> &selected = context().state.selectedLayer();
+    const std::optional<QString> &selected = state().selectedLayer();
     if (selected && photo.settings.layer(*selected) && !photo.settings.layer(*selected)->imageFile) {
         return *selected;
     }
@@ -240,18 +240,18 @@ void TextSection::addLayer()
     layer.visible = true;
     layer.size = 0.034;
     edits().step([&layer](FrameSettings &settings) { settings.layers.append(layer); });
-    context().state.selectLayer(layer.id);
+    state().selectLayer(layer.id);
     editText();
 }
 
 void TextSection::removeLayer()
 {
-    const std::optional<QString> &selected = context().state.selectedLayer();
+    const std::optional<QString> &selected = state().selectedLayer();
     const QString id = selected ? *selected : m_id;
     if (!isOwn(id)) {
         return;
     }
-    context().state.selectLayer({});
+    state().selectLayer({});
     edits().step([&id](FrameSettings &settings) {
         settings.layers.removeIf([&id](const TextLayer &layer) { return layer.id == id; });
     });

@@ -17,7 +17,7 @@ class TextSection : public Section {
     Q_OBJECT
 
 public:
-    explicit TextSection(const EditorContext &context);
+    explicit TextSection(const EditingContext &context);
     void reset() override;
     /// Puts the cursor into the text's field.
     void editText();

@@ -53,10 +53,10 @@ EditorPage::EditorPage(const EditorContext &context, EditorActions &actions, con
                         actions.action(Act::Undo), actions.action(Act::Redo), actions.action(Act::Guide),
                         actions.action(Act::Settings), actions.action(Act::Export)})),
       m_body(new QStackedWidget),
-      m_home(new HomeScreen(context)),
+      m_home(new HomeScreen(context.photos(), context.state)),
       m_editor(new QWidget),
-      m_canvas(new CanvasView(context)),
-      m_strip(new FilmStrip(context)),
+      m_canvas(new CanvasView(context.photos(), context.state)),
+      m_strip(new FilmStrip(context.photos(), context.state)),
       m_panel(new ToolPanel(context)),
       m_rail(new ToolRail(context.state)),
       m_export(new ExportPanel(context, chooser, library))

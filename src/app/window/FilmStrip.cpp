@@ -19,11 +19,12 @@ constexpr int sideInset = 24;
 
 } // namespace
 
-FilmStrip::FilmStrip(const EditorContext &context)
+FilmStrip::FilmStrip(const PhotosContext &context, EditorState &state)
     : m_context(context),
+      m_state(state),
       m_name(new Label(Type::BodyStrong, {})),
       m_place(new Label(Type::Body, {}, Label::Tone::Secondary)),
-      m_view(new StripView(context)),
+      m_view(new StripView(context, state)),
       m_remove(new Button(Button::Kind::Ghost,
                           said({"移除这张照片", "Remove this photo", "Retirer cette photo"}), "trash",
                           Button::Face::IconOnly))
@@ -63,7 +64,7 @@ FilmStrip::FilmStrip(const EditorContext &context)
     column->addStretch();
     connect(preview, &QPushButton::clicked, this, &FilmStrip::previewSetAsked);
     connect(manage, &QPushButton::clicked, this, &FilmStrip::manageAsked);
-    connect(m_remove, &QPushButton::clicked, &context.state, &EditorState::removeAsked);
+    connect(m_remove, &QPushButton::clicked, &state, &EditorState::removeAsked);
     connect(&context.model, &EditorModel::changed, this, &FilmStrip::showPhoto);
     showPhoto();
 }

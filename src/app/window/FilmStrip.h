@@ -13,7 +13,7 @@ class FilmStrip : public QWidget {
     Q_OBJECT
 
 public:
-    explicit FilmStrip(const EditorContext &context);
+    FilmStrip(const PhotosContext &context, EditorState &state);
 
     StripView *view() const { return m_view; }
     QWidget *removeButton() const;
@@ -29,7 +29,8 @@ protected:
 private:
     void showPhoto();
 
-    EditorContext m_context;
+    PhotosContext m_context;
+    EditorState &m_state;
     Label *m_name;
     Label *m_place;
     StripView *m_view;

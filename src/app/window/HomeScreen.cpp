@@ -164,7 +164,7 @@ void SampleFrames::paintEvent(QPaintEvent *)
     }
 }
 
-SessionRow::SessionRow(const EditorContext &context) : m_context(context)
+SessionRow::SessionRow(const PhotosContext &context) : m_context(context)
 {
     setFixedSize(344, 60);
     connect(&context.thumbnails, &Thumbnails::ready, this, [this](const ThumbnailKey &key) {
@@ -196,10 +196,11 @@ void SessionRow::paintEvent(QPaintEvent *)
     }
 }
 
-HomeScreen::HomeScreen(const EditorContext &context)
+HomeScreen::HomeScreen(const PhotosContext &context, EditorState &state)
     : m_context(context),
+      m_state(state),
       m_drop(makeDropCard()),
-      m_recovery(new RecoveryCard(context)),
+      m_recovery(new RecoveryCard(context, state)),
       m_continue(makeContinueCard()),
       m_privacy(makeHint(
           "lock", said({"照片均在本机处理。导出文件不含 GPS 信息，也没有应用水印。",
@@ -246,7 +247,7 @@ QWidget *HomeScreen::makeDropCard()
     m_add = new Button(Button::Kind::Primary, said({"添加照片", "Add photos", "Ajouter des photos"}), "plus");
     m_add->setHeight(40);
     m_add->setKeyHint(Wording::local(u"⌘O"_s));
-    connect(m_add, &QPushButton::clicked, &m_context.state, &EditorState::addPhotosAsked);
+    connect(m_add, &QPushButton::clicked, &m_state, &EditorState::addPhotosAsked);
     column->addWidget(m_add, 0, Qt::AlignLeft);
     column->addSpacing(16);
     m_autoApply = new Switch(said({"新照片使用上次的风格", "Apply last style to new photos",
@@ -276,6 +277,7 @@ QWidget *HomeScreen::makeContinueCard()
     row->addLayout(column, 1);
     row->addWidget(new SessionRow(m_context));
     m_go = new Button(Button::Kind::Secondary, said({"继续", "Continue", "Reprendre"}));
+    m_go->setObjectName(u"continueSession"_s);
     connect(m_go, &QPushButton::clicked, this, &HomeScreen::continueAsked);
     row->addWidget(m_go);
     return card;

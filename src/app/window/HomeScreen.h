@@ -32,13 +32,13 @@ class SessionRow : public QWidget {
     Q_OBJECT
 
 public:
-    explicit SessionRow(const EditorContext &context);
+    explicit SessionRow(const PhotosContext &context);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    EditorContext m_context;
+    PhotosContext m_context;
 };
 
 /// What the window shows before there is something to edit: where photos are dropped, and the last session.
@@ -46,7 +46,7 @@ class HomeScreen : public QWidget {
     Q_OBJECT
 
 public:
-    explicit HomeScreen(const EditorContext &context);
+    HomeScreen(const PhotosContext &context, EditorState &state);
 
     /// Offers the stored session again.
     void refresh();
@@ -67,7 +67,8 @@ private:
     QWidget *makeContinueCard();
     void place();
 
-    EditorContext m_context;
+    PhotosContext m_context;
+    EditorState &m_state;
     QWidget *m_drop;
     RecoveryCard *m_recovery;
     QWidget *m_continue;

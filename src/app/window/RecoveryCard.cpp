@@ -96,7 +96,7 @@ QString outcomeOf(const EditorModel::Restored &result, const SalvagedSession &fo
 /// The photos that can be brought back, in their frames.
 class RecoveryCard::Frames : public QWidget {
 public:
-    explicit Frames(const EditorContext &context) : m_context(context)
+    explicit Frames(const PhotosContext &context) : m_context(context)
     {
         setFixedHeight(frameHeight);
         connect(&context.thumbnails, &Thumbnails::ready, this, qOverload<>(&QWidget::update));
@@ -133,12 +133,13 @@ protected:
     }
 
 private:
-    EditorContext m_context;
+    PhotosContext m_context;
     QList<PhotoItem> m_photos;
 };
 
-RecoveryCard::RecoveryCard(const EditorContext &context)
+RecoveryCard::RecoveryCard(const PhotosContext &context, EditorState &state)
     : m_context(context),
+      m_state(state),
       m_summary(new Label(Type::Body, {}, Label::Tone::Secondary)),
       m_file(new Label(Type::Label, {}, Label::Tone::Secondary)),
       m_frames(new Frames(context)),
@@ -218,7 +219,7 @@ void RecoveryCard::restore()
         return;
     }
     const EditorModel::Restored result = m_context.model.restore(m_context.model.setAside().first());
-    m_context.state.say(outcomeOf(result, m_found), result.complete ? Toast::Kind::Done : Toast::Kind::Plain);
+    m_state.say(outcomeOf(result, m_found), result.complete ? Toast::Kind::Done : Toast::Kind::Plain);
     refresh();
     if (result.photos > 0) {
         Q_EMIT restored();

@@ -15,7 +15,7 @@ class RecoveryCard : public QWidget {
     Q_OBJECT
 
 public:
-    explicit RecoveryCard(const EditorContext &context);
+    RecoveryCard(const PhotosContext &context, EditorState &state);
 
     static constexpr int cardHeight = 208;
     /// Looks at what the model keeps.
@@ -36,7 +36,8 @@ private:
     void restore();
     void askDiscard();
 
-    EditorContext m_context;
+    PhotosContext m_context;
+    EditorState &m_state;
     QString m_shown;
     SalvagedSession m_found;
     Label *m_summary;

@@ -39,7 +39,8 @@ void paintBadge(QPainter &painter, const QRect &tile)
 
 } // namespace
 
-StripView::StripView(const EditorContext &context) : ItemStrip(Arrows::Choose), m_context(context)
+StripView::StripView(const PhotosContext &context, EditorState &state)
+    : ItemStrip(Arrows::Choose), m_context(context), m_state(state)
 {
     setFixedHeight(tileHeight + 2 * ringMargin + 4);
     setName(said({"照片", "Photos", "Photos"}));
@@ -73,7 +74,7 @@ StripView::StripView(const EditorContext &context) : ItemStrip(Arrows::Choose), 
     });
     connect(this, &ItemView::chosen, this, [this](int index) {
         if (isAddTile(index)) {
-            Q_EMIT m_context.state.addPhotosAsked();
+            Q_EMIT m_state.addPhotosAsked();
         } else {
             m_context.model.select(m_context.model.photos().at(index).id);
         }
@@ -81,7 +82,7 @@ StripView::StripView(const EditorContext &context) : ItemStrip(Arrows::Choose), 
     connect(this, &ItemView::menuRequested, this, [this](int index) {
         if (!isAddTile(index)) {
             m_context.model.select(m_context.model.photos().at(index).id);
-            Q_EMIT m_context.state.removeAsked();
+            Q_EMIT m_state.removeAsked();
         }
     });
 }

@@ -14,7 +14,7 @@ class StripView : public ItemStrip {
     Q_OBJECT
 
 public:
-    explicit StripView(const EditorContext &context);
+    StripView(const PhotosContext &context, EditorState &state);
 
     int count() const override;
     QRect itemRect(int index) const override;
@@ -46,7 +46,8 @@ private:
     bool layOut();
     void paintAddTile(QPainter &painter, const QRect &tile, const State &state);
 
-    EditorContext m_context;
+    PhotosContext m_context;
+    EditorState &m_state;
     std::optional<QPointF> m_pressed;
     int m_offsetAtPress = 0;
     bool m_dragging = false;

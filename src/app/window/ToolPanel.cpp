@@ -89,27 +89,27 @@ Section *ToolPanel::make(Tool tool) const
 {
     switch (tool) {
     case Tool::Templates:
-        return new TemplatesSection(m_context);
+        return new TemplatesSection(m_context.editing(), m_context.thumbnails);
     case Tool::Styles:
-        return new StylesSection(m_context);
+        return new StylesSection(m_context.editing(), m_context.preferences, m_context.thumbnails);
     case Tool::Canvas:
-        return new CanvasSection(m_context);
+        return new CanvasSection(m_context.editing());
     case Tool::Background:
-        return new BackgroundSection(m_context);
+        return new BackgroundSection(m_context.editing());
     case Tool::Placement:
-        return new PlacementSection(m_context);
+        return new PlacementSection(m_context.editing());
     case Tool::Border:
-        return new BorderSection(m_context);
+        return new BorderSection(m_context.editing());
     case Tool::Film:
-        return new FilmSection(m_context);
+        return new FilmSection(m_context.editing());
     case Tool::Text:
-        return new TextSection(m_context);
+        return new TextSection(m_context.editing());
     case Tool::Logo:
-        return new LogoSection(m_context);
+        return new LogoSection(m_context.editing());
     case Tool::Signature:
-        return new SignatureSection(m_context);
+        return new SignatureSection(m_context.editing());
     case Tool::Camera:
-        return new CameraSection(m_context);
+        return new CameraSection(m_context.editing());
     }
     return nullptr;
 }
