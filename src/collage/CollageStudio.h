@@ -104,31 +104,11 @@ public:
     void select(std::optional<int> slot);
 
     void choosePreset(const QString &id);
-    /// The selected cell's frame. Without a selection the message asks for one.
-    void setFrame(CellFrame frame);
-    void copyFrame(CopyScope scope);
     /// The selection goes with its photo.
     void swapCells(int slot, int other);
     /// Another photo in the cell's place; one that the collage has already changes places with it.
     void replacePhoto(int slot, const QUuid &photo);
     void replacePhoto(int slot, const QString &path);
-    /// The selected cell, 1…4; changes in quick succession are one step.
-    void setZoom(double zoom);
-    void centerPhoto();
-    /// Pan and zoom of the selected cell.
-    void resetPhoto();
-
-    // The page. Fractions of the shorter side, held to these ranges.
-    static constexpr double largestGap = 0.08;
-    static constexpr double largestMargin = 0.10;
-    static constexpr double largestRadius = 0.08;
-    static constexpr int largestStartNumber = 999'999;
-    void setGap(double gap);
-    void setMargin(double margin);
-    void setRadius(double radius);
-    void setAspect(CollageAspect aspect);
-    void setBackground(const QColor &color);
-    void setFilmEdge(const FilmEdge &edge);
 
     // Steps back and forward, of the board alone.
     static constexpr qsizetype mostSteps = 40;
@@ -185,10 +165,6 @@ private:
     std::optional<int> selectionIn(const CollageDesign &design) const;
     void adopt(const CollageDesign &design);
     bool hasSlot(int slot) const { return slot >= 0 && slot < m_design.cells.size(); }
-    /// Asks for a selection when there is none.
-    bool needsSelection();
-    void changeCell(const std::function<void(CollageCell &)> &edit, const QString &key = {});
-    void changePage(double CollageDesign::*length, double value, double largest, const QString &key);
     void bringBack(const CollageDesign &design);
     void saved(const CollageOutput::Saved &collage);
     void saveFailed(const QString &reason);

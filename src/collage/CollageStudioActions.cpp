@@ -1,12 +1,8 @@
-// The studio's controls: what they do to the selected cell, to two cells, and to the page.
+// Which cell is selected, which photo lies in which cell, and the layout.
 
 #include <algorithm>
-#include <cmath>
 
 #include "collage/CollageStudio.h"
-#include "language/AppLanguage.h"
-
-using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
@@ -34,40 +30,6 @@ void CollageStudio::choosePreset(const QString &id)
         design.node = found->node;
         change(design);
     }
-}
-
-bool CollageStudio::needsSelection()
-{
-    if (!selectedCell()) {
-        setMessage(localized({"请先点选一个格子", "Tap a cell first", "Touchez d’abord une case"}),
-                   MessageKind::Hint);
-    }
-    return !selectedCell();
-}
-
-void CollageStudio::changeCell(const std::function<void(CollageCell &)> &edit, const QString &key)
-{
-    if (needsSelection()) {
-        return;
-    }
-    CollageDesign design = m_design;
-    edit(design.cells[*m_selected]);
-    change(design, key.isEmpty() ? key : key + u' ' + QString::number(*m_selected));
-}
-
-void CollageStudio::setFrame(CellFrame frame)
-{
-    changeCell([frame](CollageCell &cell) { cell.frame = frame; });
-}
-
-void CollageStudio::copyFrame(CopyScope scope)
-{
-    if (needsSelection()) {
-        return;
-    }
-    CollageDesign design = m_design;
-    CollageEdits::copyFrame(design, *m_selected, scope, layout());
-    change(design);
 }
 
 void CollageStudio::swapCells(int slot, int other)
@@ -111,82 +73,6 @@ void CollageStudio::replacePhoto(int slot, const QString &path)
             filesUnreadable(unreadable);
         }
     });
-}
-
-void CollageStudio::setZoom(double zoom)
-{
-    if (std::isfinite(zoom)) {
-        changeCell(
-            [zoom](CollageCell &cell) { cell.zoom = std::clamp(zoom, 1.0, CollageEdits::largestZoom); },
-            u"zoom"_s);
-    }
-}
-
-void CollageStudio::centerPhoto()
-{
-    changeCell([](CollageCell &cell) { cell.offset = {0, 0}; });
-}
-
-void CollageStudio::resetPhoto()
-{
-    changeCell([](CollageCell &cell) {
-        cell.offset = {0, 0};
-        cell.zoom = 1;
-    });
-}
-
-void CollageStudio::changePage(double CollageDesign::*length, double value, double largest,
-                               const QString &key)
-{
-    if (std::isfinite(value)) {
-        CollageDesign design = m_design;
-        design.*length = std::clamp(value, 0.0, largest);
-        change(design, key);
-    }
-}
-
-void CollageStudio::setGap(double gap)
-{
-    changePage(&CollageDesign::gap, gap, largestGap, u"gap"_s);
-}
-
-void CollageStudio::setMargin(double margin)
-{
-    changePage(&CollageDesign::margin, margin, largestMargin, u"margin"_s);
-}
-
-void CollageStudio::setRadius(double radius)
-{
-    changePage(&CollageDesign::radius, radius, largestRadius, u"radius"_s);
-}
-
-void CollageStudio::setAspect(CollageAspect aspect)
-{
-    CollageDesign design = m_design;
-    design.aspect = aspect;
-    change(design);
-}
-
-void CollageStudio::setBackground(const QColor &color)
-{
-    if (color.isValid()) {
-        CollageDesign design = m_design;
-        design.background = QColor::fromRgb(color.rgb());
-        change(design, u"background"_s);
-    }
-}
-
-void CollageStudio::setFilmEdge(const FilmEdge &edge)
-{
-    // Typing is one step; a choice is one each.
-    const FilmEdge &old = m_design.filmEdge;
-    const QString key = edge.topText != old.topText           ? u"edge text"_s
-                        : edge.startNumber != old.startNumber ? u"start number"_s
-                                                              : QString();
-    CollageDesign design = m_design;
-    design.filmEdge = edge;
-    design.filmEdge.startNumber = std::clamp(edge.startNumber, 0, largestStartNumber);
-    change(design, key);
 }
 
 } // namespace tarnovel

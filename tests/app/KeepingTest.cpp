@@ -16,6 +16,7 @@
 #include "app/window/RecoveryCard.h"
 #include "base/Json.h"
 #include "base/Log.h"
+#include "collage/SelectedCell.h"
 #include "model/Drafts.h"
 #include "support/WindowTest.h"
 
@@ -127,7 +128,7 @@ TEST_F(KeepingWindow, ASuddenEndKeepsEditsAndDraftsForTheNextStart)
     studio.start();
     studio.choosePreset(studio.presets().last().id);
     studio.select(1);
-    studio.setZoom(2);
+    SelectedCell(studio).setZoom(2);
     const CollageDesign design = studio.design();
     window().saveNow();
     restart();

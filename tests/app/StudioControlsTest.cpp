@@ -6,6 +6,7 @@
 #include "app/inspector/StockPicker.h"
 #include "app/kit/Segments.h"
 #include "collage/CollageStudio.h"
+#include "collage/SelectedCell.h"
 #include "support/WindowTest.h"
 
 namespace tarnovel::test {
@@ -108,7 +109,7 @@ TEST_F(StudioControls, Cells)
               [](auto &now) { return near(now.cells.at(0).zoom, 2) && near(now.cells.at(1).zoom, 1); }},
              {"too large a zoom", [&] { enter(u"zoom"_s, u"99"_s); },
               [](auto &now) { return near(now.cells.at(0).zoom, CollageEdits::largestZoom); }}});
-    studio().setFrame(other);
+    SelectedCell(studio()).setFrame(other);
     play(0, {{"to its row", [&] { click(control(u"copyTo0"_s)); },
               [&](auto &now) {
                   return frames(now) == QList{other, other, plain, plain};
@@ -121,7 +122,7 @@ TEST_F(StudioControls, Cells)
               [&](auto &now) {
                   return frames(now) == QList{other, other, other, other};
               }}});
-    studio().setZoom(2);
+    SelectedCell(studio()).setZoom(2);
     drag(window().collage()->board(), window().collage()->board()->itemRect(0).center(), {30, 20});
     ASSERT_FALSE(studio().design().cells.at(0).offset.isNull());
     play(0, {{"the photo to the middle", [&] { click(control(u"centerPhoto"_s)); },

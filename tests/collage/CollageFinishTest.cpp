@@ -2,7 +2,9 @@
 
 #include <QThread>
 
+#include "collage/CollagePage.h"
 #include "collage/CollageStudioWorld.h"
+#include "collage/SelectedCell.h"
 
 using namespace Qt::StringLiterals;
 
@@ -66,7 +68,7 @@ TEST_F(Pictures, OfTheRestingBoardAreThoseOfTheResult)
     m_model.append(list);
     open({0, 1});
     m_studio.select(0);
-    m_studio.setFrame(CellFrame::inner);
+    SelectedCell(m_studio).setFrame(CellFrame::inner);
     ASSERT_TRUE(settle());
     const QImage small = drawn(m_studio.board());
     EXPECT_GT(psnr(small, fromFiles(m_pipeline, m_studio, m_studio.board())), 36);
@@ -108,7 +110,7 @@ TEST_F(Pictures, OfALostPhotoLeaveThePaperAndSayWhich)
     EXPECT_EQ(m_studio.message(), u"3.jpg: Could not read this photo."_s);
     ASSERT_TRUE(settle());
     m_studio.select(1);
-    m_studio.setFrame(CellFrame::film);
+    SelectedCell(m_studio).setFrame(CellFrame::film);
     const QImage board = drawn(m_studio.board());
     EXPECT_EQ(board.pixel(m_studio.layout().cells.at(1).center().toPoint()),
               cellPaper(CellFrame::film)->rgb());
@@ -118,14 +120,14 @@ TEST_F(Pictures, OfALostPhotoLeaveThePaperAndSayWhich)
 TEST_F(Finish, PutsTheCollageFirst)
 {
     open({3, 0, 4});
-    m_studio.setGap(0.04);
+    CollagePage(m_studio).setGap(0.04);
     CollageStudio::Changes heard;
     QObject::connect(&m_studio, &CollageStudio::changed, [&heard](auto changes) { heard |= changes; });
     ASSERT_TRUE(m_studio.canFinish());
     m_studio.finish();
     EXPECT_TRUE(m_studio.saving());
     EXPECT_FALSE(m_studio.canFinish());
-    m_studio.setGap(0.01);
+    CollagePage(m_studio).setGap(0.01);
     m_studio.undo();
     m_studio.toggle(id(7));
     EXPECT_EQ(m_studio.design().gap, 0.04); // what would be lost is refused

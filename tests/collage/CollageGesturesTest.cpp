@@ -1,4 +1,5 @@
 #include "collage/CollageStudioWorld.h"
+#include "collage/SelectedCell.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -195,7 +196,7 @@ TEST_F(Views, ZoomFromOneToFour)
     m_gestures.zoomPhoto(1, 1.1);
     EXPECT_NEAR(zoom(), 2.42, 1e-9);
     m_studio.select(1);
-    m_studio.resetPhoto();
+    SelectedCell(m_studio).resetPhoto();
     EXPECT_EQ(zoom(), 1);
     m_studio.undo();
     m_studio.undo();

@@ -1,4 +1,6 @@
+#include "collage/CollagePage.h"
 #include "collage/CollageStudioWorld.h"
+#include "collage/SelectedCell.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -98,7 +100,7 @@ TEST_F(Board, StartsWithTheBestLayoutAndKeepsTheUsersOne)
     EXPECT_EQ(m_studio.design().preset.id, u"big-left"_s);
     m_studio.choosePreset(u"filmstrip"_s);
     m_studio.select(0);
-    m_studio.setFrame(CellFrame::instant);
+    SelectedCell(m_studio).setFrame(CellFrame::instant);
     m_studio.toggle(id(5));
     EXPECT_EQ(m_studio.design().preset.id, u"filmstrip"_s);
     EXPECT_EQ(m_studio.design().cells.size(), 4);
@@ -118,11 +120,11 @@ TEST_F(Board, StartsWithTheBestLayoutAndKeepsTheUsersOne)
 TEST_F(Board, ComesBackFromTheChooserAsItWas)
 {
     open({0, 3});
-    m_studio.setGap(0.05);
+    CollagePage(m_studio).setGap(0.05);
     m_gestures.nudgeDivider({}, 0.1);
     m_studio.choosePhotos();
     EXPECT_TRUE(m_studio.choosing());
-    m_studio.setGap(0.01);
+    CollagePage(m_studio).setGap(0.01);
     m_studio.undo();
     EXPECT_EQ(m_studio.design().gap, 0.05); // nothing changes behind the chooser
     m_studio.start();
@@ -140,7 +142,7 @@ TEST_F(Board, ComesBackFromTheChooserAsItWas)
 TEST_F(Board, CopiesFramesToTheCellsBeside)
 {
     open({3, 0, 4});
-    m_studio.setFrame(CellFrame::white);
+    SelectedCell(m_studio).setFrame(CellFrame::white);
     EXPECT_EQ(m_studio.message(), u"Tap a cell first"_s);
     EXPECT_FALSE(m_studio.canUndo());
     const auto frames = [this] {
@@ -151,19 +153,19 @@ TEST_F(Board, CopiesFramesToTheCellsBeside)
         return names;
     };
     m_studio.select(1); // the upper one of the right column
-    m_studio.setFrame(CellFrame::white);
-    m_studio.copyFrame(CopyScope::Row);
+    SelectedCell(m_studio).setFrame(CellFrame::white);
+    SelectedCell(m_studio).copyFrame(CopyScope::Row);
     EXPECT_EQ(frames(), u"wwn"_s);
     m_studio.undo();
-    m_studio.copyFrame(CopyScope::Column);
+    SelectedCell(m_studio).copyFrame(CopyScope::Column);
     EXPECT_EQ(frames(), u"nww"_s);
     m_studio.undo();
     EXPECT_EQ(frames(), u"nwn"_s);
-    m_studio.copyFrame(CopyScope::All);
+    SelectedCell(m_studio).copyFrame(CopyScope::All);
     EXPECT_EQ(frames(), u"www"_s);
     m_studio.select(0);
-    m_studio.setFrame(CellFrame::film);
-    m_studio.copyFrame(CopyScope::Row); // reaches both of the right column
+    SelectedCell(m_studio).setFrame(CellFrame::film);
+    SelectedCell(m_studio).copyFrame(CopyScope::Row); // reaches both of the right column
     EXPECT_EQ(frames(), u"fff"_s);
 }
 
@@ -171,8 +173,8 @@ TEST_F(Board, SwapsAndReplacesPhotos)
 {
     open({3, 0, 4});
     m_studio.select(0);
-    m_studio.setFrame(CellFrame::instant);
-    m_studio.setZoom(9);
+    SelectedCell(m_studio).setFrame(CellFrame::instant);
+    SelectedCell(m_studio).setZoom(9);
     EXPECT_EQ(m_studio.design().cells.at(0).zoom, 4);
     m_studio.swapCells(0, 2);
     EXPECT_EQ(photoOf(2), id(3));
@@ -198,14 +200,14 @@ TEST_F(Steps, JoinTheChangesOfOneSlider)
 {
     open({0, 3});
     EXPECT_FALSE(m_studio.canUndo());
-    m_studio.setGap(0.03);
+    CollagePage(m_studio).setGap(0.03);
     m_clock.advance(500ms);
-    m_studio.setGap(0.5);
-    EXPECT_EQ(m_studio.design().gap, CollageStudio::largestGap);
-    m_studio.setMargin(0.05);
+    CollagePage(m_studio).setGap(0.5);
+    EXPECT_EQ(m_studio.design().gap, CollagePage::largestGap);
+    CollagePage(m_studio).setMargin(0.05);
     m_clock.advance(1500ms);
-    m_studio.setMargin(-1);
-    m_studio.setRadius(std::nan(""));
+    CollagePage(m_studio).setMargin(-1);
+    CollagePage(m_studio).setRadius(std::nan(""));
     m_studio.undo();
     EXPECT_EQ(m_studio.design().margin, 0.05);
     m_studio.undo();
@@ -213,8 +215,8 @@ TEST_F(Steps, JoinTheChangesOfOneSlider)
     EXPECT_EQ(m_studio.design().gap, 0.02);
     EXPECT_FALSE(m_studio.canUndo());
     m_studio.redo();
-    EXPECT_EQ(m_studio.design().gap, CollageStudio::largestGap);
-    m_studio.setAspect(CollageAspect::story);
+    EXPECT_EQ(m_studio.design().gap, CollagePage::largestGap);
+    CollagePage(m_studio).setAspect(CollageAspect::story);
     EXPECT_FALSE(m_studio.canRedo());
     EXPECT_EQ(m_studio.outputSize(), QSize(1350, 2400));
     EXPECT_EQ(m_studio.boardSize(), QSizeF(337, 600));
@@ -227,14 +229,14 @@ TEST_F(Steps, TypingOnTheFilmEdgeIsOneStep)
     FilmEdge edge;
     for (const QString &typed : {u"M"_s, u"Mi"_s, u"Mine"_s}) {
         edge.topText = typed;
-        m_studio.setFilmEdge(edge);
+        CollagePage(m_studio).setFilmEdge(edge);
     }
     edge.startNumber = -4;
-    m_studio.setFilmEdge(edge);
+    CollagePage(m_studio).setFilmEdge(edge);
     EXPECT_EQ(m_studio.design().filmEdge.startNumber, 0);
     edge.stock = u"Ilford HP5 Plus"_s;
     edge.startNumber = 0;
-    m_studio.setFilmEdge(edge);
+    CollagePage(m_studio).setFilmEdge(edge);
     m_studio.undo();
     EXPECT_EQ(m_studio.design().filmEdge.stock, FilmEdge().stock);
     m_studio.undo();
@@ -253,7 +255,7 @@ TEST_F(Steps, GoBackToPhotosThatWereLetGo)
     EXPECT_EQ(m_studio.order(id(4)), 3);
     EXPECT_TRUE(settle());
     for (int i = 0; i < 60; ++i) {
-        m_studio.setAspect(i % 2 ? CollageAspect::square : CollageAspect::story);
+        CollagePage(m_studio).setAspect(i % 2 ? CollageAspect::square : CollageAspect::story);
     }
     int steps = 0;
     while (m_studio.canUndo()) {

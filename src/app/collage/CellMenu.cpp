@@ -6,6 +6,7 @@
 #include "app/kit/Label.h"
 #include "app/kit/Overlay.h"
 #include "collage/CollageStudio.h"
+#include "collage/SelectedCell.h"
 
 namespace tarnovel::app {
 
@@ -67,7 +68,7 @@ void openCellMenu(QWidget *board, CollageStudio &studio, int slot, QPoint at,
     addRow(menu, Button::Kind::Secondary, said({"更换照片…", "Replace photo…", "Remplacer la photo…"}),
            "image", replaceAsked);
     addRow(menu, Button::Kind::Secondary, said({"照片居中", "Center photo", "Centrer la photo"}), "placement",
-           [&studio] { studio.centerPhoto(); });
+           [&studio] { SelectedCell(studio).centerPhoto(); });
     Button *remove =
         addRow(menu, Button::Kind::DangerGhost, said({"移除照片", "Remove photo", "Retirer la photo"}),
                "trash", [&studio, slot] { studio.toggle(studio.design().cells.at(slot).photo); });

@@ -10,6 +10,7 @@
 #include "app/kit/Label.h"
 #include "app/kit/Slider.h"
 #include "app/kit/Theme.h"
+#include "collage/SelectedCell.h"
 
 using namespace Qt::StringLiterals;
 
@@ -47,8 +48,9 @@ FrameTiles::FrameTiles(CollageStudio &studio) : ItemView(Arrows::Move), m_studio
 {
     setName(said({"格子边框", "Cell frame", "Cadre de la case"}));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    connect(this, &ItemView::chosen, this,
-            [this](int index) { m_studio.setFrame(cellFrames.at(static_cast<size_t>(index))); });
+    connect(this, &ItemView::chosen, this, [this](int index) {
+        SelectedCell(m_studio).setFrame(cellFrames.at(static_cast<size_t>(index)));
+    });
 }
 
 void FrameTiles::follow()
@@ -199,7 +201,8 @@ void CellsPage::addFrames()
         copy->setFont(typeFont(Type::Label));
         row->addWidget(copy);
         copy->setObjectName(u"copyTo%1"_s.arg(static_cast<int>(scope)));
-        connect(copy, &QPushButton::clicked, this, [this, scope] { m_studio.copyFrame(scope); });
+        connect(copy, &QPushButton::clicked, this,
+                [this, scope] { SelectedCell(m_studio).copyFrame(scope); });
     };
     add(CopyScope::Row, "row", said({"本行", "Row", "Ligne"}));
     add(CopyScope::Column, "column", said({"本列", "Column", "Colonne"}));
@@ -237,9 +240,9 @@ void CellsPage::addPhoto()
     m_zoom->setObjectName(u"zoom"_s);
     m_center->setObjectName(u"centerPhoto"_s);
     m_reset->setObjectName(u"resetPhoto"_s);
-    connect(m_zoom, &Slider::changed, this, [this](double zoom) { m_studio.setZoom(zoom); });
-    connect(m_center, &QPushButton::clicked, this, [this] { m_studio.centerPhoto(); });
-    connect(m_reset, &QPushButton::clicked, this, [this] { m_studio.resetPhoto(); });
+    connect(m_zoom, &Slider::changed, this, [this](double zoom) { SelectedCell(m_studio).setZoom(zoom); });
+    connect(m_center, &QPushButton::clicked, this, [this] { SelectedCell(m_studio).centerPhoto(); });
+    connect(m_reset, &QPushButton::clicked, this, [this] { SelectedCell(m_studio).resetPhoto(); });
 }
 
 void CellsPage::showState()

@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 
 #include "app/collage/CollageBoard.h"
+#include "collage/SelectedCell.h"
 
 namespace tarnovel::app {
 
@@ -102,7 +103,7 @@ bool CollageBoard::cellKey(QKeyEvent *event, int slot)
             return false;
         }
         m_studio.select(slot);
-        m_studio.resetPhoto();
+        SelectedCell(m_studio).resetPhoto();
         return true;
     case Qt::Key_Delete:
     case Qt::Key_Backspace:

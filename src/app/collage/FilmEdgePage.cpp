@@ -8,6 +8,7 @@
 #include "app/kit/Label.h"
 #include "app/kit/Stepper.h"
 #include "app/kit/Switch.h"
+#include "collage/CollagePage.h"
 #include "film/FilmStockCatalog.h"
 
 using namespace Qt::StringLiterals;
@@ -78,7 +79,7 @@ void FilmEdgePage::change(const std::function<void(FilmEdge &)> &edit)
 {
     FilmEdge edge = m_studio.design().filmEdge;
     edit(edge);
-    m_studio.setFilmEdge(edge);
+    CollagePage(m_studio).setFilmEdge(edge);
 }
 
 void FilmEdgePage::showState()

@@ -10,6 +10,7 @@
 #include "app/kit/Segments.h"
 #include "app/kit/Slider.h"
 #include "app/kit/Theme.h"
+#include "collage/CollagePage.h"
 
 using namespace Qt::StringLiterals;
 
@@ -25,12 +26,12 @@ PageControls::PageControls(EditorState &state, CollageStudio &studio) : m_studio
                       "L’espacement et le fond suivent la bande 35 mm."}));
     column->addWidget(m_filmHint);
     const CollageDesign fresh;
-    m_gap = addLength(said({"间距", "Gap", "Espacement"}), CollageStudio::largestGap, fresh.gap,
-                      &CollageStudio::setGap);
-    m_margin = addLength(said({"外边距", "Margin", "Marge"}), CollageStudio::largestMargin, fresh.margin,
-                         &CollageStudio::setMargin);
-    m_radius = addLength(said({"圆角", "Corners", "Coins"}), CollageStudio::largestRadius, fresh.radius,
-                         &CollageStudio::setRadius);
+    m_gap = addLength(said({"间距", "Gap", "Espacement"}), CollagePage::largestGap, fresh.gap,
+                      &CollagePage::setGap);
+    m_margin = addLength(said({"外边距", "Margin", "Marge"}), CollagePage::largestMargin, fresh.margin,
+                         &CollagePage::setMargin);
+    m_radius = addLength(said({"圆角", "Corners", "Coins"}), CollagePage::largestRadius, fresh.radius,
+                         &CollagePage::setRadius);
     m_gap->setObjectName(u"gap"_s);
     m_margin->setObjectName(u"margin"_s);
     m_radius->setObjectName(u"corners"_s);
@@ -60,9 +61,10 @@ PageControls::PageControls(EditorState &state, CollageStudio &studio) : m_studio
     column->addWidget(m_paper);
     m_aspect->setObjectName(u"aspect"_s);
     m_background->setObjectName(u"paper"_s);
-    connect(m_aspect, &ItemView::chosen, this,
-            [this](int index) { m_studio.setAspect(collageAspects.at(static_cast<size_t>(index))); });
-    const auto take = [this](const QColor &color) { m_studio.setBackground(color); };
+    connect(m_aspect, &ItemView::chosen, this, [this](int index) {
+        CollagePage(m_studio).setAspect(collageAspects.at(static_cast<size_t>(index)));
+    });
+    const auto take = [this](const QColor &color) { CollagePage(m_studio).setBackground(color); };
     connect(m_background, &ColorDots::chosenColor, this, take);
     connect(m_background, &ColorDots::dragged, this, take);
     connect(&studio, &CollageStudio::changed, this, [this](CollageStudio::Changes changes) {
@@ -74,7 +76,7 @@ PageControls::PageControls(EditorState &state, CollageStudio &studio) : m_studio
 }
 
 Slider *PageControls::addLength(const Phrase &name, double largest, double usual,
-                                void (CollageStudio::*set)(double))
+                                void (CollagePage::*set)(double))
 {
     auto *slider = new Slider(
         name,
@@ -82,7 +84,8 @@ Slider *PageControls::addLength(const Phrase &name, double largest, double usual
     auto *column = static_cast<QVBoxLayout *>(layout());
     column->addWidget(slider);
     column->addSpacing(8);
-    connect(slider, &Slider::changed, this, [this, set](double value) { (m_studio.*set)(value / 100); });
+    connect(slider, &Slider::changed, this,
+            [this, set](double value) { (CollagePage(m_studio).*set)(value / 100); });
     return slider;
 }
 

@@ -3,7 +3,7 @@
 #include <QWidget>
 
 #include "app/EditorContext.h"
-#include "collage/CollageStudio.h"
+#include "collage/CollagePage.h"
 
 namespace tarnovel::app {
 
@@ -19,7 +19,7 @@ public:
     PageControls(EditorState &state, CollageStudio &studio);
 
 private:
-    Slider *addLength(const Phrase &name, double largest, double usual, void (CollageStudio::*set)(double));
+    Slider *addLength(const Phrase &name, double largest, double usual, void (CollagePage::*set)(double));
     void showState();
 
     CollageStudio &m_studio;
