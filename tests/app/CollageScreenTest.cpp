@@ -15,6 +15,8 @@
 #include "app/kit/Motion.h"
 #include "app/kit/Overlay.h"
 #include "app/kit/Segments.h"
+#include "collage/CollagePage.h"
+#include "collage/SelectedCell.h"
 #include "editor/EditorWorld.h"
 
 using namespace Qt::StringLiterals;
@@ -74,8 +76,8 @@ protected:
 
     Button *button(const QString &name) const
     {
-        for (Button *each : m_screen->findChildren<Button *>()) {
-            if (each->isVisible() && each->accessibleName() == name) {
+        for (Button *each : m_screen->findChildren<Button *>(name)) {
+            if (each->isVisible()) {
                 return each;
             }
         }
@@ -94,7 +96,7 @@ protected:
         for (const int each : photos) {
             tap(each);
         }
-        press(u"Make collage"_s);
+        press(u"makeCollage"_s);
         ASSERT_FALSE(studio().choosing());
         QCoreApplication::processEvents();
     }
@@ -121,15 +123,15 @@ protected:
 
 TEST_F(CollageScreenTest, TapsAndKeysNumberPhotosInTheirOrderUpToNine)
 {
-    EXPECT_FALSE(button(u"Make collage"_s)->isEnabled());
+    EXPECT_FALSE(button(u"makeCollage"_s)->isEnabled());
     tap(4);
-    EXPECT_FALSE(button(u"Make collage"_s)->isEnabled());
+    EXPECT_FALSE(button(u"makeCollage"_s)->isEnabled());
     grid().setFocus();
     QTest::keyClick(&grid(), Qt::Key_Right);
     QTest::keyClick(&grid(), Qt::Key_Space);
     EXPECT_EQ(studio().order(m_model.photos().at(4).id), 1);
     EXPECT_EQ(studio().order(m_model.photos().at(5).id), 2);
-    EXPECT_TRUE(button(u"Make collage"_s)->isEnabled());
+    EXPECT_TRUE(button(u"makeCollage"_s)->isEnabled());
     EXPECT_TRUE(grid().itemName(5).contains(u"place 2"_s));
 
     for (const int each : {0, 1, 2, 3, 6, 7, 8}) {
@@ -140,7 +142,7 @@ TEST_F(CollageScreenTest, TapsAndKeysNumberPhotosInTheirOrderUpToNine)
     tap(9);
     EXPECT_EQ(studio().total(), 9);
     EXPECT_TRUE(m_screen->findChild<LimitNotice *>()->isVisible());
-    press(u"Clear"_s);
+    press(u"clearPicked"_s);
     EXPECT_EQ(studio().total(), 0);
 }
 
@@ -148,7 +150,7 @@ TEST_F(CollageScreenTest, FilesJoinThePhotosOnOfferAndTheChosenOnes)
 {
     photo(u"from disk.jpg"_s);
     m_offered = {m_library + u"/from disk.jpg"_s};
-    press(u"Files…"_s);
+    press(u"addFiles"_s);
     ASSERT_TRUE(waitFor([this] { return !studio().importing(); }));
     EXPECT_EQ(grid().count(), 13);
     EXPECT_EQ(studio().total(), 1);
@@ -188,15 +190,15 @@ TEST_F(CollageScreenTest, FiveChosenPhotosAreArrangedAndBecomeTheFirstOfTheSessi
 
     // A frame for all cells.
     studio().select(2);
-    studio().setFrame(CellFrame::white);
-    press(u"All"_s);
+    SelectedCell(studio()).setFrame(CellFrame::white);
+    press(u"copyTo2"_s);
     for (const CollageCell &each : studio().design().cells) {
         EXPECT_EQ(each.frame, CellFrame::white);
     }
 
-    press(u"Save collage"_s);
+    press(u"saveCollage"_s);
     EXPECT_TRUE(studio().saving());
-    EXPECT_TRUE(button(u"Saving…"_s));
+    EXPECT_EQ(button(u"saveCollage"_s)->accessibleName(), u"Saving…"_s);
     ASSERT_TRUE(waitFor([this] { return m_finished.size() == 1; }));
     EXPECT_EQ(m_model.photos().size(), 13);
     EXPECT_EQ(m_model.photos().first().name, u"Collage"_s);
@@ -356,13 +358,13 @@ TEST_F(CollageScreenTest, AnArrangedBoardIsNotLostWithoutAQuestion)
 {
     openBoard({0, 3, 4});
     QTest::mouseClick(&board(), Qt::LeftButton, {}, middle(1));
-    studio().setFrame(CellFrame::instant);
+    SelectedCell(studio()).setFrame(CellFrame::instant);
     board().setFocus();
     QTest::keyClick(&board(), Qt::Key_Escape);
     EXPECT_FALSE(studio().selected());
     QTest::keyClick(&board(), Qt::Key_Escape);
     EXPECT_TRUE(m_closed.isEmpty());
-    press(u"Discard"_s);
+    press(u"confirm"_s);
     EXPECT_EQ(m_closed.size(), 1);
     EXPECT_FALSE(m_screen->studio());
     EXPECT_EQ(m_model.photos().size(), 12);
@@ -387,28 +389,25 @@ TEST_F(CollageScreenTest, EnterOnAFocusedButtonIsThatButtonsOwn)
     // In the question about an arranged board: the board stays as it is.
     openBoard({0, 3, 4});
     QTest::mouseClick(&board(), Qt::LeftButton, {}, middle(1));
-    studio().setFrame(CellFrame::instant);
+    SelectedCell(studio()).setFrame(CellFrame::instant);
     QTest::keyClick(&board(), Qt::Key_Escape);
     QTest::keyClick(&board(), Qt::Key_Escape);
-    const QList<Button *> answers = m_screen->findChild<Overlay *>()->findChildren<Button *>();
-    const auto keep = std::ranges::find(answers, u"Cancel"_s, &Button::accessibleName);
-    ASSERT_NE(keep, answers.end());
-    enter(*keep, Qt::Key_Return);
+    enter(m_screen->findChild<Overlay *>()->findChild<Button *>(u"cancel"_s), Qt::Key_Return);
     EXPECT_TRUE(m_closed.isEmpty());
     ASSERT_TRUE(m_screen->studio());
     EXPECT_EQ(cell(1).frame, CellFrame::instant);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
     // Beside a finished board and beside enough chosen photos it cancels, too, and makes nothing of them.
-    enter(button(u"Cancel"_s), Qt::Key_Return);
+    enter(button(u"closeCollage"_s), Qt::Key_Return);
     EXPECT_FALSE(studio().saving());
-    press(u"Discard"_s);
+    press(u"confirm"_s);
     EXPECT_EQ(m_closed.size(), 1);
     m_screen->begin();
     QCoreApplication::processEvents();
     tap(0);
     tap(1);
-    enter(button(u"Cancel"_s), Qt::Key_Enter);
+    enter(button(u"closeCollage"_s), Qt::Key_Enter);
     EXPECT_EQ(m_closed.size(), 2);
     EXPECT_FALSE(m_screen->studio());
     EXPECT_EQ(m_model.photos().size(), 12);
@@ -449,12 +448,12 @@ TEST_F(CollageScreenTest, ACarriedCellLiesAboveTheVeilOfItsTarget)
 TEST_F(CollageScreenTest, ClosingWhileSavingGivesTheCollageUp)
 {
     openBoard({0, 3, 4});
-    studio().setMargin(0.08);
-    press(u"Save collage"_s);
+    CollagePage(studio()).setMargin(0.08);
+    press(u"saveCollage"_s);
     ASSERT_TRUE(studio().saving());
-    press(u"Cancel"_s);
+    press(u"closeCollage"_s);
     EXPECT_TRUE(m_closed.isEmpty());
-    press(u"Discard"_s);
+    press(u"confirm"_s);
     EXPECT_EQ(m_closed.size(), 1);
     // The next visit waits for what is left of the save.
     m_screen->begin();
@@ -467,12 +466,12 @@ TEST_F(CollageScreenTest, ClosingWhileSavingGivesTheCollageUp)
 TEST_F(CollageScreenTest, ACollageThatCannotBeSavedStaysOpenWithItsBoard)
 {
     openBoard({0, 3, 4});
-    studio().setMargin(0.08);
+    CollagePage(studio()).setMargin(0.08);
     ASSERT_TRUE(QFile::remove(m_library + u"/3.jpg"_s));
-    press(u"Save collage"_s);
+    press(u"saveCollage"_s);
     ASSERT_TRUE(waitFor([this] { return !studio().saving(); }));
     EXPECT_TRUE(m_screen->findChild<Toast *>()->text().contains(u"Could not save the collage."_s));
-    EXPECT_TRUE(button(u"Save collage"_s)->isEnabled());
+    EXPECT_TRUE(button(u"saveCollage"_s)->isEnabled());
     EXPECT_EQ(studio().design().margin, 0.08);
     EXPECT_TRUE(m_finished.isEmpty());
 }

@@ -22,6 +22,7 @@
 #include "app/window/HomeScreen.h"
 #include "app/window/ToolPanel.h"
 #include "app/window/ToolRail.h"
+#include "collage/CollagePage.h"
 #include "collage/CollageStudio.h"
 #include "render/BuiltInTemplate.h"
 #include "support/AppWorld.h"
@@ -64,11 +65,11 @@ protected:
         return path;
     }
 
-    template<typename Widget>
-    Widget *named(const QString &name)
+    template<typename Widget = QWidget>
+    Widget *control(const QString &name)
     {
-        for (Widget *widget : window().findChildren<Widget *>()) {
-            if (widget->accessibleName() == name && widget->isVisible()) {
+        for (Widget *widget : window().findChildren<Widget *>(name)) {
+            if (widget->isVisible()) {
                 return widget;
             }
         }
@@ -125,7 +126,7 @@ TEST_F(EditorWindow, TakesASetFromDropToExportAndFindsItAgain)
     // A title, typed.
     window().state().setTool(Tool::Text);
     window().state().selectLayer(u"title"_s);
-    auto *field = named<QLineEdit>(u"Text"_s);
+    auto *field = control<QLineEdit>(u"text"_s);
     ASSERT_NE(field, nullptr);
     field->setFocus();
     field->selectAll();
@@ -141,7 +142,7 @@ TEST_F(EditorWindow, TakesASetFromDropToExportAndFindsItAgain)
     QTest::keyClick(page().canvas(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(settings().layer(u"title"_s)->text, u"Evening"_s);
 
-    click(named<Button>(u"Apply to all"_s));
+    click(control(u"applyToAll"_s));
     for (const PhotoItem &item : model().photos()) {
         EXPECT_EQ(item.settings.layer(u"title"_s)->text, u"Evening"_s);
         EXPECT_EQ(item.settings.y, settings().y);
@@ -151,18 +152,18 @@ TEST_F(EditorWindow, TakesASetFromDropToExportAndFindsItAgain)
     QDir().mkpath(m_world->answers().folder);
     QTest::keyClick(page().canvas(), Qt::Key_E, Qt::ControlModifier);
     EXPECT_TRUE(page().exportShown());
-    click(named<Button>(u"Export 2 photos to folder…"_s));
+    click(control(u"startExport"_s));
     ASSERT_TRUE(waitFor([this] { return !page().exporting()->working(); }));
     EXPECT_EQ(QDir(m_world->answers().folder).entryList(QDir::Files),
               (QStringList{u"one-framed.jpg"_s, u"two-framed.jpg"_s}));
     EXPECT_TRUE(waitFor([this] { return window().findChild<Overlay *>() != nullptr; }));
-    click(named<Button>(u"Done"_s));
+    click(control(u"closeSheet"_s));
 
     const QList<PhotoItem> left = model().photos();
     window().close();
     start();
     EXPECT_TRUE(page().atHome());
-    click(named<Button>(u"Continue"_s));
+    click(control(u"continueSession"_s));
     EXPECT_FALSE(page().atHome());
     EXPECT_EQ(model().photos(), left);
 }
@@ -219,7 +220,7 @@ TEST_F(EditorWindow, TheSmallEditorGoesWithItsText)
 {
     m_world->import({photo(u"one"_s)});
     window().state().setTool(Tool::Text);
-    click(named<Button>(u"Add text"_s));
+    click(control(u"addText"_s));
     const QString id = *window().state().selectedLayer();
     page().canvas()->setFocus();
     Q_EMIT page().canvas()->editTextAsked(id);
@@ -264,7 +265,7 @@ TEST_F(EditorWindow, ARunKeepsTheFilesOfPhotosThatAreRemoved)
     m_world->answers().folder = m_folder.filePath(u"out"_s);
     QDir().mkpath(m_world->answers().folder);
     page().showExport(true);
-    click(named<Button>(u"Export 3 photos to folder…"_s));
+    click(control(u"startExport"_s));
     model().removePhotos({model().photos().last().id});
     model().scheduleSave(SaveScheduler::Moment::AtOnce);
     ASSERT_TRUE(waitFor([this] { return !page().exporting()->working(); }));
@@ -336,9 +337,9 @@ TEST_F(EditorWindow, SaysWhatCouldNotBeReadAndKeepsTheRest)
     QFile::remove(m_world->library() + u'/' + model().current()->file);
     m_world->answers().folder = m_folder.path();
     page().showExport(true);
-    click(named<Button>(u"Export to folder…"_s));
+    click(control(u"startExport"_s));
     ASSERT_TRUE(waitFor([this] { return page().exporting()->problem().has_value(); }));
-    click(named<Button>(u"Stop"_s));
+    click(control(u"stopExport"_s));
     EXPECT_TRUE(page().exporting()->folderExport().error().startsWith(u"Export failed: "_s));
 }
 
@@ -350,17 +351,17 @@ TEST_F(EditorWindow, AsksBeforePhotosGo)
     QTest::keyClick(strip, Qt::Key_Right);
     EXPECT_EQ(model().selected(), model().photos().at(1).id);
     QTest::keyClick(strip, Qt::Key_Delete);
-    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), u"Cancel"_s) << "the keyboard starts on Cancel";
+    EXPECT_EQ(QApplication::focusWidget(), control(u"cancel"_s)) << "the keyboard starts on Cancel";
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     EXPECT_EQ(model().photos().size(), 3);
     QTest::keyClick(strip, Qt::Key_Delete);
-    click(named<Button>(u"Remove"_s));
+    click(control(u"confirm"_s));
     EXPECT_EQ(model().photos().size(), 2);
 
     window().showManage();
-    click(named<Button>(u"Select all"_s));
-    click(named<Button>(u"Remove 2 photos"_s));
-    click(named<Button>(u"Remove"_s));
+    click(control(u"selectAll"_s));
+    click(control(u"removePicked"_s));
+    click(control(u"confirm"_s));
     EXPECT_TRUE(model().photos().isEmpty());
     EXPECT_TRUE(page().atHome());
 }
@@ -368,10 +369,10 @@ TEST_F(EditorWindow, AsksBeforePhotosGo)
 TEST_F(EditorWindow, SpeaksTheChosenLanguageAtOnce)
 {
     m_world->import({photo(u"one"_s)});
-    EXPECT_TRUE(named<Button>(u"Export"_s));
+    EXPECT_EQ(control(u"applyToAll"_s)->accessibleName(), u"Apply to all"_s);
     setLanguageSources({[] { return u"french"_s; }, [] { return QStringList(); }});
     window().retranslate();
-    EXPECT_TRUE(named<Button>(u"Appliquer à tout"_s));
+    EXPECT_EQ(control(u"applyToAll"_s)->accessibleName(), u"Appliquer à tout"_s);
     EXPECT_EQ(page().findChild<ToolRail *>()->itemName(0), u"Modèles"_s);
     setLanguageSources({});
 }
@@ -386,19 +387,19 @@ TEST_F(EditorWindow, StoppingAnExportToQuitStillAsksForABoard)
     m_world->answers().folder = m_folder.filePath(u"out"_s);
     QDir().mkpath(m_world->answers().folder);
     page().showExport(true);
-    click(named<Button>(u"Export 9 photos to folder…"_s));
+    click(control(u"startExport"_s));
     window().showCollage();
     CollageStudio &studio = *window().collage()->studio();
     studio.toggle(model().photos().at(0).id);
     studio.toggle(model().photos().at(1).id);
     studio.start();
-    studio.setGap(0.05);
+    CollagePage(studio).setGap(0.05);
     ASSERT_TRUE(page().exporting()->working());
     window().close();
-    click(named<Button>(u"Stop and quit"_s));
+    click(control(u"confirm"_s));
     EXPECT_TRUE(window().isVisible());
     QCoreApplication::processEvents();
-    click(named<Button>(u"Discard"_s));
+    click(control(u"confirm"_s));
     EXPECT_TRUE(waitFor([this] { return !window().isVisible(); }));
 }
 

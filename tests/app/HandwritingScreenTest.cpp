@@ -47,9 +47,9 @@ TEST_F(HandwritingScreenTest, WritesWithTheMouseAndTakesItBack)
     EXPECT_EQ(drawing().size(), 3);
     QTest::keyClick(canvas(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(drawing().size(), 4);
-    QTest::mouseClick(button(u"Clear"_s), Qt::LeftButton);
+    QTest::mouseClick(button(u"clearInk"_s), Qt::LeftButton);
     EXPECT_TRUE(drawing().isEmpty());
-    QTest::mouseClick(button(u"Undo"_s), Qt::LeftButton);
+    QTest::mouseClick(button(u"undo"_s), Qt::LeftButton);
     EXPECT_EQ(drawing().size(), 4);
     EXPECT_TRUE(canvas()->hasFocus()); // clicks beside the page leave it the keyboard
 }
@@ -60,7 +60,7 @@ TEST_F(HandwritingScreenTest, AClickBesideThePageIsNoSignature)
     QTest::mouseClick(canvas(), Qt::LeftButton, {}, beside.toPoint());
     EXPECT_TRUE(studio().isEmpty());
     EXPECT_FALSE(m_screen.hasUnsavedInk());
-    QTest::mouseClick(button(u"Done"_s), Qt::LeftButton);
+    QTest::mouseClick(button(u"done"_s), Qt::LeftButton);
     EXPECT_EQ(m_closed, 1);
     EXPECT_FALSE(m_model.canUndo());
 }
@@ -172,7 +172,7 @@ TEST_F(HandwritingScreenTest, OneFingerWritesAndTwoMoveThePage)
     EXPECT_TRUE(studio().penIsDown());
     touch({{{600, 300}, Finger::Up}});
     EXPECT_EQ(drawing().size(), 2);
-    QWidget *guide = button(u"How to write here"_s);
+    QWidget *guide = button(u"writingHelp"_s);
     QTest::touchEvent(guide, m_touchScreen).press(0, guide->rect().center());
     QTest::touchEvent(guide, m_touchScreen).release(0, guide->rect().center());
     EXPECT_TRUE(m_screen.findChild<Overlay *>());

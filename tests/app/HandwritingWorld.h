@@ -96,7 +96,7 @@ protected:
     void saveAndWait()
     {
         const int before = m_finished;
-        QTest::mouseClick(button(u"Done"_s), Qt::LeftButton);
+        QTest::mouseClick(button(u"done"_s), Qt::LeftButton);
         EXPECT_TRUE(studio().saving());
         EXPECT_TRUE(waitFor([&] { return m_finished > before; }));
         EXPECT_EQ(m_screen.studio(), nullptr);
@@ -105,8 +105,8 @@ protected:
 
     QWidget *button(const QString &name)
     {
-        for (Button *button : m_screen.window()->findChildren<Button *>()) {
-            if (button->accessibleName() == name && button->isVisible()) {
+        for (Button *button : m_screen.window()->findChildren<Button *>(name)) {
+            if (button->isVisible()) {
                 return button;
             }
         }

@@ -211,11 +211,10 @@ TEST_F(Kit, AQuestionIsAnsweredOnce)
     EXPECT_EQ(confirmed, 0) << "the keyboard starts on Cancel";
     EXPECT_FALSE(m_window.findChild<Overlay *>() && m_window.findChild<Overlay *>()->isVisible());
     Overlay *second = ask(anchor, question, [&] { ++confirmed; });
-    for (Button *button : second->findChildren<Button *>()) {
-        if (button->accessibleName() == u"Remove it"_s || button->text() == u"Remove it"_s) {
-            button->click();
-        }
-    }
+    auto *confirm = second->findChild<Button *>(u"confirm"_s);
+    ASSERT_TRUE(confirm);
+    EXPECT_EQ(confirm->accessibleName(), u"Remove it"_s);
+    confirm->click();
     EXPECT_EQ(confirmed, 1);
 }
 

@@ -32,6 +32,8 @@ CollageBar::CollageBar(CollageStudio &studio)
       m_save(new Button(Button::Kind::Primary, said({"保存拼图", "Save collage", "Enregistrer le collage"})))
 {
     setFixedHeight(barHeight);
+    m_close->setObjectName(u"closeCollage"_s);
+    m_save->setObjectName(u"saveCollage"_s);
     m_size = new Label(
         Type::Label,
         [this] {

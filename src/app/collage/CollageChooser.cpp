@@ -220,6 +220,7 @@ QWidget *CollageChooser::makeHeader()
     texts->addStretch();
     m_headerRow->addLayout(texts, 1);
     m_files = new Button(Button::Kind::Secondary, said({"从文件选择…", "Files…", "Fichiers…"}), "folder");
+    m_files->setObjectName(u"addFiles"_s);
     m_headerRow->addWidget(m_files);
     connect(m_files, &QPushButton::clicked, this, &CollageChooser::filesAsked);
     return header;
@@ -261,7 +262,9 @@ QWidget *CollageChooser::makeTray()
     m_trayRow->addWidget(places);
     m_trayRow->addStretch(3);
     m_clear = new Button(Button::Kind::Ghost, said({"清除", "Clear", "Effacer"}));
+    m_clear->setObjectName(u"clearPicked"_s);
     m_make = new Button(Button::Kind::Primary, said({"制作拼图", "Make collage", "Créer le collage"}));
+    m_make->setObjectName(u"makeCollage"_s);
     m_make->setHeight(40);
     m_trayRow->addWidget(m_clear);
     m_trayRow->addWidget(m_make);

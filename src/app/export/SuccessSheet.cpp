@@ -139,6 +139,7 @@ QHBoxLayout *buttons(Overlay *sheet, const Success &success, std::function<void(
                         "Fichiers copiés. Collez-les où vous voulez."}));
     });
     auto *done = new Button(Button::Kind::Primary, app::said({"完成", "Done", "Terminé"}));
+    done->setObjectName(u"closeSheet"_s);
     QObject::connect(done, &QPushButton::clicked, sheet, &Overlay::close);
     QList<Button *> list = {folder, copy};
     auto *mail = new Button(Button::Kind::Secondary, app::said({"邮件…", "E-mail…", "E-mail…"}));

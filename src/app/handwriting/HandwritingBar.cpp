@@ -43,6 +43,9 @@ HandwritingBar::HandwritingBar()
       m_done(new Button(Button::Kind::Primary, said({"完成", "Done", "Terminer"})))
 {
     setClosePhrase(said({"取消", "Cancel", "Annuler"}));
+    m_undo->setObjectName(u"undo"_s);
+    m_clear->setObjectName(u"clearInk"_s);
+    m_done->setObjectName(u"done"_s);
     m_mode->setIcons({"pencil", "hand"});
     m_mode->setFixedWidth(modeWidth);
     m_undo->setKeyHint(u"Ctrl+Z"_s);

@@ -20,6 +20,8 @@
 #include "pipeline/ImagePipeline.h"
 #include "pipeline/WhenFinished.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tarnovel::app {
 
 namespace {
@@ -61,6 +63,7 @@ HandwritingScreen::HandwritingScreen(const EditorContext &context)
     for (QWidget *note : std::initializer_list<QWidget *>{m_guide, m_guideButton, m_zoom}) {
         note->raise();
     }
+    m_guideButton->setObjectName(u"writingHelp"_s);
     m_guideButton->setFocusPolicy(Qt::TabFocus);
     connectBars();
 }

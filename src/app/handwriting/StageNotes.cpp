@@ -72,6 +72,7 @@ ZoomControl::ZoomControl(QWidget *parent)
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(4, 4, 4, 4);
     row->setSpacing(0);
+    m_zoom->setObjectName(u"wholePage"_s);
     m_zoom->setFixedWidth(zoomWidth);
     m_zoom->setHint([] {
         return localized({"显示整页", "Show the whole page", "Afficher toute la page"}) + u"  Ctrl+0"_s;

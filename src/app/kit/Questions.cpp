@@ -7,6 +7,8 @@
 #include "app/kit/Label.h"
 #include "app/kit/Overlay.h"
 
+using namespace Qt::StringLiterals;
+
 namespace tarnovel::app {
 
 namespace {
@@ -36,6 +38,8 @@ QHBoxLayout *buttons(Overlay *overlay, Button *confirm)
     row->setSpacing(8);
     row->addStretch();
     auto *cancel = new Button(Button::Kind::Secondary, said({"取消", "Cancel", "Annuler"}));
+    cancel->setObjectName(u"cancel"_s);
+    confirm->setObjectName(u"confirm"_s);
     QObject::connect(cancel, &QPushButton::clicked, overlay, &Overlay::close);
     row->addWidget(cancel);
     row->addWidget(confirm);
@@ -65,6 +69,7 @@ Overlay *askTwoWays(QWidget *anchor, const Question &question, std::function<voi
     overlay->setCardSize({wideQuestionWidth, 0});
     auto *confirm = new Button(Button::Kind::Primary, question.confirm);
     auto *other = new Button(Button::Kind::DangerGhost, second);
+    other->setObjectName(u"secondAnswer"_s);
     buttons(overlay, confirm)->insertWidget(0, other);
     const auto answers = [overlay](Button *button, std::function<void()> answer) {
         QObject::connect(button, &QPushButton::clicked, overlay, [overlay, answer = std::move(answer)] {

@@ -165,6 +165,7 @@ ManagePhotos::ManagePhotos(const PhotosContext &context)
     auto *bar = new PageBar(said({"管理照片", "Manage photos", "Gérer les photos"}));
     bar->addAction(m_selectAll);
     bar->addAction(m_clear);
+    m_selectAll->setObjectName(u"selectAll"_s);
     m_clear->setObjectName(u"clearAll"_s);
     column->addWidget(bar);
     m_area->hold(m_grid);
@@ -217,6 +218,7 @@ QWidget *ManagePhotos::makeFooter()
     m_deselect = new Button(Button::Kind::Ghost, said({"取消选择", "Deselect", "Désélectionner"}));
     m_remove = new Button(Button::Kind::DangerGhost, {}, "trash");
     m_deselect->setObjectName(u"deselect"_s);
+    m_remove->setObjectName(u"removePicked"_s);
     row->addWidget(m_deselect);
     row->addWidget(m_remove);
     connect(m_deselect, &QPushButton::clicked, this, [this] { m_grid->setPicked({}); });
