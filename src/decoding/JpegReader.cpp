@@ -1,6 +1,7 @@
 #include "decoding/JpegReader.h"
 
 #include <algorithm>
+#include <array>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -20,10 +21,12 @@ constexpr qint64 fewestScans = 24;
 constexpr qint64 mostScannedPixels = 2'400'000'000;
 
 constexpr int endOfImage = 0xd9;
+/// A segment's length has 16 bits.
+constexpr unsigned int longestSegment = 0xffff;
 
 } // namespace
 
-JpegReader::JpegReader(const ImageFile &file, const std::stop_token &stop)
+JpegReader::JpegReader(const ImageFile &file, const std::stop_token &stop, std::initializer_list<int> kept)
 {
     m_stream = fdopen(fcntl(file.descriptor(), F_DUPFD_CLOEXEC, 0), "rb");
     if (m_stream == nullptr || std::fseek(m_stream, 0, SEEK_SET) != 0) {
@@ -36,10 +39,13 @@ JpegReader::JpegReader(const ImageFile &file, const std::stop_token &stop)
     m_progress.stop = &stop;
     m_info.client_data = this;
     try {
-        run([this] {
+        run([this, kept] {
             jpeg_create_decompress(&m_info);
             m_info.progress = &m_progress.manager;
             jpeg_stdio_src(&m_info, m_stream);
+            for (const int marker : kept) {
+                jpeg_save_markers(&m_info, marker, longestSegment);
+            }
             jpeg_read_header(&m_info, TRUE);
         });
     } catch (...) {
@@ -68,7 +74,8 @@ void JpegReader::warn(j_common_ptr info, int level)
     const jpeg_error_mgr &errors = *info->err;
     // Some cameras pad the data before the end marker: nothing of the picture is missing.
     const bool padding = errors.msg_code == JWRN_EXTRANEOUS_DATA && errors.msg_parm.i[1] == endOfImage;
-    if (!padding && errors.msg_code != JWRN_ADOBE_XFORM && errors.msg_code != JWRN_JFIF_MAJOR) {
+    constexpr std::array beside{JWRN_ADOBE_XFORM, JWRN_JFIF_MAJOR, JWRN_BOGUS_ICC};
+    if (!padding && std::ranges::find(beside, errors.msg_code) == beside.end()) {
         leave(info);
     }
 }
@@ -93,6 +100,9 @@ void JpegReader::fail()
     char message[JMSG_LENGTH_MAX] = "";
     m_errors.manager.format_message(reinterpret_cast<j_common_ptr>(&m_info), message);
     const int code = m_errors.manager.msg_code;
+    if (code == JERR_IMAGE_TOO_BIG || code == JERR_OUT_OF_MEMORY) {
+        throw ImageError(ImageError::Cause::TooLarge, message);
+    }
     const bool unsupported = code == JERR_SOF_UNSUPPORTED || code == JERR_BAD_PRECISION ||
                              code == JERR_CONVERSION_NOTIMPL || code == JERR_NOTIMPL;
     throw ImageError(unsupported ? ImageError::Cause::Unsupported : ImageError::Cause::Damaged, message);

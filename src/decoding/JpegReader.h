@@ -2,6 +2,7 @@
 
 #include <csetjmp>
 #include <cstdio>
+#include <initializer_list>
 #include <stop_token>
 
 #include <jpeglib.h>
@@ -13,8 +14,9 @@ namespace tarnovel {
 /// A libjpeg decompressor whose errors, and warnings about picture data, leave the call in progress.
 class JpegReader {
 public:
-    /// Throws an ImageError when the header cannot be read.
-    JpegReader(const ImageFile &file, const std::stop_token &stop);
+    /// The segments of the `kept` markers stay in the info's list. `stop` outlives the reader. Throws an
+    /// ImageError when the header cannot be read.
+    JpegReader(const ImageFile &file, const std::stop_token &stop, std::initializer_list<int> kept = {});
     ~JpegReader();
     JpegReader(const JpegReader &) = delete;
     JpegReader &operator=(const JpegReader &) = delete;

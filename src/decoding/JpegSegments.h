@@ -16,8 +16,8 @@ struct JpegSegments {
     QByteArray profile;
 };
 
-/// Reads segment by segment and never the picture data. Throws an ImageError (Damaged) for a file that has no
-/// frame header.
+/// Never reads the picture data. Throws an ImageError: Damaged, or Unsupported for kinds that nothing here
+/// decodes.
 JpegSegments readJpegSegments(const ImageFile &file);
 
 /// The orientation, 1…8, that the first directory of an EXIF block states; 1 when it states none.
