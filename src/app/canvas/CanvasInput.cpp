@@ -187,8 +187,8 @@ void CanvasView::takeColor(QPointF position)
     const QPoint pixel = ((position - frame.topLeft()) * devicePixelRatioF()).toPoint();
     const std::function<void(const QColor &)> taker = m_context.state.colorTaker();
     m_context.state.endPicking();
-    if (m_frame.rect().contains(pixel)) {
-        taker(m_frame.pixelColor(pixel));
+    if (m_live.image().rect().contains(pixel)) {
+        taker(m_live.image().pixelColor(pixel));
     }
 }
 
