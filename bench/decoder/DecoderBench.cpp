@@ -23,6 +23,7 @@
 #include "decoder_client/PhotoDecoder.h"
 #include "decoding/PhotoFile.h"
 #include "imaging/ImageError.h"
+#include "pipeline/FrameImages.h"
 #include "pipeline/ImagePipeline.h"
 #include "render/BuiltInTemplate.h"
 #include "support/Photo24.h"
@@ -145,7 +146,7 @@ void judgeHeic()
             service->read(heic, PhotoReader::previewPixels).result();
             service->primaryColors(heic).waitForFinished();
             service->read(heic, 400).result();
-            service->read(heic, ImagePipeline::blurSourcePixels).result();
+            service->read(heic, blurSourcePixels).result();
         }
         return processorMs() - before;
     });

@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <utility>
 
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include "decoder_protocol/DecoderMessage.h"
 
@@ -35,24 +33,6 @@ std::vector<OwnedDescriptor> descriptorsOf(msghdr &header)
 }
 
 } // namespace
-
-OwnedDescriptor::~OwnedDescriptor()
-{
-    if (m_descriptor >= 0) {
-        ::close(m_descriptor);
-    }
-}
-
-OwnedDescriptor &OwnedDescriptor::operator=(OwnedDescriptor &&other) noexcept
-{
-    std::swap(m_descriptor, other.m_descriptor);
-    return *this;
-}
-
-int OwnedDescriptor::release()
-{
-    return std::exchange(m_descriptor, -1);
-}
 
 bool sendMessage(int socket, const QByteArray &bytes, const std::vector<int> &descriptors)
 {

@@ -5,25 +5,9 @@
 
 #include <QByteArray>
 
+#include "base/OwnedDescriptor.h"
+
 namespace tarnovel {
-
-/// A descriptor that is closed with this.
-class OwnedDescriptor {
-public:
-    OwnedDescriptor() = default;
-    explicit OwnedDescriptor(int descriptor) : m_descriptor(descriptor) {}
-    ~OwnedDescriptor();
-    OwnedDescriptor(OwnedDescriptor &&other) noexcept : m_descriptor(other.release()) {}
-    OwnedDescriptor &operator=(OwnedDescriptor &&other) noexcept;
-
-    bool isOpen() const { return m_descriptor >= 0; }
-    int get() const { return m_descriptor; }
-    /// Gives the descriptor up.
-    int release();
-
-private:
-    int m_descriptor = -1;
-};
 
 /// Sends one message of a sequenced-packet socket, and copies of open descriptors beside it. False when the
 /// other end has gone.

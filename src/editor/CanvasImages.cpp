@@ -1,5 +1,6 @@
 #include "editor/CanvasImages.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -40,47 +41,69 @@ QSize signatureSize(const PhotoItem &item, QSize canvas, const QImage &picture)
 
 } // namespace
 
-PhotoImage CanvasImages::photoAtHand(const Wanted &wanted, bool &exact) const
+PhotoImage CanvasImages::photoAtHand(const Wanted &wanted, AtHand &quality) const
 {
+    const QImage &preview = wanted.previews.photo;
     const PhotoPlacement placement = wholePlacement(wanted.item, wanted.canvas);
-    if (m_ready.photo.image.isNull() || m_ready.photoKey != wanted.previews.photo.cacheKey() ||
-        !sameSize(placement.whole, m_ready.placement.whole)) {
-        exact = wanted.previews.photo.isNull();
-        return {wanted.previews.photo};
+    if (preview.isNull() || m_ready.photoKey != preview.cacheKey()) {
+        quality = preview.isNull() ? AtHand::Exact : AtHand::Other;
+        return {preview};
+    }
+    if (m_ready.photo.image.isNull() || !sameSize(placement.whole, m_ready.placement.whole)) {
+        quality = placement.whole == m_ready.placement.whole ? AtHand::Exact : AtHand::Near;
+        return {preview};
     }
     // A photo that has moved keeps its pixels: they go to the nearest place of the grid until it rests.
     const QPointF way = placement.whole.topLeft() - m_ready.placement.whole.topLeft();
     const QPoint grid(qRound(way.x()), qRound(way.y()));
     const QRect pixels = m_ready.pixels.translated(grid);
-    exact = QPointF(way - grid).manhattanLength() < 1e-6;
+    const bool isSame =
+        QPointF(way - grid).manhattanLength() < 1e-6 && pixels.contains(placedRegion(placement).pixels);
+    quality = isSame ? AtHand::Exact : AtHand::Near;
     return {m_ready.photo.image, extentOf(pixels, placement.whole)};
 }
 
 CompositionImages CanvasImages::images(const PhotoItem &item, QSize canvas, const Previews &previews)
 {
     const Wanted wanted{item, canvas, previews};
-    bool exact = true;
+    AtHand quality = AtHand::Exact;
     CompositionImages images;
-    images.photo = photoAtHand(wanted, exact);
-    const auto atHand = [&exact](const QImage &preview, const Scaled &ready, QSize size) {
+    images.photo = photoAtHand(wanted, quality);
+    const auto atHand = [&quality](const QImage &preview, const Scaled &ready, QSize size) {
         if (preview.isNull() || size.isEmpty()) {
             return preview;
         }
-        const bool known = ready.key == preview.cacheKey() && ready.image.size() == size;
-        exact = exact && known;
-        return known ? ready.image : preview;
+        const bool known = ready.key == preview.cacheKey();
+        if (known && ready.image.size() == size) {
+            return ready.image;
+        }
+        quality = std::max(quality, known ? AtHand::Near : AtHand::Other);
+        return preview;
     };
     images.background = atHand(previews.background, m_ready.background, canvas);
     images.logo = atHand(previews.logo, m_ready.logo, logoSize(item, canvas, previews.logo));
     images.signature =
         atHand(previews.signature, m_ready.signature, signatureSize(item, canvas, previews.signature));
-    if (!exact) {
-        m_wanted = wanted;
-        if (!m_running) {
-            begin();
-        }
-    }
+    want(wanted, quality);
     return images;
+}
+
+void CanvasImages::want(const Wanted &wanted, AtHand quality)
+{
+    m_rest.reset();
+    if (quality == AtHand::Exact) {
+        m_wanted.reset();
+        return;
+    }
+    m_wanted = wanted;
+    if (m_running) {
+        return;
+    }
+    if (quality == AtHand::Other) {
+        begin();
+    } else {
+        m_rest = m_clock.after(rest, [this] { begin(); });
+    }
 }
 
 CanvasImages::Ready CanvasImages::make(const Wanted &wanted, Ready old)
@@ -88,7 +111,9 @@ CanvasImages::Ready CanvasImages::make(const Wanted &wanted, Ready old)
     const QSize canvas = wanted.canvas;
     Ready ready = std::move(old);
     const PhotoPlacement placement = wholePlacement(wanted.item, canvas);
-    if (!wanted.previews.photo.isNull()) {
+    const bool isMade = ready.photoKey == wanted.previews.photo.cacheKey() &&
+                        ready.placement.whole == placement.whole && ready.placement.shown == placement.shown;
+    if (!wanted.previews.photo.isNull() && !isMade) {
         const PlacedRegion region = placedRegion(placement);
         ready.photo = placedPhoto(wanted.previews.photo, region);
         ready.pixels = region.pixels;
@@ -112,14 +137,13 @@ CanvasImages::Ready CanvasImages::make(const Wanted &wanted, Ready old)
 void CanvasImages::begin()
 {
     m_running = true;
+    m_rest.reset();
     m_worker.run([wanted = *std::exchange(m_wanted, {}), old = m_ready] { return make(wanted, old); },
                  [this](Ready made) {
                      m_running = false;
                      m_ready = std::move(made);
+                     m_wanted.reset(); // who draws asks for what is still wanted
                      Q_EMIT changed();
-                     if (m_wanted) {
-                         begin();
-                     }
                  });
 }
 

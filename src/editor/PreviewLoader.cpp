@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "pipeline/FrameImages.h"
 #include "pipeline/WhenFinished.h"
 
 using namespace Qt::StringLiterals;
@@ -101,7 +102,7 @@ void PreviewLoader::loadBackground(const QString &photo, const Pictures &picture
             Q_EMIT changed();
         };
         whenDone<QImage>(
-            m_pipeline.read(photo, ImagePipeline::blurSourcePixels, m_stop.get_token()),
+            m_pipeline.read(photo, blurSourcePixels, m_stop.get_token()),
             [this, failed](const QImage &source) {
                 whenDone<QImage>(
                     m_pipeline.blurred(source, m_stop.get_token()),

@@ -7,16 +7,15 @@
 #include <memory>
 #include <optional>
 #include <sys/file.h>
-#include <sys/socket.h>
 #include <unistd.h>
+#include <utility>
 
 #include <QCryptographicHash>
 #include <QDataStream>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QLocalServer>
-#include <QLocalSocket>
+#include <QSocketNotifier>
 #include <QStringList>
 
 #include "base/Log.h"
@@ -28,29 +27,19 @@ namespace tarnovel {
 namespace {
 
 constexpr int patienceMs = 1000;
-constexpr qint64 largestMessage = 4'000'000;
+constexpr quint32 largestMessage = 4'000'000;
 
 /// Under what name the owner of a library listens: one of the kernel's own, which no folder of the session
 /// has to agree on, which a killed owner leaves nothing of, and which a full disk cannot refuse. Two users,
 /// or two libraries, never meet.
-QString socketName(const QString &libraryFolder)
+QByteArray socketName(const QString &libraryFolder)
 {
     const QFileInfo library(libraryFolder);
     const QString key =
         library.canonicalFilePath().isEmpty() ? library.absoluteFilePath() : library.canonicalFilePath();
     const QByteArray hash =
         QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha256).toHex().left(16);
-    return u"tarnovel-%1-%2"_s.arg(getuid()).arg(QString::fromLatin1(hash));
-}
-
-/// Whether the other end of a connection belongs to this user.
-bool isOwnUser(const QLocalSocket &socket)
-{
-    ucred peer = {};
-    socklen_t size = sizeof(peer);
-    return getsockopt(static_cast<int>(socket.socketDescriptor()), SOL_SOCKET, SO_PEERCRED, &peer, &size) ==
-               0 &&
-           peer.uid == getuid();
+    return "tarnovel-" + QByteArray::number(getuid()) + '-' + hash;
 }
 
 /// What another start hands over.
@@ -59,26 +48,82 @@ struct Request {
     QString activationToken;
 };
 
-/// None until all of it is there; then it is answered.
-std::optional<Request> requestFrom(QLocalSocket &socket)
+/// A message as it goes over the socket: its length in four bytes, the highest first, and then itself.
+QByteArray packed(const QStringList &photos, const QString &activationToken)
 {
-    QDataStream stream(&socket);
-    stream.startTransaction();
     QByteArray message;
-    stream >> message;
-    if (!stream.commitTransaction()) {
-        if (socket.bytesAvailable() > largestMessage) {
-            socket.abort();
-        }
-        return std::nullopt;
-    }
-    Request request;
-    QDataStream unpacking(message);
-    unpacking >> request.photos >> request.activationToken;
-    socket.write("k");
-    socket.flush();
-    return request;
+    QDataStream packing(&message, QIODevice::WriteOnly);
+    packing << photos << activationToken;
+    QByteArray sent;
+    QDataStream sending(&sent, QIODevice::WriteOnly);
+    sending << message;
+    return sent;
 }
+
+/// Another start that has called, as long as it stays on the line. It deletes itself.
+class Caller : public QObject {
+public:
+    Caller(OwnedDescriptor socket, SingleInstance *owner)
+        : QObject(owner),
+          m_owner(owner),
+          m_socket(std::move(socket)),
+          m_news(m_socket.get(), QSocketNotifier::Read)
+    {
+        connect(&m_news, &QSocketNotifier::activated, this, &Caller::read);
+    }
+
+private:
+    void read()
+    {
+        const std::optional<QByteArray> bytes = receivedNow(m_socket);
+        if (!bytes) {
+            leave();
+        } else if (m_request) {
+            if (bytes->startsWith('y')) {
+                leave();
+                Q_EMIT m_owner->photosReceived(m_request->photos, m_request->activationToken);
+            }
+        } else {
+            m_bytes += *bytes;
+            takeRequest();
+        }
+    }
+
+    /// Nothing until all of it is there; then it is answered.
+    void takeRequest()
+    {
+        QDataStream stream(m_bytes);
+        quint32 length = 0;
+        stream >> length;
+        if (stream.status() != QDataStream::Ok) {
+            return;
+        }
+        if (length > largestMessage) {
+            leave();
+            return;
+        }
+        if (m_bytes.size() < qsizetype(sizeof(length)) + qsizetype(length)) {
+            return;
+        }
+        m_request.emplace();
+        QDataStream unpacking(m_bytes.sliced(sizeof(length)));
+        unpacking >> m_request->photos >> m_request->activationToken;
+        sendAll(m_socket, "k", patienceMs);
+    }
+
+    void leave()
+    {
+        m_news.setEnabled(false);
+        m_socket = {};
+        deleteLater();
+    }
+
+    SingleInstance *m_owner;
+    OwnedDescriptor m_socket;
+    QSocketNotifier m_news;
+    QByteArray m_bytes;
+    std::optional<Request> m_request;
+};
 
 QStringList absolutePaths(const QStringList &photos)
 {
@@ -149,21 +194,20 @@ bool SingleInstance::acquire(const QStringList &photos, const QString &activatio
 
 bool SingleInstance::listen()
 {
-    m_server = std::make_unique<QLocalServer>();
-    m_server->setSocketOptions(QLocalServer::AbstractNamespaceOption);
-    if (!m_server->listen(m_socketName) && m_server->serverError() == QAbstractSocket::AddressInUseError) {
-        return false; // an owner whose folder went away, and was made again meanwhile
+    m_callers.reset();
+    m_server = {};
+    m_server = listenLocally(m_socketName);
+    if (!m_server.isOpen()) {
+        return errno != EADDRINUSE; // an owner whose folder went away, and was made again meanwhile
     }
-    connect(m_server.get(), &QLocalServer::newConnection, this, &SingleInstance::receive);
+    m_callers = std::make_unique<QSocketNotifier>(m_server.get(), QSocketNotifier::Read);
+    connect(m_callers.get(), &QSocketNotifier::activated, this, &SingleInstance::receive);
     return true;
 }
 
 bool SingleInstance::ownUserListens() const
 {
-    QLocalSocket socket;
-    socket.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
-    socket.connectToServer(m_socketName);
-    return socket.waitForConnected(patienceMs) && isOwnUser(socket);
+    return isOwnUser(calledLocally(m_socketName, patienceMs));
 }
 
 bool SingleInstance::handOver(const QStringList &photos, const QString &activationToken, int waitMs) const
@@ -171,47 +215,24 @@ bool SingleInstance::handOver(const QStringList &photos, const QString &activati
     QElapsedTimer timer;
     timer.start();
     const auto left = [&] { return static_cast<int>(std::max<qint64>(waitMs - timer.elapsed(), 1)); };
-    QLocalSocket socket;
-    socket.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
-    socket.connectToServer(m_socketName);
-    if (!socket.waitForConnected(left()) || !isOwnUser(socket)) {
-        return false;
-    }
-    QByteArray message;
-    QDataStream packing(&message, QIODevice::WriteOnly);
-    packing << absolutePaths(photos) << activationToken;
-    QDataStream sending(&socket);
-    sending << message;
+    const OwnedDescriptor socket = calledLocally(m_socketName, left());
     // The owner answers once it has read everything, and takes it only when it hears that its answer came in
     // time: who has given up may ask again.
-    if (!socket.waitForBytesWritten(left()) || !socket.waitForReadyRead(left()) || socket.read(1) != "k") {
-        return false;
-    }
-    socket.write("y");
-    return socket.waitForBytesWritten(left());
+    return isOwnUser(socket) && sendAll(socket, packed(absolutePaths(photos), activationToken), left()) &&
+           receivedWithin(socket, left()).startsWith('k') && sendAll(socket, "y", left());
 }
 
 void SingleInstance::receive()
 {
-    while (QLocalSocket *socket = m_server->nextPendingConnection()) {
-        if (!isOwnUser(*socket)) {
-            qCWarning(logEditor) << "another user's program asked for this window";
-            socket->abort();
-            socket->deleteLater();
-            continue;
-        }
-        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        const auto asked = std::make_shared<std::optional<Request>>();
-        connect(socket, &QLocalSocket::readyRead, this, [this, socket, asked] {
-            if (!*asked) {
-                *asked = requestFrom(*socket);
-            } else if (socket->read(1) == "y") {
-                const Request request = **asked;
-                socket->disconnectFromServer();
-                Q_EMIT photosReceived(request.photos, request.activationToken);
-            }
-        });
+    OwnedDescriptor socket = acceptedCaller(m_server);
+    if (!socket.isOpen()) {
+        return;
     }
+    if (!isOwnUser(socket)) {
+        qCWarning(logEditor) << "another user's program asked for this window";
+        return;
+    }
+    new Caller(std::move(socket), this);
 }
 
 } // namespace tarnovel

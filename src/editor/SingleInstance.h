@@ -1,12 +1,13 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 
 #include <QObject>
 #include <QStringList>
 
-class QLocalServer;
+#include "base/LocalSocket.h"
+
+class QSocketNotifier;
 
 namespace tarnovel {
 
@@ -38,9 +39,10 @@ private:
     void receive();
 
     const QString m_library;
-    const QString m_socketName;
+    const QByteArray m_socketName;
     int m_lock = -1;
-    std::unique_ptr<QLocalServer> m_server;
+    OwnedDescriptor m_server;
+    std::unique_ptr<QSocketNotifier> m_callers;
     bool m_handedOver = false;
 };
 

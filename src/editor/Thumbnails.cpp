@@ -6,6 +6,7 @@
 #include <QPainter>
 
 #include "base/Cancellation.h"
+#include "pipeline/FrameImages.h"
 #include "pipeline/PipelineError.h"
 #include "pipeline/PlacedPhoto.h"
 #include "pipeline/WhenFinished.h"
@@ -123,7 +124,7 @@ std::vector<Thumbnails::Source> Thumbnails::sourcesOf(const PhotoItem &item, QSi
     std::vector<Source> sources(4);
     sources[0] = source(item.file, sourceSize(canvas));
     if (!film && settings.background == Backdrop::blur) {
-        sources[1] = source(item.file, ImagePipeline::blurSourcePixels);
+        sources[1] = source(item.file, blurSourcePixels);
         sources[1].key += u" blurred"_s;
         sources[1].blurred = true;
     } else if (!film && settings.background == Backdrop::image && settings.backgroundFile) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <atomic>
-#include <functional>
 #include <memory>
 #include <stop_token>
 
@@ -9,27 +7,14 @@
 #include <QHash>
 #include <QImage>
 #include <QList>
-#include <QSemaphore>
 #include <QString>
-#include <QThreadPool>
 
-#include "base/UnclaimedFile.h"
 #include "model/ImportedFile.h"
 #include "model/Session.h"
-#include "pipeline/ExportOptions.h"
-#include "pipeline/PhotoReader.h"
-#include "pipeline/PipelineError.h"
+#include "pipeline/ExportStages.h"
 #include "render/CompositionRenderer.h"
 
 namespace tarnovel {
-
-/// A framed photo in the temporary folder. It goes with the last copy of this.
-struct ExportedFile {
-    std::shared_ptr<UnclaimedFile> owner;
-    QString path;
-    QSize canvas;
-    qint64 bytes = 0;
-};
 
 /// Who asks for pictures.
 enum class PipelineUse {
@@ -73,8 +58,6 @@ public:
     /// Up to three colours of a photo, remembered for the last hundred files.
     QFuture<QList<Ink>> primaryColors(const QString &file, std::stop_token stop = {});
 
-    /// The longer side of what a blurred backdrop is made from, on screen and in exports.
-    static constexpr int blurSourcePixels = 500;
     /// The picture for a blurred backdrop, of the same size.
     QFuture<QImage> blurred(const QImage &image, std::stop_token stop = {});
 
@@ -98,41 +81,21 @@ public:
     QFuture<QImage> render(const PhotoItem &item, QSize canvas, std::stop_token stop = {});
 
 private:
-    /// A thread and what is read on it.
-    struct Lane {
-        PhotoReader reader;
-        QThreadPool thread;
-
-        Lane(const QString &libraryFolder, PictureMemory memory, const QString &thumbnailFolder);
-    };
-
     template<typename Work>
-    auto enqueue(QThreadPool &thread, const QString &subject, std::stop_token stop, Work work);
+    auto onScreenThread(const QString &subject, std::stop_token stop, Work work);
 
     PhotoItem inspected(const ImportedFile &imported, TestDecode testDecode, const std::stop_token &stop);
     QList<Ink> colors(const QString &file, const std::stop_token &stop);
-    ExportedFile written(const QImage &image, const ExportOptions &options,
-                         const std::stop_token &stop) const;
-    /// A photo has been written, or given up.
-    void ended();
 
-    const QString m_temporaryFolder;
     /// Nobody waits any more for what is still to be done.
     std::stop_source m_ending;
-    Lane m_reading;
-    std::unique_ptr<Lane> m_ownScreen;
+    ReadingLane m_reading;
+    std::unique_ptr<ReadingLane> m_ownScreen;
     /// Of the screen; a command's is the other one.
-    Lane &m_screen;
+    ReadingLane &m_screen;
     /// Of the screen's thread.
     QHash<QString, QList<Ink>> m_paletteCache;
-    QThreadPool m_composing;
-    /// Kept from one export to the next: the first touch of fifty megabytes costs as much as the drawing. Of
-    /// the composing thread.
-    QImage m_canvas;
-    /// Photos that may be read or composed at a time.
-    QSemaphore m_room;
-    /// Exports that were asked for and have not ended.
-    std::atomic<int> m_exports = 0;
+    ExportStages m_exports;
 };
 
 } // namespace tarnovel

@@ -2,19 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include <QPainter>
 
 #include "model/Signature.h"
+#include "render/DevicePatch.h"
 #include "render/DitheredGradient.h"
 #include "render/FilmRenderer.h"
-#include "render/Fonts.h"
 #include "render/FrameGeometry.h"
-#include "render/SetText.h"
-#include "render/SoftShadow.h"
-
-using namespace Qt::StringLiterals;
+#include "render/LayerRenderer.h"
 
 namespace tarnovel::CompositionRenderer {
 
@@ -23,25 +19,11 @@ namespace {
 /// Width ÷ height of the cinema band: the anamorphic wide-screen ratio.
 constexpr double cinemaRatio = 2.39;
 
-/// Texts are set once at this size of type and scaled from there.
-constexpr int referencePixels = 256;
-
-/// Type and pictures larger than this many canvas widths are held there: the painter's coordinates end
-/// somewhere.
-constexpr double largestType = 8;
-
-/// Type from this part of the canvas's width on is set in the display cut.
-constexpr double displaySize = 0.04;
-
-/// Type smaller than this many canvas units is nothing to be seen, and its reciprocal no number to set with.
-constexpr double smallestType = 1e-3;
+/// Signatures wider than this many canvases are held there: the painter's coordinates end somewhere.
+constexpr double widestSignature = 8;
 
 /// A part of a photo smaller than this, in its pixels, is none.
 constexpr double leastSource = 1e-6;
-
-/// A text's box as fractions of the canvas.
-constexpr double widestText = 0.84;
-constexpr double highestText = 0.3;
 
 double borderPx(const FrameSettings &settings, QSizeF size)
 {
@@ -51,60 +33,6 @@ double borderPx(const FrameSettings &settings, QSizeF size)
 QRectF centred(QPointF centre, QSizeF size)
 {
     return {centre.x() - size.width() / 2, centre.y() - size.height() / 2, size.width(), size.height()};
-}
-
-double degrees(const TextLayer &layer)
-{
-    return std::fmod(layer.rotation.value_or(0), 360);
-}
-
-double radians(const TextLayer &layer)
-{
-    return degrees(layer) * std::numbers::pi / 180;
-}
-
-bool isPicture(const TextLayer &layer)
-{
-    return layer.imageFile.has_value();
-}
-
-/// Canvas units for one unit of the reference type.
-double typeScale(const TextLayer &layer, QSizeF size)
-{
-    const double pixels = FrameGeometry::held(layer.size, 0, largestType) * size.width();
-    return pixels < smallestType ? 0 : pixels / referencePixels;
-}
-
-/// `box` is in units of the reference type.
-SetText setTextIn(const TextLayer &layer, QSizeF box)
-{
-    return {layer.text,
-            CompositionRenderer::font(layer, referencePixels / layer.size),
-            {box.width(), box.height()}};
-}
-
-SetText setText(const TextLayer &layer, QSizeF size)
-{
-    return setTextIn(layer,
-                     QSizeF(widestText * size.width(), highestText * size.height()) / typeScale(layer, size));
-}
-
-/// The layer's rectangle for an element of this size.
-QRectF placed(const TextLayer &layer, QSizeF element, QSizeF size)
-{
-    const double cosine = std::abs(std::cos(radians(layer)));
-    const double sine = std::abs(std::sin(radians(layer)));
-    const double halfWidth = (element.width() * cosine + element.height() * sine) / 2;
-    const double halfHeight = (element.width() * sine + element.height() * cosine) / 2;
-    return centred({FrameGeometry::held(layer.x * size.width(), halfWidth, size.width() - halfWidth),
-                    FrameGeometry::held(layer.y * size.height(), halfHeight, size.height() - halfHeight)},
-                   element);
-}
-
-QSizeF pictureSize(const TextLayer &layer, QSizeF size)
-{
-    const double width = FrameGeometry::held(layer.size, 0, largestType) * size.width() * 5;
-    return {width, width / (layer.imageAspect ? std::max(*layer.imageAspect, 0.1) : 1)};
 }
 
 void drawBackdrop(QPainter &painter, const FrameSettings &settings, QSizeF size, const QImage &picture)
@@ -119,11 +47,6 @@ void drawBackdrop(QPainter &painter, const FrameSettings &settings, QSizeF size,
     if (takesPicture && !picture.isNull()) {
         painter.drawImage(aspectFilled(picture.size(), canvas), picture);
     }
-}
-
-bool isUpright(const QTransform &transform)
-{
-    return transform.type() <= QTransform::TxScale;
 }
 
 /// A border of whole device pixels around those that the photo takes, equally wide on all sides and never
@@ -143,78 +66,65 @@ void fillBorder(QPainter &painter, const QRectF &photo, double border, const QCo
     painter.restore();
 }
 
+/// The part of its place that a photo's picture has something for.
+QRectF shownPart(const PhotoImage &photo, const PhotoPlacement &placement)
+{
+    const QRectF &whole = placement.whole;
+    const QRectF &extent = photo.extent;
+    const QRectF target(whole.x() + extent.x() * whole.width(), whole.y() + extent.y() * whole.height(),
+                        extent.width() * whole.width(), extent.height() * whole.height());
+    return placement.shown & whole & target;
+}
+
+/// The pixels that an opaque photo covers: nothing below them is ever seen.
+QRect hiddenPixels(const QPainter &painter, const PhotoImage &photo, const PhotoPlacement &placement)
+{
+    if (photo.image.isNull() || photo.image.hasAlphaChannel() || placement.whole.isEmpty()) {
+        return {};
+    }
+    const QTransform device = painter.deviceTransform();
+    const QRectF shown = shownPart(photo, placement);
+    const QRect pixels = shown.isEmpty() ? QRect() : devicePixels(device.mapRect(shown));
+    // One that has to be scaled may have too little of itself to be seen.
+    return alignedPixels(device, photo, placement.whole).contains(pixels) ? pixels : QRect();
+}
+
+/// Paints beside what will be hidden: of a large frame that is most of the work.
+template<typename Paint>
+void drawAround(QPainter &painter, const QRect &hidden, QSizeF size, const Paint &paint)
+{
+    if (hidden.isEmpty()) {
+        paint();
+        return;
+    }
+    const QTransform device = painter.deviceTransform();
+    const QTransform own = painter.transform();
+    const QRectF whole(device.mapRect(QRectF({}, size)).toAlignedRect());
+    for (const QRectF &band : bandsAround(QRectF(hidden) & whole, whole)) {
+        if (!band.isEmpty()) {
+            painter.save();
+            painter.setTransform(device.inverted() * own);
+            painter.setClipRect(band, Qt::IntersectClip);
+            painter.setTransform(own);
+            paint();
+            painter.restore();
+        }
+    }
+}
+
 void drawPlacedPhoto(QPainter &painter, const PhotoItem &item, const FrameSettings &settings, QSizeF size,
-                     const PhotoImage &photo)
+                     const PhotoImage &photo, const QImage &background)
 {
     const PhotoPlacement placement = photoPlacement(item, settings, size);
+    const QRect hidden = hiddenPixels(painter, photo, placement);
+    drawAround(painter, hidden, size, [&] { drawBackdrop(painter, settings, size, background); });
     const bool bordered = settings.style != FrameStyle::cinema && settings.border > 0;
     if (bordered && !placement.whole.isEmpty()) {
-        fillBorder(painter, placement.whole, borderPx(settings, size), opaque(settings.borderColor));
+        drawAround(painter, hidden, size, [&] {
+            fillBorder(painter, placement.whole, borderPx(settings, size), opaque(settings.borderColor));
+        });
     }
     drawPhoto(painter, photo, placement);
-}
-
-/// A picture in its rectangle. One that has been made for just these pixels is copied to the nearest of them.
-void drawPicture(QPainter &painter, const QRectF &rect, const QImage &picture)
-{
-    const QTransform device = painter.deviceTransform();
-    const QRectF pixels = device.mapRect(rect);
-    const bool fits = isUpright(device) && std::abs(pixels.width() - picture.width()) < 1 &&
-                      std::abs(pixels.height() - picture.height()) < 1;
-    if (!fits) {
-        painter.drawImage(rect, picture);
-        return;
-    }
-    painter.save();
-    painter.setTransform(device.inverted() * painter.transform());
-    painter.drawImage(QPoint(qRound(pixels.left()), qRound(pixels.top())), picture);
-    painter.restore();
-}
-
-void drawText(QPainter &painter, const TextLayer &layer, const FrameSettings &settings, QSizeF size)
-{
-    const double scale = typeScale(layer, size);
-    if (!(scale > 0)) {
-        return;
-    }
-    // A picture layer without its picture shows its text in the picture's place.
-    const SetText text =
-        isPicture(layer) ? setTextIn(layer, pictureSize(layer, size) / scale) : setText(layer, size);
-    const QRectF rect =
-        placed(layer, isPicture(layer) ? pictureSize(layer, size) : text.size() * scale, size);
-    painter.save();
-    painter.translate(rect.center());
-    painter.rotate(degrees(layer));
-    painter.translate(-text.size().width() * scale / 2, -rect.height() / 2);
-    painter.scale(scale, scale);
-    if (settings.style == FrameStyle::cinema) {
-        // A subtitle's shadow: straight below, 0.0012 of the width, with a blur of 0.004 whose deviation is
-        // half of it.
-        const double pixels =
-            std::sqrt(std::abs(painter.deviceTransform().determinant())) / scale * size.width();
-        drawSoftShadow(painter, text.outlines(),
-                       {QColor::fromRgbF(0, 0, 0, 0.85F), 0.002 * pixels, {0, 0.0012 * pixels}});
-    }
-    text.draw(painter, opaque(layer.ink));
-    painter.restore();
-}
-
-void drawLayer(QPainter &painter, const TextLayer &layer, const FrameSettings &settings, QSizeF size,
-               const QImage &logo)
-{
-    if (!layer.visible || (layer.text.isEmpty() && !isPicture(layer))) {
-        return;
-    }
-    if (layer.id == logoLayer && isPicture(layer) && !logo.isNull()) {
-        const QRectF rect = textRect(layer, size);
-        painter.save();
-        painter.translate(rect.center());
-        painter.rotate(degrees(layer));
-        drawPicture(painter, centred({}, rect.size()), logo);
-        painter.restore();
-    } else {
-        drawText(painter, layer, settings, size);
-    }
 }
 
 } // namespace
@@ -261,23 +171,15 @@ PhotoPlacement photoPlacement(const PhotoItem &item, const FrameSettings &settin
     return {filled.translated(0, -(filled.height() - rect.height()) / 2 * bias), rect};
 }
 
-QFont font(const TextLayer &layer, double width)
+QRectF photoBounds(const PhotoItem &item, const FrameSettings &settings, QSizeF size)
 {
-    // Typewriter and handwriting have one weight.
-    const bool heavy =
-        layer.id == u"brand"_s && layer.fontStyle != u"mono"_s && layer.fontStyle != u"handwritten"_s;
-    return Fonts::face(layer.fontStyle, heavy ? QFont::DemiBold : QFont::Normal,
-                       std::max(1, qRound(layer.size * width)),
-                       layer.size >= displaySize ? Fonts::Cut::Display : Fonts::Cut::Text);
-}
-
-QRectF textRect(const TextLayer &layer, QSizeF size)
-{
-    if (isPicture(layer)) {
-        return placed(layer, pictureSize(layer, size), size);
+    if (settings.style == FrameStyle::film) {
+        const FilmLayout layout = FilmLayout::item(item, settings, size);
+        return layout.pieceRect | layout.photoRect;
     }
-    const double scale = typeScale(layer, size);
-    return placed(layer, scale > 0 ? setText(layer, size).size() * scale : QSizeF(0, 0), size);
+    const PhotoPlacement placement = photoPlacement(item, settings, size);
+    const double border = settings.style == FrameStyle::cinema ? 0 : borderPx(settings, size);
+    return (placement.whole & placement.shown).adjusted(-border, -border, border, border);
 }
 
 QRectF signatureRect(const FrameSettings &settings, QSizeF imageSize, QSizeF size)
@@ -285,7 +187,7 @@ QRectF signatureRect(const FrameSettings &settings, QSizeF imageSize, QSizeF siz
     const double own = imageSize.width() / std::max(imageSize.height(), 1.0);
     const double aspect = std::max(settings.handwritingAspect.value_or(own), 0.1);
     const SignaturePlace place = signaturePlace(settings);
-    const double width = FrameGeometry::held(place.width, 0, largestType) * size.width();
+    const double width = FrameGeometry::held(place.width, 0, widestSignature) * size.width();
     const double height = width / aspect;
     const auto centre = [](double fraction, double length, double element) {
         return FrameGeometry::held(fraction * length, element / 2, length - element / 2);
@@ -331,7 +233,7 @@ void drawPhoto(QPainter &painter, const PhotoImage &photo, const PhotoPlacement 
     const QRectF &extent = photo.extent;
     const QRectF target(whole.x() + extent.x() * whole.width(), whole.y() + extent.y() * whole.height(),
                         extent.width() * whole.width(), extent.height() * whole.height());
-    const QRectF shown = placement.shown & placement.whole & target;
+    const QRectF shown = shownPart(photo, placement);
     const QTransform transform = painter.deviceTransform();
     const QRect aligned = alignedPixels(transform, photo, whole);
     const QRect pixels = devicePixels(transform.mapRect(shown));
@@ -370,14 +272,13 @@ void draw(QPainter &painter, const PhotoItem &item, const FrameSettings &setting
     if (settings.style == FrameStyle::film) {
         FilmRenderer::draw(painter, item, settings, size, images.photo);
     } else {
-        drawBackdrop(painter, settings, size, images.background);
-        drawPlacedPhoto(painter, item, settings, size, images.photo);
+        drawPlacedPhoto(painter, item, settings, size, images.photo, images.background);
     }
     if (settings.handwritingFile && !images.signature.isNull()) {
         drawPicture(painter, signatureRect(settings, images.signature.size(), size), images.signature);
     }
     for (const TextLayer &layer : settings.layers) {
-        drawLayer(painter, layer, settings, size, images.logo);
+        LayerRenderer::draw(painter, layer, settings, size, images.logo);
     }
     painter.restore();
 }

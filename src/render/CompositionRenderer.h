@@ -46,6 +46,9 @@ QRectF photoRect(const PhotoItem &item, const FrameSettings &settings, QSizeF si
 /// How `draw` lays the photo out in that rectangle: fitted, or filling it with what overflows cut off.
 PhotoPlacement photoPlacement(const PhotoItem &item, const FrameSettings &settings, QSizeF size);
 
+/// All that the photo covers with its border; of a film frame, the piece of film.
+QRectF photoBounds(const PhotoItem &item, const FrameSettings &settings, QSizeF size);
+
 /// The font of a text layer on a canvas of this width, in whole pixels.
 QFont font(const TextLayer &layer, double width);
 

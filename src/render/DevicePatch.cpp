@@ -140,6 +140,27 @@ void DevicePatch::draw(QPainter &painter) const
     painter.restore();
 }
 
+bool isUpright(const QTransform &transform)
+{
+    return transform.type() <= QTransform::TxScale;
+}
+
+void drawPicture(QPainter &painter, const QRectF &rect, const QImage &picture)
+{
+    const QTransform device = painter.deviceTransform();
+    const QRectF pixels = device.mapRect(rect);
+    const bool fits = isUpright(device) && std::abs(pixels.width() - picture.width()) < 1 &&
+                      std::abs(pixels.height() - picture.height()) < 1;
+    if (!fits) {
+        painter.drawImage(rect, picture);
+        return;
+    }
+    painter.save();
+    painter.setTransform(device.inverted() * painter.transform());
+    painter.drawImage(QPoint(qRound(pixels.left()), qRound(pixels.top())), picture);
+    painter.restore();
+}
+
 std::array<QRectF, 4> bandsAround(const QRectF &inner, const QRectF &outer)
 {
     return {QRectF(outer.topLeft(), QPointF(outer.right(), inner.top())),

@@ -7,6 +7,7 @@
 #include <QPainterPath>
 #include <QPoint>
 #include <QRectF>
+#include <QTransform>
 
 class QPainter;
 
@@ -22,6 +23,12 @@ struct DevicePatch {
     /// Blends the patch in at its device pixels, whatever the painter's transform.
     void draw(QPainter &painter) const;
 };
+
+/// Whether device pixels stand straight in the painter's coordinates.
+bool isUpright(const QTransform &transform);
+
+/// A picture in its rectangle. One that has been made for just these pixels is copied to the nearest of them.
+void drawPicture(QPainter &painter, const QRectF &rect, const QImage &picture);
 
 /// The four bands of `outer` around `inner`, which lies in it: above, below, left and right.
 std::array<QRectF, 4> bandsAround(const QRectF &inner, const QRectF &outer);

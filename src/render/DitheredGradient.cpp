@@ -35,8 +35,9 @@ public:
 
     void fill(QRgb *pixels, int left, int y, int count) const
     {
-        const double first = share(left, y);
-        const double step = share(left + 1, y) - first;
+        // From the canvas's own edge, so that any part of it has the pixels of the whole.
+        const double first = share(0, y);
+        const double step = share(1, y) - first;
         std::array<Slope, 3> slopes;
         for (size_t i = 0; i < 3; ++i) {
             slopes[i] = {static_cast<float>(m_from[i] + m_way[i] * first),
@@ -51,7 +52,7 @@ public:
         for (int i = 0; i < count; ++i) {
             const float threshold = thresholds[static_cast<unsigned>(i) % ditherSide];
             const auto level = [&](const Slope &slope) {
-                const float value = slope.first + slope.step * static_cast<float>(i) + threshold;
+                const float value = slope.first + slope.step * static_cast<float>(left + i) + threshold;
                 return std::clamp(static_cast<int>(value), 0, 255);
             };
             pixels[i] = qRgb(level(slopes[0]), level(slopes[1]), level(slopes[2]));

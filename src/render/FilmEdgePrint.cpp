@@ -127,7 +127,7 @@ constexpr SetText::Box oneLine{1e6, 0};
 /// A text in type, and how to bring it onto the film.
 struct SetEdgeText {
     explicit SetEdgeText(const FilmEdgeText &edgeText)
-        : set(edgeText.text, font(edgeText.sizeMm), oneLine, SetText::Zero::Plain),
+        : set(SetText::remembered(edgeText.text, font(edgeText.sizeMm), oneLine, SetText::Zero::Plain)),
           scale(std::min({edgeText.sizeMm / referencePixels, edgeText.widestMm / set.size().width(),
                           tallestScale(edgeText, set)})),
           rowTop(edgeText.at.y() + (edgeText.sizeMm - scale * referencePixels) / 2)

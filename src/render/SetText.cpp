@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <list>
 
 #include <QPainter>
 #include <QRawFont>
@@ -143,6 +144,39 @@ SetText::SetText(const QString &text, const QFont &font, Box box, Zero zero)
         }
     }
     m_outlines.setFillRule(Qt::WindingFill);
+}
+
+SetText SetText::remembered(const QString &text, const QFont &font, Box box, Zero zero)
+{
+    struct Known {
+        QString text;
+        QString font; // not itself: it must not outlive the application
+        Box box;
+        Zero zero;
+        SetText set;
+    };
+    constexpr qsizetype longestKept = 200;
+    constexpr size_t mostKept = 24;
+    if (text.size() > longestKept) {
+        return {text, font, box, zero};
+    }
+    const QString fontKey = font.key();
+    // A path works its polygons out when it is first painted and keeps them, which is no thing to share.
+    thread_local std::list<Known> kept;
+    const auto found = std::ranges::find_if(kept, [&](const Known &known) {
+        return known.text == text && known.box == box && known.zero == zero && known.font == fontKey;
+    });
+    if (found != kept.end()) {
+        kept.splice(kept.begin(), kept, found);
+        return found->set;
+    }
+    SetText set(text, font, box, zero);
+    // The letters of colour pictures belong to their font, which may go before a thread does.
+    if (set.m_pictures.empty()) {
+        kept.push_front({text, fontKey, box, zero, set});
+        kept.resize(std::min(kept.size(), mostKept), kept.front());
+    }
+    return set;
 }
 
 void SetText::draw(QPainter &painter, const QColor &ink) const

@@ -20,6 +20,7 @@ public:
     struct Box {
         double width = 0;
         double height = 0;
+        bool operator==(const Box &) const = default;
     };
 
     /// How a zero is drawn in faces that mark theirs with a stroke or a dot.
@@ -28,6 +29,9 @@ public:
     /// Sets centred lines, broken at words (inside one where it is too long) to the box's width. Lines that
     /// do not fit whole into its height are left out, but never the first.
     SetText(const QString &text, const QFont &font, Box box, Zero zero = Zero::AsDesigned);
+
+    /// The same, perhaps as it was set before: each thread remembers the last short texts that it set.
+    static SetText remembered(const QString &text, const QFont &font, Box box, Zero zero = Zero::AsDesigned);
 
     /// The lines' common box: as wide as the widest line.
     QSizeF size() const { return m_size; }

@@ -1,7 +1,14 @@
 #include "editor/CanvasImages.h"
+#include <random>
+
+#include <QPainter>
+
 #include "editor/EditorWorld.h"
+#include "editor/LiveFrame.h"
 #include "editor/SettingsEdits.h"
 #include "editor/Thumbnails.h"
+#include "pipeline/PlacedPhoto.h"
+#include "render/BuiltInTemplate.h"
 
 namespace tarnovel::test {
 namespace {
@@ -58,7 +65,7 @@ TEST_F(ScreenSupport, ADraggedPhotoKeepsItsPixelsUntilItRests)
     PhotoItem item = photo(u"one.jpg"_s, {900, 600});
     Previews previews;
     previews.photo = m_pipeline.read(item.file, 1400).result();
-    CanvasImages images;
+    CanvasImages images(m_clock);
     const QSize canvas(300, 400);
     bool better = false;
     QObject::connect(&images, &CanvasImages::changed, [&better] { better = true; });
@@ -73,6 +80,90 @@ TEST_F(ScreenSupport, ADraggedPhotoKeepsItsPixelsUntilItRests)
     const QRectF whole = CompositionRenderer::photoPlacement(item, item.settings, canvas).whole;
     const double left = whole.x() + moved.extent.x() * whole.width();
     EXPECT_NEAR(left, std::round(left), 1e-6) << "its pixels lie on the canvas's";
+
+    better = false;
+    m_clock.advance(CanvasImages::rest / 2);
+    item.settings.x = 0.0171;
+    images.images(item, canvas, previews);
+    m_clock.advance(CanvasImages::rest * 3 / 4);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(better) << "the hand has moved meanwhile";
+    m_clock.advance(CanvasImages::rest);
+    ASSERT_TRUE(waitFor([&] { return better; }));
+    const PhotoImage rested = images.images(item, canvas, previews).photo;
+    EXPECT_NE(rested.image.cacheKey(), resting.image.cacheKey());
+    // An image of the exact place: the same as one that was made for it from the start.
+    const PhotoPlacement placement = CompositionRenderer::photoPlacement(item, item.settings, canvas);
+    EXPECT_EQ(rested.image, placedPhoto(previews.photo, placedRegion(placement)).image);
+    better = false;
+    m_clock.advance(CanvasImages::rest * 2);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(better) << "nothing is left to be made";
+}
+
+/// A frame of any looks with layers of several kinds, one of them turned.
+PhotoItem dressed(PhotoItem item, BuiltInTemplate look, Backdrop background)
+{
+    item.settings.layer(u"brand"_s)->text = u"Åström 相机"_s;
+    item.settings.layer(u"exif"_s)->text = u"35 mm f/2.8"_s;
+    item.settings = BuiltInTemplates::make(look, item.settings, {});
+    item.settings.background = background;
+    item.settings.secondColor = {0.1, 0.3, 0.5};
+    TextLayer &title = *item.settings.layer(u"title"_s);
+    title.text = u"ÇA flies\nhigh 🌋"_s;
+    title.visible = true;
+    title.size = 0.05;
+    title.rotation = 33;
+    return item;
+}
+
+TEST_F(ScreenSupport, TheLiveFrameHasThePixelsOfAWholeDrawing)
+{
+    const PhotoItem photo = this->photo(u"one.jpg"_s, {900, 600});
+    Previews previews;
+    previews.photo = m_pipeline.read(photo.file, 1400).result();
+    const QSize canvas(311, 403);
+    std::mt19937 random(7);
+    std::uniform_real_distribution<double> share(-0.2, 0.2);
+    for (const BuiltInTemplate look :
+         {BuiltInTemplate::gear, BuiltInTemplate::full, BuiltInTemplate::film, BuiltInTemplate::cinema}) {
+        PhotoItem item = dressed(photo, look, Backdrop::gradient);
+        LiveFrame live;
+        CanvasImages images(m_clock);
+        int parts = 0;
+        for (int i = 0; i < 40; ++i) {
+            FrameSettings &settings = item.settings;
+            TextLayer &title = *settings.layer(u"title"_s);
+            switch (i % 5) {
+            case 0:
+                settings.x = share(random);
+                settings.y = share(random);
+                break;
+            case 1:
+                settings.scale = 0.6 + share(random);
+                break;
+            case 2:
+                title.x = 0.5 + 2 * share(random);
+                title.y = 0.5 + 2 * share(random);
+                break;
+            case 3:
+                title.rotation = 900 * share(random);
+                title.ink.r = 0.5 + share(random);
+                break;
+            default:
+                settings.color.g = 0.5 + share(random);
+            }
+            const CompositionImages pictures = images.images(item, canvas, previews);
+            parts += live.draw(item, canvas, pictures) != QRect({}, canvas) ? 1 : 0;
+            QImage whole(canvas, QImage::Format_RGB32);
+            QPainter painter(&whole);
+            CompositionRenderer::draw(painter, item, item.settings, canvas, pictures);
+            painter.end();
+            ASSERT_EQ(live.image(), whole) << "look " << int(look) << ", step " << i;
+            QCoreApplication::processEvents();
+        }
+        EXPECT_GT(parts, 10) << "look " << int(look);
+    }
 }
 
 TEST_F(ScreenSupport, EditsAreStepsOrJoinTheControlThatIsHeld)

@@ -179,8 +179,8 @@ void CanvasView::takeColor(QPointF position)
     const QPoint pixel = ((position - frame.topLeft()) * devicePixelRatioF()).toPoint();
     const std::function<void(const QColor &)> taker = m_state.colorTaker();
     m_state.endPicking();
-    if (m_frame.rect().contains(pixel)) {
-        taker(m_frame.pixelColor(pixel));
+    if (m_live.image().rect().contains(pixel)) {
+        taker(m_live.image().pixelColor(pixel));
     }
 }
 

@@ -190,6 +190,13 @@ void paintSelection(QPainter &painter, const QRectF &box, bool keyboard)
                        QRectF(QPointF(), QSizeF(icon, icon) * 2 * painter.device()->devicePixelRatioF()));
 }
 
+QRectF selectionBounds(const QRectF &box)
+{
+    const double beside = handle + 2;
+    return padded(box).adjusted(-beside, -std::max(beside, knob), knobGap + knob + beside,
+                                std::max(beside, knob));
+}
+
 Handle handleAt(QPointF position, const QRectF &box)
 {
     if (QLineF(position, knobCentre(box)).length() <= knob / 2 + 2) {

@@ -37,6 +37,9 @@ QImage withPlaceholders(QImage picture, const FrameSettings &settings, double ra
 /// The box around a chosen layer with its handles; the painter is turned with the layer.
 void paintSelection(QPainter &painter, const QRectF &box, bool keyboard);
 
+/// All that the box of a layer and its handles may cover.
+QRectF selectionBounds(const QRectF &box);
+
 /// The handle at a position that is turned back like the layer.
 Handle handleAt(QPointF position, const QRectF &box);
 

@@ -1,5 +1,7 @@
 #include "app/canvas/CanvasView.h"
 
+#include <algorithm>
+
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -27,8 +29,8 @@ constexpr QSize tightStage(800, 600);
 
 } // namespace
 
-CanvasView::CanvasView(const PhotosContext &context, EditorState &state, QWidget *parent)
-    : QWidget(parent), m_context(context), m_state(state), m_gestures(context.model)
+CanvasView::CanvasView(const PhotosContext &context, EditorState &state, Clock &clock, QWidget *parent)
+    : QWidget(parent), m_context(context), m_state(state), m_gestures(context.model), m_images(clock)
 {
     setAccessibleRole(*this, QAccessible::Graphic);
     setFocusPolicy(Qt::StrongFocus);
@@ -54,7 +56,7 @@ void CanvasView::modelChanged(EditorModel::Changes changes)
         m_photo = m_context.model.selected();
         endGesture();
         m_state.selectLayer({});
-        m_frame = {};
+        m_live.clear();
     }
     if (changes & (EditorModel::SelectionChanged | EditorModel::SettingsChanged |
                    EditorModel::PreviewsChanged | EditorModel::PhotosChanged)) {
@@ -63,7 +65,9 @@ void CanvasView::modelChanged(EditorModel::Changes changes)
         if (layer && !(photo && photo->settings.layer(*layer))) {
             m_state.selectLayer({});
         }
-        redraw();
+        // A step of the hand mostly touches a part; what it touches beside the picture is the model's to
+        // tell.
+        changes == EditorModel::SettingsChanged ? redrawChanged() : redraw();
         showState();
     }
 }
@@ -86,16 +90,35 @@ void CanvasView::showState()
 
 void CanvasView::redraw()
 {
-    m_stale = true;
+    m_live.clear();
+    update();
+}
+
+void CanvasView::redrawChanged()
+{
+    const PhotoItem *photo = m_context.model.current();
     const QRectF frame = frameRect();
-    const std::optional<QRectF> box = layerBox();
-    if (frame != m_groundFrame || box || m_marked) {
-        // Handles and the frame itself may have moved.
+    const auto isWanted = [](const TextLayer &layer) { return Placeholders::isWanted(layer); };
+    if (!photo || frame != m_groundFrame || std::ranges::any_of(photo->settings.layers, isWanted)) {
         update();
-    } else {
-        update(CanvasMarks::guideRegion(frame).united(frame.toAlignedRect().adjusted(-1, -1, 1, 1)));
+        return;
     }
-    m_marked = box.has_value();
+    update(marksRegion(frame) | m_marks | onWidget(m_live.outdated(*photo, frameDevicePixels())));
+}
+
+QRegion CanvasView::marksRegion(const QRectF &frame) const
+{
+    QRegion region;
+    if (m_gestures.guidesVisible()) {
+        region += CanvasMarks::guideRegion(frame);
+    }
+    if (const std::optional<QRectF> box = layerBox()) {
+        region += layerTransform(*box)
+                      .mapRect(CanvasMarks::selectionBounds(*box))
+                      .toAlignedRect()
+                      .adjusted(-1, -1, 1, 1);
+    }
+    return region;
 }
 
 QRectF CanvasView::frameRect() const
@@ -119,17 +142,18 @@ QSize CanvasView::frameDevicePixels() const
     return (frameRect().size() * devicePixelRatioF()).toSize();
 }
 
-void CanvasView::drawFrame()
+QRect CanvasView::drawFrame()
 {
     const PhotoItem *photo = m_context.model.current();
     const QSize pixels = frameDevicePixels();
-    if (m_frame.size() != pixels) {
-        m_frame = QImage(pixels, QImage::Format_RGB32);
-    }
-    const CompositionImages images = m_images.images(*photo, pixels, m_context.model.previews());
-    QPainter painter(&m_frame);
-    CompositionRenderer::draw(painter, *photo, photo->settings, pixels, images);
-    m_stale = false;
+    return onWidget(m_live.draw(*photo, pixels, m_images.images(*photo, pixels, m_context.model.previews())));
+}
+
+QRect CanvasView::onWidget(const QRect &pixels) const
+{
+    const double device = devicePixelRatioF();
+    const QRectF part(QPointF(pixels.topLeft()) / device, QSizeF(pixels.size()) / device);
+    return pixels.isEmpty() ? QRect() : part.translated(frameRect().topLeft()).toAlignedRect();
 }
 
 void CanvasView::drawGround(const QRectF &frame)
@@ -156,8 +180,8 @@ void CanvasView::paintEvent(QPaintEvent *event)
         painter.fillRect(event->rect(), theme().canvas);
         return;
     }
-    if (m_stale || m_frame.size() != frameDevicePixels()) {
-        drawFrame();
+    if (!QRegion(drawFrame()).subtracted(event->region()).isEmpty()) {
+        update(); // new pictures have come in between
     }
     drawGround(frame);
     const double device = devicePixelRatioF();
@@ -167,7 +191,7 @@ void CanvasView::paintEvent(QPaintEvent *event)
                                QRectF(QPointF(part.topLeft()) * device, QSizeF(part.size()) * device));
         }
     }
-    painter.drawImage(frame, m_frame);
+    painter.drawImage(frame, m_live.image());
     const double pixel = 1 / devicePixelRatioF();
     Paint::outline(painter, frame.adjusted(-pixel, -pixel, pixel, pixel), 0, theme().rim, pixel);
     if (m_context.model.previews().photo.isNull()) {
@@ -176,10 +200,11 @@ void CanvasView::paintEvent(QPaintEvent *event)
     if (const QList<FramePicture> &missing = m_context.model.previews().missing; !missing.isEmpty()) {
         CanvasMarks::paintNotice(painter, frame, missingPicture(missing.first()));
     }
-    CanvasMarks::paintPlaceholders(painter, m_context.model.current()->settings, frame, m_frame,
+    CanvasMarks::paintPlaceholders(painter, m_context.model.current()->settings, frame, m_live.image(),
                                    CanvasMarks::Naming::Full);
     paintGuides(painter, frame);
     paintSelection(painter, frame);
+    m_marks = marksRegion(frame);
     if (hasFocus() && keyboardFocusVisible() && !m_state.selectedLayer()) {
         Paint::outline(painter, frame.adjusted(-6, -6, 6, 6), 4, theme().accent, 2);
     }

@@ -4,12 +4,13 @@
 #include <optional>
 #include <variant>
 
-#include <QImage>
 #include <QPixmap>
+#include <QRegion>
 #include <QWidget>
 
 #include "app/EditorContext.h"
 #include "editor/CanvasImages.h"
+#include "editor/LiveFrame.h"
 
 class QNativeGestureEvent;
 class QPinchGesture;
@@ -23,7 +24,7 @@ class CanvasView : public QWidget {
     Q_OBJECT
 
 public:
-    CanvasView(const PhotosContext &context, EditorState &state, QWidget *parent = nullptr);
+    CanvasView(const PhotosContext &context, EditorState &state, Clock &clock, QWidget *parent = nullptr);
 
     /// Where the frame is, in the widget's coordinates; empty without a photo.
     QRectF frameRect() const;
@@ -76,8 +77,14 @@ private:
 
     void modelChanged(EditorModel::Changes changes);
     void showState();
+    /// Draws the whole frame anew, or what the model's changes touch of it.
     void redraw();
-    void drawFrame();
+    void redrawChanged();
+    /// What lies around the frame for the hand, and may move with every step of it.
+    QRegion marksRegion(const QRectF &frame) const;
+    /// Brings the frame up to date and returns where on the widget it may look different.
+    QRect drawFrame();
+    QRect onWidget(const QRect &pixels) const;
     /// What lies under the frame: the stage with the frame's shadow, kept for the next repaint.
     void drawGround(const QRectF &frame);
     void paintSelection(QPainter &painter, const QRectF &frame) const;
@@ -103,13 +110,12 @@ private:
     CanvasGestures m_gestures;
     CanvasImages m_images;
     /// The frame as last drawn, in device pixels.
-    QImage m_frame;
-    bool m_stale = true;
+    LiveFrame m_live;
     QPixmap m_ground;
     QRectF m_groundFrame;
     const Theme *m_groundTheme = nullptr;
-    /// Handles were shown at the last repaint.
-    bool m_marked = false;
+    /// Where handles and guides are shown.
+    QRegion m_marks;
     std::optional<QUuid> m_photo;
     std::optional<Drag> m_drag;
     double m_magnification = 1;

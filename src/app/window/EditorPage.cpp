@@ -55,7 +55,7 @@ EditorPage::EditorPage(const EditorContext &context, EditorActions &actions, con
       m_body(new QStackedWidget),
       m_home(new HomeScreen(context.photos(), context.state)),
       m_editor(new QWidget),
-      m_canvas(new CanvasView(context.photos(), context.state)),
+      m_canvas(new CanvasView(context.photos(), context.state, context.clock)),
       m_strip(new FilmStrip(context.photos(), context.state)),
       m_panel(new ToolPanel(context)),
       m_rail(new ToolRail(context.state)),
