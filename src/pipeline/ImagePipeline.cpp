@@ -131,23 +131,14 @@ void fulfil(QPromise<Value> &promise, const QString &subject, const std::stop_to
     promise.finish();
 }
 
-CompositionImages imagesFor(PhotoReader &reader, const PhotoItem &item, QSize canvas,
-                            const std::stop_token &stop)
+/// The pictures beside the photo and its blurred backdrop.
+void addPictures(CompositionImages &images, PhotoReader &reader, const PhotoItem &item, QSize canvas,
+                 const std::stop_token &stop)
 {
     const FrameSettings &settings = item.settings;
     const int edge = longSide(canvas);
-    // A film frame fills the whole canvas with its base: nothing would be seen of a backdrop.
-    const bool hasBackdrop = settings.style != FrameStyle::film;
-    const bool blurs = hasBackdrop && settings.background == Backdrop::blur;
-    CompositionImages images;
-    PhotoReader::Placed read =
-        reader.placed(item.file, CompositionRenderer::photoPlacement(item, settings, canvas), canvas,
-                      blurs ? ImagePipeline::blurSourcePixels : 0, stop);
-    images.photo = read.photo;
-    throwIfCancelled(stop);
-    if (blurs) {
-        images.background = coveringPicture(gaussianBlurred(read.small, blurSigma), canvas);
-    } else if (hasBackdrop && settings.background == Backdrop::image && settings.backgroundFile) {
+    if (settings.style != FrameStyle::film && settings.background == Backdrop::image &&
+        settings.backgroundFile) {
         images.background = coveringPicture(
             reader.picture(FramePicture::Background, *settings.backgroundFile, backdropPixels, stop), canvas);
     }
@@ -170,7 +161,32 @@ CompositionImages imagesFor(PhotoReader &reader, const PhotoItem &item, QSize ca
                            std::max(1, std::min({edge, signaturePixelsDecoded, drawn})), stop);
         images.signature = scaledPicture(picture, signaturePixels(item, picture.size(), canvas));
     }
-    return images;
+}
+
+/// What is drawn on each canvas; the photo is decoded once.
+QList<CompositionImages> imagesFor(PhotoReader &reader, const PhotoItem &item, const QList<QSize> &canvases,
+                                   const std::stop_token &stop)
+{
+    const FrameSettings &settings = item.settings;
+    // A film frame fills the whole canvas with its base: nothing would be seen of a backdrop.
+    const bool blurs = settings.style != FrameStyle::film && settings.background == Backdrop::blur;
+    QList<PlacedRegion> regions;
+    for (const QSize canvas : canvases) {
+        regions.append(placedRegion(CompositionRenderer::photoPlacement(item, settings, canvas), canvas));
+    }
+    const PhotoReader::PlacedParts read =
+        reader.placed(item.file, regions, blurs ? ImagePipeline::blurSourcePixels : 0, stop);
+    throwIfCancelled(stop);
+    const QImage blurred = blurs ? gaussianBlurred(read.small, blurSigma) : QImage();
+    QList<CompositionImages> all;
+    for (qsizetype i = 0; i < canvases.size(); ++i) {
+        CompositionImages images;
+        images.photo = read.photos.at(i);
+        images.background = coveringPicture(blurred, canvases.at(i));
+        addPictures(images, reader, item, canvases.at(i), stop);
+        all.append(images);
+    }
+    return all;
 }
 
 void compose(QImage &canvas, const PhotoItem &item, const CompositionImages &images)
@@ -181,12 +197,6 @@ void compose(QImage &canvas, const PhotoItem &item, const CompositionImages &ima
     QPainter painter(&canvas);
     CompositionRenderer::draw(painter, item, item.settings, canvas.size(), images);
 }
-
-/// A photo that has been read, and the canvas that it is for.
-struct ReadPhoto {
-    QSize canvas;
-    CompositionImages images;
-};
 
 } // namespace
 
@@ -241,45 +251,123 @@ auto ImagePipeline::enqueue(QThreadPool &thread, const QString &subject, std::st
     return future;
 }
 
+struct ImagePipeline::Exporting {
+    PhotoItem item;
+    std::stop_token stop;
+    /// One size, until its promise is kept.
+    struct Size {
+        ExportOptions options;
+        QPromise<ExportedFile> promise;
+        QSize canvas;
+        CompositionImages images;
+        bool told = false;
+
+        void fail(const std::exception_ptr &failure)
+        {
+            told = true;
+            promise.setException(failure);
+            promise.finish();
+        }
+    };
+    std::vector<Size> sizes;
+};
+
 QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const ExportOptions &options,
                                                  std::stop_token stop)
 {
-    auto promise = std::make_shared<QPromise<ExportedFile>>();
-    QFuture<ExportedFile> future = promise->future();
-    promise->start();
+    return exportSizes(item, {options}, std::move(stop)).first();
+}
+
+QList<QFuture<ExportedFile>>
+ImagePipeline::exportSizes(const PhotoItem &item, const QList<ExportOptions> &sizes, std::stop_token stop)
+{
+    const auto exporting = std::make_shared<Exporting>();
+    exporting->item = item;
+    exporting->stop = std::move(stop);
+    QList<QFuture<ExportedFile>> futures;
+    for (const ExportOptions &options : sizes) {
+        Exporting::Size &size = exporting->sizes.emplace_back();
+        size.options = options;
+        futures.append(size.promise.future());
+        size.promise.start();
+    }
     ++m_exports;
-    m_reading.thread.start([this, promise, item, options, stop = std::move(stop)]() mutable {
-        // Two photos at most are between their reading and their end.
-        m_room.acquire();
-        const auto read = std::make_shared<ReadPhoto>();
-        const JoinedStop either(stop, m_ending.get_token());
+    m_reading.thread.start([this, exporting] { readSizes(exporting); });
+    return futures;
+}
+
+void ImagePipeline::readSizes(const std::shared_ptr<Exporting> &exporting)
+{
+    // Two photos at most are between their reading and their end.
+    m_room.acquire();
+    const JoinedStop either(exporting->stop, m_ending.get_token());
+    const QString &file = exporting->item.file;
+    std::vector<Exporting::Size *> wanted;
+    QList<QSize> canvases;
+    std::exception_ptr failure;
+    for (Exporting::Size &size : exporting->sizes) {
         try {
-            *read = promised(item.file, either.token(), [&](const std::stop_token &token) {
-                const QSize canvas = outputCanvas(item, options);
-                return ReadPhoto{canvas, imagesFor(m_reading.reader, item, canvas, token)};
+            size.canvas = outputCanvas(exporting->item, size.options);
+            canvases.append(size.canvas);
+            wanted.push_back(&size);
+        } catch (const PipelineFailure &) {
+            failure = std::current_exception();
+            if (exporting->sizes.size() > 1) {
+                size.fail(failure);
+            }
+        }
+    }
+    try {
+        if (!wanted.empty()) {
+            const auto images = promised(file, either.token(), [&](const std::stop_token &token) {
+                return imagesFor(m_reading.reader, exporting->item, canvases, token);
             });
-        } catch (...) {
-            ended();
-            promise->setException(std::current_exception());
-            promise->finish();
+            for (size_t i = 0; i < wanted.size(); ++i) {
+                wanted[i]->images = images.at(static_cast<qsizetype>(i));
+            }
+            m_composing.start([this, exporting] { writeSizes(exporting); });
             return;
         }
-        m_composing.start([this, promise = std::move(promise), item, options, stop, read]() mutable {
-            const auto work = [&](const std::stop_token &token) {
-                if (m_canvas.size() != read->canvas) {
-                    m_canvas = QImage();
-                    m_canvas = QImage(read->canvas, QImage::Format_RGB32);
-                }
-                compose(m_canvas, item, read->images);
-                read->images = {}; // the memory that they lie in is wanted for the next
-                throwIfCancelled(token);
-                return written(m_canvas, options, token);
-            };
-            const JoinedStop eitherNow(stop, m_ending.get_token());
-            fulfil(*promise, item.file, eitherNow.token(), work, [this] { ended(); });
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    ended();
+    for (Exporting::Size &size : exporting->sizes) {
+        if (!size.told) {
+            size.fail(failure);
+        }
+    }
+}
+
+void ImagePipeline::writeSizes(const std::shared_ptr<Exporting> &exporting)
+{
+    const JoinedStop either(exporting->stop, m_ending.get_token());
+    std::vector<Exporting::Size *> wanted;
+    for (Exporting::Size &size : exporting->sizes) {
+        if (!size.told) {
+            wanted.push_back(&size);
+        }
+    }
+    for (Exporting::Size *size : wanted) {
+        const auto work = [&](const std::stop_token &token) {
+            if (m_canvas.size() != size->canvas) {
+                m_canvas = QImage();
+                m_canvas = QImage(size->canvas, QImage::Format_RGB32);
+            }
+            compose(m_canvas, exporting->item, size->images);
+            size->images = {}; // the memory that they lie in is wanted for the next
+            throwIfCancelled(token);
+            return written(m_canvas, size->options, token);
+        };
+        const bool last = size == wanted.back();
+        // A file that nobody waits for any more goes as soon as it has been told of.
+        QPromise<ExportedFile> promise = std::move(size->promise);
+        fulfil(promise, exporting->item.file, either.token(), work, [this, last] {
+            if (last) {
+                ended();
+            }
         });
-    });
-    return future;
+    }
 }
 
 void ImagePipeline::ended()
@@ -306,6 +394,13 @@ QFuture<PhotoItem> ImagePipeline::inspect(const ImportedFile &imported, TestDeco
                    [this, imported, testDecode](const std::stop_token &token) {
                        return inspected(imported, testDecode, token);
                    });
+}
+
+QFuture<CaptureMetadata> ImagePipeline::captured(const QString &file, std::stop_token stop)
+{
+    return enqueue(m_screen.thread, file, std::move(stop), [this, file](const std::stop_token &token) {
+        return m_screen.reader.facts(file, token).metadata;
+    });
 }
 
 QFuture<QList<Ink>> ImagePipeline::primaryColors(const QString &file, std::stop_token stop)
@@ -354,14 +449,14 @@ QFuture<ExportedFile> ImagePipeline::exportImage(const QImage &image, const Expo
 
 QFuture<QImage> ImagePipeline::render(const PhotoItem &item, QSize canvas, std::stop_token stop)
 {
-    return enqueue(m_screen.thread, item.file, std::move(stop),
-                   [this, item, canvas](const std::stop_token &token) {
-                       const CompositionImages images = imagesFor(m_screen.reader, item, canvas, token);
-                       throwIfCancelled(token);
-                       QImage image(canvas, QImage::Format_RGB32);
-                       compose(image, item, images);
-                       return image;
-                   });
+    return enqueue(
+        m_screen.thread, item.file, std::move(stop), [this, item, canvas](const std::stop_token &token) {
+            const CompositionImages images = imagesFor(m_screen.reader, item, {canvas}, token).first();
+            throwIfCancelled(token);
+            QImage image(canvas, QImage::Format_RGB32);
+            compose(image, item, images);
+            return image;
+        });
 }
 
 PhotoItem ImagePipeline::inspected(const ImportedFile &imported, TestDecode testDecode,

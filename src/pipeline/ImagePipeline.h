@@ -14,6 +14,7 @@
 #include <QThreadPool>
 
 #include "base/UnclaimedFile.h"
+#include "imaging/CaptureMetadata.h"
 #include "model/ImportedFile.h"
 #include "model/Session.h"
 #include "pipeline/ExportOptions.h"
@@ -82,6 +83,18 @@ public:
     QFuture<ExportedFile> exportPhoto(const PhotoItem &item, const ExportOptions &options,
                                       std::stop_token stop = {});
 
+    /// The same in several sizes, at most `mostSizes`, from one decoding; each size may fail alone. The
+    /// futures come in the order of the options.
+    QList<QFuture<ExportedFile>> exportSizes(const PhotoItem &item, const QList<ExportOptions> &sizes,
+                                             std::stop_token stop = {});
+    static constexpr qsizetype mostSizes = 8;
+
+    /// Where a file of the library lies.
+    QString path(const QString &file) const { return m_reading.reader.path(file); }
+
+    /// What the camera wrote about a photo.
+    QFuture<CaptureMetadata> captured(const QString &file, std::stop_token stop = {});
+
     /// The part of a photo that a canvas of this size shows, decoded straight to the canvas's pixels.
     QFuture<PhotoImage> readPlaced(const QString &file, const PhotoPlacement &placement, QSize canvas,
                                    std::stop_token stop = {});
@@ -113,6 +126,10 @@ private:
     QList<Ink> colors(const QString &file, const std::stop_token &stop);
     ExportedFile written(const QImage &image, const ExportOptions &options,
                          const std::stop_token &stop) const;
+    /// The sizes of one photo on their way.
+    struct Exporting;
+    void readSizes(const std::shared_ptr<Exporting> &exporting);
+    void writeSizes(const std::shared_ptr<Exporting> &exporting);
     /// A photo has been written, or given up.
     void ended();
 

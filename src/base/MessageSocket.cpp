@@ -1,4 +1,4 @@
-#include "decoder_protocol/MessageSocket.h"
+#include "base/MessageSocket.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -7,8 +7,6 @@
 
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include "decoder_protocol/DecoderMessage.h"
 
 namespace tarnovel {
 
@@ -80,7 +78,7 @@ bool sendMessage(int socket, const QByteArray &bytes, const std::vector<int> &de
 
 Receiving receiveMessage(int socket, ReceivedMessage &message, size_t mostDescriptors)
 {
-    QByteArray bytes(longestDecoderMessage, Qt::Uninitialized);
+    QByteArray bytes(longestMessage, Qt::Uninitialized);
     iovec content{bytes.data(), static_cast<size_t>(bytes.size())};
     msghdr header{};
     header.msg_iov = &content;
