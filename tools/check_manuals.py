@@ -12,7 +12,8 @@ import sys
 PROMISED = {
     "": "--help -h --version -V",
     "export": "-o --output -t --template --style --set --text --background --logo --signature --size --format --max-mb "
-              "--language --json -q --quiet -v --verbose --session",
+              "--language --json -q --quiet -v --verbose --session -j --jobs -r --recursive --files-from -0 --shard --name "
+              "--skip-existing --dry-run",
     "inspect": "--json",
     "templates": "--json",
     "stocks": "--json",
@@ -20,7 +21,7 @@ PROMISED = {
     "collage": "-o --output --layout --aspect --gap --margin --radius --background --frame --pan --zoom --ratio --stock "
                "--edge-text --start-number --no-numbers --format --max-mb --json --size -q --quiet",
 }
-OPTION = r"(?<![\w-])(--?[A-Za-z][\w-]*)"
+OPTION = r"(?<![\w-])(--?[A-Za-z0-9][\w-]*)"
 
 
 def said(*command, **more):

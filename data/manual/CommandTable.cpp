@@ -98,7 +98,9 @@ CommandTable readCommandTable()
     table.program = readCommand(grammar.app());
     table.program.name.clear();
     for (const CLI::App *command : grammar.app().get_subcommands([](const CLI::App *) { return true; })) {
-        table.commands.push_back(readCommand(*command));
+        if (!command->get_group().empty()) {
+            table.commands.push_back(readCommand(*command));
+        }
     }
     return table;
 }

@@ -142,7 +142,11 @@ std::vector<Example> examples(const std::string &command)
                   "Encadrer toutes les photos avec le modèle gear, dans framed"}},
                 {"tarnovel export --set preset=square --set background=blur -o out photo.heic",
                  {"方形画布，模糊背景", "A square canvas over a blurred backdrop",
-                  "Un format carré sur un fond flou"}}};
+                  "Un format carré sur un fond flou"}},
+                {"tarnovel export -r --skip-existing --name '{date:yyyy-MM-dd} {name}' -o framed archive",
+                 {"整个文件夹，按日期命名，从上次停下的地方继续",
+                  "A whole folder, named by date, going on where the last run stopped",
+                  "Tout un dossier, nommé par date, en reprenant où il s’était arrêté"}}};
     }
     if (command == "collage") {
         return {{"tarnovel collage --layout filmstrip -o strip.jpg a.jpg b.jpg c.jpg",

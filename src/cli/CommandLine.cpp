@@ -17,9 +17,11 @@
 #include "cli/CollageCommand.h"
 #include "cli/Console.h"
 #include "cli/ExportCommand.h"
+#include "cli/ExportWorker.h"
 #include "cli/Grammar.h"
 #include "cli/Interruption.h"
 #include "cli/ListCommands.h"
+#include "cli/OutputOptions.h"
 #include "export/ExportReviewPolicy.h"
 #include "language/AppLanguage.h"
 #include "model/Preferences.h"
@@ -31,8 +33,8 @@ namespace tarnovel::cli {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> commands = {"export",  "collage",   "layouts",
-                                                      "inspect", "templates", "stocks"};
+constexpr std::array<std::string_view, 7> commands = {"export",  "export-worker", "collage", "layouts",
+                                                      "inspect", "templates",     "stocks"};
 
 constexpr int wrongUsage = 2;
 
@@ -147,6 +149,23 @@ void occupyStandardStreams()
     }
 }
 
+/// A worker ends by the signals that end any process: the program that has started it looks after the rest.
+int serveAsWorker(int argc, char **argv, const ExportRequest &request)
+{
+    Interruption::ignoreBrokenWrites();
+    const QGuiApplication application(argc, argv);
+    try {
+        return runExportWorker(request);
+    } catch (const Refusal &refusal) {
+        qCWarning(logCli) << refusal.what << refusal.message;
+    } catch (const UsageError &error) {
+        qCWarning(logCli) << error.message;
+    } catch (const std::exception &error) {
+        qCWarning(logCli) << error.what();
+    }
+    return 1;
+}
+
 /// Without a session's runtime folder Qt makes one among the temporary files; a command leaves nothing there.
 /// A folder that is in use is not empty, and stays.
 void removeRuntimeFolder()
@@ -220,6 +239,10 @@ int runCommandLine(int argc, char **argv)
     }
     if (requests.verbose) {
         printLog();
+    }
+    requests.framing.verbose = requests.verbose;
+    if (grammar.wants(grammar.worker())) {
+        return serveAsWorker(argc, argv, requests.framing);
     }
     const Interruption interruption;
     const QGuiApplication application(argc, argv);

@@ -2,6 +2,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <mutex>
+
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -21,6 +23,13 @@ bool turnsTheLine(QChar character)
     const char16_t code = character.unicode();
     return (code >= 0x202a && code <= 0x202e) || (code >= 0x2066 && code <= 0x2069);
 }
+
+/// Where messages without a subject go in the meantime; they come from any thread.
+struct Diversion {
+    std::mutex mutex;
+    QStringList *into = nullptr;
+};
+Diversion diversion;
 
 void toStandardError(const QString &text)
 {
@@ -71,8 +80,21 @@ void complain(const QString &what, const QString &message)
     toStandardError(u"tarnovel: "_s + escaped(what) + u": "_s + escaped(message) + u'\n');
 }
 
+void divert(QStringList *into)
+{
+    const std::scoped_lock lock(diversion.mutex);
+    diversion.into = into;
+}
+
 void complain(const QString &message)
 {
+    {
+        const std::scoped_lock lock(diversion.mutex);
+        if (diversion.into) {
+            diversion.into->append(message);
+            return;
+        }
+    }
     toStandardError(u"tarnovel: "_s + escaped(message) + u'\n');
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace tarnovel::cli {
 
@@ -18,6 +19,9 @@ bool print(const QString &line);
 /// "tarnovel: WHAT: MESSAGE", with control characters of `what` shown escaped.
 void complain(const QString &what, const QString &message);
 void complain(const QString &message);
+
+/// While not null, what complain() is told goes there instead of standard error.
+void divert(QStringList *into);
 
 /// Control characters and line breaks as \n, \t or \xNN, so that a message stays one line.
 QString escaped(const QString &text);

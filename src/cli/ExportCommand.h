@@ -4,7 +4,10 @@
 
 #include <QStringList>
 
-#include "pipeline/ExportOptions.h"
+#include "cli/PhotoList.h"
+#include "cli/PhotoMaker.h"
+#include "cli/StyleOptions.h"
+#include "language/FieldPattern.h"
 
 namespace tarnovel::cli {
 
@@ -12,23 +15,35 @@ class Interruption;
 
 /// What `tarnovel export` was asked for, as typed.
 struct ExportRequest {
-    QStringList photos;
+    PhotoSelection selection;
     QString folder;
-    /// The stored session's photos instead of `photos`.
+    /// The stored session's photos instead of the selection.
     bool session = false;
-    std::optional<QString> templateId;
-    std::optional<QString> styleFile;
-    QStringList sets;
-    QStringList texts;
-    std::optional<QString> background;
-    std::optional<QString> logo;
-    std::optional<QString> signature;
-    QString size = QStringLiteral("4096");
+    StyleRequest style;
+    /// One where none is typed.
+    QStringList sizes;
     QString format = QStringLiteral("jpeg");
     std::optional<QString> maxMb;
+    std::optional<QString> name;
+    std::optional<QString> shard;
+    std::optional<QString> jobs;
+    bool skipExisting = false;
+    bool dryRun = false;
     bool json = false;
     bool quiet = false;
+    bool verbose = false;
+    /// Of a worker: the photos of the session as they were when the program started.
+    QString itemsFile;
 };
+
+/// The sizes that were typed, each once. Throws a UsageError.
+QList<WantedSize> wantedSizes(const ExportRequest &request);
+
+/// The pattern of the names. Throws a UsageError with the place of what is wrong in it.
+FieldPattern namePattern(const ExportRequest &request);
+
+/// The photos that a program has written down for its workers.
+QList<PhotoItem> itemsFrom(const QString &file);
 
 /// Returns the exit status. Throws a UsageError before anything is written.
 int runExport(const ExportRequest &request, const Interruption &interruption);

@@ -95,6 +95,7 @@ Grammar::Grammar(Requests &requests) : m_requests(requests)
                         "Sans commande, l’éditeur s’ouvre avec les photos nommées : tarnovel [PHOTO...]"}));
     m_app.require_subcommand(1);
     addExport();
+    addWorker();
     addInspect();
     addCollage();
     m_layouts = addList("layouts", {"列出 N 张照片的拼图布局", "List the collage layouts for N photos",
@@ -112,7 +113,7 @@ QStringList &Grammar::photos()
 {
     return wants(m_collage)   ? m_requests.collage.photos
            : wants(m_inspect) ? m_requests.inspection.photos
-                              : m_requests.framing.photos;
+                              : m_requests.framing.selection.photos;
 }
 
 /// Headings and words of the help; CLI11 has its own in English only.
@@ -163,7 +164,7 @@ void Grammar::addExport()
                                       "Encadrer des photos dans un dossier"});
     CLI::App &command = *m_export;
     ExportRequest &request = m_requests.framing;
-    addPhotos(command, request.photos);
+    addPhotos(command, request.selection.photos);
     command.add_flag(
         "--session", request.session,
         inThisLanguage({"导出上次编辑的照片，各用各的样式",
@@ -172,20 +173,92 @@ void Grammar::addExport()
     addOption(command, "-o,--output", request.folder, "DIR",
               {"目标文件夹，没有时会建立（必填）", "Destination folder, made when missing (required)",
                "Dossier de destination, créé au besoin (obligatoire)"});
-    addStyleOptions();
-    addOption(command, "--size", request.size, "SIZE",
-              {"1080（短边）、original 或长边像素，默认 4096",
-               "1080 (short edge), original or a long edge in pixels; 4096 by default",
-               "1080 (petit côté), original ou grand côté en pixels ; 4096 par défaut"});
+    addStyleOptions(command);
+    addResultOptions(command);
+    addListOptions();
+    addNameOptions(command);
+    addRunOptions(command);
+}
+
+/// What there is to do, and how much of it at a time.
+void Grammar::addListOptions()
+{
+    CLI::App &command = *m_export;
+    ExportRequest &request = m_requests.framing;
+    command.add_flag(
+        "-r,--recursive", request.selection.recursive,
+        inThisLanguage({"文件夹代表其中（含子文件夹）的图片", "A folder stands for the pictures below it",
+                        "Un dossier désigne les images qu’il contient"}));
+    addOption(command, "--files-from", request.selection.listFile, "FILE",
+              {"从文件读取更多照片，每行一张，- 为标准输入",
+               "More photos from a file, one a line; - is standard input",
+               "D’autres photos depuis un fichier, une par ligne ; - : entrée standard"});
+    command.add_flag("-0,--null", request.selection.nulEnded,
+                     inThisLanguage({"列表以 NUL 字符分隔", "The names in that file are ended by NUL",
+                                     "Les noms de ce fichier finissent par NUL"}));
+    addOption(command, "--shard", request.shard, "K/N",
+              {"只处理列表的第 K 份（共 N 份）", "Only the K-th of N parts of the list",
+               "Seulement la K-ième de N parts de la liste"});
+    command.add_flag(
+        "--dry-run", request.dryRun,
+        inThisLanguage({"只说明会写什么，不写任何文件", "Say what would be written, write nothing",
+                        "Dire ce qui serait écrit, sans rien écrire"}));
+}
+
+void Grammar::addNameOptions(CLI::App &command)
+{
+    ExportRequest &request = m_requests.framing;
+    addOption(command, "--name", request.name, "PATTERN",
+              {"文件名（不含结尾），默认 {name}-framed；字段：{name} {n:3} {count} {date:yyyy-MM-dd} {time} "
+               "{camera} {make} {model} {lens} {focal} {aperture} {shutter} {iso} {template} {size} {width} "
+               "{height}",
+               "Output name without its ending, {name}-framed by default; fields: {name} {n:3} {count} "
+               "{date:yyyy-MM-dd} {time} {camera} {make} {model} {lens} {focal} {aperture} {shutter} {iso} "
+               "{template} {size} {width} {height}",
+               "Nom sans extension, {name}-framed par défaut ; champs : {name} {n:3} {count} "
+               "{date:yyyy-MM-dd} {time} {camera} {make} {model} {lens} {focal} {aperture} {shutter} {iso} "
+               "{template} {size} {width} {height}"});
+    command.add_flag("--skip-existing", request.skipExisting,
+                     inThisLanguage({"已有同名成品时跳过", "Leave a result alone whose name is there already",
+                                     "Laisser un résultat dont le nom existe déjà"}));
+}
+
+void Grammar::addResultOptions(CLI::App &command)
+{
+    ExportRequest &request = m_requests.framing;
+    addRepeatable(command, "--size", request.sizes, "SIZE",
+                  {"1080（短边）、original 或长边像素，默认 4096（可重复）",
+                   "1080 (short edge), original or a long edge in pixels; 4096 by default (repeatable)",
+                   "1080 (petit côté), original ou grand côté en pixels ; 4096 par défaut (répétable)"});
     addFormat(command, request.format, request.maxMb, {"默认 jpeg", "jpeg by default", "jpeg par défaut"});
+}
+
+void Grammar::addRunOptions(CLI::App &command)
+{
+    ExportRequest &request = m_requests.framing;
+    addOption(command, "-j,--jobs", request.jobs, "N",
+              {"同时处理的照片数，默认按处理器和内存", "Photos at once; by default as cores and memory allow",
+               "Photos à la fois ; par défaut selon les cœurs et la mémoire"});
     addJson(command, request.json);
     addQuiet(command, request.quiet);
 }
 
-void Grammar::addStyleOptions()
+/// What the program starts to have photos made; nobody types it.
+void Grammar::addWorker()
 {
-    CLI::App &command = *m_export;
+    m_worker = &addCommand("export-worker", {"", "", ""});
+    m_worker->group("");
     ExportRequest &request = m_requests.framing;
+    addOption(*m_worker, "--output", request.folder, "DIR", {"", "", ""});
+    m_worker->add_flag("--session", request.session);
+    addOption(*m_worker, "--items", request.itemsFile, "FILE", {"", "", ""});
+    addStyleOptions(*m_worker);
+    addResultOptions(*m_worker);
+}
+
+void Grammar::addStyleOptions(CLI::App &command)
+{
+    StyleRequest &request = m_requests.framing.style;
     addOption(
         command, "-t,--template", request.templateId, "ID",
         {"内置模板，默认 plain", "Built-in template; plain by default", "Modèle intégré, plain par défaut"});

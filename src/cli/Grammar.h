@@ -36,6 +36,7 @@ public:
     CLI::App &app() { return m_app; }
     bool wants(const CLI::App *command) const { return command->parsed(); }
     const CLI::App *exporting() const { return m_export; }
+    const CLI::App *worker() const { return m_worker; }
     const CLI::App *inspecting() const { return m_inspect; }
     const CLI::App *collage() const { return m_collage; }
     const CLI::App *layouts() const { return m_layouts; }
@@ -50,7 +51,12 @@ private:
     CLI::App *addList(const char *name, const Text &description);
     void addInspect();
     void addExport();
-    void addStyleOptions();
+    void addWorker();
+    void addStyleOptions(CLI::App &command);
+    void addResultOptions(CLI::App &command);
+    void addListOptions();
+    void addNameOptions(CLI::App &command);
+    void addRunOptions(CLI::App &command);
     void addCollage();
     void addSpacing();
     void addCells();
@@ -59,6 +65,7 @@ private:
     Requests &m_requests;
     CLI::App m_app;
     CLI::App *m_export = nullptr;
+    CLI::App *m_worker = nullptr;
     CLI::App *m_collage = nullptr;
     CLI::App *m_layouts = nullptr;
     CLI::App *m_inspect = nullptr;

@@ -30,10 +30,7 @@ Interruption::Interruption()
     sigset_t signals = endingSignals();
     sigaddset(&signals, wakeSignal());
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    // A reader that goes away shows as a failed write, not as our sudden end.
-    std::signal(SIGPIPE, SIG_IGN);
-    // The same for a file that grows past what the user's limits allow.
-    std::signal(SIGXFSZ, SIG_IGN);
+    ignoreBrokenWrites();
     m_listener = std::jthread([this, signals](const std::stop_token &over) {
         while (!over.stop_requested()) {
             const int signal = sigwaitinfo(&signals, nullptr);
@@ -43,6 +40,12 @@ Interruption::Interruption()
             }
         }
     });
+}
+
+void Interruption::ignoreBrokenWrites()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 Interruption::~Interruption()

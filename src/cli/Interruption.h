@@ -15,6 +15,10 @@ public:
     Interruption(const Interruption &) = delete;
     Interruption &operator=(const Interruption &) = delete;
 
+    /// A reader that goes away, and a file that grows past what the user's limits allow, show as failed
+    /// writes, not as a sudden end.
+    static void ignoreBrokenWrites();
+
     std::stop_token token() const { return m_source.get_token(); }
     /// 128 and the number of the signal that came, as shells report it; 0 when none did.
     int exitStatus() const;

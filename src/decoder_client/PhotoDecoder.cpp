@@ -17,7 +17,7 @@ namespace tarnovel {
 
 namespace {
 
-using Outcome = DecoderProcess::Outcome;
+using Outcome = ChildProcess::Outcome;
 using std::chrono::milliseconds;
 
 /// How long a decoder may take to end what is cancelled before it is ended itself.
@@ -34,6 +34,15 @@ struct DecoderEnded {
     /// It had worked for another photo before.
     bool hadServedAnother;
 };
+
+std::unique_ptr<ChildProcess> startedDecoder(const QString &program)
+{
+    std::unique_ptr<ChildProcess> process = ChildProcess::started(program);
+    if (!process) {
+        throw ImageError(ImageError::Cause::NoDecoder, "cannot be started: " + program.toUtf8());
+    }
+    return process;
+}
 
 /// The libraries of these formats hear of a cancellation after half a second and more.
 bool isSlowToCancel(PictureFormat format)
@@ -72,7 +81,7 @@ PhotoDecoder::PhotoDecoder() : PhotoDecoder(decoderProgram()) {}
 
 PhotoDecoder::PhotoDecoder(Spare spare) : m_program(decoderProgram()), m_spareKind(spare) {}
 
-PhotoDecoder::PhotoDecoder(QString program, DecoderProcess::Patience patience)
+PhotoDecoder::PhotoDecoder(QString program, ChildProcess::Patience patience)
     : m_program(std::move(program)), m_patience(patience)
 {
 }
@@ -91,7 +100,7 @@ void PhotoDecoder::start(const std::stop_token &stop)
     }
     // A spare one may have ended while it waited.
     if (m_failedStarts < mostFailedStarts && ((m_spare && isStarted(std::exchange(m_spare, nullptr), stop)) ||
-                                              isStarted(std::make_unique<DecoderProcess>(m_program), stop))) {
+                                              isStarted(startedDecoder(m_program), stop))) {
         m_failedStarts = 0;
         return;
     }
@@ -99,7 +108,7 @@ void PhotoDecoder::start(const std::stop_token &stop)
     throw ImageError(ImageError::Cause::NoDecoder, "the decoder does not start: " + m_program.toUtf8());
 }
 
-bool PhotoDecoder::isStarted(std::unique_ptr<DecoderProcess> process, const std::stop_token &stop)
+bool PhotoDecoder::isStarted(std::unique_ptr<ChildProcess> process, const std::stop_token &stop)
 {
     ++m_starts;
     QByteArray bytes;
@@ -179,11 +188,7 @@ void PhotoDecoder::prepareSpare(const FileIdentity &photo)
     const auto known = m_facts.find(photo);
     if (m_spareKind == Spare::WhileSlow && !m_spare && known != m_facts.end() &&
         isSlowToCancel(known->second.header.format)) {
-        try {
-            m_spare = std::make_unique<DecoderProcess>(m_program);
-        } catch (const ImageError &error) {
-            qCInfo(logDecoder) << "no spare decoder:" << error.what();
-        }
+        m_spare = ChildProcess::started(m_program);
     }
 }
 
@@ -285,7 +290,7 @@ void PhotoDecoder::cancelRequest(const FileIdentity &photo, quint32 id)
     cancel.kind = DecoderRequest::Kind::Cancel;
     cancel.id = id;
     QByteArray bytes;
-    DecoderProcess::Patience brief = m_patience;
+    ChildProcess::Patience brief = m_patience;
     brief.wait = cancelPatience;
     const Outcome outcome =
         !slow && m_process->send(encoded(cancel)) ? m_process->receive(bytes, brief, {}) : Outcome::TimedOut;

@@ -10,7 +10,7 @@
 #include <QImage>
 #include <QString>
 
-#include "decoder_client/DecoderProcess.h"
+#include "base/ChildProcess.h"
 #include "decoder_client/PictureSlots.h"
 #include "decoder_protocol/DecoderMessage.h"
 #include "imaging/RegularFile.h"
@@ -28,7 +28,7 @@ public:
     /// gives such a photo up for another one does not wait for the start.
     enum class Spare { None, WhileSlow };
     explicit PhotoDecoder(Spare spare);
-    explicit PhotoDecoder(QString program, DecoderProcess::Patience patience = {});
+    explicit PhotoDecoder(QString program, ChildProcess::Patience patience = {});
     ~PhotoDecoder();
     PhotoDecoder(const PhotoDecoder &) = delete;
     PhotoDecoder &operator=(const PhotoDecoder &) = delete;
@@ -55,23 +55,23 @@ private:
     DecoderReply asked(const RegularFile &photo, DecoderRequest request, const PictureSlots::Lent &slot,
                        const std::stop_token &stop);
     void start(const std::stop_token &stop);
-    bool isStarted(std::unique_ptr<DecoderProcess> process, const std::stop_token &stop);
+    bool isStarted(std::unique_ptr<ChildProcess> process, const std::stop_token &stop);
     void prepareSpare(const FileIdentity &photo);
     DecoderReply awaited(const RegularFile &photo, quint32 id, const std::stop_token &stop);
     [[noreturn]] void cancelRequest(const FileIdentity &photo, quint32 id);
     [[noreturn]] void lost(const FileIdentity &photo, const QByteArray &why, ImageError::Cause cause);
 
     const QString m_program;
-    const DecoderProcess::Patience m_patience;
+    const ChildProcess::Patience m_patience;
     const Spare m_spareKind = Spare::None;
-    std::unique_ptr<DecoderProcess> m_process;
+    std::unique_ptr<ChildProcess> m_process;
     /// Started, and not heard of yet.
-    std::unique_ptr<DecoderProcess> m_spare;
+    std::unique_ptr<ChildProcess> m_spare;
     PictureSlots m_slots;
     /// The slots that the decoder has written into.
     std::set<quint32> m_mapped;
     /// Killed, and not waited for yet.
-    std::deque<std::unique_ptr<DecoderProcess>> m_dying;
+    std::deque<std::unique_ptr<ChildProcess>> m_dying;
     /// The photo that this decoder answered about last.
     std::optional<FileIdentity> m_served;
     int m_failedStarts = 0;

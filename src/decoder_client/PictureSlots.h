@@ -8,7 +8,7 @@
 #include <QImage>
 #include <QList>
 
-#include "decoder_protocol/MessageSocket.h"
+#include "base/MessageSocket.h"
 
 namespace tarnovel {
 

@@ -67,7 +67,7 @@ QDataStream &operator<<(QDataStream &stream, const PhotoFacts &facts)
 {
     const CaptureMetadata &taken = facts.metadata;
     stream << facts.header.format << facts.header.storedSize << facts.header.orientation << taken.make
-           << taken.model << taken.focalLengthMm << taken.fNumber << taken.exposureSeconds
+           << taken.model << taken.lens << taken.focalLengthMm << taken.fNumber << taken.exposureSeconds
            << taken.iso.has_value() << taken.iso.value_or(0);
     return stream << taken.originalDate;
 }
@@ -78,10 +78,10 @@ QDataStream &operator>>(QDataStream &stream, PhotoFacts &facts)
     bool hasIso = false;
     qint64 iso = 0;
     stream >> facts.header.format >> facts.header.storedSize >> facts.header.orientation >> taken.make >>
-        taken.model >> taken.focalLengthMm >> taken.fNumber >> taken.exposureSeconds >> hasIso >> iso >>
-        taken.originalDate;
+        taken.model >> taken.lens >> taken.focalLengthMm >> taken.fNumber >> taken.exposureSeconds >>
+        hasIso >> iso >> taken.originalDate;
     taken.iso = hasIso && iso >= 0 ? std::optional(iso) : std::nullopt;
-    for (QString *text : {&taken.make, &taken.model, &taken.originalDate}) {
+    for (QString *text : {&taken.make, &taken.model, &taken.lens, &taken.originalDate}) {
         text->truncate(longestText);
     }
     return stream;

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QList>
 
+#include "base/MessageSocket.h"
 #include "imaging/CaptureMetadata.h"
 #include "imaging/ImageError.h"
 #include "imaging/ImageHeader.h"
@@ -50,12 +51,12 @@ struct DecoderReply {
 
 /// Goes up with every change of the messages, and is the id of the decoder's first one: a program may go on
 /// running while a newer decoder is installed.
-constexpr quint32 decoderProtocol = 1;
+constexpr quint32 decoderProtocol = 2;
 
 /// The longest message of either side, in bytes.
-constexpr qsizetype longestDecoderMessage = 64 << 10;
+constexpr qsizetype longestDecoderMessage = longestMessage;
 /// A request is for at most this many parts.
-constexpr qsizetype mostDecoderParts = 4;
+constexpr qsizetype mostDecoderParts = 12;
 /// The decoder keeps at most this many slots mapped.
 constexpr quint32 mostDecoderSlots = 16;
 

@@ -87,6 +87,7 @@ CaptureMetadata readFrom(const Exiv2::ExifData &data)
     try {
         metadata.make = text(data, "Exif.Image.Make");
         metadata.model = text(data, "Exif.Image.Model");
+        metadata.lens = text(data, "Exif.Photo.LensModel");
         metadata.focalLengthMm = fraction(data, "Exif.Photo.FocalLength");
         metadata.fNumber = fraction(data, "Exif.Photo.FNumber");
         metadata.exposureSeconds = fraction(data, "Exif.Photo.ExposureTime");

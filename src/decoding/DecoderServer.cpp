@@ -18,8 +18,8 @@
 #include <unistd.h>
 
 #include "base/Cancellation.h"
+#include "base/MessageSocket.h"
 #include "decoder_protocol/DecoderMessage.h"
-#include "decoder_protocol/MessageSocket.h"
 #include "decoding/CaptureReader.h"
 #include "decoding/ColorProfile.h"
 #include "decoding/PhotoFile.h"

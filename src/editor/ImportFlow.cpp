@@ -216,7 +216,7 @@ void ImportFlow::copied(const QString &file, const std::optional<FileError> &ref
                                 try {
                                     item = finished.result();
                                 } catch (const PipelineFailure &failure) {
-                                    if (failure.fault()) {
+                                    if (failure.hasTellingFault()) {
                                         notFramed(file, errorDescription(failure));
                                         return;
                                     }

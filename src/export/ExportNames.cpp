@@ -1,5 +1,8 @@
 #include "export/ExportNames.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <QTextBoundaryFinder>
 
 using namespace Qt::StringLiterals;
@@ -8,42 +11,96 @@ namespace tarnovel::ExportNames {
 
 namespace {
 
-constexpr int mostCharacters = 120;
+constexpr qsizetype mostCharacters = 120;
 constexpr qsizetype mostBytes = 255;
 
-/// The longest beginning of whole user-perceived characters within both limits.
-QString cut(const QString &name, qsizetype bytes)
+qsizetype bytesOf(const QString &text)
 {
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, name);
+    return text.toUtf8().size();
+}
+
+/// The longest beginning of whole user-perceived characters within both limits.
+QString cut(const QString &text, qsizetype characters, qsizetype bytes)
+{
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     qsizetype end = 0;
-    for (int count = 0; count < mostCharacters; ++count) {
+    for (qsizetype count = 0; count < characters; ++count) {
         const qsizetype next = finder.toNextBoundary();
-        if (next < 0 || name.left(next).toUtf8().size() > bytes) {
+        if (next < 0 || bytesOf(text.left(next)) > bytes) {
             break;
         }
         end = next;
     }
-    return name.left(end);
+    return text.left(end);
+}
+
+/// A NUL would end the path; the other control characters only confuse.
+QString withoutSeparators(QString text)
+{
+    for (QChar &character : text) {
+        if (character == u'/' || character == u':' || character == u'\\' ||
+            character.category() == QChar::Other_Control) {
+            character = u'_';
+        }
+    }
+    return text;
 }
 
 } // namespace
 
+FieldPattern defaultPattern(bool severalSizes)
+{
+    return FieldPattern(severalSizes ? u"{name}-framed-{size}"_s : u"{name}-framed"_s);
+}
+
+QString fileName(const FieldPattern &pattern, const FieldValues &values, const QString &extension,
+                 int attempt)
+{
+    const QString tail = (attempt == 0 ? QString() : u'-' + QString::number(attempt + 1)) + u'.' + extension;
+    const qsizetype room = mostBytes - bytesOf(tail);
+    FieldValues held = values;
+    held.name = cut(withoutSeparators(values.name), mostCharacters, mostBytes);
+    if (held.name.isEmpty()) {
+        held.name = u"Photo"_s;
+    }
+    QString stem = withoutSeparators(pattern.filled(held));
+    const auto times =
+        std::ranges::count(pattern.pieces(), FieldPattern::Field::Name, &FieldPattern::Piece::field);
+    if (const qsizetype over = bytesOf(stem) - room; over > 0 && times > 0) {
+        const qsizetype fewer = (over + times - 1) / times;
+        held.name = cut(held.name, mostCharacters, std::max<qsizetype>(0, bytesOf(held.name) - fewer));
+        stem = withoutSeparators(pattern.filled(held));
+    }
+    stem = cut(stem, stem.size(), room);
+    return (stem.isEmpty() ? u"Photo"_s : stem) + tail;
+}
+
 QString fileName(const QString &photoName, const QString &extension, int attempt)
 {
-    const QString tail =
-        u"-framed"_s + (attempt == 0 ? QString() : u'-' + QString::number(attempt + 1)) + u'.' + extension;
-    QString name = photoName;
-    for (const QChar separator : {u'/', u':', u'\\'}) {
-        name.replace(separator, u'_');
+    static const FieldPattern pattern = defaultPattern(false);
+    FieldValues values;
+    values.name = photoName;
+    return fileName(pattern, values, extension, attempt);
+}
+
+Plan::Plan(FieldPattern pattern, QString extension)
+    : m_pattern(std::move(pattern)), m_extension(std::move(extension))
+{
+}
+
+int Plan::attempt(const FieldValues &values)
+{
+    const size_t wanted = qHash(name(values, 0));
+    // A pattern that calls all alike is not tried from the beginning each time.
+    int attempt = wanted == m_repeated ? m_repeats + 1 : 0;
+    while (!m_given.insert(qHash(name(values, attempt))).second) {
+        ++attempt;
     }
-    // A NUL would end the path; the other control characters only confuse.
-    for (QChar &character : name) {
-        if (character.category() == QChar::Other_Control) {
-            character = u'_';
-        }
+    if (attempt > 0) {
+        m_repeated = wanted;
+        m_repeats = attempt;
     }
-    name = cut(name, mostBytes - tail.toUtf8().size());
-    return (name.isEmpty() ? u"Photo"_s : name) + tail;
+    return attempt;
 }
 
 } // namespace tarnovel::ExportNames

@@ -11,6 +11,7 @@ namespace tarnovel {
 struct CaptureMetadata {
     QString make;
     QString model;
+    QString lens;
     std::optional<double> focalLengthMm;
     std::optional<double> fNumber;
     std::optional<double> exposureSeconds;

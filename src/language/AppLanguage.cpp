@@ -129,6 +129,16 @@ QStringList systemLanguagesFromEnvironment()
     return tags;
 }
 
+QString languageCode(AppLanguage language)
+{
+    for (const LanguageRow &row : languageRows()) {
+        if (row.language == language) {
+            return row.code;
+        }
+    }
+    return {};
+}
+
 std::optional<AppLanguage> languageFromCode(const QString &code)
 {
     for (const LanguageRow &row : languageRows()) {

@@ -44,6 +44,9 @@ AppLanguage currentLanguage();
 /// name no language.
 QStringList systemLanguagesFromEnvironment();
 
+/// "zh", "en" or "fr".
+QString languageCode(AppLanguage language);
+
 /// None for anything but "zh", "en" and "fr".
 std::optional<AppLanguage> languageFromCode(const QString &code);
 

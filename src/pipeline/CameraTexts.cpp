@@ -4,9 +4,8 @@
 #include <charconv>
 #include <cmath>
 
-#include <QDate>
+#include <QDateTime>
 #include <QStringList>
-#include <QTime>
 
 using namespace Qt::StringLiterals;
 
@@ -38,40 +37,42 @@ QString exposureText(double seconds)
     return fixed(seconds, 1) + u" s"_s;
 }
 
-QString exifText(const CaptureMetadata &metadata)
+/// Date and time apart: as one value, an hour that the reader's time zone skips would not be valid.
+std::optional<QDateTime> takenAt(const QString &original)
 {
-    QStringList parts;
-    if (metadata.focalLengthMm) {
-        parts.append(fixed(*metadata.focalLengthMm, 0) + u" mm"_s);
-    }
-    if (metadata.fNumber) {
-        parts.append(u"f/"_s + fixed(*metadata.fNumber, 1));
-    }
-    if (metadata.exposureSeconds && *metadata.exposureSeconds > 0) {
-        parts.append(exposureText(*metadata.exposureSeconds));
-    }
-    if (metadata.iso) {
-        parts.append(u"ISO "_s + QString::number(*metadata.iso));
-    }
-    return parts.join(u" · "_s);
+    const QDate day = QDate::fromString(original.left(10), u"yyyy:MM:dd"_s);
+    const QTime time = QTime::fromString(original.mid(11), u"HH:mm:ss"_s);
+    const bool valid = day.isValid() && time.isValid() && original.at(10) == u' ';
+    return valid ? std::optional(QDateTime(day, time, Qt::UTC)) : std::nullopt;
 }
 
 } // namespace
 
 CameraTexts CameraTexts::from(const CaptureMetadata &metadata)
 {
+    FieldValues values;
+    setCameraFields(values, metadata);
     CameraTexts texts;
-    texts.brand = printable(metadata.make);
-    texts.model = printable(metadata.model);
-    texts.exif = exifText(metadata);
-    // Date and time apart: as one value, an hour that the reader's time zone skips would not be valid.
-    const QString &original = metadata.originalDate;
-    const QDate day = QDate::fromString(original.left(10), u"yyyy:MM:dd"_s);
-    const QTime time = QTime::fromString(original.mid(11), u"HH:mm:ss"_s);
-    if (day.isValid() && time.isValid() && original.at(10) == u' ') {
-        texts.date = day.toString(u"yyyy.MM.dd"_s);
-    }
+    texts.brand = values.make;
+    texts.model = values.model;
+    QStringList exposure = {values.focal, values.aperture, values.shutter, values.iso};
+    exposure.removeAll(QString());
+    texts.exif = exposure.join(u" · "_s);
+    texts.date = values.taken ? values.taken->toString(u"yyyy.MM.dd"_s) : QString();
     return texts;
+}
+
+void setCameraFields(FieldValues &values, const CaptureMetadata &metadata)
+{
+    values.make = printable(metadata.make);
+    values.model = printable(metadata.model);
+    values.lens = printable(metadata.lens);
+    values.focal = metadata.focalLengthMm ? fixed(*metadata.focalLengthMm, 0) + u" mm"_s : QString();
+    values.aperture = metadata.fNumber ? u"f/"_s + fixed(*metadata.fNumber, 1) : QString();
+    const double exposure = metadata.exposureSeconds.value_or(0);
+    values.shutter = exposure > 0 ? exposureText(exposure) : QString();
+    values.iso = metadata.iso ? u"ISO "_s + QString::number(*metadata.iso) : QString();
+    values.taken = takenAt(metadata.originalDate);
 }
 
 } // namespace tarnovel

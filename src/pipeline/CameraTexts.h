@@ -3,6 +3,7 @@
 #include <QString>
 
 #include "imaging/CaptureMetadata.h"
+#include "language/FieldPattern.h"
 
 namespace tarnovel {
 
@@ -17,5 +18,8 @@ struct CameraTexts {
 
     static CameraTexts from(const CaptureMetadata &metadata);
 };
+
+/// What the camera wrote, as the fields of a pattern show it: the same words as in the frames' own texts.
+void setCameraFields(FieldValues &values, const CaptureMetadata &metadata);
 
 } // namespace tarnovel

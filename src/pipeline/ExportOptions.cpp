@@ -9,8 +9,6 @@ namespace tarnovel {
 
 namespace {
 
-constexpr int shortestLongEdge = 720;
-constexpr int longestLongEdge = 8192;
 constexpr int shortEdgeChoice = 1080;
 
 /// About 96 MB of canvas.
@@ -23,7 +21,8 @@ QSizeF wantedCanvas(const PhotoItem &item, const ExportOptions &options)
     if (options.fullResolution) {
         return FrameGeometry::canvas(ratio, std::trunc(std::max(item.width, item.height)));
     }
-    const int edge = std::clamp(options.longEdge, shortestLongEdge, longestLongEdge);
+    const int edge =
+        std::clamp(options.longEdge, ExportOptions::shortestLongEdge, ExportOptions::longestLongEdge);
     if (edge == shortEdgeChoice) {
         const auto shortEdge = item.settings.preset == CanvasPreset::original
                                    ? FrameGeometry::ShortEdge::PhotosOwn

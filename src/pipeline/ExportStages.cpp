@@ -1,7 +1,9 @@
 #include "pipeline/ExportStages.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
+#include <vector>
 
 #include <QDir>
 #include <QFileInfo>
@@ -55,49 +57,123 @@ ExportStages::ExportStages(ReadingLane &reading, QString temporaryFolder, std::s
     m_composing.setExpiryTimeout(-1);
 }
 
-QFuture<ExportedFile> ExportStages::photo(const PhotoItem &item, const ExportOptions &options,
-                                          std::stop_token stop)
-{
-    auto promise = startedPromise<ExportedFile>();
-    QFuture<ExportedFile> future = promise->future();
-    ++m_exports;
-    m_reading.thread.start([this, promise, item, options, stop = std::move(stop)]() mutable {
-        m_room.acquire();
-        const auto read = std::make_shared<ReadPhoto>();
-        const JoinedStop either(stop, m_ending);
-        try {
-            *read = promised(item.file, either.token(), [&](const std::stop_token &token) {
-                const QSize canvas = outputCanvas(item, options);
-                return ReadPhoto{canvas, frameImages(m_reading.reader, item, canvas, token)};
-            });
-        } catch (...) {
-            ended();
-            promise->setException(std::current_exception());
-            promise->finish();
-            return;
+struct ExportStages::Exporting {
+    PhotoItem item;
+    std::stop_token stop;
+    /// One size, until its promise is kept.
+    struct Size {
+        ExportOptions options;
+        QPromise<ExportedFile> promise;
+        QSize canvas;
+        CompositionImages images;
+        bool told = false;
+
+        void fail(const std::exception_ptr &failure)
+        {
+            told = true;
+            promise.setException(failure);
+            promise.finish();
         }
-        m_composing.start([this, promise = std::move(promise), item, options, stop, read] {
-            const JoinedStop eitherNow(stop, m_ending);
-            fulfil(
-                *promise, item.file, eitherNow.token(),
-                [&](const std::stop_token &token) { return composed(item, options, *read, token); },
-                [this] { ended(); });
-        });
-    });
-    return future;
+    };
+    std::vector<Size> sizes;
+
+    /// Those that nobody has been told of.
+    std::vector<Size *> open()
+    {
+        std::vector<Size *> waiting;
+        for (Size &size : sizes) {
+            if (!size.told) {
+                waiting.push_back(&size);
+            }
+        }
+        return waiting;
+    }
+};
+
+QList<QFuture<ExportedFile>> ExportStages::sizes(const PhotoItem &item, const QList<ExportOptions> &sizes,
+                                                 std::stop_token stop)
+{
+    const auto exporting = std::make_shared<Exporting>();
+    exporting->item = item;
+    exporting->stop = std::move(stop);
+    QList<QFuture<ExportedFile>> futures;
+    for (const ExportOptions &options : sizes) {
+        Exporting::Size &size = exporting->sizes.emplace_back();
+        size.options = options;
+        futures.append(size.promise.future());
+        size.promise.start();
+    }
+    ++m_exports;
+    m_reading.thread.start([this, exporting] { read(exporting); });
+    return futures;
 }
 
-ExportedFile ExportStages::composed(const PhotoItem &item, const ExportOptions &options, ReadPhoto &read,
-                                    const std::stop_token &stop)
+void ExportStages::read(const std::shared_ptr<Exporting> &exporting)
 {
-    if (m_canvas.size() != read.canvas) {
-        m_canvas = QImage();
-        m_canvas = QImage(read.canvas, QImage::Format_RGB32);
+    m_room.acquire();
+    const JoinedStop either(exporting->stop, m_ending);
+    std::exception_ptr failure;
+    for (Exporting::Size &size : exporting->sizes) {
+        try {
+            size.canvas = outputCanvas(exporting->item, size.options);
+        } catch (const PipelineFailure &) {
+            failure = std::current_exception();
+            // The others go on; the last is told of after the room for the next photo has been made.
+            if (exporting->open().size() > 1) {
+                size.fail(failure);
+            }
+        }
     }
-    compose(m_canvas, item, read.images);
-    read.images = {}; // the memory that they lie in is wanted for the next
-    throwIfCancelled(stop);
-    return written(m_canvas, options, stop);
+    const std::vector<Exporting::Size *> wanted = exporting->open();
+    const bool hasCanvas =
+        std::ranges::any_of(wanted, [](const auto *size) { return !size->canvas.isEmpty(); });
+    try {
+        if (hasCanvas) {
+            QList<QSize> canvases;
+            std::ranges::transform(wanted, std::back_inserter(canvases), &Exporting::Size::canvas);
+            const auto images =
+                promised(exporting->item.file, either.token(), [&](const std::stop_token &token) {
+                    return frameImages(m_reading.reader, exporting->item, canvases, token);
+                });
+            for (size_t i = 0; i < wanted.size(); ++i) {
+                wanted[i]->images = images.at(static_cast<qsizetype>(i));
+            }
+            m_composing.start([this, exporting] { write(exporting); });
+            return;
+        }
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    ended();
+    for (Exporting::Size *size : wanted) {
+        size->fail(failure);
+    }
+}
+
+void ExportStages::write(const std::shared_ptr<Exporting> &exporting)
+{
+    const JoinedStop either(exporting->stop, m_ending);
+    const std::vector<Exporting::Size *> wanted = exporting->open();
+    for (Exporting::Size *size : wanted) {
+        const auto work = [&](const std::stop_token &token) {
+            if (m_canvas.size() != size->canvas) {
+                m_canvas = QImage();
+                m_canvas = QImage(size->canvas, QImage::Format_RGB32);
+            }
+            compose(m_canvas, exporting->item, size->images);
+            size->images = {}; // the memory that they lie in is wanted for the next
+            throwIfCancelled(token);
+            return written(m_canvas, size->options, token);
+        };
+        const bool last = size == wanted.back();
+        // A file that nobody waits for any more goes as soon as it has been told of.
+        QPromise<ExportedFile> promise = std::move(size->promise);
+        fulfil(promise, exporting->item.file, either.token(), work, [this, last] {
+            if (last) {
+                ended();
+            }
+        });
+    }
 }
 
 void ExportStages::ended()

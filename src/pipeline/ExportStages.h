@@ -6,6 +6,7 @@
 
 #include <QFuture>
 #include <QImage>
+#include <QList>
 #include <QSemaphore>
 #include <QString>
 #include <QThreadPool>
@@ -32,20 +33,19 @@ public:
     /// Photos are read on `reading`, which outlives this. `ending` stops what is still to be done.
     ExportStages(ReadingLane &reading, QString temporaryFolder, std::stop_token ending);
 
-    QFuture<ExportedFile> photo(const PhotoItem &item, const ExportOptions &options, std::stop_token stop);
+    /// One file for each of the sizes, from one decoding; each may fail alone.
+    QList<QFuture<ExportedFile>> sizes(const PhotoItem &item, const QList<ExportOptions> &sizes,
+                                       std::stop_token stop);
     QFuture<ExportedFile> image(const QImage &image, const ExportOptions &options, std::stop_token stop);
 
     /// Returns when the second stage has nothing more to do.
     void waitForDone() { m_composing.waitForDone(); }
 
 private:
-    /// A photo that has been read, and the canvas that it is for.
-    struct ReadPhoto {
-        QSize canvas;
-        CompositionImages images;
-    };
-    ExportedFile composed(const PhotoItem &item, const ExportOptions &options, ReadPhoto &read,
-                          const std::stop_token &stop);
+    /// The sizes of one photo on their way.
+    struct Exporting;
+    void read(const std::shared_ptr<Exporting> &exporting);
+    void write(const std::shared_ptr<Exporting> &exporting);
     ExportedFile written(const QImage &image, const ExportOptions &options,
                          const std::stop_token &stop) const;
     /// A photo has been written, or given up.

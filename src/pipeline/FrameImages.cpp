@@ -55,31 +55,41 @@ QImage signatureImage(PhotoReader &reader, const PhotoItem &item, QSize canvas, 
 
 } // namespace
 
-CompositionImages frameImages(PhotoReader &reader, const PhotoItem &item, QSize canvas,
-                              const std::stop_token &stop)
+QList<CompositionImages> frameImages(PhotoReader &reader, const PhotoItem &item, const QList<QSize> &canvases,
+                                     const std::stop_token &stop)
 {
     const FrameSettings &settings = item.settings;
     // A film frame fills the whole canvas with its base: nothing would be seen of a backdrop.
     const bool hasBackdrop = settings.style != FrameStyle::film;
     const bool blurs = hasBackdrop && settings.background == Backdrop::blur;
-    CompositionImages images;
-    PhotoReader::Placed read =
-        reader.placed(item.file, CompositionRenderer::photoPlacement(item, settings, canvas), canvas,
-                      blurs ? blurSourcePixels : 0, stop);
-    images.photo = read.photo;
-    throwIfCancelled(stop);
-    if (blurs) {
-        images.background = coveringPicture(gaussianBlurred(read.small, blurSigma), canvas);
-    } else if (hasBackdrop && settings.background == Backdrop::image && settings.backgroundFile) {
-        images.background = coveringPicture(
-            reader.picture(FramePicture::Background, *settings.backgroundFile, backdropPixels, stop), canvas);
+    QList<PlacedRegion> regions;
+    for (const QSize canvas : canvases) {
+        regions.append(placedRegion(CompositionRenderer::photoPlacement(item, settings, canvas), canvas));
     }
+    const PhotoReader::PlacedParts read =
+        reader.placed(item.file, regions, blurs ? blurSourcePixels : 0, stop);
     throwIfCancelled(stop);
-    // Logo and signature are resampled to the pixels that they cover, as the photo is: the painter scales
-    // badly.
-    images.logo = logoImage(reader, item, canvas, stop);
-    images.signature = signatureImage(reader, item, canvas, stop);
-    return images;
+    const QImage blurred = blurs ? gaussianBlurred(read.small, blurSigma) : QImage();
+    QList<CompositionImages> all;
+    for (qsizetype i = 0; i < canvases.size(); ++i) {
+        const QSize canvas = canvases.at(i);
+        CompositionImages images;
+        images.photo = read.photos.at(i);
+        if (blurs) {
+            images.background = coveringPicture(blurred, canvas);
+        } else if (hasBackdrop && settings.background == Backdrop::image && settings.backgroundFile) {
+            images.background = coveringPicture(
+                reader.picture(FramePicture::Background, *settings.backgroundFile, backdropPixels, stop),
+                canvas);
+        }
+        throwIfCancelled(stop);
+        // Logo and signature are resampled to the pixels that they cover, as the photo is: the painter scales
+        // badly.
+        images.logo = logoImage(reader, item, canvas, stop);
+        images.signature = signatureImage(reader, item, canvas, stop);
+        all.append(images);
+    }
+    return all;
 }
 
 void compose(QImage &canvas, const PhotoItem &item, const CompositionImages &images)

@@ -3,6 +3,7 @@
 #include <stop_token>
 
 #include <QImage>
+#include <QList>
 #include <QSize>
 
 #include "pipeline/PhotoReader.h"
@@ -14,10 +15,10 @@ constexpr int blurSourcePixels = 500;
 /// Its blur's standard deviation, in pixels of that picture.
 constexpr double blurSigma = 22;
 
-/// All that a framed photo is drawn with, read at the pixels that it covers on the canvas. The photo is lent:
-/// it is to be drawn soon. Throws what PhotoReader throws.
-CompositionImages frameImages(PhotoReader &reader, const PhotoItem &item, QSize canvas,
-                              const std::stop_token &stop);
+/// All that a framed photo is drawn with on each canvas, read at the pixels that it covers there, from one
+/// decoding. The photo is lent: it is to be drawn soon. Throws what PhotoReader throws.
+QList<CompositionImages> frameImages(PhotoReader &reader, const PhotoItem &item, const QList<QSize> &canvases,
+                                     const std::stop_token &stop);
 
 /// Draws a framed photo over the whole canvas. A canvas that no memory was found for throws PipelineFailure.
 void compose(QImage &canvas, const PhotoItem &item, const CompositionImages &images);

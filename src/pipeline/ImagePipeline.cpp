@@ -55,7 +55,13 @@ auto ImagePipeline::onScreenThread(const QString &subject, std::stop_token stop,
 QFuture<ExportedFile> ImagePipeline::exportPhoto(const PhotoItem &item, const ExportOptions &options,
                                                  std::stop_token stop)
 {
-    return m_exports.photo(item, options, std::move(stop));
+    return exportSizes(item, {options}, std::move(stop)).first();
+}
+
+QList<QFuture<ExportedFile>>
+ImagePipeline::exportSizes(const PhotoItem &item, const QList<ExportOptions> &sizes, std::stop_token stop)
+{
+    return m_exports.sizes(item, sizes, std::move(stop));
 }
 
 QFuture<QImage> ImagePipeline::read(const QString &file, int maxPixel, std::stop_token stop)
@@ -72,6 +78,13 @@ QFuture<PhotoItem> ImagePipeline::inspect(const ImportedFile &imported, TestDeco
                           [this, imported, testDecode](const std::stop_token &token) {
                               return inspected(imported, testDecode, token);
                           });
+}
+
+QFuture<CaptureMetadata> ImagePipeline::captured(const QString &file, std::stop_token stop)
+{
+    return onScreenThread(file, std::move(stop), [this, file](const std::stop_token &token) {
+        return m_screen.reader.facts(file, token).metadata;
+    });
 }
 
 QFuture<QList<Ink>> ImagePipeline::primaryColors(const QString &file, std::stop_token stop)
@@ -119,7 +132,7 @@ QFuture<ExportedFile> ImagePipeline::exportImage(const QImage &image, const Expo
 QFuture<QImage> ImagePipeline::render(const PhotoItem &item, QSize canvas, std::stop_token stop)
 {
     return onScreenThread(item.file, std::move(stop), [this, item, canvas](const std::stop_token &token) {
-        const CompositionImages images = frameImages(m_screen.reader, item, canvas, token);
+        const CompositionImages images = frameImages(m_screen.reader, item, {canvas}, token).first();
         throwIfCancelled(token);
         QImage image(canvas, QImage::Format_RGB32);
         compose(image, item, images);

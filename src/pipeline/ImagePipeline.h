@@ -9,6 +9,7 @@
 #include <QList>
 #include <QString>
 
+#include "imaging/CaptureMetadata.h"
 #include "model/ImportedFile.h"
 #include "model/Session.h"
 #include "pipeline/ExportStages.h"
@@ -64,6 +65,18 @@ public:
     /// Renders and encodes a photo into a new file in the temporary folder.
     QFuture<ExportedFile> exportPhoto(const PhotoItem &item, const ExportOptions &options,
                                       std::stop_token stop = {});
+
+    /// The same in several sizes, at most `mostSizes`, from one decoding; each size may fail alone. The
+    /// futures come in the order of the options.
+    QList<QFuture<ExportedFile>> exportSizes(const PhotoItem &item, const QList<ExportOptions> &sizes,
+                                             std::stop_token stop = {});
+    static constexpr qsizetype mostSizes = 8;
+
+    /// Where a file of the library lies.
+    QString path(const QString &file) const { return m_reading.reader.path(file); }
+
+    /// What the camera wrote about a photo.
+    QFuture<CaptureMetadata> captured(const QString &file, std::stop_token stop = {});
 
     /// The part of a photo that a canvas of this size shows, decoded straight to the canvas's pixels.
     QFuture<PhotoImage> readPlaced(const QString &file, const PhotoPlacement &placement, QSize canvas,

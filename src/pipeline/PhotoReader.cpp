@@ -30,9 +30,10 @@ std::optional<PictureFault> faultOf(const ImageError &error)
         return PictureFault::TooLarge;
     case ImageError::Cause::NoDecoder:
         return PictureFault::NoDecoder;
+    case ImageError::Cause::Damaged:
+        return PictureFault::Damaged;
     case ImageError::Cause::Missing:
     case ImageError::Cause::Unsupported:
-    case ImageError::Cause::Damaged:
         break;
     }
     return std::nullopt;
@@ -78,10 +79,11 @@ PipelineFailure PhotoReader::failure(const QString &file, FramePicture which, co
 {
     qCWarning(logImaging) << path(file) << error.what();
     const QString named = which == FramePicture::Photo ? QString() : file;
-    if (const std::optional<PictureFault> fault = faultOf(error)) {
-        return {PipelineError::unreadable, named, which, *fault};
-    }
-    return PipelineFailure(PipelineError::unreadable, named, which, fileTrouble(path(file)));
+    const std::optional<PictureFault> fault = faultOf(error);
+    const std::optional<FileError> trouble =
+        !fault || *fault == PictureFault::Damaged ? fileTrouble(path(file)) : std::nullopt;
+    return fault && !trouble ? PipelineFailure(PipelineError::unreadable, named, which, *fault)
+                             : PipelineFailure(PipelineError::unreadable, named, which, trouble);
 }
 
 template<typename Work>
@@ -175,26 +177,35 @@ QImage PhotoReader::thumbnail(const QString &file, const RegularFile &photo, con
 }
 
 PhotoReader::Placed PhotoReader::placed(const QString &file, const PhotoPlacement &placement, QSize canvas,
-                                        int smallPixelsWanted, const std::stop_token &stop)
+                                        int smallPixels, const std::stop_token &stop)
 {
-    const PlacedRegion region = placedRegion(placement, canvas);
+    PlacedParts parts = placed(file, {placedRegion(placement, canvas)}, smallPixels, stop);
+    return {parts.photos.first(), parts.small};
+}
+
+PhotoReader::PlacedParts PhotoReader::placed(const QString &file, const QList<PlacedRegion> &regions,
+                                             int smallPixels, const std::stop_token &stop)
+{
     return reading(FramePicture::Photo, file, [&](const RegularFile &photo) {
         const QSize whole = m_decoder.facts(photo, stop).header.uprightSize();
         QList<PicturePart> parts;
-        if (!region.pixels.isEmpty()) {
-            const QRectF &part = region.extent;
-            parts.append({{part.x() * whole.width(), part.y() * whole.height(), part.width() * whole.width(),
-                           part.height() * whole.height()},
-                          region.pixels.size()});
+        for (const PlacedRegion &region : regions) {
+            if (!region.pixels.isEmpty()) {
+                const QRectF &part = region.extent;
+                parts.append({{part.x() * whole.width(), part.y() * whole.height(),
+                               part.width() * whole.width(), part.height() * whole.height()},
+                              region.pixels.size()});
+            }
         }
-        if (smallPixelsWanted > 0) {
-            parts.append(PicturePart::whole(whole, smallPixelsWanted));
+        if (smallPixels > 0) {
+            parts.append(PicturePart::whole(whole, smallPixels));
         }
-        Placed result;
-        if (!parts.isEmpty()) {
-            QList<QImage> images = m_decoder.decode(photo, parts, stop);
-            result.small = smallPixelsWanted > 0 ? images.takeLast() : QImage();
-            result.photo = images.isEmpty() ? PhotoImage() : PhotoImage{images.first(), region.extent};
+        PlacedParts result;
+        QList<QImage> images = parts.isEmpty() ? QList<QImage>() : m_decoder.decode(photo, parts, stop);
+        result.small = smallPixels > 0 ? images.takeLast() : QImage();
+        for (const PlacedRegion &region : regions) {
+            result.photos.append(region.pixels.isEmpty() ? PhotoImage()
+                                                         : PhotoImage{images.takeFirst(), region.extent});
         }
         return result;
     });

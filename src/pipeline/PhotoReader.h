@@ -12,6 +12,8 @@
 
 namespace tarnovel {
 
+struct PlacedRegion;
+
 /// Whether decoded photos are remembered.
 enum class PictureMemory {
     /// As the window wants it: a photo is decoded once, in the size of its preview, and all smaller pictures
@@ -47,6 +49,15 @@ public:
     /// from one decoding. The part is lent: it is to be drawn soon.
     Placed placed(const QString &file, const PhotoPlacement &placement, QSize canvas, int smallPixels,
                   const std::stop_token &stop);
+
+    struct PlacedParts {
+        /// In the order of the regions.
+        QList<PhotoImage> photos;
+        QImage small;
+    };
+    /// The same for several canvases, from one decoding.
+    PlacedParts placed(const QString &file, const QList<PlacedRegion> &regions, int smallPixels,
+                       const std::stop_token &stop);
 
     /// Gives the memory of lent pictures back.
     void rest() { m_decoder.rest(); }

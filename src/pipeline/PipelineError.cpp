@@ -120,6 +120,8 @@ QString faultDescription(PictureFault fault)
         return localized({"读取照片的组件无法启动，请重新安装 Tarnovel。",
                           "The part of Tarnovel that reads photos cannot be started. Install Tarnovel again.",
                           "Le composant qui lit les photos ne démarre pas. Réinstallez Tarnovel."});
+    case PictureFault::Damaged:
+        break;
     }
     return {};
 }

@@ -22,9 +22,9 @@ QString errorDescription(const FileError &error);
 enum class FramePicture { Photo, Background, Logo, Signature };
 
 /// What is wrong with a file that holds a picture, but none that can be framed: nothing but a small preview
-/// of it, or more pixels than are taken into memory. `NoDecoder` is not the file's fault: what reads it
-/// cannot be started.
-enum class PictureFault { SmallPreview, TooLarge, NoDecoder };
+/// of it, or more pixels than are taken into memory. `Damaged` is one that begins as a picture and does not
+/// go on as one. `NoDecoder` is not the file's fault: what reads it cannot be started.
+enum class PictureFault { SmallPreview, TooLarge, NoDecoder, Damaged };
 
 /// A PipelineError on its way through a QFuture.
 class PipelineFailure : public QException {
@@ -56,6 +56,8 @@ public:
     FramePicture picture() const { return m_picture; }
     const std::optional<FileError> &trouble() const { return m_trouble; }
     std::optional<PictureFault> fault() const { return m_fault; }
+    /// Whether there is more to say of what is in the file than that it cannot be read.
+    bool hasTellingFault() const { return m_fault && *m_fault != PictureFault::Damaged; }
 
 private:
     PipelineError m_error;

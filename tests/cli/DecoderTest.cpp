@@ -39,7 +39,7 @@ protected:
 
     void startAndSignal(int signal)
     {
-        QStringList arguments = {u"export"_s, u"--json"_s, u"-o"_s, u"out"_s};
+        QStringList arguments = {u"export"_s, u"--json"_s, u"-j"_s, u"1"_s, u"-o"_s, u"out"_s};
         for (int i = 0; i < 6; ++i) {
             arguments.append(m_program.photo(u"%1.jpg"_s.arg(i), 4000, 3000));
         }

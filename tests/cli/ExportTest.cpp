@@ -48,8 +48,9 @@ TEST(Export, ReportsEachPhotoAsALineOfJson)
     EXPECT_EQ(outcome.errors, "tarnovel: broken.jpg: Cannot read this photo. Try JPEG, HEIC or PNG.\n");
     const QList<Json> lines = outcome.lines();
     ASSERT_EQ(lines.size(), 2);
-    EXPECT_EQ(lines[0],
-              (Json{{"photo", "broken.jpg"}, {"error", "Cannot read this photo. Try JPEG, HEIC or PNG."}}));
+    EXPECT_EQ(lines[0], (Json{{"photo", "broken.jpg"},
+                              {"error", "Cannot read this photo. Try JPEG, HEIC or PNG."},
+                              {"code", "unreadable"}}));
     // `full` keeps the photo's ratio, and the 1080 canvas of a photo's own ratio its own short edge.
     const Json &line = lines[1];
     EXPECT_EQ(line["file"], "out/one-framed.jpg");
@@ -169,9 +170,9 @@ TEST(Export, TakesTheLastOfAnOptionGivenTwiceAndSparesForeignFiles)
     program.photo(u"a.jpg"_s);
     ASSERT_TRUE(QDir().mkdir(program.path(u"out"_s)));
     program.file(u"out/.tarnovel-notes"_s, "precious");
-    const Outcome outcome = program.run({u"export"_s, u"--json"_s, u"--size"_s, u"1080"_s, u"--size"_s,
-                                         u"720"_s, u"-o"_s, u"out"_s, u"a.jpg"_s});
-    EXPECT_EQ(outcome.lines().value(0)["height"], 720);
+    const Outcome outcome = program.run(
+        {u"export"_s, u"--json"_s, u"-t"_s, u"gear"_s, u"-t"_s, u"full"_s, u"-o"_s, u"out"_s, u"a.jpg"_s});
+    EXPECT_EQ(outcome.lines().value(0)["style"]["templateID"], "full");
     EXPECT_EQ(program.entries(u"out"_s), (QStringList{u".tarnovel-notes"_s, u"a-framed.jpg"_s}));
 }
 

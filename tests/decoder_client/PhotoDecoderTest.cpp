@@ -71,9 +71,9 @@ protected:
     explicit FakeDecoding() { written(path(u"a.jpg"_s), jpeg(texture({40, 30}))); }
     ~FakeDecoding() override { qunsetenv("TARNOVEL_FAKE_DECODER"); }
 
-    static DecoderProcess::Patience brief()
+    static ChildProcess::Patience brief()
     {
-        DecoderProcess::Patience patience;
+        ChildProcess::Patience patience;
         patience.still = milliseconds(600);
         patience.work = milliseconds(400);
         return patience;
@@ -216,7 +216,7 @@ TEST_F(PhotoDecoding, StartsAnotherOneWhereTheDecoderHasBeenKilled)
 TEST_F(FakeDecoding, GivesUpAtOnceWhatIsNoLongerWanted)
 {
     behave("hangs at pictures");
-    DecoderProcess::Patience patience;
+    ChildProcess::Patience patience;
     patience.still = std::chrono::minutes(10);
     PhotoDecoder decoder(QStringLiteral(FAKE_DECODER), patience);
     const RegularFile photo(path(u"a.jpg"_s));

@@ -35,5 +35,45 @@ TEST(ExportNames, AreCutBetweenCharactersToFitTheFileSystem)
     }
 }
 
+TEST(ExportNames, FollowAPattern)
+{
+    const auto name = [](const QString &pattern, FieldValues values, int attempt = 0) {
+        return ExportNames::fileName(FieldPattern(pattern), values, u"jpg"_s, attempt).toStdString();
+    };
+    FieldValues values;
+    values.name = u"a/b"_s;
+    values.aperture = u"f/5.6"_s;
+    EXPECT_EQ(name(u"{name} {aperture}"_s, values), "a_b f_5.6.jpg");
+    EXPECT_EQ(name(u"../x\\{{1}}:"_s, values, 2), ".._x_{1}_-3.jpg");
+    EXPECT_EQ(name(u"{iso}"_s, values), "Photo.jpg");
+    EXPECT_EQ(name(u"{name}-{name}"_s, {}), "Photo-Photo.jpg");
+    // The photo's name gives way before what stands around it.
+    values.name = QString(120, u'照');
+    values.make = QString(30, u'm');
+    const std::string twice = name(u"{name}{make}{name}-end"_s, values, 1);
+    EXPECT_LE(twice.size(), 255u);
+    EXPECT_GT(twice.size(), 245u);
+    EXPECT_TRUE(QString::fromStdString(twice).endsWith(u"-end-2.jpg"_s)) << twice;
+    EXPECT_EQ(name(QString(300, u'x'), values, 1), (QString(249, u'x') + u"-2.jpg"_s).toStdString());
+}
+
+TEST(ExportNames, OfABatchDependOnItsOrderAlone)
+{
+    ExportNames::Plan plan(FieldPattern(u"{name}"_s), u"jpg"_s);
+    const auto next = [&plan](const QString &name) {
+        FieldValues values;
+        values.name = name;
+        return plan.name(values, plan.attempt(values)).toStdString();
+    };
+    EXPECT_EQ(next(u"a"_s), "a.jpg");
+    EXPECT_EQ(next(u"b"_s), "b.jpg");
+    EXPECT_EQ(next(u"a"_s), "a-2.jpg");
+    EXPECT_EQ(next(u"a"_s), "a-3.jpg");
+    EXPECT_EQ(next(u"a-2"_s), "a-2-2.jpg");
+    EXPECT_EQ(next(u"a/"_s), "a_.jpg");
+    EXPECT_EQ(next(u"a:"_s), "a_-2.jpg");
+    EXPECT_EQ(next(u"a"_s), "a-4.jpg");
+}
+
 } // namespace
 } // namespace tarnovel

@@ -7,8 +7,8 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include "base/MessageSocket.h"
 #include "decoder_protocol/DecoderMessage.h"
-#include "decoder_protocol/MessageSocket.h"
 
 using namespace tarnovel;
 

@@ -1,12 +1,10 @@
-#include "decoder_protocol/MessageSocket.h"
+#include "base/MessageSocket.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 
 #include <sys/socket.h>
-
-#include "decoder_protocol/DecoderMessage.h"
 
 namespace tarnovel {
 
@@ -60,7 +58,7 @@ bool sendMessage(int socket, const QByteArray &bytes, const std::vector<int> &de
 
 Receiving receiveMessage(int socket, ReceivedMessage &message, size_t mostDescriptors)
 {
-    QByteArray bytes(longestDecoderMessage, Qt::Uninitialized);
+    QByteArray bytes(longestMessage, Qt::Uninitialized);
     iovec content{bytes.data(), static_cast<size_t>(bytes.size())};
     msghdr header{};
     header.msg_iov = &content;

@@ -1,36 +1,43 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <stop_token>
 #include <vector>
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
-#include "decoder_protocol/MessageSocket.h"
+#include "base/MessageSocket.h"
 
 namespace tarnovel {
 
-/// The decoder's process and the socket to it. It ends with this.
-class DecoderProcess {
+/// A process that works for this one, and the socket to it, which it finds as its descriptor
+/// `ChildProcess::socketOfChild`. It ends with this.
+class ChildProcess {
 public:
-    /// Starts the program. Throws an ImageError (NoDecoder) when it cannot be started.
-    explicit DecoderProcess(const QString &program);
-    ~DecoderProcess();
-    DecoderProcess(const DecoderProcess &) = delete;
-    DecoderProcess &operator=(const DecoderProcess &) = delete;
+    /// Null when the program cannot be started.
+    static std::unique_ptr<ChildProcess> started(const QString &program, const QStringList &arguments = {});
+    ~ChildProcess();
+    ChildProcess(const ChildProcess &) = delete;
+    ChildProcess &operator=(const ChildProcess &) = delete;
+
+    static constexpr int socketOfChild = 3;
 
     /// False when the process has ended.
     bool send(const QByteArray &bytes, const std::vector<int> &descriptors = {});
 
     enum class Outcome { Message, Ended, Hung, Exhausted, Stopped, TimedOut };
     struct Patience {
-        /// How long the decoder's own processor clock may stand still before it counts as hung.
+        /// How long the process's own processor clock, and those of the processes that it has started, may
+        /// stand still before it counts as hung.
         std::chrono::milliseconds still{10'000};
         /// How long a thread of it may wait for a disk, as while one spins up.
         std::chrono::milliseconds disk{60'000};
-        /// How much processor time one request may take: the largest pictures need about a minute.
+        /// How much processor time one request may take: decoding the largest pictures needs about a
+        /// minute.
         std::chrono::milliseconds work{180'000};
         /// How long to wait at all; for ever where none.
         std::optional<std::chrono::milliseconds> wait = {};
@@ -44,10 +51,9 @@ public:
     QByteArray end();
 
 private:
-    std::chrono::nanoseconds processorTime() const;
-    bool waitsForDisk() const;
+    ChildProcess(pid_t pid, OwnedDescriptor socket);
 
-    pid_t m_pid = -1;
+    pid_t m_pid;
     OwnedDescriptor m_socket;
     OwnedDescriptor m_process;
 };

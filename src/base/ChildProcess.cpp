@@ -1,9 +1,10 @@
-#include "decoder_client/DecoderProcess.h"
+#include "base/ChildProcess.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <ctime>
+#include <utility>
 
 #include <poll.h>
 #include <signal.h>
@@ -14,10 +15,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QByteArrayList>
 #include <QDir>
 #include <QFile>
-
-#include "imaging/ImageError.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,18 +32,15 @@ using std::chrono::steady_clock;
 constexpr milliseconds lookEvery{250};
 /// What a process that does nothing may use by the way.
 constexpr milliseconds leastMovement{1};
-/// Where the decoder expects its socket.
-constexpr int decoderSocket = 3;
-
 /// What a new process takes over from this one, and what not.
 class SpawnPlan {
 public:
     explicit SpawnPlan(int socket)
     {
         posix_spawn_file_actions_init(&m_actions);
-        posix_spawn_file_actions_adddup2(&m_actions, socket, decoderSocket);
+        posix_spawn_file_actions_adddup2(&m_actions, socket, ChildProcess::socketOfChild);
         posix_spawnattr_init(&m_attributes);
-        // A session of its own: Ctrl-C in the terminal is for the program, which ends the decoder.
+        // A session of its own: Ctrl-C in the terminal is for the program, which ends its children.
         posix_spawnattr_setflags(&m_attributes,
                                  POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
         sigset_t none;
@@ -61,13 +58,21 @@ public:
     SpawnPlan(const SpawnPlan &) = delete;
     SpawnPlan &operator=(const SpawnPlan &) = delete;
 
-    pid_t start(const QString &program) const
+    pid_t start(const QString &program, const QStringList &arguments) const
     {
-        QByteArray path = QFile::encodeName(program);
-        const std::array<char *, 2> arguments = {path.data(), nullptr};
+        const QByteArray path = QFile::encodeName(program);
+        QByteArrayList encoded = {path};
+        for (const QString &argument : arguments) {
+            encoded.append(QFile::encodeName(argument));
+        }
+        std::vector<char *> pointers;
+        for (QByteArray &argument : encoded) {
+            pointers.push_back(argument.data());
+        }
+        pointers.push_back(nullptr);
         pid_t pid = -1;
         const int failed =
-            posix_spawn(&pid, path.constData(), &m_actions, &m_attributes, arguments.data(), environ);
+            posix_spawn(&pid, path.constData(), &m_actions, &m_attributes, pointers.data(), environ);
         return failed == 0 ? pid : -1;
     }
 
@@ -76,39 +81,92 @@ private:
     posix_spawnattr_t m_attributes{};
 };
 
-} // namespace
-
-DecoderProcess::DecoderProcess(const QString &program)
+QList<pid_t> childrenOf(pid_t process)
 {
-    if (program.isEmpty()) {
-        throw ImageError(ImageError::Cause::NoDecoder, "there is no decoder");
+    QList<pid_t> found;
+    const QDir tasks(u"/proc/%1/task"_s.arg(process));
+    for (const QString &thread : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile children(tasks.filePath(thread + u"/children"_s));
+        if (children.open(QIODevice::ReadOnly)) {
+            for (const QByteArray &child : children.readAll().simplified().split(' ')) {
+                if (const pid_t pid = child.toInt(); pid > 0) {
+                    found.append(pid);
+                }
+            }
+        }
     }
-    std::array<int, 2> ends = {-1, -1};
-    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
-        throw ImageError(ImageError::Cause::NoDecoder, "no socket");
-    }
-    m_socket = OwnedDescriptor(ends[0]);
-    const OwnedDescriptor other(ends[1]);
-    m_pid = SpawnPlan(other.get()).start(program);
-    if (m_pid < 0) {
-        throw ImageError(ImageError::Cause::NoDecoder, "cannot be started: " + program.toUtf8());
-    }
-    m_process = OwnedDescriptor(static_cast<int>(syscall(SYS_pidfd_open, m_pid, 0)));
+    return found;
 }
 
-DecoderProcess::~DecoderProcess()
+nanoseconds processorTime(pid_t process)
+{
+    clockid_t clock{};
+    timespec time{};
+    if (clock_getcpuclockid(process, &clock) != 0 || clock_gettime(clock, &time) != 0) {
+        return {};
+    }
+    return std::chrono::seconds(time.tv_sec) + nanoseconds(time.tv_nsec);
+}
+
+nanoseconds processorTimeOfAll(pid_t process)
+{
+    nanoseconds sum = processorTime(process);
+    for (const pid_t child : childrenOf(process)) {
+        sum += processorTime(child);
+    }
+    return sum;
+}
+
+bool waitsForDisk(pid_t process)
+{
+    const QDir tasks(u"/proc/%1/task"_s.arg(process));
+    const QStringList threads = tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    return std::ranges::any_of(threads, [&tasks](const QString &thread) {
+        QFile stat(tasks.filePath(thread + u"/stat"_s));
+        // The state stands behind the name, which is in parentheses.
+        return stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") D ");
+    });
+}
+
+bool anyWaitsForDisk(pid_t process)
+{
+    return waitsForDisk(process) || std::ranges::any_of(childrenOf(process), waitsForDisk);
+}
+
+} // namespace
+
+std::unique_ptr<ChildProcess> ChildProcess::started(const QString &program, const QStringList &arguments)
+{
+    std::array<int, 2> ends = {-1, -1};
+    if (program.isEmpty() || socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+        return nullptr;
+    }
+    OwnedDescriptor socket(ends[0]);
+    const OwnedDescriptor other(ends[1]);
+    const pid_t pid = SpawnPlan(other.get()).start(program, arguments);
+    return pid < 0 ? nullptr : std::unique_ptr<ChildProcess>(new ChildProcess(pid, std::move(socket)));
+}
+
+ChildProcess::ChildProcess(pid_t pid, OwnedDescriptor socket)
+    : m_pid(pid),
+      m_socket(std::move(socket)),
+      m_process(OwnedDescriptor(static_cast<int>(syscall(SYS_pidfd_open, pid, 0))))
+{
+}
+
+ChildProcess::~ChildProcess()
 {
     end();
 }
 
-void DecoderProcess::kill() const
+void ChildProcess::kill() const
 {
     if (m_pid > 0) {
         ::kill(m_pid, SIGKILL);
     }
 }
 
-QByteArray DecoderProcess::end()
+QByteArray ChildProcess::end()
 {
     if (m_pid < 0) {
         return {};
@@ -126,34 +184,13 @@ QByteArray DecoderProcess::end()
     return what + QByteArray::number(ended.si_status);
 }
 
-bool DecoderProcess::send(const QByteArray &bytes, const std::vector<int> &descriptors)
+bool ChildProcess::send(const QByteArray &bytes, const std::vector<int> &descriptors)
 {
     return sendMessage(m_socket.get(), bytes, descriptors);
 }
 
-nanoseconds DecoderProcess::processorTime() const
-{
-    clockid_t clock{};
-    timespec time{};
-    if (clock_getcpuclockid(m_pid, &clock) != 0 || clock_gettime(clock, &time) != 0) {
-        return {};
-    }
-    return std::chrono::seconds(time.tv_sec) + nanoseconds(time.tv_nsec);
-}
-
-bool DecoderProcess::waitsForDisk() const
-{
-    const QDir tasks(u"/proc/%1/task"_s.arg(m_pid));
-    const QStringList threads = tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    return std::ranges::any_of(threads, [&tasks](const QString &thread) {
-        QFile stat(tasks.filePath(thread + u"/stat"_s));
-        // The state stands behind the name, which is in parentheses.
-        return stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") D ");
-    });
-}
-
-DecoderProcess::Outcome DecoderProcess::receive(QByteArray &bytes, const Patience &patience,
-                                                const std::stop_token &stop)
+ChildProcess::Outcome ChildProcess::receive(QByteArray &bytes, const Patience &patience,
+                                            const std::stop_token &stop)
 {
     const OwnedDescriptor bell(stop.stop_possible() ? eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK) : -1);
     const std::stop_callback ring(stop, [&bell] { eventfd_write(bell.get(), 1); });
@@ -161,7 +198,7 @@ DecoderProcess::Outcome DecoderProcess::receive(QByteArray &bytes, const Patienc
     std::array<pollfd, 3> watched{pollfd{m_socket.get(), POLLIN, 0}, pollfd{m_process.get(), POLLIN, 0},
                                   pollfd{bell.get(), POLLIN, 0}};
     const steady_clock::time_point began = steady_clock::now();
-    const nanoseconds before = processorTime();
+    const nanoseconds before = processorTimeOfAll(m_pid);
     nanoseconds last = before;
     steady_clock::time_point moved = began;
     for (;;) {
@@ -185,12 +222,12 @@ DecoderProcess::Outcome DecoderProcess::receive(QByteArray &bytes, const Patienc
             return Outcome::Stopped;
         }
         const steady_clock::time_point now = steady_clock::now();
-        const nanoseconds used = processorTime();
-        if (used - last >= leastMovement) {
+        const nanoseconds used = processorTimeOfAll(m_pid);
+        if (std::chrono::abs(used - last) >= leastMovement) {
             last = used;
             moved = now;
         }
-        if (now - moved > patience.still && (now - moved > patience.disk || !waitsForDisk())) {
+        if (now - moved > patience.still && (now - moved > patience.disk || !anyWaitsForDisk(m_pid))) {
             return Outcome::Hung;
         }
         if (used - before > patience.work) {

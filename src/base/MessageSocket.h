@@ -9,6 +9,9 @@
 
 namespace tarnovel {
 
+/// The longest message of a socket, in bytes.
+constexpr qsizetype longestMessage = 64 << 10;
+
 /// Sends one message of a sequenced-packet socket, and copies of open descriptors beside it. False when the
 /// other end has gone.
 bool sendMessage(int socket, const QByteArray &bytes, const std::vector<int> &descriptors = {});
