@@ -182,7 +182,8 @@ CaptureMetadata PhotoFile::readMetadata()
 /// What the file says of its colours otherwise than by a profile; none for sRGB.
 std::optional<QColorSpace::NamedColorSpace> PhotoFile::statedColors()
 {
-    if (m_file.format() == PictureFormat::Jpeg && saysAdobeRgb(segments().exif)) {
+    const bool rawSays = m_raw && m_raw->isAdobeRgb && segments().exif.isEmpty();
+    if (m_file.format() == PictureFormat::Jpeg && (rawSays || saysAdobeRgb(segments().exif))) {
         return QColorSpace::AdobeRgb;
     }
     if (isCodedStill(m_file.format()) && saysDisplayP3(readCodedColor(m_file).value_or(CodedColor()))) {

@@ -127,6 +127,12 @@ int orientationOf(const Exiv2::ExifData &data)
     return stated >= 1 && stated <= 8 ? static_cast<int>(stated) : 1;
 }
 
+bool saysAdobe(const Exiv2::ExifData &data)
+{
+    const auto index = data.findKey(Exiv2::ExifKey("Exif.Iop.InteroperabilityIndex"));
+    return index != data.end() && index->toString().starts_with("R03");
+}
+
 } // namespace
 
 std::optional<RawPhoto> readRawPhoto(const RegularFile &file)
@@ -141,7 +147,7 @@ std::optional<RawPhoto> readRawPhoto(const RegularFile &file)
             ExifIo(new Exiv2::MemIo(mapping.bytes(), static_cast<ByteCount>(mapping.size()))));
         image->readMetadata();
         RawPhoto photo{largestPicture(*image), captureMetadata(image->exifData()),
-                       orientationOf(image->exifData())};
+                       orientationOf(image->exifData()), saysAdobe(image->exifData())};
         if (photo.picture.isEmpty()) {
             throw ImageError(ImageError::Cause::SmallPreview, "no large picture in the raw file");
         }

@@ -16,6 +16,8 @@ struct RawPhoto {
     CaptureMetadata metadata;
     /// EXIF orientation of picture and photo, 1…8.
     int orientation = 1;
+    /// The camera was set to Adobe RGB; a picture that says something of its own comes before this.
+    bool isAdobeRgb = false;
 };
 
 /// Reads the headers and the picture of a raw file (NEF, CR2, CR3, ARW, DNG, RAF, ORF, RW2 and those made
