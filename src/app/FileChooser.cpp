@@ -7,6 +7,7 @@
 #include <QStandardPaths>
 
 #include "language/AppLanguage.h"
+#include "model/PictureSuffixes.h"
 #include "model/Preferences.h"
 
 using namespace Qt::StringLiterals;
@@ -17,9 +18,8 @@ namespace {
 
 QString pictureFilter()
 {
-    return localized({"图片", "Pictures", "Images"}) +
-           u" (*.jpg *.jpeg *.jpe *.png *.heic *.heif *.hif *.avif *.webp *.tif *.tiff"
-           " *.JPG *.JPEG *.PNG *.HEIC *.HEIF *.HIF *.AVIF *.WEBP *.TIF *.TIFF);;"_s +
+    const QString patterns = u"*."_s + pictureSuffixes().join(u" *."_s);
+    return localized({"图片", "Pictures", "Images"}) + u" (%1 %2);;"_s.arg(patterns, patterns.toUpper()) +
            localized({"所有文件", "All files", "Tous les fichiers"}) + u" (*)"_s;
 }
 

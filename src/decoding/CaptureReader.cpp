@@ -80,8 +80,20 @@ std::optional<qint64> sensitivity(const Exiv2::ExifData &data)
     return index ? index : rating;
 }
 
-/// What can be read before a fault stays.
-CaptureMetadata readFrom(const Exiv2::ExifData &data)
+} // namespace
+
+void prepareParser()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        readHeifToo();
+        Exiv2::XmpParser::initialize();
+    });
+}
+
+// What can be read before a fault stays.
+CaptureMetadata captureMetadata(const Exiv2::ExifData &data)
 {
     CaptureMetadata metadata;
     try {
@@ -99,18 +111,6 @@ CaptureMetadata readFrom(const Exiv2::ExifData &data)
     return metadata;
 }
 
-} // namespace
-
-void prepareParser()
-{
-    static std::once_flag once;
-    std::call_once(once, [] {
-        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        readHeifToo();
-        Exiv2::XmpParser::initialize();
-    });
-}
-
 CaptureMetadata captureMetadata(const QByteArray &exif)
 {
     prepareParser();
@@ -121,7 +121,7 @@ CaptureMetadata captureMetadata(const QByteArray &exif)
     } catch (const std::exception &) {
         return {};
     }
-    return readFrom(data);
+    return captureMetadata(data);
 }
 
 std::optional<CaptureMetadata> captureMetadataByParser(PictureFormat format, const QByteArray &file)
@@ -137,7 +137,7 @@ std::optional<CaptureMetadata> captureMetadataByParser(PictureFormat format, con
             return std::nullopt;
         }
         image->readMetadata();
-        return image->exifData().empty() ? std::nullopt : std::optional(readFrom(image->exifData()));
+        return image->exifData().empty() ? std::nullopt : std::optional(captureMetadata(image->exifData()));
     } catch (const std::exception &) {
         return std::nullopt;
     }

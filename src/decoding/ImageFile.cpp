@@ -61,6 +61,16 @@ std::optional<PictureFormat> formatOf(const QByteArray &head)
 
 ImageFile::ImageFile(RegularFile file) : m_file(std::move(file))
 {
+    recognise();
+}
+
+ImageFile::ImageFile(const QByteArray &bytes) : m_bytes(bytes)
+{
+    recognise();
+}
+
+void ImageFile::recognise()
+{
     const std::optional<PictureFormat> format = formatOf(read(0, 256));
     if (!format) {
         throw ImageError(ImageError::Cause::Unsupported, "no known picture format");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <QByteArray>
 
 #include "imaging/ImageHeader.h"
@@ -12,14 +14,20 @@ class ImageFile {
 public:
     /// Throws an ImageError (Unsupported) when the first bytes belong to no known format.
     explicit ImageFile(RegularFile file);
+    /// A file that another one holds; throws as for one of its own.
+    explicit ImageFile(const QByteArray &bytes);
 
     PictureFormat format() const { return m_format; }
-    int descriptor() const { return m_file.descriptor(); }
-    qint64 size() const { return m_file.size(); }
-    const FileIdentity &identity() const { return m_file.identity(); }
+    bool isInMemory() const { return !m_file; }
+    /// Of a file that is not in memory.
+    int descriptor() const { return m_file->descriptor(); }
+    qint64 size() const { return m_file ? m_file->size() : m_bytes.size(); }
 
     /// Up to `count` bytes from `offset`; fewer where the file ends or cannot be read.
-    QByteArray read(qint64 offset, qint64 count) const { return m_file.read(offset, count); }
+    QByteArray read(qint64 offset, qint64 count) const
+    {
+        return m_file ? m_file->read(offset, count) : m_bytes.mid(offset, count);
+    }
 
     /// All of it, read once and kept: for formats that the libraries take as a whole. They would map a file,
     /// and a mapped file that somebody cuts short meanwhile ends the program. Throws an ImageError, TooLarge
@@ -27,7 +35,9 @@ public:
     const QByteArray &bytes() const;
 
 private:
-    RegularFile m_file;
+    void recognise();
+
+    std::optional<RegularFile> m_file;
     PictureFormat m_format = PictureFormat::Jpeg;
     mutable QByteArray m_bytes;
 };

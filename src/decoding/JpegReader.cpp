@@ -28,9 +28,11 @@ constexpr unsigned int longestSegment = 0xffff;
 
 JpegReader::JpegReader(const ImageFile &file, const std::stop_token &stop, std::initializer_list<int> kept)
 {
-    m_stream = fdopen(fcntl(file.descriptor(), F_DUPFD_CLOEXEC, 0), "rb");
-    if (m_stream == nullptr || std::fseek(m_stream, 0, SEEK_SET) != 0) {
-        throw ImageError(ImageError::Cause::Missing, "cannot be read");
+    if (!file.isInMemory()) {
+        m_stream = fdopen(fcntl(file.descriptor(), F_DUPFD_CLOEXEC, 0), "rb");
+        if (m_stream == nullptr || std::fseek(m_stream, 0, SEEK_SET) != 0) {
+            throw ImageError(ImageError::Cause::Missing, "cannot be read");
+        }
     }
     m_info.err = jpeg_std_error(&m_errors.manager);
     m_errors.manager.error_exit = &JpegReader::leave;
@@ -39,26 +41,37 @@ JpegReader::JpegReader(const ImageFile &file, const std::stop_token &stop, std::
     m_progress.stop = &stop;
     m_info.client_data = this;
     try {
-        run([this, kept] {
+        run([this, kept, &file] {
             jpeg_create_decompress(&m_info);
             m_info.progress = &m_progress.manager;
-            jpeg_stdio_src(&m_info, m_stream);
+            if (m_stream != nullptr) {
+                jpeg_stdio_src(&m_info, m_stream);
+            } else {
+                jpeg_mem_src(&m_info, reinterpret_cast<const uchar *>(file.bytes().constData()),
+                             static_cast<unsigned long>(file.size()));
+            }
             for (const int marker : kept) {
                 jpeg_save_markers(&m_info, marker, longestSegment);
             }
             jpeg_read_header(&m_info, TRUE);
         });
     } catch (...) {
-        jpeg_destroy_decompress(&m_info);
-        std::fclose(m_stream);
+        close();
         throw;
     }
 }
 
 JpegReader::~JpegReader()
 {
+    close();
+}
+
+void JpegReader::close()
+{
     jpeg_destroy_decompress(&m_info);
-    std::fclose(m_stream);
+    if (m_stream != nullptr) {
+        std::fclose(m_stream);
+    }
 }
 
 void JpegReader::leave(j_common_ptr info)

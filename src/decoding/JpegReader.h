@@ -11,7 +11,8 @@
 
 namespace tarnovel {
 
-/// A libjpeg decompressor whose errors, and warnings about picture data, leave the call in progress.
+/// A libjpeg decompressor of a file, which outlives it, whose errors, and warnings about picture data, leave
+/// the call in progress.
 class JpegReader {
 public:
     /// The segments of the `kept` markers stay in the info's list. `stop` outlives the reader. Throws an
@@ -50,6 +51,7 @@ private:
     static void warn(j_common_ptr info, int level);
     static void step(j_common_ptr info);
     [[noreturn]] void fail();
+    void close();
 
     jpeg_decompress_struct m_info{};
     Errors m_errors{};

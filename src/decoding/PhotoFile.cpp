@@ -79,7 +79,15 @@ auto guarded(Work work)
 
 } // namespace
 
-PhotoFile::PhotoFile(RegularFile file) : m_file(std::move(file)) {}
+PhotoFile::PhotoFile(RegularFile file)
+    : m_identity(file.identity()),
+      m_raw(guarded([&file] { return readRawPhoto(file); })),
+      m_file(m_raw ? ImageFile(m_raw->picture) : ImageFile(std::move(file)))
+{
+    if (m_raw) {
+        m_metadata = m_raw->metadata;
+    }
+}
 
 const JpegSegments &PhotoFile::segments()
 {
@@ -118,7 +126,7 @@ const ImageHeader &PhotoFile::header()
         if (header.format == PictureFormat::Jpeg) {
             header.storedSize = segments().size;
             checkPictureSize(header.storedSize);
-            header.orientation = exifOrientation(segments().exif);
+            header.orientation = m_raw ? m_raw->orientation : exifOrientation(segments().exif);
         } else {
             m_picture.emplace(m_file);
             header.storedSize = m_picture->size();
@@ -174,7 +182,8 @@ CaptureMetadata PhotoFile::readMetadata()
 /// What the file says of its colours otherwise than by a profile; none for sRGB.
 std::optional<QColorSpace::NamedColorSpace> PhotoFile::statedColors()
 {
-    if (m_file.format() == PictureFormat::Jpeg && saysAdobeRgb(segments().exif)) {
+    const bool rawSays = m_raw && m_raw->isAdobeRgb && segments().exif.isEmpty();
+    if (m_file.format() == PictureFormat::Jpeg && (rawSays || saysAdobeRgb(segments().exif))) {
         return QColorSpace::AdobeRgb;
     }
     if (isCodedStill(m_file.format()) && saysDisplayP3(readCodedColor(m_file).value_or(CodedColor()))) {

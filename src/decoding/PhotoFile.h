@@ -10,6 +10,7 @@
 #include "decoding/ImageFile.h"
 #include "decoding/JpegSegments.h"
 #include "decoding/PngChunks.h"
+#include "decoding/RawPhoto.h"
 #include "decoding/VipsDecoder.h"
 #include "imaging/CaptureMetadata.h"
 
@@ -19,10 +20,11 @@ namespace tarnovel {
 /// one thread at a time.
 class PhotoFile {
 public:
-    /// Recognises the format by the first bytes, never by the name. Throws an ImageError for any other.
+    /// Recognises the format by the first bytes, never by the name. A raw file's picture is the camera's own
+    /// JPEG in it. Throws an ImageError for any other, and for a raw file with nothing but small previews.
     explicit PhotoFile(RegularFile file);
 
-    const FileIdentity &identity() const { return m_file.identity(); }
+    const FileIdentity &identity() const { return m_identity; }
 
     /// Throws an ImageError, also for more than 400 megapixels and for a side above 65,500 pixels.
     const ImageHeader &header();
@@ -43,6 +45,9 @@ private:
     std::optional<QColorSpace::NamedColorSpace> statedColors();
     QImage inSrgb(QImage image, const QByteArray &profile);
 
+    FileIdentity m_identity;
+    /// What stands for the photo where its file is a raw one.
+    std::optional<RawPhoto> m_raw;
     ImageFile m_file;
     std::optional<JpegSegments> m_segments;
     std::optional<PngChunks> m_chunks;

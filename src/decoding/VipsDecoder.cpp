@@ -68,7 +68,7 @@ VipsSourcePtr sourceOf(const ImageFile &file)
     if (file.format() == PictureFormat::Png) {
         checkPngChunkSizes(file);
     }
-    if (!isReadWhole(file)) {
+    if (!isReadWhole(file) && !file.isInMemory()) {
         // A descriptor's copies share its position.
         lseek(file.descriptor(), 0, SEEK_SET);
         return VipsSourcePtr(vips_source_new_from_descriptor(file.descriptor()));

@@ -118,6 +118,8 @@ TEST_F(PhotoDecoding, GivesWhatTheLibrariesGiveInEveryFormat)
     written(path(u"exif.jpg"_s),
             withExif(jpeg(image), exifBlock({{0x010f, 2, 6, QByteArray("Maker\0", 6)}})));
     files.append(path(u"exif.jpg"_s));
+    written(path(u"raw.rw2"_s), rawFile(jpeg(texture({1700, 1134}))));
+    files.append(path(u"raw.rw2"_s));
     PhotoDecoder decoder;
     for (const QString &file : files) {
         const RegularFile photo(file);

@@ -138,6 +138,13 @@ QByteArray withExif(const QByteArray &jpegFile, const QByteArray &block)
     return withSegment(jpegFile, 0xe1, QByteArray("Exif\0\0", 6) + block);
 }
 
+QByteArray rawFile(const QByteArray &jpegFile)
+{
+    QByteArray block("IIU\0\x08\0\0\0", 8);
+    appendDirectory(block, {{0x2e, 7, static_cast<quint32>(jpegFile.size()), jpegFile}});
+    return block;
+}
+
 QByteArray withChunk(const QByteArray &pngFile, const QByteArray &type, const QByteArray &content)
 {
     const auto number = [](quint32 value) {

@@ -34,6 +34,8 @@ struct ExifEntry {
 QByteArray exifBlock(QList<ExifEntry> first, const QList<ExifEntry> &photo = {});
 QByteArray orientationBlock(int orientation);
 QByteArray withExif(const QByteArray &jpegFile, const QByteArray &block);
+/// A raw file (RW2) whose camera's picture this is.
+QByteArray rawFile(const QByteArray &jpegFile);
 /// The PNG file with a chunk put after its header.
 QByteArray withChunk(const QByteArray &pngFile, const QByteArray &type, const QByteArray &content);
 

@@ -42,9 +42,9 @@ QString detail(DropVeil::Offer offer)
     case DropVeil::Offer::Nothing:
         break;
     }
-    return localized({"支持 JPEG、HEIC、PNG、AVIF、WebP 和 TIFF。",
-                      "JPEG, HEIC, PNG, AVIF, WebP and TIFF work.",
-                      "JPEG, HEIC, PNG, AVIF, WebP et TIFF conviennent."});
+    return localized({"支持 JPEG、HEIC、PNG、AVIF、WebP、TIFF 和 RAW。",
+                      "JPEG, HEIC, PNG, AVIF, WebP, TIFF and raw work.",
+                      "JPEG, HEIC, PNG, AVIF, WebP, TIFF et RAW conviennent."});
 }
 
 } // namespace

@@ -5,20 +5,11 @@
 #include <QMimeData>
 #include <QUrl>
 
+#include "model/PictureSuffixes.h"
+
 using namespace Qt::StringLiterals;
 
 namespace tarnovel::app::FileDrops {
-
-namespace {
-
-bool looksLikePicture(const QString &path)
-{
-    static const QStringList suffixes = {u"jpg"_s, u"jpeg"_s, u"jpe"_s,  u"png"_s, u"heic"_s, u"heif"_s,
-                                         u"hif"_s, u"avif"_s, u"webp"_s, u"tif"_s, u"tiff"_s};
-    return suffixes.contains(QFileInfo(path).suffix().toLower());
-}
-
-} // namespace
 
 QStringList pictures(const QStringList &paths)
 {
@@ -29,7 +20,7 @@ QStringList pictures(const QStringList &paths)
             continue;
         }
         for (const QFileInfo &inside : QDir(path).entryInfoList(QDir::Files, QDir::Name)) {
-            if (looksLikePicture(inside.filePath())) {
+            if (hasPictureSuffix(inside.filePath())) {
                 files.append(inside.filePath());
             }
         }
@@ -42,7 +33,7 @@ QStringList pictures(const QMimeData *data)
     QStringList paths;
     for (const QUrl &url : data->urls()) {
         const QString path = url.isLocalFile() ? url.toLocalFile() : QString();
-        if (!path.isEmpty() && (QFileInfo(path).isDir() || looksLikePicture(path))) {
+        if (!path.isEmpty() && (QFileInfo(path).isDir() || hasPictureSuffix(path))) {
             paths.append(path);
         }
     }
