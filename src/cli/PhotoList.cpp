@@ -11,6 +11,7 @@
 #include "cli/Grammar.h"
 #include "cli/OutputOptions.h"
 #include "language/AppLanguage.h"
+#include "model/PictureSuffixes.h"
 #include "pipeline/PipelineError.h"
 
 using namespace Qt::StringLiterals;
@@ -33,7 +34,7 @@ void collect(const QString &folder, const QString &destination, QStringList &fou
     for (const QFileInfo &entry : entries) {
         const QString path = folder.endsWith(u'/') ? folder + entry.fileName() : entry.filePath();
         if (!entry.isDir()) {
-            if (hasPictureEnding(path)) {
+            if (hasPictureSuffix(path)) {
                 found.append(path);
             }
         } else if (!entry.isSymLink() && entry.canonicalFilePath() != destination) {
@@ -62,13 +63,6 @@ QByteArray bytesOfList(const QString &listFile)
 }
 
 } // namespace
-
-bool hasPictureEnding(const QString &path)
-{
-    static const QStringList endings = {u"jpg"_s, u"jpeg"_s, u"jpe"_s,  u"png"_s, u"heic"_s, u"heif"_s,
-                                        u"hif"_s, u"avif"_s, u"webp"_s, u"tif"_s, u"tiff"_s};
-    return endings.contains(QFileInfo(path).suffix().toLower());
-}
 
 Shard Shard::from(const QString &typed)
 {

@@ -54,7 +54,4 @@ private:
     QStringList m_emptyFolders;
 };
 
-/// Whether the name of a file ends as those of pictures do.
-bool hasPictureEnding(const QString &path);
-
 } // namespace tarnovel::cli
