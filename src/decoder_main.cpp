@@ -7,6 +7,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#ifdef TARNOVEL_HAS_CODECS
+#include "codecs/Codecs.h"
+#endif
 #include "decoding/DecoderServer.h"
 #include "decoding/Lockdown.h"
 
@@ -26,6 +29,9 @@ int main()
     close_range(socket + 1, ~0U, 0);
     const char *strict = std::getenv("TARNOVEL_DECODER_STRICT");
     const bool kills = strict != nullptr && std::strcmp(strict, "1") == 0;
+#ifdef TARNOVEL_HAS_CODECS
+    tarnovel::useCodecs();
+#endif
     tarnovel::prepareDecoder();
     tarnovel::serveDecoder(socket,
                            tarnovel::lockDown(kills ? tarnovel::Unneeded::Kills : tarnovel::Unneeded::Fails));

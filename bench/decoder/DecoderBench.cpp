@@ -20,6 +20,7 @@
 #include <vips/vips.h>
 
 #include "base/Cancellation.h"
+#include "codecs/Codecs.h"
 #include "decoder_client/PhotoDecoder.h"
 #include "decoding/PhotoFile.h"
 #include "imaging/ImageError.h"
@@ -205,6 +206,7 @@ int main(int argc, char **argv)
 {
     using namespace tarnovel::bench;
     const QGuiApplication application(argc, argv);
+    tarnovel::useCodecs();
     benchmark::Initialize(&argc, argv);
     addDecoding();
     benchmark::RunSpecifiedBenchmarks();

@@ -14,6 +14,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "codecs/Codecs.h"
 #include "decoding/PhotoFile.h"
 #include "imaging/ImageEncoder.h"
 #include "imaging/Resampler.h"
@@ -132,6 +133,7 @@ void printRatios()
 
 int main(int argc, char **argv)
 {
+    tarnovel::useCodecs();
     benchmark::Initialize(&argc, argv);
     tarnovel::bench::canvas();
     tarnovel::bench::addAll();

@@ -59,12 +59,9 @@ QImage lentImage(const std::shared_ptr<PictureSlot> &slot, qint64 offset, QSize 
                   giveBack, new std::shared_ptr<PictureSlot>(slot));
 }
 
-} // namespace
-
-QString decoderProgram()
+QString helperProgram(const QString &name)
 {
     const QString folder = QCoreApplication::applicationDirPath();
-    const QString name = u"tarnovel-decoder"_s;
     // Tests and tools lie in folders of the build tree.
     for (const QString &place :
          {folder + u'/' + name,
@@ -77,12 +74,38 @@ QString decoderProgram()
     return {};
 }
 
-PhotoDecoder::PhotoDecoder() : PhotoDecoder(decoderProgram()) {}
+bool beginsAsJpeg(const RegularFile &photo)
+{
+    return photo.read(0, 3) == QByteArrayView("\xff\xd8\xff", 3);
+}
 
-PhotoDecoder::PhotoDecoder(Spare spare) : m_program(decoderProgram()), m_spareKind(spare) {}
+} // namespace
 
-PhotoDecoder::PhotoDecoder(QString program, ChildProcess::Patience patience)
-    : m_program(std::move(program)), m_patience(patience)
+QString decoderProgram()
+{
+    return helperProgram(u"tarnovel-decoder"_s);
+}
+
+QString jpegDecoderProgram()
+{
+    return helperProgram(u"tarnovel-jpeg-decoder"_s);
+}
+
+PhotoDecoder::PhotoDecoder() : PhotoDecoder(decoderProgram(), {}, jpegDecoderProgram()) {}
+
+PhotoDecoder::PhotoDecoder(Spare spare)
+    : m_program(decoderProgram()),
+      m_jpegProgram(jpegDecoderProgram()),
+      m_spareKind(spare),
+      m_jpegAlone(!m_jpegProgram.isEmpty())
+{
+}
+
+PhotoDecoder::PhotoDecoder(QString program, ChildProcess::Patience patience, QString jpegProgram)
+    : m_program(std::move(program)),
+      m_jpegProgram(std::move(jpegProgram)),
+      m_patience(patience),
+      m_jpegAlone(!m_jpegProgram.isEmpty())
 {
 }
 
@@ -98,6 +121,10 @@ void PhotoDecoder::start(const std::stop_token &stop)
     while (m_dying.size() > 1) {
         m_dying.pop_front();
     }
+    if (m_jpegAlone && isStarted(startedDecoder(m_jpegProgram), stop)) {
+        return;
+    }
+    m_jpegAlone = false;
     // A spare one may have ended while it waited.
     if (m_failedStarts < mostFailedStarts && ((m_spare && isStarted(std::exchange(m_spare, nullptr), stop)) ||
                                               isStarted(startedDecoder(m_program), stop))) {
@@ -106,6 +133,14 @@ void PhotoDecoder::start(const std::stop_token &stop)
     }
     ++m_failedStarts;
     throw ImageError(ImageError::Cause::NoDecoder, "the decoder does not start: " + m_program.toUtf8());
+}
+
+void PhotoDecoder::chooseProgram(const RegularFile &photo)
+{
+    if (m_jpegAlone && !beginsAsJpeg(photo)) {
+        m_jpegAlone = false;
+        m_process.reset();
+    }
 }
 
 bool PhotoDecoder::isStarted(std::unique_ptr<ChildProcess> process, const std::stop_token &stop)
@@ -226,9 +261,16 @@ DecoderReply PhotoDecoder::exchange(const RegularFile &photo, const DecoderReque
         deaths != m_deaths.end() && deaths->second >= mostDeaths) {
         throw ImageError(ImageError::Cause::Damaged, "has ended the decoder before");
     }
+    chooseProgram(photo);
     DecoderReply reply;
     try {
         reply = asked(photo, request, slot, stop);
+        if (m_jpegAlone && reply.kind == DecoderReply::Kind::Failed &&
+            reply.cause == ImageError::Cause::NoDecoder) {
+            m_jpegAlone = false;
+            m_process.reset();
+            reply = asked(photo, request, slot, stop);
+        }
     } catch (const DecoderEnded &ended) {
         // What another photo has broken in it may have come to light only now.
         if (!ended.hadServedAnother) {

@@ -28,7 +28,9 @@ public:
     /// gives such a photo up for another one does not wait for the start.
     enum class Spare { None, WhileSlow };
     explicit PhotoDecoder(Spare spare);
-    explicit PhotoDecoder(QString program, ChildProcess::Patience patience = {});
+    /// `jpegProgram`, where there is one, starts faster and reads JPEG files alone, and not all of them: it
+    /// is taken as long as it will do.
+    explicit PhotoDecoder(QString program, ChildProcess::Patience patience = {}, QString jpegProgram = {});
     ~PhotoDecoder();
     PhotoDecoder(const PhotoDecoder &) = delete;
     PhotoDecoder &operator=(const PhotoDecoder &) = delete;
@@ -55,6 +57,8 @@ private:
     DecoderReply asked(const RegularFile &photo, DecoderRequest request, const PictureSlots::Lent &slot,
                        const std::stop_token &stop);
     void start(const std::stop_token &stop);
+    /// Makes room for the decoder of all formats, if the one at hand has not all that this photo needs.
+    void chooseProgram(const RegularFile &photo);
     bool isStarted(std::unique_ptr<ChildProcess> process, const std::stop_token &stop);
     void prepareSpare(const FileIdentity &photo);
     DecoderReply awaited(const RegularFile &photo, quint32 id, const std::stop_token &stop);
@@ -62,8 +66,11 @@ private:
     [[noreturn]] void lost(const FileIdentity &photo, const QByteArray &why, ImageError::Cause cause);
 
     const QString m_program;
+    const QString m_jpegProgram;
     const ChildProcess::Patience m_patience;
     const Spare m_spareKind = Spare::None;
+    /// Nothing but JPEG files has been asked for, and the program for them has been enough.
+    bool m_jpegAlone = false;
     std::unique_ptr<ChildProcess> m_process;
     /// Started, and not heard of yet.
     std::unique_ptr<ChildProcess> m_spare;
@@ -82,7 +89,9 @@ private:
     std::map<FileIdentity, int> m_deaths;
 };
 
-/// Where the decoder is: beside the program in a build tree, in its own folder of an installed one.
+/// Where the decoder is, or the one for JPEG files alone: beside the program in a build tree, in its own
+/// folder of an installed one. Empty where there is none.
 QString decoderProgram();
+QString jpegDecoderProgram();
 
 } // namespace tarnovel

@@ -6,7 +6,7 @@
 
 #include <QLoggingCategory>
 
-#include "decoding/VipsRuntime.h"
+#include "decoding/FormatLibrary.h"
 
 namespace tarnovel {
 namespace {
@@ -38,45 +38,6 @@ bool isFor(const char *model, const QByteArray &profile)
            profile.mid(36, 4) == "acsp";
 }
 
-/// Pixels in rows without padding, in a form that the colour library takes; null for a failure.
-struct PlainPixels {
-    QByteArray bytes;
-    QSize size;
-    int bands = 3;
-    bool deep = false;
-    VipsInterpretation kind = VIPS_INTERPRETATION_sRGB;
-};
-
-/// The pixels in sRGB, three or four samples each of the same depth; empty for a failure.
-QByteArray transformed(const PlainPixels &pixels, const QByteArray &profile)
-{
-    ensureVips();
-    const VipsImagePtr source(vips_image_new_from_memory(
-        pixels.bytes.constData(), static_cast<size_t>(pixels.bytes.size()), pixels.size.width(),
-        pixels.size.height(), pixels.bands, pixels.deep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR));
-    if (!source) {
-        vips_error_clear();
-        return {};
-    }
-    source->Type = pixels.kind;
-    vips_image_set_blob_copy(source.get(), VIPS_META_ICC_NAME, profile.constData(),
-                             static_cast<size_t>(profile.size()));
-    VipsImage *made = nullptr;
-    if (vips_icc_transform(source.get(), &made, "srgb", "embedded", TRUE, "depth", pixels.deep ? 16 : 8,
-                           static_cast<void *>(nullptr)) != 0) {
-        vips_error_clear();
-        return {};
-    }
-    const VipsImagePtr converted(made);
-    size_t bytes = 0;
-    const std::unique_ptr<void, GFree> memory(vips_image_write_to_memory(converted.get(), &bytes));
-    if (!memory || converted->Bands != std::max(pixels.bands, 3)) {
-        vips_error_clear();
-        return {};
-    }
-    return QByteArray(static_cast<const char *>(memory.get()), static_cast<qsizetype>(bytes));
-}
-
 /// For profiles of look-up tables, which Qt does not read.
 QImage convertedByTables(const QImage &image, const QByteArray &profile)
 {
@@ -85,7 +46,6 @@ QImage convertedByTables(const QImage &image, const QByteArray &profile)
     pixels.deep = image.depth() == 64;
     pixels.bands = alpha || pixels.deep ? 4 : 3;
     pixels.size = image.size();
-    pixels.kind = pixels.deep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB;
     const QImage straight = image.convertToFormat(pixels.deep ? QImage::Format_RGBA64
                                                   : alpha     ? QImage::Format_RGBA8888
                                                               : QImage::Format_RGB888);
@@ -95,7 +55,7 @@ QImage convertedByTables(const QImage &image, const QByteArray &profile)
     for (int y = 0; y < straight.height(); ++y) {
         pixels.bytes.append(reinterpret_cast<const char *>(straight.constScanLine(y)), rowBytes);
     }
-    const QByteArray converted = transformed(pixels, profile);
+    const QByteArray converted = formatLibrary().inSrgb(pixels, profile);
     if (converted.size() != pixels.bytes.size()) {
         return image;
     }
@@ -111,11 +71,11 @@ QImage convertedGrey(QImage image, const QByteArray &profile)
     PlainPixels grey;
     grey.bands = 1;
     grey.size = QSize(levels, 1);
-    grey.kind = VIPS_INTERPRETATION_B_W;
+    grey.kind = PlainPixels::Kind::Grey;
     for (int level = 0; level < levels; ++level) {
         grey.bytes.append(static_cast<char>(level));
     }
-    const QByteArray table = transformed(grey, profile);
+    const QByteArray table = formatLibrary().inSrgb(grey, profile);
     if (table.size() != qsizetype(levels) * 3 || image.depth() != 32 || !image.allGray()) {
         return image;
     }

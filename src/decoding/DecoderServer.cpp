@@ -22,6 +22,7 @@
 #include "decoder_protocol/DecoderMessage.h"
 #include "decoding/CaptureReader.h"
 #include "decoding/ColorProfile.h"
+#include "decoding/FormatLibrary.h"
 #include "decoding/PhotoFile.h"
 #include "imaging/BufferPool.h"
 
@@ -246,6 +247,14 @@ void prepareDecoder()
 {
     mallopt(M_ARENA_MAX, mostArenas);
     prepareParser();
+    // The first thread of a process has the C library set up a signal.
+    std::thread([] {}).join();
+    if (!hasFormatLibrary()) {
+        QImage sample(2, 2, QImage::Format_RGB32);
+        sample.fill(Qt::gray);
+        convertedToSrgb(sample, QColorSpace(QColorSpace::DisplayP3).iccProfile());
+        return;
+    }
     // A photo in its own colours, decoded once, brings in the codecs and the pool of threads.
     const OwnedDescriptor memory(memfd_create("warm-up", MFD_CLOEXEC));
     const QByteArray sample = QByteArray::fromBase64(heicSample);

@@ -105,14 +105,9 @@ const PngChunks &PhotoFile::chunks()
     return *m_chunks;
 }
 
-VipsPicture PhotoFile::takePicture(const std::stop_token &stop)
+std::unique_ptr<OpenedPicture> PhotoFile::takePicture(const std::stop_token &stop)
 {
-    if (!m_picture) {
-        return VipsPicture(m_file, stop);
-    }
-    VipsPicture taken = std::move(*m_picture);
-    m_picture.reset();
-    return taken;
+    return m_picture ? std::exchange(m_picture, nullptr) : formatLibrary().open(m_file, stop);
 }
 
 const ImageHeader &PhotoFile::header()
@@ -128,7 +123,7 @@ const ImageHeader &PhotoFile::header()
             checkPictureSize(header.storedSize);
             header.orientation = m_raw ? m_raw->orientation : exifOrientation(segments().exif);
         } else {
-            m_picture.emplace(m_file);
+            m_picture = formatLibrary().open(m_file, {});
             header.storedSize = m_picture->size();
             header.orientation = header.format == PictureFormat::Png ? exifOrientation(chunks().exif)
                                                                      : m_picture->orientation();
@@ -174,7 +169,7 @@ CaptureMetadata PhotoFile::readMetadata()
         return *found;
     }
     if (!m_picture) {
-        m_picture.emplace(m_file);
+        m_picture = formatLibrary().open(m_file, {});
     }
     return captureMetadata(m_picture->exif());
 }
@@ -224,13 +219,14 @@ QList<QImage> PhotoFile::decode(const QList<PicturePart> &parts, const std::stop
             profile = segments().profile;
         }
         if (images.isEmpty()) {
+            formatLibrary(); // who has none need not begin
             // Damage that the library would not tell.
             if (m_file.format() == PictureFormat::Jpeg) {
                 checkJpegData(m_file, stop);
             } else if (m_file.format() == PictureFormat::Png) {
                 checkPngData(m_file, stop);
             }
-            VipsPicture::Pixels pixels = takePicture(stop).decode(stored, stop);
+            OpenedPicture::Pixels pixels = takePicture(stop)->decode(stored, stop);
             images = std::move(pixels.images);
             profile = pixels.profile;
         }

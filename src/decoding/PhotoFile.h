@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <stop_token>
 
@@ -7,11 +8,11 @@
 #include <QImage>
 #include <QList>
 
+#include "decoding/FormatLibrary.h"
 #include "decoding/ImageFile.h"
 #include "decoding/JpegSegments.h"
 #include "decoding/PngChunks.h"
 #include "decoding/RawPhoto.h"
-#include "decoding/VipsDecoder.h"
 #include "imaging/CaptureMetadata.h"
 
 namespace tarnovel {
@@ -40,7 +41,7 @@ public:
 private:
     const JpegSegments &segments();
     const PngChunks &chunks();
-    VipsPicture takePicture(const std::stop_token &stop);
+    std::unique_ptr<OpenedPicture> takePicture(const std::stop_token &stop);
     CaptureMetadata readMetadata();
     std::optional<QColorSpace::NamedColorSpace> statedColors();
     QImage inSrgb(QImage image, const QByteArray &profile);
@@ -54,7 +55,7 @@ private:
     std::optional<ImageHeader> m_header;
     std::optional<CaptureMetadata> m_metadata;
     /// Opened for its header, and not decoded yet.
-    std::optional<VipsPicture> m_picture;
+    std::unique_ptr<OpenedPicture> m_picture;
 };
 
 } // namespace tarnovel

@@ -6,6 +6,7 @@
 #include <QPainter>
 
 #include "base/Cancellation.h"
+#include "editor/CanvasImages.h"
 #include "pipeline/FrameImages.h"
 #include "pipeline/PipelineError.h"
 #include "pipeline/PlacedPhoto.h"
@@ -36,7 +37,16 @@ int sourceSize(QSize canvas)
 
 } // namespace
 
-Thumbnails::Thumbnails(ImagePipeline &pipeline) : m_pipeline(pipeline), m_sources(keptBytes) {}
+Thumbnails::Thumbnails(ImagePipeline &pipeline) : m_pipeline(pipeline), m_sources(keptBytes)
+{
+    m_rest.setSingleShot(true);
+    m_rest.setInterval(CanvasImages::rest);
+    m_rest.callOnTimeout(this, [this] {
+        m_queue.insert(m_queue.end(), m_resting.begin(), m_resting.end());
+        m_resting.clear();
+        next();
+    });
+}
 
 Thumbnails::~Thumbnails()
 {
@@ -68,12 +78,15 @@ QImage Thumbnails::image(const ThumbnailKey &key, const PhotoItem &item, QSize b
     entry.item = item;
     entry.canvas = canvas;
     entry.failed = false;
-    const auto queued = std::find(m_queue.begin(), m_queue.end(), place);
-    if (queued != m_queue.end()) {
-        m_queue.erase(queued);
+    std::erase(m_queue, place);
+    std::erase(m_resting, place);
+    if (entry.image.isNull()) {
+        m_queue.push_back(place);
+        next();
+    } else {
+        m_resting.push_back(place);
+        m_rest.start();
     }
-    m_queue.push_back(place);
-    next();
     return entry.image;
 }
 
@@ -96,8 +109,8 @@ void Thumbnails::prune()
     const auto middle = uses.begin() + static_cast<std::ptrdiff_t>(uses.size() / 2);
     std::nth_element(uses.begin(), middle, uses.end());
     std::erase_if(m_entries, [this, oldest = *middle](const auto &row) {
-        return row.second.used < oldest &&
-               std::find(m_queue.begin(), m_queue.end(), row.first) == m_queue.end();
+        return row.second.used < oldest && std::ranges::find(m_queue, row.first) == m_queue.end() &&
+               std::ranges::find(m_resting, row.first) == m_resting.end();
     });
 }
 

@@ -10,6 +10,7 @@
 #include <QCache>
 #include <QHash>
 #include <QObject>
+#include <QTimer>
 
 #include "base/Worker.h"
 #include "pipeline/ImagePipeline.h"
@@ -33,7 +34,8 @@ struct ThumbnailKey {
 };
 
 /// Small pictures of framed photos, drawn in the background: those asked for last, which are those that can
-/// be seen, come first, and one whose settings have not changed is not drawn again. Photos are kept decoded
+/// be seen, come first, and one whose settings have not changed is not drawn again. One that has changed is
+/// drawn again when no more changes follow for a moment: not at each step of a drag. Photos are kept decoded
 /// at a small size, so that a change of style costs no decoding.
 class Thumbnails : public QObject {
     Q_OBJECT
@@ -50,7 +52,7 @@ public:
     bool unreadable(const QString &file) const { return m_unreadable.contains(file); }
     /// The photo is shown without one of the pictures that its frame names.
     bool incomplete(const PhotoItem &item) const;
-    bool idle() const { return !m_job && m_queue.empty(); }
+    bool idle() const { return !m_job && m_queue.empty() && m_resting.empty(); }
 
     /// The canvas that fits into a box.
     static QSize canvasIn(QSize box, const PhotoItem &item);
@@ -95,6 +97,9 @@ private:
     std::map<Key, Entry> m_entries;
     quint64 m_uses = 0;
     std::vector<Key> m_queue;
+    /// Drawn before, and changed since; drawn again as soon as the changes rest.
+    std::vector<Key> m_resting;
+    QTimer m_rest;
     std::unique_ptr<Job> m_job;
     QCache<QString, QImage> m_sources;
     std::set<QString> m_unreadable;

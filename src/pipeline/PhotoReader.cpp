@@ -136,7 +136,7 @@ QImage PhotoReader::remembered(const QString &file, const RegularFile &photo, in
     }
     const QSize smallSize = PicturePart::whole(whole, ThumbnailStore::pixels).size;
     if (maxPixel <= ThumbnailStore::pixels && smallSize != whole) {
-        const QImage kept = thumbnail(file, photo, stop);
+        const QImage kept = thumbnail(file, photo);
         if (kept.size() == smallSize) {
             m_small.put({photo.identity(), kept});
             return fitted(kept);
@@ -162,18 +162,14 @@ bool PhotoReader::keepsThumbnail(const QString &file) const
     return m_thumbnails.isKept() && QDir::isRelativePath(file);
 }
 
-/// The thumbnail that an earlier start has left; null where there is none.
-QImage PhotoReader::thumbnail(const QString &file, const RegularFile &photo, const std::stop_token &stop)
+/// The thumbnail that an earlier start has left; null where there is none. It is the program's own file, for
+/// nobody else to write: no decoder stands between.
+QImage PhotoReader::thumbnail(const QString &file, const RegularFile &photo) const
 {
-    if (!keepsThumbnail(file)) {
-        return {};
-    }
-    try {
-        return decoded(RegularFile(m_thumbnails.path(path(file), photo.identity())), ThumbnailStore::pixels,
-                       stop);
-    } catch (const ImageError &) {
-        return {};
-    }
+    const QImage kept =
+        keepsThumbnail(file) ? QImage(m_thumbnails.path(path(file), photo.identity()), "PNG") : QImage();
+    return kept.hasAlphaChannel() ? kept.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+                                  : kept.convertToFormat(QImage::Format_RGB32);
 }
 
 PhotoReader::Placed PhotoReader::placed(const QString &file, const PhotoPlacement &placement, QSize canvas,

@@ -86,7 +86,7 @@ private:
     QImage remembered(const QString &file, const RegularFile &photo, int maxPixel,
                       const std::stop_token &stop);
     bool keepsThumbnail(const QString &file) const;
-    QImage thumbnail(const QString &file, const RegularFile &photo, const std::stop_token &stop);
+    QImage thumbnail(const QString &file, const RegularFile &photo) const;
     PipelineFailure failure(const QString &file, FramePicture which, const ImageError &error) const;
     template<typename Work>
     auto reading(FramePicture which, const QString &file, Work work);

@@ -49,13 +49,23 @@ public:
             thresholds.at(i) =
                 (static_cast<float>(row.at((static_cast<unsigned>(left) + i) % ditherSide)) + 0.5F) / 64;
         }
-        for (int i = 0; i < count; ++i) {
-            const float threshold = thresholds[static_cast<unsigned>(i) % ditherSide];
-            const auto level = [&](const Slope &slope) {
-                const float value = slope.first + slope.step * static_cast<float>(left + i) + threshold;
-                return std::clamp(static_cast<int>(value), 0, 255);
-            };
-            pixels[i] = qRgb(level(slopes[0]), level(slopes[1]), level(slopes[2]));
+        // Eight at a time, in loops that the compiler makes vectors of.
+        for (int done = 0; done < count; done += ditherSide) {
+            std::array<QRgb, ditherSide> block{};
+            block.fill(qRgb(0, 0, 0));
+            for (size_t channel = 0; channel < slopes.size(); ++channel) {
+                const auto [start, slope] = slopes[channel];
+                const auto shift = static_cast<int>(16 - 8 * channel);
+                for (int i = 0; i < ditherSide; ++i) {
+                    float value = start + slope * static_cast<float>(left + done + i) +
+                                  thresholds[static_cast<size_t>(i)];
+                    value = value > 0.F ? value : 0.F;
+                    value = value < 255.F ? value : 255.F;
+                    block[static_cast<size_t>(i)] |= static_cast<QRgb>(static_cast<int>(value)) << shift;
+                }
+            }
+            const int here = std::min(count - done, ditherSide);
+            std::copy_n(block.begin(), here, pixels + done);
         }
     }
 

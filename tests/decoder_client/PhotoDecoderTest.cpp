@@ -133,7 +133,8 @@ TEST_F(PhotoDecoding, GivesWhatTheLibrariesGiveInEveryFormat)
             {PicturePart::whole(here.header().uprightSize(), 50), {{-3, 20.5, 90, 40}, {61, 33}}});
         EXPECT_EQ(there, expected) << file.toStdString();
     }
-    EXPECT_EQ(decoder.starts(), 1) << "no format makes a call that is forbidden";
+    EXPECT_EQ(decoder.starts(), 2)
+        << "the one for JPEG, and the other: no format makes a call that is forbidden";
 }
 
 TEST_F(PhotoDecoding, KeepsWhatLivesOnApartFromWhatComesNext)
@@ -251,6 +252,35 @@ TEST_F(FakeDecoding, BelievesNothingThatComesBack)
     EXPECT_EQ(
         decoder.decode(RegularFile(path(u"a.jpg"_s)), {PicturePart::whole({40, 30}, 40)}).first().size(),
         QSize(40, 30));
+}
+
+TEST_F(PhotoDecoding, StartsTheSmallDecoderForAsLongAsItWillDo)
+{
+    const QImage image = texture({120, 80});
+    SaveOptions inks;
+    inks.cmyk = true;
+    save(image, path(u"plain.jpg"_s));
+    save(image, path(u"p3.jpg"_s), u"[profile=p3]"_s);
+    save(image, path(u"inks.jpg"_s), {}, inks);
+    save(image, path(u"a.png"_s));
+    written(path(u"broken.jpg"_s), jpeg(image).first(900));
+    PhotoDecoder whole(decoderProgram());
+    for (const QString &other : {u"inks.jpg"_s, u"a.png"_s}) {
+        PhotoDecoder decoder;
+        for (const QString &name : {u"plain.jpg"_s, u"p3.jpg"_s}) {
+            const RegularFile photo(path(name));
+            const QList<QImage> made = parts(decoder, photo);
+            EXPECT_EQ(made, parts(whole, photo)) << name.toStdString();
+        }
+        EXPECT_EQ(causeOf(decoder, path(u"broken.jpg"_s)), Cause::Damaged);
+        EXPECT_EQ(decoder.starts(), 1);
+        const RegularFile photo(path(other));
+        EXPECT_EQ(parts(decoder, photo), parts(whole, photo)) << other.toStdString();
+        EXPECT_EQ(causeOf(decoder, path(u"plain.jpg"_s)), std::nullopt);
+        EXPECT_EQ(decoder.starts(), 2) << "the second one stays, whatever comes";
+    }
+    PhotoDecoder lame(decoderProgram(), {}, u"/bin/false"_s);
+    EXPECT_EQ(causeOf(lame, path(u"plain.jpg"_s)), std::nullopt) << "without the small one, the other one";
 }
 
 TEST_F(FakeDecoding, APhotoThatKillsTwiceIsNotTriedAgain)

@@ -9,7 +9,8 @@
 #include <QFile>
 #include <QtEndian>
 
-#include "decoding/VipsRuntime.h"
+#include "codecs/Codecs.h"
+#include "codecs/VipsRuntime.h"
 #include "imaging/ImageError.h"
 
 // The HEVC encoder, which only these tests run, keeps a few kilobytes for ever.
@@ -20,6 +21,11 @@ extern "C" const char *__lsan_default_suppressions()
 
 namespace tarnovel::test {
 namespace {
+
+[[maybe_unused]] const bool hasCodecs = [] {
+    useCodecs();
+    return true;
+}();
 
 void append16(QByteArray &bytes, quint16 value)
 {

@@ -7,10 +7,10 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 
+#include "codecs/VipsRuntime.h"
 #include "decoding/Fixtures.h"
 #include "decoding/HeifColor.h"
 #include "decoding/TiffDirectory.h"
-#include "decoding/VipsRuntime.h"
 #include "imaging/ImageEncoder.h"
 #include "imaging/ImageError.h"
 #include "imaging/SrgbProfile.h"

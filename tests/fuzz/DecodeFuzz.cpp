@@ -1,6 +1,7 @@
 // Every decoder: a picture is read whole and in part, or refused with an ImageError.
 
 #include "MemoryFile.h"
+#include "codecs/Codecs.h"
 #include "decoding/PhotoFile.h"
 #include "imaging/ImageError.h"
 
@@ -13,6 +14,12 @@ constexpr int longestSide = 64;
 constexpr qint64 mostPixels = 4'000'000;
 
 } // namespace
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***)
+{
+    useCodecs();
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t count)
 {

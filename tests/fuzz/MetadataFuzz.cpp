@@ -3,10 +3,17 @@
 #include <cmath>
 
 #include "MemoryFile.h"
+#include "codecs/Codecs.h"
 #include "decoding/PhotoFile.h"
 #include "imaging/ImageError.h"
 
 using namespace tarnovel;
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***)
+{
+    useCodecs();
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t count)
 {

@@ -61,11 +61,20 @@ QImage TemplatesSection::card(int index, QSize roomPx) const
     if (!photo) {
         return {};
     }
-    const BuiltInTemplate look = BuiltInTemplates::all().at(index);
-    PhotoItem dressed = *photo;
-    dressed.settings = BuiltInTemplates::make(look, photo->settings, model().previews().palette);
-    return CanvasMarks::withPlaceholders(m_thumbnails.image(templateKey(look), dressed, roomPx),
-                                         dressed.settings, devicePixelRatioF());
+    const PhotoItem item = dressed(*photo, index);
+    return CanvasMarks::withPlaceholders(thumbnail(item, index, roomPx), item.settings, devicePixelRatioF());
+}
+
+PhotoItem TemplatesSection::dressed(PhotoItem photo, int index) const
+{
+    photo.settings =
+        BuiltInTemplates::make(BuiltInTemplates::all().at(index), photo.settings, model().previews().palette);
+    return photo;
+}
+
+QImage TemplatesSection::thumbnail(const PhotoItem &dressed, int index, QSize roomPx) const
+{
+    return m_thumbnails.image(templateKey(BuiltInTemplates::all().at(index)), dressed, roomPx);
 }
 
 void TemplatesSection::display(const PhotoItem &photo)
@@ -86,7 +95,7 @@ void TemplatesSection::display(const PhotoItem &photo)
     const QSize room = m_grid->imageRoomPx();
     for (int i = 0; i < m_grid->count(); ++i) {
         if (m_grid->itemRect(i).intersects(m_grid->visibleRegion().boundingRect())) {
-            card(i, room);
+            thumbnail(dressed(photo, i), i, room);
         }
     }
 }

@@ -20,6 +20,9 @@ protected:
 private:
     Thumbnails &m_thumbnails;
     QImage card(int index, QSize roomPx) const;
+    /// The photo in the settings of a card.
+    PhotoItem dressed(PhotoItem photo, int index) const;
+    QImage thumbnail(const PhotoItem &dressed, int index, QSize roomPx) const;
     CardGrid *m_grid;
     QUuid m_photo;
     std::optional<QString> m_active;

@@ -72,6 +72,7 @@ CardGrid::CardGrid(Source source, QSize tile, int columns, QWidget *parent)
 
 void CardGrid::reload()
 {
+    m_captionLines.clear();
     updateGeometry();
     update();
 }
@@ -80,8 +81,14 @@ int CardGrid::captionHeight(int row) const
 {
     int height = lineHeight(Type::Caption);
     for (int i = row * m_columns; i < std::min((row + 1) * m_columns, count()); ++i) {
-        const auto lines = captionLines(itemName(i), typeFont(Type::CaptionStrong), m_tile.width());
-        height = std::max(height, static_cast<int>(lines.size()) * lineHeight(Type::Caption));
+        const QString name = itemName(i);
+        auto lines = m_captionLines.constFind(name);
+        if (lines == m_captionLines.constEnd()) {
+            const QFont font = typeFont(Type::CaptionStrong);
+            lines = m_captionLines.insert(name,
+                                          static_cast<int>(captionLines(name, font, m_tile.width()).size()));
+        }
+        height = std::max(height, *lines * lineHeight(Type::Caption));
     }
     return height;
 }
@@ -148,7 +155,8 @@ void CardGrid::paintItem(QPainter &painter, int index, const State &state)
 
 bool CardGrid::event(QEvent *event)
 {
-    if (event->type() == QEvent::LanguageChange) {
+    if (event->type() == QEvent::LanguageChange || event->type() == QEvent::FontChange ||
+        event->type() == QEvent::StyleChange) {
         reload();
     } else if (event->type() == QEvent::ToolTip) {
         // A name may be too long for its card.

@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include <QHash>
 #include <QImage>
 
 #include "app/kit/ItemView.h"
@@ -48,6 +49,8 @@ private:
     Source m_source;
     QSize m_tile;
     int m_columns;
+    /// How many lines a name takes: it is asked for at every turn, and breaking it takes a while.
+    mutable QHash<QString, int> m_captionLines;
 };
 
 /// Draws a framed picture centred in a tile: a soft edge, so that white shows on white.

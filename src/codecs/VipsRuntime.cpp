@@ -1,4 +1,4 @@
-#include "decoding/VipsRuntime.h"
+#include "codecs/VipsRuntime.h"
 
 #include <new>
 

@@ -1,4 +1,4 @@
-#include "decoding/VipsDecoder.h"
+#include "codecs/VipsDecoder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -313,7 +313,7 @@ QByteArray VipsPicture::exif() const
     return exif.startsWith(heading) ? exif.mid(heading.size()) : exif;
 }
 
-VipsPicture::Pixels VipsPicture::decode(const QList<PicturePart> &parts, const std::stop_token &stop) &&
+VipsPicture::Pixels VipsPicture::decode(const QList<PicturePart> &parts, const std::stop_token &stop)
 {
     ensureVips();
     VipsImagePtr image = std::move(m_image);
