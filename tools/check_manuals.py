@@ -14,7 +14,10 @@ PROMISED = {
     "export": "-o --output -t --template --style --set --text --background --logo --signature --size --format --max-mb "
               "--language --json -q --quiet -v --verbose --session -j --jobs -r --recursive --files-from -0 --shard --name "
               "--skip-existing --dry-run",
+    "watch": "-o --output -r --recursive -t --template --style --set --text --background --logo --signature --size --format "
+             "--max-mb --name --skip-existing -j --jobs --json -q --quiet",
     "inspect": "--json",
+    "fields": "--json",
     "templates": "--json",
     "stocks": "--json",
     "layouts": "--json",

@@ -56,9 +56,7 @@ void BatchRun::take(const PhotoJob &job, const QString &name, const QString &tem
         entry.results.append({size, values});
     }
     setFacts(job, entry.results);
-    for (Result &result : entry.results) {
-        result.attempt = m_names.attempt(result.values);
-    }
+    setAttempts(entry);
     if (whose == Whose::Others) {
         return;
     }
@@ -109,6 +107,19 @@ void BatchRun::setFacts(const PhotoJob &job, QList<Result> &results) const
         }
     } catch (const PipelineFailure &) {
         return; // its making will say what is wrong
+    }
+}
+
+void BatchRun::setAttempts(Entry &entry)
+{
+    const QList<int> before = m_attempts.value(entry.job.photo);
+    QList<int> attempts;
+    for (Result &result : entry.results) {
+        result.attempt = before.isEmpty() ? m_names.attempt(result.values) : before.at(attempts.size());
+        attempts.append(result.attempt);
+    }
+    if (m_output.keepsNames) {
+        m_attempts.insert(entry.job.photo, attempts);
     }
 }
 
@@ -168,7 +179,6 @@ void BatchRun::finish()
 
 void BatchRun::end(const Entry &entry)
 {
-    const int failures = m_failures;
     MadePhoto made;
     if (entry.made) {
         --m_making;
@@ -198,9 +208,6 @@ void BatchRun::end(const Entry &entry)
         }
     }
     ++m_done;
-    if (m_onEnded) {
-        m_onEnded(entry.job, failures == m_failures);
-    }
 }
 
 void BatchRun::publish(const Entry &entry, const Result &result, const MadeSize &made)
@@ -247,7 +254,6 @@ void BatchRun::print(const Json &line)
 void BatchRun::fail(const PhotoJob &job, const Result *result, const QString &message, const QString &code)
 {
     m_failed = true;
-    ++m_failures;
     if (m_output.json) {
         Json object{{"photo", jsonText(job.photo)}};
         if (result && m_output.sizes.size() > 1) {

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <deque>
-#include <functional>
 #include <optional>
 #include <unordered_set>
+
+#include <QHash>
 
 #include "cli/Console.h"
 #include "cli/PhotoMaker.h"
@@ -20,6 +21,8 @@ struct BatchOutput {
     int count = 0;
     int ours = 0;
     bool skipExisting = false;
+    /// A photo that is taken again is called as before.
+    bool keepsNames = false;
     bool dryRun = false;
     bool json = false;
     bool quiet = false;
@@ -47,8 +50,6 @@ public:
     int status() const { return m_failed || m_deaf ? 1 : 0; }
     /// Nobody reads standard output any more.
     bool deaf() const { return m_deaf; }
-    /// Called when a photo has come to its end, with whether nothing failed.
-    void onEnded(std::function<void(const PhotoJob &, bool)> ended) { m_onEnded = std::move(ended); }
 
 private:
     struct Result {
@@ -64,6 +65,7 @@ private:
     };
 
     void setFacts(const PhotoJob &job, QList<Result> &results) const;
+    void setAttempts(Entry &entry);
     void preview(const Entry &entry);
     QString path(const Result &result, int attempt) const;
     bool exists(const Result &result) const;
@@ -80,11 +82,11 @@ private:
     ExportNames::Plan m_names;
     std::deque<Entry> m_entries;
     qsizetype m_making = 0;
+    /// Of each photo by its name in the list, where they are kept.
+    QHash<QString, QList<int>> m_attempts;
     std::unordered_set<size_t> m_previewed;
     std::unordered_set<size_t> m_warned;
-    std::function<void(const PhotoJob &, bool)> m_onEnded;
     int m_done = 0;
-    int m_failures = 0;
     bool m_failed = false;
     bool m_deaf = false;
     ProgressBar m_progress;

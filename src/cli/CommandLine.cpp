@@ -22,6 +22,8 @@
 #include "cli/Interruption.h"
 #include "cli/ListCommands.h"
 #include "cli/OutputOptions.h"
+#include "cli/StyleFields.h"
+#include "cli/WatchCommand.h"
 #include "export/ExportReviewPolicy.h"
 #include "language/AppLanguage.h"
 #include "model/Preferences.h"
@@ -33,8 +35,8 @@ namespace tarnovel::cli {
 
 namespace {
 
-constexpr std::array<std::string_view, 7> commands = {"export",  "export-worker", "collage", "layouts",
-                                                      "inspect", "templates",     "stocks"};
+constexpr std::array<std::string_view, 9> commands = {
+    "export", "export-worker", "watch", "collage", "layouts", "inspect", "templates", "stocks", "fields"};
 
 constexpr int wrongUsage = 2;
 
@@ -121,6 +123,9 @@ int dispatch(const Grammar &grammar, Requests &requests, const Interruption &int
     if (grammar.wants(grammar.stocks())) {
         return runStocks(requests.list.json);
     }
+    if (grammar.wants(grammar.fields())) {
+        return runFields(requests.list.json);
+    }
     if (grammar.wants(grammar.layouts())) {
         return runLayouts(requests.list.photoCount, requests.list.json);
     }
@@ -135,7 +140,8 @@ int dispatch(const Grammar &grammar, Requests &requests, const Interruption &int
     require(!requests.framing.folder.isEmpty(),
             {"缺少 -o 文件夹。", "The folder is missing: -o DIR.", "Il manque le dossier : -o DOSSIER."});
     requests.framing.folder = QDir::cleanPath(requests.framing.folder);
-    return runExport(requests.framing, interruption);
+    return grammar.wants(grammar.watching()) ? runWatch(requests.framing, interruption)
+                                             : runExport(requests.framing, interruption);
 }
 
 /// A program that is started with a closed standard stream would write its messages into the next file that
@@ -249,7 +255,8 @@ int runCommandLine(int argc, char **argv)
     removeRuntimeFolder();
     try {
         const int status = dispatch(grammar, requests, interruption);
-        return interruption.exitStatus() != 0 ? interruption.exitStatus() : status;
+        const bool endsByInterruption = grammar.wants(grammar.watching());
+        return interruption.exitStatus() != 0 && !endsByInterruption ? interruption.exitStatus() : status;
     } catch (const UsageError &error) {
         return wrong(error.message);
     }

@@ -111,35 +111,14 @@ QStringList workerArguments(const ExportRequest &request, const QString &tempora
     return arguments + request.style.arguments();
 }
 
-/// In this process where there is nothing to do beside it.
-std::unique_ptr<PhotoMaker> makerFor(const ExportRequest &request, const Batch &batch, int workers,
-                                     const PhotoSource &source, const QString &temporary)
+/// The photos of the session as they are now, for the workers.
+QString writtenItems(const Batch &batch, const QString &temporary)
 {
-    if (workers < 2 || request.dryRun) {
-        return std::make_unique<LocalMaker>(source);
-    }
-    const QString items = temporary + u"/items.json"_s;
-    if (request.session) {
-        Session session;
-        session.photos = batch.items;
-        replaceFile(items, writeSession(session), Durability::Unsynced);
-    }
-    return std::make_unique<WorkerPool>(workers, workerArguments(request, temporary, items), source.stop());
-}
-
-BatchOutput outputFor(const ExportRequest &request, const Batch &batch)
-{
-    BatchOutput output;
-    output.folder = request.folder;
-    output.sizes = wantedSizes(request);
-    output.pattern = namePattern(request);
-    output.count = batch.count();
-    output.ours = batch.ours();
-    output.skipExisting = request.skipExisting;
-    output.dryRun = request.dryRun;
-    output.json = request.json;
-    output.quiet = request.quiet;
-    return output;
+    const QString path = temporary + u"/items.json"_s;
+    Session session;
+    session.photos = batch.items;
+    replaceFile(path, writeSession(session), Durability::Unsynced);
+    return path;
 }
 
 void runThrough(BatchRun &run, const Batch &batch, const PhotoSource &source)
@@ -161,23 +140,25 @@ void runThrough(BatchRun &run, const Batch &batch, const PhotoSource &source)
 int runBatch(const ExportRequest &request, const Batch &batch, const Interruption &interruption)
 {
     const int workers = workersFor(request.jobs, batch.ours());
-    const BatchOutput output = outputFor(request, batch);
+    BatchOutput output = outputFor(request);
+    output.count = batch.count();
+    output.ours = batch.ours();
     const TemporaryFolder temporary;
     const QString library = request.session ? LibraryPaths::location() : QDir::currentPath();
     ImagePipeline pipeline(library, temporary.path(), PipelineUse::Command);
     std::unique_ptr<Styler> styler;
     if (!request.session) {
         styler = std::make_unique<Styler>(request.style, pipeline, interruption.token());
-        for (const QString &warning : styler->warnings()) {
-            Console::complain(warning);
-        }
     }
+    warn(request, styler.get());
     if (!request.dryRun) {
         makeFolder(request.folder);
     }
     const PhotoSource source = styler ? PhotoSource(pipeline, *styler, interruption.token())
                                       : PhotoSource(pipeline, batch.items, interruption.token());
-    const std::unique_ptr<PhotoMaker> maker = makerFor(request, batch, workers, source, temporary.path());
+    const QString items = request.session && workers > 1 ? writtenItems(batch, temporary.path()) : QString();
+    const std::unique_ptr<PhotoMaker> maker =
+        makerFor(request, request.dryRun ? 1 : workers, source, temporary.path(), items);
     BatchRun run(output, source, *maker);
     runThrough(run, batch, source);
     return run.status();
@@ -234,12 +215,7 @@ FieldPattern namePattern(const ExportRequest &request)
     return pattern;
 }
 
-QList<PhotoItem> itemsFrom(const QString &file)
-{
-    return readSession(readJsonFile(file)).photos;
-}
-
-int runExport(const ExportRequest &request, const Interruption &interruption)
+void checkOptions(const ExportRequest &request)
 {
     if (request.style.styleFile && request.style.templateId) {
         throw UsageError{
@@ -248,6 +224,49 @@ int runExport(const ExportRequest &request, const Interruption &interruption)
     }
     namePattern(request);
     workersFor(request.jobs, 1);
+}
+
+void warn(const ExportRequest &request, const Styler *styler)
+{
+    if (request.maxMb && request.format == u"png"_s) {
+        Console::complain(localized({"--max-mb 对 PNG 不起作用。", "--max-mb does nothing with PNG.",
+                                     "--max-mb n’a pas d’effet sur le PNG."}));
+    }
+    for (const QString &warning : styler ? styler->warnings() : QStringList()) {
+        Console::complain(warning);
+    }
+}
+
+BatchOutput outputFor(const ExportRequest &request)
+{
+    BatchOutput output;
+    output.folder = request.folder;
+    output.sizes = wantedSizes(request);
+    output.pattern = namePattern(request);
+    output.skipExisting = request.skipExisting;
+    output.dryRun = request.dryRun;
+    output.json = request.json;
+    output.quiet = request.quiet;
+    return output;
+}
+
+std::unique_ptr<PhotoMaker> makerFor(const ExportRequest &request, int workers, const PhotoSource &source,
+                                     const QString &temporary, const QString &items)
+{
+    if (workers < 2) {
+        return std::make_unique<LocalMaker>(source);
+    }
+    return std::make_unique<WorkerPool>(workers, workerArguments(request, temporary, items), source.stop());
+}
+
+QList<PhotoItem> itemsFrom(const QString &file)
+{
+    return readSession(readJsonFile(file)).photos;
+}
+
+int runExport(const ExportRequest &request, const Interruption &interruption)
+{
+    checkOptions(request);
     try {
         return runBatch(request, batchFrom(request), interruption);
     } catch (const Refusal &refusal) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include <QStringList>
@@ -12,6 +13,7 @@
 namespace tarnovel::cli {
 
 class Interruption;
+struct BatchOutput;
 
 /// What `tarnovel export` was asked for, as typed.
 struct ExportRequest {
@@ -41,6 +43,19 @@ QList<WantedSize> wantedSizes(const ExportRequest &request);
 
 /// The pattern of the names. Throws a UsageError with the place of what is wrong in it.
 FieldPattern namePattern(const ExportRequest &request);
+
+/// What the options say beyond wrong values of single ones. Throws a UsageError.
+void checkOptions(const ExportRequest &request);
+
+/// Says what is odd about a request without being wrong.
+void warn(const ExportRequest &request, const Styler *styler);
+
+/// Where results go and how they are called.
+BatchOutput outputFor(const ExportRequest &request);
+
+/// Makes photos in this process, or in several workers. `items` is the file with the photos of a session.
+std::unique_ptr<PhotoMaker> makerFor(const ExportRequest &request, int workers, const PhotoSource &source,
+                                     const QString &temporary, const QString &items);
 
 /// The photos that a program has written down for its workers.
 QList<PhotoItem> itemsFrom(const QString &file);

@@ -95,6 +95,7 @@ Grammar::Grammar(Requests &requests) : m_requests(requests)
                         "Sans commande, l’éditeur s’ouvre avec les photos nommées : tarnovel [PHOTO...]"}));
     m_app.require_subcommand(1);
     addExport();
+    addWatch();
     addWorker();
     addInspect();
     addCollage();
@@ -106,6 +107,8 @@ Grammar::Grammar(Requests &requests) : m_requests(requests)
             inThisLanguage({"照片张数", "Number of photos", "Nombre de photos"}))
         ->type_name("");
     m_templates = addList("templates", {"列出内置模板", "List the built-in templates", "Lister les modèles"});
+    m_fields = addList("fields", {"列出 --set 能改的字段", "List the fields that --set knows",
+                                  "Lister les champs que --set connaît"});
     m_stocks = addList("stocks", {"列出胶卷", "List the film stocks", "Lister les pellicules"});
 }
 
@@ -241,6 +244,29 @@ void Grammar::addRunOptions(CLI::App &command)
                "Photos à la fois ; par défaut selon les cœurs et la mémoire"});
     addJson(command, request.json);
     addQuiet(command, request.quiet);
+}
+
+void Grammar::addWatch()
+{
+    m_watch = &addCommand("watch",
+                          {"监视文件夹，处理其中已有和新来的照片", "Frame what is in a folder and what comes",
+                           "Encadrer ce qui est dans un dossier et ce qui y arrive"});
+    CLI::App &command = *m_watch;
+    ExportRequest &request = m_requests.framing;
+    command
+        .add_option_function<std::string>(
+            "IN", [&request](const std::string &typed) { request.selection.photos = {fromArgument(typed)}; },
+            inThisLanguage({"要监视的文件夹", "The folder to watch", "Le dossier à surveiller"}))
+        ->type_name("");
+    addOption(command, "-o,--output", request.folder, "DIR",
+              {"目标文件夹，没有时会建立（必填）", "Destination folder, made when missing (required)",
+               "Dossier de destination, créé au besoin (obligatoire)"});
+    command.add_flag("-r,--recursive", request.selection.recursive,
+                     inThisLanguage({"也监视子文件夹", "Folders below it too", "Les sous-dossiers aussi"}));
+    addStyleOptions(command);
+    addResultOptions(command);
+    addNameOptions(command);
+    addRunOptions(command);
 }
 
 /// What the program starts to have photos made; nobody types it.

@@ -37,11 +37,13 @@ public:
     bool wants(const CLI::App *command) const { return command->parsed(); }
     const CLI::App *exporting() const { return m_export; }
     const CLI::App *worker() const { return m_worker; }
+    const CLI::App *watching() const { return m_watch; }
     const CLI::App *inspecting() const { return m_inspect; }
     const CLI::App *collage() const { return m_collage; }
     const CLI::App *layouts() const { return m_layouts; }
     const CLI::App *templates() const { return m_templates; }
     const CLI::App *stocks() const { return m_stocks; }
+    const CLI::App *fields() const { return m_fields; }
     /// The photos of the command that was given.
     QStringList &photos();
 
@@ -51,6 +53,7 @@ private:
     CLI::App *addList(const char *name, const Text &description);
     void addInspect();
     void addExport();
+    void addWatch();
     void addWorker();
     void addStyleOptions(CLI::App &command);
     void addResultOptions(CLI::App &command);
@@ -66,11 +69,13 @@ private:
     CLI::App m_app;
     CLI::App *m_export = nullptr;
     CLI::App *m_worker = nullptr;
+    CLI::App *m_watch = nullptr;
     CLI::App *m_collage = nullptr;
     CLI::App *m_layouts = nullptr;
     CLI::App *m_inspect = nullptr;
     CLI::App *m_templates = nullptr;
     CLI::App *m_stocks = nullptr;
+    CLI::App *m_fields = nullptr;
 };
 
 } // namespace tarnovel::cli

@@ -8,6 +8,7 @@
 #include "base/Cancellation.h"
 #include "base/Json.h"
 #include "cli/Console.h"
+#include "cli/FailureCode.h"
 #include "cli/Interruption.h"
 #include "film/FilmStockCatalog.h"
 #include "language/AppLanguage.h"
@@ -21,27 +22,22 @@ namespace tarnovel::cli {
 
 namespace {
 
-/// A row of a list: an object's line of JSON, or its values in columns that are as wide as the widest.
+/// A row of a list: an object's line of JSON, or its values in columns.
 int printTable(const QList<QList<std::pair<const char *, QString>>> &rows, bool json)
 {
-    QList<qsizetype> widths(rows.isEmpty() ? 0 : rows.first().size());
-    for (const auto &row : rows) {
-        for (qsizetype i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths.at(i), row.at(i).second.size());
-        }
-    }
+    QList<QStringList> columns;
     for (const auto &row : rows) {
         Json object;
-        QString line;
-        for (qsizetype i = 0; i < row.size(); ++i) {
-            object[row.at(i).first] = jsonText(row.at(i).second);
-            line += i + 1 == row.size() ? row.at(i).second : row.at(i).second.leftJustified(widths.at(i) + 2);
+        columns.append(QStringList());
+        for (const auto &[key, value] : row) {
+            object[key] = jsonText(value);
+            columns.last().append(value);
         }
-        if (!Console::print(json ? QString::fromUtf8(writeJson(object)) : line)) {
+        if (json && !Console::print(QString::fromUtf8(writeJson(object)))) {
             return 1;
         }
     }
-    return 0;
+    return json ? 0 : printColumns(columns);
 }
 
 Json inspectionJson(const QString &photo, const PhotoItem &item, const QList<Ink> &palette)
@@ -81,6 +77,26 @@ QString inspectionText(const QString &photo, const PhotoItem &item, const QList<
 
 } // namespace
 
+int printColumns(const QList<QStringList> &rows)
+{
+    QList<qsizetype> widths(rows.isEmpty() ? 0 : rows.first().size());
+    for (const QStringList &row : rows) {
+        for (qsizetype i = 0; i < row.size(); ++i) {
+            widths[i] = std::max(widths.at(i), row.at(i).size());
+        }
+    }
+    for (const QStringList &row : rows) {
+        QString line;
+        for (qsizetype i = 0; i < row.size(); ++i) {
+            line += i + 1 == row.size() ? row.at(i) : row.at(i).leftJustified(widths.at(i) + 2);
+        }
+        if (!Console::print(line)) {
+            return 1;
+        }
+    }
+    return 0;
+}
+
 int runInspect(const QStringList &photos, bool json, const Interruption &interruption)
 {
     ImagePipeline pipeline(QDir::currentPath(), QDir::tempPath(), PipelineUse::Command);
@@ -100,8 +116,10 @@ int runInspect(const QStringList &photos, bool json, const Interruption &interru
             } catch (const PipelineFailure &failure) {
                 const QString message = errorDescription(failure);
                 if (json) {
-                    Console::print(QString::fromUtf8(
-                        writeJson(Json{{"photo", jsonText(photo)}, {"error", jsonText(message)}})));
+                    Console::print(
+                        QString::fromUtf8(writeJson(Json{{"photo", jsonText(photo)},
+                                                         {"error", jsonText(message)},
+                                                         {"code", jsonText(failureCode(failure))}})));
                 }
                 Console::complain(photo, message);
                 status = 1;

@@ -11,6 +11,8 @@ int runInspect(const QStringList &photos, bool json, const Interruption &interru
 
 /// The built-in templates and the film stocks, in the order in which they are offered.
 int runTemplates(bool json);
+/// Rows in columns that are as wide as the widest. Returns the exit status.
+int printColumns(const QList<QStringList> &rows);
 int runStocks(bool json);
 
 } // namespace tarnovel::cli

@@ -26,19 +26,27 @@ QString canonical(const QString &folder)
     return whole.isEmpty() ? QDir::cleanPath(QFileInfo(folder).absoluteFilePath()) : whole;
 }
 
-/// The pictures below a folder. Links to folders are not followed, so that there are no loops.
-void collect(const QString &folder, const QString &destination, QStringList &found)
+/// Whether the name of a file ends as those of pictures do.
+bool hasPictureSuffix(const QString &path)
 {
+    static const QStringList endings = {u"jpg"_s, u"jpeg"_s, u"jpe"_s,  u"png"_s, u"heic"_s, u"heif"_s,
+                                        u"hif"_s, u"avif"_s, u"webp"_s, u"tif"_s, u"tiff"_s};
+    return endings.contains(QFileInfo(path).suffix().toLower());
+}
+
+void collect(const QString &folder, bool recursive, const QString &leftOut, PicturesBelow &found)
+{
+    found.folders.append(folder);
     const QDir directory(folder);
     const auto entries = directory.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QFileInfo &entry : entries) {
         const QString path = folder.endsWith(u'/') ? folder + entry.fileName() : entry.filePath();
         if (!entry.isDir()) {
             if (hasPictureSuffix(path)) {
-                found.append(path);
+                found.pictures.append(path);
             }
-        } else if (!entry.isSymLink() && entry.canonicalFilePath() != destination) {
-            collect(path, destination, found);
+        } else if (recursive && !entry.isSymLink() && entry.canonicalFilePath() != leftOut) {
+            collect(path, recursive, leftOut, found);
         }
     }
 }
@@ -63,6 +71,24 @@ QByteArray bytesOfList(const QString &listFile)
 }
 
 } // namespace
+
+PicturesBelow::PicturesBelow(const QString &folder, bool recursive, const QString &leftOut)
+{
+    collect(folder, recursive, leftOut, *this);
+    std::ranges::sort(pictures);
+}
+
+bool isSameFolder(const QString &one, const QString &other)
+{
+    return canonical(one) == canonical(other);
+}
+
+QString ownFolderText()
+{
+    return localized({"成品不能放进要加框的文件夹：",
+                      "The results cannot go into the folder that is framed: ",
+                      "Les résultats ne peuvent pas aller dans le dossier à encadrer : "});
+}
 
 Shard Shard::from(const QString &typed)
 {
@@ -122,18 +148,13 @@ void PhotoList::add(const QString &photo, bool recursive, const QString &destina
         return;
     }
     if (canonical(photo) == destination) {
-        throw UsageError{localized({"成品不能放进要加框的文件夹：",
-                                    "The results cannot go into the folder that is framed: ",
-                                    "Les résultats ne peuvent pas aller dans le dossier à encadrer : "}) +
-                         photo};
+        throw UsageError{ownFolderText() + photo};
     }
-    QStringList found;
-    collect(photo, destination, found);
-    std::ranges::sort(found);
-    for (const QString &path : found) {
+    const PicturesBelow found(photo, true, destination);
+    for (const QString &path : found.pictures) {
         append(path);
     }
-    if (found.isEmpty()) {
+    if (found.pictures.isEmpty()) {
         m_emptyFolders.append(photo);
     }
 }

@@ -54,4 +54,19 @@ private:
     QStringList m_emptyFolders;
 };
 
+/// The pictures in a folder, or below it, in the order of their paths. Hidden ones and links to folders are
+/// left out, so that there are no loops, and so is the folder `leftOut`, a canonical path.
+struct PicturesBelow {
+    QStringList pictures;
+    /// The folders that were looked into.
+    QStringList folders;
+
+    PicturesBelow(const QString &folder, bool recursive, const QString &leftOut);
+};
+
+bool isSameFolder(const QString &one, const QString &other);
+
+/// What is said before the name of a folder that is to be framed into itself.
+QString ownFolderText();
+
 } // namespace tarnovel::cli

@@ -6,6 +6,7 @@
 
 #include "base/Json.h"
 #include "cli/Console.h"
+#include "cli/StyleFields.h"
 #include "language/AppLanguage.h"
 #include "model/FrameSettingsJson.h"
 
@@ -111,10 +112,15 @@ bool knows(const Json &known, const Json &given)
     return true;
 }
 
-Json valueFrom(const QString &text)
+/// JSON, or else a text. What is set to be a text is one, whatever else it looks like.
+Json valueFrom(const QString &path, const QString &text)
 {
     try {
-        return parseJson(text.toUtf8());
+        const Json value = parseJson(text.toUtf8());
+        const StyleField *field = styleFieldAt(path);
+        const bool isText = field && field->type == StyleField::Type::Text;
+        const bool fits = value.is_string() || (value.is_null() && field && field->optional);
+        return isText && !fits ? jsonText(text) : value;
     } catch (const JsonError &) {
         return jsonText(text);
     }
@@ -132,7 +138,7 @@ void set(FrameSettings &settings, const QString &assignment)
     }
     Json record = complete(changed);
     Json &place = field(record, path);
-    place = valueFrom(value);
+    place = valueFrom(path, value);
     const Json given = place;
     try {
         settings = frameSettingsFromJson(JsonReader(record));

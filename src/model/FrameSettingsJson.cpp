@@ -14,17 +14,17 @@ constexpr qsizetype longestText = 100'000;
 template<typename Case, std::size_t Count>
 using CaseNames = std::array<std::pair<Case, const char *>, Count>;
 
-constexpr CaseNames<CanvasPreset, 6> presetNames = {{{CanvasPreset::red, "red"},
+constexpr CaseNames<CanvasPreset, 6> presetCases = {{{CanvasPreset::red, "red"},
                                                      {CanvasPreset::instagram, "instagram"},
                                                      {CanvasPreset::square, "square"},
                                                      {CanvasPreset::story, "story"},
                                                      {CanvasPreset::original, "original"},
                                                      {CanvasPreset::custom, "custom"}}};
-constexpr CaseNames<Backdrop, 4> backdropNames = {{{Backdrop::solid, "solid"},
+constexpr CaseNames<Backdrop, 4> backdropCases = {{{Backdrop::solid, "solid"},
                                                    {Backdrop::gradient, "gradient"},
                                                    {Backdrop::blur, "blur"},
                                                    {Backdrop::image, "image"}}};
-constexpr CaseNames<FrameStyle, 4> styleNames = {{{FrameStyle::simple, "simple"},
+constexpr CaseNames<FrameStyle, 4> styleCases = {{{FrameStyle::simple, "simple"},
                                                   {FrameStyle::instant, "instant"},
                                                   {FrameStyle::film, "film"},
                                                   {FrameStyle::cinema, "cinema"}}};
@@ -38,6 +38,16 @@ const char *nameOf(Case value, const CaseNames<Case, Count> &names)
         }
     }
     return "";
+}
+
+template<typename Case, std::size_t Count>
+QStringList listed(const CaseNames<Case, Count> &names)
+{
+    QStringList list;
+    for (const auto &[each, name] : names) {
+        list.append(QLatin1StringView(name));
+    }
+    return list;
 }
 
 template<typename Case, std::size_t Count>
@@ -134,6 +144,21 @@ FilmOptions filmFrom(const JsonReader &reader)
 
 } // namespace
 
+QStringList canvasPresetNames()
+{
+    return listed(presetCases);
+}
+
+QStringList backdropNames()
+{
+    return listed(backdropCases);
+}
+
+QStringList frameStyleNames()
+{
+    return listed(styleCases);
+}
+
 Json toJson(const FilmOptions &options)
 {
     Json object;
@@ -151,7 +176,7 @@ Json toJson(const FilmOptions &options)
 Json toJson(const FrameSettings &settings)
 {
     Json object;
-    object["preset"] = nameOf(settings.preset, presetNames);
+    object["preset"] = nameOf(settings.preset, presetCases);
     object["customWidth"] = settings.customWidth;
     object["customHeight"] = settings.customHeight;
     object["scale"] = settings.scale;
@@ -159,11 +184,11 @@ Json toJson(const FrameSettings &settings)
     object["y"] = settings.y;
     object["lockX"] = settings.lockX;
     object["lockY"] = settings.lockY;
-    object["background"] = nameOf(settings.background, backdropNames);
+    object["background"] = nameOf(settings.background, backdropCases);
     object["color"] = toJson(settings.color);
     object["secondColor"] = toJson(settings.secondColor);
     put(object, "backgroundFile", settings.backgroundFile);
-    object["style"] = nameOf(settings.style, styleNames);
+    object["style"] = nameOf(settings.style, styleCases);
     object["border"] = settings.border;
     object["borderColor"] = toJson(settings.borderColor);
     if (settings.film) {
@@ -185,7 +210,7 @@ Json toJson(const FrameSettings &settings)
 FrameSettings frameSettingsFromJson(const JsonReader &reader)
 {
     FrameSettings settings;
-    settings.preset = caseFrom(reader.member("preset"), presetNames);
+    settings.preset = caseFrom(reader.member("preset"), presetCases);
     settings.customWidth = reader.member("customWidth").number();
     settings.customHeight = reader.member("customHeight").number();
     settings.scale = reader.member("scale").number();
@@ -193,11 +218,11 @@ FrameSettings frameSettingsFromJson(const JsonReader &reader)
     settings.y = reader.member("y").number();
     settings.lockX = reader.member("lockX").boolean();
     settings.lockY = reader.member("lockY").boolean();
-    settings.background = caseFrom(reader.member("background"), backdropNames);
+    settings.background = caseFrom(reader.member("background"), backdropCases);
     settings.color = inkFrom(reader.member("color"));
     settings.secondColor = inkFrom(reader.member("secondColor"));
     settings.backgroundFile = reader.optionalText("backgroundFile");
-    settings.style = caseFrom(reader.member("style"), styleNames);
+    settings.style = caseFrom(reader.member("style"), styleCases);
     settings.border = reader.member("border").number();
     settings.borderColor = inkFrom(reader.member("borderColor"));
     if (const auto film = reader.optionalMember("film")) {

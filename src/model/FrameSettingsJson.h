@@ -16,4 +16,9 @@ FrameSettings frameSettingsFromJson(const JsonReader &reader);
 /// Every field that can be read, the others with their defaults; then `whole` becomes false.
 FrameSettings salvageFrameSettings(const JsonReader &reader, bool &whole);
 
+/// The names that records give to the cases, in order.
+QStringList canvasPresetNames();
+QStringList backdropNames();
+QStringList frameStyleNames();
+
 } // namespace tarnovel

@@ -81,6 +81,7 @@ TEST(Export, AppliesStylePicturesFieldsAndTextsInThatOrder)
                                          u"--set"_s,        u"background=solid"_s,
                                          u"--set"_s,        u"film.stock=Kodak Tri-X 400"_s,
                                          u"--set"_s,        u"layers.title.size=0.05"_s,
+                                         u"--set"_s,        u"layers.caption.text=2024"_s,
                                          u"--text"_s,       u"title=a=b"_s,
                                          u"-o"_s,           u"out"_s,
                                          u"one.jpg"_s});
@@ -93,6 +94,7 @@ TEST(Export, AppliesStylePicturesFieldsAndTextsInThatOrder)
     EXPECT_EQ(used.background, Backdrop::solid);
     EXPECT_EQ(used.film->stock, u"Kodak Tri-X 400"_s);
     EXPECT_EQ(used.layer(u"title"_s)->text, u"a=b"_s);
+    EXPECT_EQ(used.layer(u"caption"_s)->text, u"2024"_s);
     EXPECT_TRUE(used.layer(u"title"_s)->visible);
     EXPECT_EQ(used.layer(u"watermark"_s)->imageAspect, 2);
     EXPECT_EQ(used.handwritingAspect, 2);

@@ -124,7 +124,7 @@ TEST_F(IntoAFolder, KeepsWhatIsDoneWhenCancelled)
     EXPECT_EQ(run.error(), u"Cancelled. 3 exported photos remain in the folder."_s);
     EXPECT_FALSE(run.result());
     EXPECT_EQ(entries(m_goal).size(), 3);
-    EXPECT_EQ(temporary(), QStringList());
+    EXPECT_TRUE(waitFor([&] { return temporary().isEmpty(); }));
 }
 
 TEST_F(IntoAFolder, StopsAtAFailureWithASummaryOfTheRest)
