@@ -200,17 +200,18 @@ std::string programPage(const CommandTable &table)
         page << ".br\n" << synopsis(command) << '\n';
     }
     section(page, {"说明", "DESCRIPTION", "DESCRIPTION"});
-    page
-        << plain(in(
-               {"不带命令时打开编辑器并导入所列照片；带命令时不打开窗口，也不需要显示器。"
-                "照片可以是 JPEG、PNG、HEIC、AVIF、WebP、TIFF，或相机 RAW（取其中相机自己的画面）；一切都在本机完成。",
-                "Without a command it opens the editor with the photos named. With one it works without a "
-                "window or a display. Photos may be JPEG, PNG, HEIC, AVIF, WebP or TIFF, or raw files, of "
-                "which the camera's own picture is taken; everything happens on this machine.",
-                "Sans commande, le programme ouvre l’éditeur avec les photos nommées. Avec une commande, il "
-                "travaille sans fenêtre ni écran. Les photos peuvent être des JPEG, PNG, HEIC, AVIF, WebP, "
-                "TIFF, ou des fichiers RAW, dont l’image de l’appareil est prise ; tout se passe sur cette machine."}))
-        << '\n';
+    page << plain(in(
+                {"不带命令时打开编辑器并导入所列照片；带命令时不打开窗口，也不需要显示器。"
+                 "照片可以是 JPEG、PNG、HEIC、AVIF、WebP、TIFF，或相机 "
+                 "RAW（取其中相机自己的画面）；一切都在本机完成。",
+                 "Without a command it opens the editor with the photos named. With one it works without a "
+                 "window or a display. Photos may be JPEG, PNG, HEIC, AVIF, WebP or TIFF, or raw files, of "
+                 "which the camera's own picture is taken; everything happens on this machine.",
+                 "Sans commande, le programme ouvre l’éditeur avec les photos nommées. Avec une commande, il "
+                 "travaille sans fenêtre ni écran. Les photos peuvent être des JPEG, PNG, HEIC, AVIF, WebP, "
+                 "TIFF, ou des fichiers RAW, dont l’image de l’appareil est prise ; tout se passe sur cette "
+                 "machine."}))
+         << '\n';
     section(page, {"命令", "COMMANDS", "COMMANDES"});
     std::vector<std::string> others;
     for (const CommandRow &command : table.commands) {
