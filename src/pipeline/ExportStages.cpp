@@ -9,6 +9,7 @@
 #include "base/AtomicFile.h"
 #include "base/FileError.h"
 #include "base/Uuid.h"
+#include "imaging/BufferPool.h"
 #include "imaging/ImageEncoder.h"
 #include "pipeline/FrameImages.h"
 
@@ -93,6 +94,9 @@ ExportedFile ExportStages::composed(const PhotoItem &item, const ExportOptions &
     if (m_canvas.size() != read.canvas) {
         m_canvas = QImage();
         m_canvas = QImage(read.canvas, QImage::Format_RGB32);
+        if (!m_canvas.isNull()) {
+            preferLargePages(m_canvas.bits(), static_cast<size_t>(m_canvas.sizeInBytes()));
+        }
     }
     compose(m_canvas, item, read.images);
     read.images = {}; // the memory that they lie in is wanted for the next
