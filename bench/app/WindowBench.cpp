@@ -200,12 +200,12 @@ void measureStart(const QString &folder)
     }
     std::printf("start with %d photos to the painted window: median %.0f ms\n", photoCount,
                 share(times, 0.5));
-    judge("start to the first picture, processor, with the decoder", share(spent, 0.5), "ms", 90);
+    judge("start to the first picture, processor, with the decoder", share(spent, 0.5), "ms", 80);
 }
 
 int showOnce(const QString &folder)
 {
-    test::AppWorld world(folder);
+    test::AppWorld world(folder, folder + u"/thumbnails"_s);
     world.window().resize(windowSize);
     world.window().show();
     world.window().page()->showEditor();
@@ -225,7 +225,7 @@ int measure()
 {
     const QTemporaryDir folder;
     {
-        test::AppWorld world(folder.path());
+        test::AppWorld world(folder.path(), folder.filePath(u"thumbnails"_s));
         const QString photo = folder.filePath(u"photo.jpg"_s);
         writePhoto24(photo);
         world.import(QStringList(photoCount, photo));

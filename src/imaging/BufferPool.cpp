@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include <sys/mman.h>
+
 namespace tarnovel {
 namespace {
 
@@ -59,6 +61,7 @@ public:
         const size_t capacity = std::max(bytes, size_t(1));
         auto *header =
             static_cast<Header *>(::operator new(capacity + alignment, std::align_val_t(alignment)));
+        preferLargePages(header, capacity + alignment);
         header->capacity = capacity;
         return blockOf(header);
     }
@@ -157,6 +160,21 @@ QImage pooledImage(QSize size, QImage::Format format)
     PooledBuffer buffer(static_cast<size_t>(stride) * static_cast<size_t>(size.height()));
     uint8_t *block = buffer.release();
     return QImage(block, size.width(), size.height(), stride, format, &PooledBuffer::giveBack, block);
+}
+
+void preferLargePages(void *block, size_t bytes)
+{
+    constexpr size_t largePage = size_t(2) << 20;
+    constexpr size_t smallestWorth = 2 * largePage;
+    if (bytes < smallestWorth) {
+        return;
+    }
+    // Whole large pages alone: others may hold somebody else's data beside the block.
+    const auto begin = (reinterpret_cast<uintptr_t>(block) + largePage - 1) / largePage * largePage;
+    const auto end = (reinterpret_cast<uintptr_t>(block) + bytes) / largePage * largePage;
+    if (begin < end) {
+        madvise(reinterpret_cast<void *>(begin), end - begin, MADV_HUGEPAGE);
+    }
 }
 
 void emptyBufferPool()

@@ -56,6 +56,7 @@ QByteArray compressed(QSize picture, double quality, const Compress &compress)
     unsigned long size = tjBufSize(picture.width(), picture.height(), subsamplingAt(quality));
     const auto buffer = std::make_unique_for_overwrite<unsigned char[]>(size);
     unsigned char *bytes = buffer.get();
+    preferLargePages(bytes, size);
     const int hundredths = std::clamp(static_cast<int>(std::lround(quality * 100)), 1, 100);
     if (compress(&bytes, &size, hundredths) != 0) {
         throw std::bad_alloc();

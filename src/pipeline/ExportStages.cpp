@@ -11,6 +11,7 @@
 #include "base/AtomicFile.h"
 #include "base/FileError.h"
 #include "base/Uuid.h"
+#include "imaging/BufferPool.h"
 #include "imaging/ImageEncoder.h"
 #include "pipeline/FrameImages.h"
 
@@ -159,6 +160,9 @@ void ExportStages::write(const std::shared_ptr<Exporting> &exporting)
             if (m_canvas.size() != size->canvas) {
                 m_canvas = QImage();
                 m_canvas = QImage(size->canvas, QImage::Format_RGB32);
+                if (!m_canvas.isNull()) {
+                    preferLargePages(m_canvas.bits(), static_cast<size_t>(m_canvas.sizeInBytes()));
+                }
             }
             compose(m_canvas, exporting->item, size->images);
             size->images = {}; // the memory that they lie in is wanted for the next

@@ -25,10 +25,11 @@ public:
         QString folder;
     };
 
-    explicit AppWorld(const QString &folder)
+    /// Thumbnails are kept from start to start where they have a folder.
+    explicit AppWorld(const QString &folder, const QString &thumbnails = {})
         : m_folder(folder),
           m_preferences(folder + QStringLiteral("/preferences.ini")),
-          m_pipeline(library(), folder + QStringLiteral("/exports")),
+          m_pipeline(library(), folder + QStringLiteral("/exports"), PipelineUse::Editor, thumbnails),
           m_writer(library()),
           m_model({m_pipeline, m_writer, m_preferences, m_clock, library()},
                   EditorModel::Load::StoredSession),

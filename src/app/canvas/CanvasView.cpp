@@ -103,22 +103,27 @@ void CanvasView::redrawChanged()
         update();
         return;
     }
-    update(marksRegion(frame) | m_marks | onWidget(m_live.outdated(*photo, frameDevicePixels())));
+    QRect touched = onWidget(m_live.outdated(*photo, frameDevicePixels())) | marksRect() | m_marks;
+    if (shownGuides() != m_guides) {
+        touched |= CanvasMarks::guideRegion(frame).boundingRect();
+    }
+    // One rectangle: a clip of many makes every painting slow.
+    update(touched);
 }
 
-QRegion CanvasView::marksRegion(const QRectF &frame) const
+QRect CanvasView::marksRect() const
 {
-    QRegion region;
-    if (m_gestures.guidesVisible()) {
-        region += CanvasMarks::guideRegion(frame);
-    }
-    if (const std::optional<QRectF> box = layerBox()) {
-        region += layerTransform(*box)
-                      .mapRect(CanvasMarks::selectionBounds(*box))
-                      .toAlignedRect()
-                      .adjusted(-1, -1, 1, 1);
-    }
-    return region;
+    const std::optional<QRectF> box = layerBox();
+    return box ? layerTransform(*box)
+                     .mapRect(CanvasMarks::selectionBounds(*box))
+                     .toAlignedRect()
+                     .adjusted(-1, -1, 1, 1)
+               : QRect();
+}
+
+std::optional<CentreSnap> CanvasView::shownGuides() const
+{
+    return m_gestures.guidesVisible() ? std::optional(m_gestures.snap()) : std::nullopt;
 }
 
 QRectF CanvasView::frameRect() const
@@ -204,7 +209,8 @@ void CanvasView::paintEvent(QPaintEvent *event)
                                    CanvasMarks::Naming::Full);
     paintGuides(painter, frame);
     paintSelection(painter, frame);
-    m_marks = marksRegion(frame);
+    m_marks = marksRect();
+    m_guides = shownGuides();
     if (hasFocus() && keyboardFocusVisible() && !m_state.selectedLayer()) {
         Paint::outline(painter, frame.adjusted(-6, -6, 6, 6), 4, theme().accent, 2);
     }

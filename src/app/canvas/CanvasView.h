@@ -5,7 +5,6 @@
 #include <variant>
 
 #include <QPixmap>
-#include <QRegion>
 #include <QWidget>
 
 #include "app/EditorContext.h"
@@ -80,8 +79,9 @@ private:
     /// Draws the whole frame anew, or what the model's changes touch of it.
     void redraw();
     void redrawChanged();
-    /// What lies around the frame for the hand, and may move with every step of it.
-    QRegion marksRegion(const QRectF &frame) const;
+    /// What lies around the chosen layer for the hand, and moves with every step of it.
+    QRect marksRect() const;
+    std::optional<CentreSnap> shownGuides() const;
     /// Brings the frame up to date and returns where on the widget it may look different.
     QRect drawFrame();
     QRect onWidget(const QRect &pixels) const;
@@ -114,8 +114,9 @@ private:
     QPixmap m_ground;
     QRectF m_groundFrame;
     const Theme *m_groundTheme = nullptr;
-    /// Where handles and guides are shown.
-    QRegion m_marks;
+    /// Where handles are shown, and which guides.
+    QRect m_marks;
+    std::optional<CentreSnap> m_guides;
     std::optional<QUuid> m_photo;
     std::optional<Drag> m_drag;
     double m_magnification = 1;
