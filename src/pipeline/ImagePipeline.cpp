@@ -210,6 +210,7 @@ ImagePipeline::Lane::Lane(const QString &libraryFolder, PictureMemory memory, co
 ImagePipeline::ImagePipeline(const QString &libraryFolder, QString temporaryFolder, PipelineUse use,
                              const QString &thumbnailFolder)
     : m_temporaryFolder(std::move(temporaryFolder)),
+      m_rests(use != PipelineUse::Worker),
       m_reading(libraryFolder, PictureMemory::None, {}),
       m_ownScreen(use == PipelineUse::Editor
                       ? std::make_unique<Lane>(libraryFolder, PictureMemory::Kept, thumbnailFolder)
@@ -373,7 +374,7 @@ void ImagePipeline::writeSizes(const std::shared_ptr<Exporting> &exporting)
 void ImagePipeline::ended()
 {
     m_room.release();
-    if (--m_exports == 0) {
+    if (--m_exports == 0 && m_rests) {
         m_composing.start([this] { m_canvas = {}; });
         m_reading.thread.start([this] { m_reading.reader.rest(); });
     }

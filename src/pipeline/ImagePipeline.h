@@ -40,6 +40,9 @@ enum class PipelineUse {
     Editor,
     /// A command, which does one thing at a time.
     Command,
+    /// A process that makes one photo after another until it is ended: the memory of one is kept for the
+    /// next, although nobody has asked for it yet.
+    Worker,
 };
 
 /// The one image service. Reading for the screen and exporting go on beside each other; of each kind, what
@@ -134,6 +137,7 @@ private:
     void ended();
 
     const QString m_temporaryFolder;
+    const bool m_rests;
     /// Nobody waits any more for what is still to be done.
     std::stop_source m_ending;
     Lane m_reading;
