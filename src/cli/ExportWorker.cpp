@@ -75,7 +75,7 @@ int runExportWorker(const ExportRequest &request)
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     const QList<WantedSize> sizes = wantedSizes(request);
     const QString library = request.session ? LibraryPaths::location() : QDir::currentPath();
-    ImagePipeline pipeline(library, request.folder, PipelineUse::Command);
+    ImagePipeline pipeline(library, request.folder, PipelineUse::Worker);
     if (request.session) {
         return serve(PhotoSource(pipeline, itemsFrom(request.itemsFile), {}), sizes, request.folder);
     }

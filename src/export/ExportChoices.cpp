@@ -1,5 +1,6 @@
 #include "export/ExportChoices.h"
 
+#include "export/ExportNames.h"
 #include "language/AppLanguage.h"
 #include "language/Plural.h"
 
@@ -19,6 +20,10 @@ ExportChoices ExportChoices::stored(const Preferences &preferences)
     if (limit == 1 || limit == 2 || limit == 5) {
         choices.maxMB = limit;
     }
+    const QString name = preferences.get(PreferenceKeys::exportName).toString();
+    if (!FieldPattern(name).fault()) {
+        choices.name = name;
+    }
     return choices;
 }
 
@@ -34,6 +39,7 @@ void ExportChoices::store(Preferences &preferences) const
     preferences.set(PreferenceKeys::exportResolution, double(resolution));
     preferences.set(PreferenceKeys::exportPng, png);
     preferences.set(PreferenceKeys::exportMaxMB, maxMB);
+    preferences.set(PreferenceKeys::exportName, QVariant(name));
 }
 
 ExportOptions ExportChoices::options() const
@@ -44,6 +50,16 @@ ExportOptions ExportChoices::options() const
     options.png = png;
     options.maxMB = png ? 0 : maxMB;
     return options;
+}
+
+FieldPattern ExportChoices::namePattern() const
+{
+    return name.isEmpty() ? ExportNames::defaultPattern(false) : FieldPattern(name);
+}
+
+QString ExportChoices::sizeName() const
+{
+    return resolution == 0 ? u"original"_s : QString::number(resolution);
 }
 
 QList<PhotoItem> ExportChoices::photos(const EditorModel &model) const

@@ -4,6 +4,7 @@
 #include <QString>
 
 #include "editor/EditorModel.h"
+#include "language/FieldPattern.h"
 #include "pipeline/ExportOptions.h"
 
 namespace tarnovel {
@@ -17,6 +18,8 @@ struct ExportChoices {
     double maxMB = 0;
     /// The whole set instead of the selected photo.
     bool all = true;
+    /// How files are called, as typed; empty for the default.
+    QString name = {};
 
     /// What the panel last used. The sheet has no memory: it starts with a short edge of 1080.
     static ExportChoices stored(const Preferences &preferences);
@@ -24,6 +27,9 @@ struct ExportChoices {
     void store(Preferences &preferences) const;
 
     ExportOptions options() const;
+    FieldPattern namePattern() const;
+    /// The size as names of files call it: "1080", "4096" or "original".
+    QString sizeName() const;
     /// The photos of a run, in the session's order.
     QList<PhotoItem> photos(const EditorModel &model) const;
 };

@@ -42,7 +42,7 @@ void ExportJobs::startToFolder(const ExportChoices &choices, const QString &fold
     if (const QList<PhotoItem> photos = choices.photos(m_model); mayStart(photos)) {
         keepFiles(photos);
         m_intoLibrary = false;
-        m_folder.start(photos, choices.options(), folder);
+        m_folder.start(photos, choices.options(), folder, choices.namePattern(), choices.sizeName());
     }
 }
 

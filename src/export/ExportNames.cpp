@@ -90,17 +90,12 @@ Plan::Plan(FieldPattern pattern, QString extension)
 
 int Plan::attempt(const FieldValues &values)
 {
-    const size_t wanted = qHash(name(values, 0));
-    // A pattern that calls all alike is not tried from the beginning each time.
-    int attempt = wanted == m_repeated ? m_repeats + 1 : 0;
-    while (!m_given.insert(qHash(name(values, attempt))).second) {
-        ++attempt;
+    // A name that is there a thousand times is not tried from the beginning each time.
+    int &next = m_next[qHash(name(values, 0))];
+    while (!m_given.insert(qHash(name(values, next))).second) {
+        ++next;
     }
-    if (attempt > 0) {
-        m_repeated = wanted;
-        m_repeats = attempt;
-    }
-    return attempt;
+    return next++;
 }
 
 } // namespace tarnovel::ExportNames

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <unordered_map>
 #include <unordered_set>
 
 #include <QString>
@@ -43,9 +44,8 @@ private:
     const QString m_extension;
     /// Fingerprints: a hundred thousand names take a few megabytes.
     std::unordered_set<size_t> m_given;
-    /// Fingerprint and attempt of the last name that was given a number.
-    size_t m_repeated = 0;
-    int m_repeats = 0;
+    /// By the fingerprint of a name, the attempt with which it may be free.
+    std::unordered_map<size_t, int> m_next;
 };
 
 } // namespace tarnovel::ExportNames

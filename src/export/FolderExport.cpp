@@ -5,22 +5,32 @@
 #include "base/AtomicFile.h"
 #include "export/ExportChoices.h"
 #include "export/ExportNames.h"
+#include "pipeline/CameraTexts.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tarnovel {
 
-FolderExport::FolderExport(ImagePipeline &pipeline) : m_thumbnails(pipeline), m_run(pipeline)
+FolderExport::FolderExport(ImagePipeline &pipeline)
+    : m_pipeline(pipeline), m_thumbnails(pipeline), m_run(pipeline)
 {
     connect(&m_thumbnails, &DeliveredThumbnails::changed, this, &FolderExport::changed);
 }
 
 void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &options, const QString &folder)
 {
+    start(photos, options, folder, ExportNames::defaultPattern(false), {});
+}
+
+void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &options, const QString &folder,
+                         const FieldPattern &names, const QString &sizeName)
+{
     if (photos.isEmpty() || working()) {
         return;
     }
     m_folder = folder;
+    m_names = names;
+    m_sizeName = sizeName;
     m_written.clear();
     m_taken.clear();
     m_extension = options.png ? u"png"_s : u"jpg"_s;
@@ -35,7 +45,7 @@ void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &op
                      [this, photos](int index, const ExportedFile &file) {
                          // The list is read on the interface thread only after this delivery has been told
                          // there.
-                         m_written.append(deliver(photos.at(index), file));
+                         m_written.append(deliver(photos, index, file));
                      },
                  .progressed =
                      [this](int done) {
@@ -63,11 +73,27 @@ void FolderExport::start(const QList<PhotoItem> &photos, const ExportOptions &op
     Q_EMIT changed();
 }
 
-QString FolderExport::deliver(const PhotoItem &photo, const ExportedFile &file)
+QString FolderExport::deliver(const QList<PhotoItem> &photos, int index, const ExportedFile &file)
 {
+    const PhotoItem &photo = photos.at(index);
+    FieldValues values;
+    if (m_names.usesCamera()) {
+        try {
+            setCameraFields(values, m_pipeline.captured(photo.file).result());
+        } catch (const QException &) {
+            values = {}; // the name goes without
+        }
+    }
+    values.name = photo.name;
+    values.number = index + 1;
+    values.count = static_cast<int>(photos.size());
+    values.templateId = photo.settings.templateID.value_or(QString());
+    values.size = m_sizeName;
+    values.width = file.canvas.width();
+    values.height = file.canvas.height();
     return publishFile(
         file.path, m_folder,
-        [&](int attempt) { return ExportNames::fileName(photo.name, m_extension, attempt); }, m_taken);
+        [&](int attempt) { return ExportNames::fileName(m_names, values, m_extension, attempt); }, m_taken);
 }
 
 void FolderExport::sumUp()

@@ -9,6 +9,7 @@
 #include "base/AtomicFile.h"
 #include "export/DeliveredThumbnails.h"
 #include "export/ExportRun.h"
+#include "language/FieldPattern.h"
 #include "language/PhotographyQuotes.h"
 
 namespace tarnovel {
@@ -34,6 +35,9 @@ public:
 
     /// Nothing happens without photos or while a run is under way.
     void start(const QList<PhotoItem> &photos, const ExportOptions &options, const QString &folder);
+    /// The same with names by a pattern; `sizeName` is what its size is called in them.
+    void start(const QList<PhotoItem> &photos, const ExportOptions &options, const QString &folder,
+               const FieldPattern &names, const QString &sizeName);
     void cancel() { m_run.cancel(); }
     /// What the run waits for, and how it goes on.
     ExportRun &run() { return m_run; }
@@ -55,13 +59,16 @@ Q_SIGNALS:
     void changed();
 
 private:
-    QString deliver(const PhotoItem &photo, const ExportedFile &file);
+    QString deliver(const QList<PhotoItem> &photos, int index, const ExportedFile &file);
     /// A summary where there is something to sum up.
     void sumUp();
     void fail(const QString &error);
     void finish();
 
+    ImagePipeline &m_pipeline;
     QString m_folder;
+    FieldPattern m_names;
+    QString m_sizeName;
     QStringList m_written;
     TakenNames m_taken;
     QString m_extension;

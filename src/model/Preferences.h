@@ -37,6 +37,8 @@ inline constexpr Preference<double> exportResolution{QLatin1StringView("macExpor
 inline constexpr Preference<bool> exportPng{QLatin1StringView("macExportPNG")};
 /// In megabytes; 0 is no limit.
 inline constexpr Preference<double> exportMaxMB{QLatin1StringView("macExportMaxMB")};
+/// How exported files are called; empty for the default.
+inline constexpr Preference<QVariant> exportName{QLatin1StringView("exportName")};
 inline constexpr Preference<double> successfulExportCount{QLatin1StringView("successfulExportCount")};
 inline constexpr Preference<QVariant> lastExportReviewVersion{QLatin1StringView("lastExportReviewVersion")};
 /// Where the file dialogs open.

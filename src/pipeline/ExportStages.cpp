@@ -48,9 +48,11 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
 
 } // namespace
 
-ExportStages::ExportStages(ReadingLane &reading, QString temporaryFolder, std::stop_token ending)
+ExportStages::ExportStages(ReadingLane &reading, QString temporaryFolder, Memory memory,
+                           std::stop_token ending)
     : m_reading(reading),
       m_temporaryFolder(std::move(temporaryFolder)),
+      m_memory(memory),
       m_ending(std::move(ending)),
       m_room(photosAtWork)
 {
@@ -183,7 +185,7 @@ void ExportStages::write(const std::shared_ptr<Exporting> &exporting)
 void ExportStages::ended()
 {
     m_room.release();
-    if (--m_exports == 0) {
+    if (--m_exports == 0 && m_memory == Memory::GivenBack) {
         m_composing.start([this] { m_canvas = {}; });
         m_reading.thread.start([&reading = m_reading] { reading.reader.rest(); });
     }

@@ -30,8 +30,10 @@ struct ExportedFile {
 /// encoded and written. Two photos at most are between their reading and their end.
 class ExportStages {
 public:
+    /// What becomes of the memory of pictures when nothing more has been asked for.
+    enum class Memory { GivenBack, Kept };
     /// Photos are read on `reading`, which outlives this. `ending` stops what is still to be done.
-    ExportStages(ReadingLane &reading, QString temporaryFolder, std::stop_token ending);
+    ExportStages(ReadingLane &reading, QString temporaryFolder, Memory memory, std::stop_token ending);
 
     /// One file for each of the sizes, from one decoding; each may fail alone.
     QList<QFuture<ExportedFile>> sizes(const PhotoItem &item, const QList<ExportOptions> &sizes,
@@ -53,6 +55,7 @@ private:
 
     ReadingLane &m_reading;
     const QString m_temporaryFolder;
+    const Memory m_memory;
     const std::stop_token m_ending;
     QThreadPool m_composing;
     /// Kept from one export to the next: the first touch of fifty megabytes costs as much as the drawing. Of

@@ -30,7 +30,9 @@ ImagePipeline::ImagePipeline(const QString &libraryFolder, QString temporaryFold
                       ? std::make_unique<ReadingLane>(libraryFolder, PictureMemory::Kept, thumbnailFolder)
                       : nullptr),
       m_screen(m_ownScreen ? *m_ownScreen : m_reading),
-      m_exports(m_reading, std::move(temporaryFolder), m_ending.get_token())
+      m_exports(m_reading, std::move(temporaryFolder),
+                use == PipelineUse::Worker ? ExportStages::Memory::Kept : ExportStages::Memory::GivenBack,
+                m_ending.get_token())
 {
     if (!thumbnailFolder.isEmpty()) {
         constexpr int afterPictures = -1;

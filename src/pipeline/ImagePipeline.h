@@ -25,6 +25,9 @@ enum class PipelineUse {
     Editor,
     /// A command, which does one thing at a time.
     Command,
+    /// A process that makes one photo after another until it is ended: the memory of one is kept for the
+    /// next, although nobody has asked for it yet.
+    Worker,
 };
 
 /// The one image service. Reading for the screen and exporting go on beside each other; of each kind, what

@@ -1,4 +1,7 @@
+#include <QAbstractButton>
+#include <QLineEdit>
 #include <QSignalSpy>
+#include <QTest>
 
 #include "app/Kit.h"
 #include "app/export/ExportForm.h"
@@ -54,6 +57,24 @@ TEST_F(Form, APngHasNoLimitAndARunUnderWayNoChoice)
     m_form.setBusy(false);
     EXPECT_TRUE(row(u"which"_s)->isEnabled());
     EXPECT_FALSE(row(u"limit"_s)->isEnabled()) << "it still is a PNG";
+}
+
+TEST_F(Form, ANameIsKeptUnlessItCannotBeRead)
+{
+    auto *name = m_form.findChild<QLineEdit *>(u"namePattern"_s);
+    name->clear();
+    QTest::keyClicks(name, u"/{n:3} {name"_s);
+    EXPECT_EQ(m_form.choices().name, u"{n:3} "_s) << "what is faulty is not taken, and no slash is typed";
+    QTest::keyClicks(name, u"}"_s);
+    EXPECT_EQ(m_form.choices().name, u"{n:3} {name}"_s);
+    m_form.findChild<QAbstractButton *>(u"{camera}"_s)->click();
+    EXPECT_EQ(ExportForm(m_model, m_preferences).choices().name, u"{n:3} {name}{camera}"_s);
+    name->clear();
+    QTest::keyClick(name, Qt::Key_Return);
+    EXPECT_EQ(name->text(), u"{name}-framed"_s);
+    EXPECT_EQ(m_form.choices().name, QString());
+    m_form.setBusy(true);
+    EXPECT_FALSE(name->isEnabled());
 }
 
 TEST_F(Form, ThePhotoLibrarysChoicesAreForgotten)

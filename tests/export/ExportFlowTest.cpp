@@ -111,6 +111,17 @@ TEST_F(IntoAFolder, WritesEveryPhotoInOrderAndSumsUp)
     EXPECT_FALSE(run.working());
 }
 
+TEST_F(IntoAFolder, NamesFilesByAPattern)
+{
+    FolderExport run(m_pipeline);
+    run.start(photos(2), m_small, m_goal, FieldPattern(u"{n:2} of {count} {size} {width}{iso}"_s), u"1080"_s);
+    ASSERT_TRUE(waitFor([&] { return !run.working(); }));
+    const QStringList names = entries(m_goal);
+    ASSERT_EQ(names.size(), 2);
+    EXPECT_TRUE(names.first().startsWith(u"01 of 2 1080 "_s)) << names.first().toStdString();
+    EXPECT_TRUE(names.last().startsWith(u"02 of 2 1080 "_s)) << names.last().toStdString();
+}
+
 TEST_F(IntoAFolder, KeepsWhatIsDoneWhenCancelled)
 {
     FolderExport run(m_pipeline);

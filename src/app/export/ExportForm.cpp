@@ -4,14 +4,16 @@
 
 #include <QBoxLayout>
 
+#include "app/export/NameField.h"
 #include "app/export/SizeChoice.h"
 #include "app/inspector/Section.h"
 #include "app/kit/Label.h"
 #include "app/kit/Segments.h"
-#include "export/ExportNames.h"
 #include "language/Plural.h"
+#include "pipeline/CameraTexts.h"
 #include "pipeline/ExportOptions.h"
 #include "pipeline/PipelineError.h"
+#include "pipeline/WhenFinished.h"
 
 using namespace Qt::StringLiterals;
 
@@ -34,8 +36,11 @@ QString sizeText(const PhotoItem &photo, const ExportOptions &options, bool &too
 
 } // namespace
 
-ExportForm::ExportForm(const EditorModel &model, Preferences &preferences)
-    : m_model(model), m_preferences(preferences), m_choices(ExportChoices::stored(preferences))
+ExportForm::ExportForm(const EditorModel &model, Preferences &preferences, ImagePipeline *pipeline)
+    : m_model(model),
+      m_preferences(preferences),
+      m_choices(ExportChoices::stored(preferences)),
+      m_pipeline(pipeline)
 {
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(inset, 0, inset, 16);
@@ -71,16 +76,12 @@ ExportForm::ExportForm(const EditorModel &model, Preferences &preferences)
     addRow(
         column, [] { return ExportTexts::limitGroup(); }, m_limit, m_limitNote);
     column->addWidget(makeRule());
-    auto *file = makeHint("image", [this] {
-        const PhotoItem *photo = m_model.current();
-        return photo ? ExportNames::fileName(photo->name, m_choices.png ? u"png"_s : u"jpg"_s, 0) : QString();
-    });
-    m_fileName = file->findChild<Label *>();
-    column->addWidget(file);
-    column->addSpacing(4);
+    m_name = new NameField;
+    addRow(column, said({"文件名", "File name", "Nom de fichier"}), m_name);
     column->addWidget(makeHint("lock", [] { return ExportTexts::privacy(); }));
     column->addStretch();
     connectControls();
+    connectName();
     refresh();
 }
 
@@ -127,6 +128,13 @@ void ExportForm::connectControls()
     });
 }
 
+void ExportForm::connectName()
+{
+    connect(m_name, &NameField::typed, this, [this](const QString &pattern) {
+        choose([&](ExportChoices &choices) { choices.name = pattern; });
+    });
+}
+
 bool ExportForm::toLibrary() const
 {
     return m_destination->current() == 1;
@@ -167,7 +175,7 @@ void ExportForm::refresh()
             m_limit->setCurrent(static_cast<int>(i));
         }
     }
-    m_fileName->refresh();
+    showName();
     setBusy(m_busy);
 }
 
@@ -189,8 +197,50 @@ void ExportForm::showSizes()
     m_size->setRows(rows);
 }
 
+void ExportForm::showName()
+{
+    m_name->display(m_choices.name);
+    const PhotoItem *photo = m_model.current();
+    FieldValues values;
+    if (photo && m_pipeline && photo->file != m_capturedFile) {
+        m_capturedFile = photo->file;
+        m_captured = {};
+        whenFinished<CaptureMetadata>(m_pipeline->captured(photo->file), this,
+                                      [this, file = photo->file](const QFuture<CaptureMetadata> &read) {
+                                          try {
+                                              const CaptureMetadata captured = read.result();
+                                              if (file == m_capturedFile) {
+                                                  m_captured = captured;
+                                                  showName();
+                                              }
+                                          } catch (const QException &) {
+                                              return; // the example goes without
+                                          }
+                                      });
+    }
+    setCameraFields(values, m_captured);
+    if (photo) {
+        const auto index =
+            std::ranges::find(m_model.photos(), photo->id, &PhotoItem::id) - m_model.photos().begin();
+        values.name = photo->name;
+        values.number = m_choices.all ? static_cast<int>(index) + 1 : 1;
+        values.count = m_choices.all ? static_cast<int>(m_model.photos().size()) : 1;
+        values.templateId = photo->settings.templateID.value_or(QString());
+        values.size = m_choices.sizeName();
+        try {
+            const QSize canvas = outputCanvas(*photo, m_choices.options());
+            values.width = canvas.width();
+            values.height = canvas.height();
+        } catch (const PipelineFailure &) {
+            values.width = 0; // its row says that it is too large
+        }
+    }
+    m_name->setExample(values, m_choices.png ? u"png"_s : u"jpg"_s);
+}
+
 void ExportForm::setBusy(bool busy)
 {
+    m_name->setEnabled(!busy && !toLibrary());
     m_busy = busy;
     for (QWidget *option : std::initializer_list<QWidget *>{m_destination, m_which, m_size, m_format}) {
         option->setEnabled(!busy);

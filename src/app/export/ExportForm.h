@@ -6,12 +6,14 @@
 
 #include "app/kit/Phrase.h"
 #include "export/ExportChoices.h"
+#include "pipeline/ImagePipeline.h"
 
 class QVBoxLayout;
 
 namespace tarnovel::app {
 
 class Label;
+class NameField;
 class Segments;
 class SizeChoice;
 
@@ -20,7 +22,7 @@ class ExportForm : public QWidget {
     Q_OBJECT
 
 public:
-    ExportForm(const EditorModel &model, Preferences &preferences);
+    ExportForm(const EditorModel &model, Preferences &preferences, ImagePipeline *pipeline = nullptr);
 
     const ExportChoices &choices() const { return m_choices; }
     /// Into the photo library, rather than a folder.
@@ -40,8 +42,10 @@ Q_SIGNALS:
 private:
     void addRow(QVBoxLayout *column, Phrase title, QWidget *control, Label *note = nullptr) const;
     void connectControls();
+    void connectName();
     void choose(const std::function<void(ExportChoices &)> &change);
     void showSizes();
+    void showName();
 
     const EditorModel &m_model;
     Preferences &m_preferences;
@@ -53,7 +57,11 @@ private:
     Segments *m_format;
     Segments *m_limit;
     Label *m_limitNote;
-    Label *m_fileName;
+    NameField *m_name;
+    ImagePipeline *m_pipeline;
+    /// What the camera wrote about which file.
+    QString m_capturedFile;
+    CaptureMetadata m_captured;
 };
 
 } // namespace tarnovel::app

@@ -34,7 +34,7 @@ ExportPanel::ExportPanel(const EditorContext &context, const FileChooser &choose
     : m_context(context),
       m_chooser(chooser),
       m_jobs(context.model, context.pipeline, library),
-      m_form(new ExportForm(context.model, context.preferences))
+      m_form(new ExportForm(context.model, context.preferences, &context.pipeline))
 {
     setFixedWidth(panelWidth);
     auto *column = new QVBoxLayout(this);
