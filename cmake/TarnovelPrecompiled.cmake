@@ -14,7 +14,7 @@ set(TARNOVEL_TEST_HEADERS <gtest/gtest.h> <gmock/gmock.h> <QEventLoop> <QProcess
 
 # They are taken only where these are the same, whatever Qt modules a target links.
 function(tarnovel_define_modules target)
-  target_compile_definitions(${target} PRIVATE QT_GUI_LIB QT_WIDGETS_LIB QT_NETWORK_LIB QT_TESTLIB_LIB)
+  target_compile_definitions(${target} PRIVATE QT_GUI_LIB QT_WIDGETS_LIB QT_TESTLIB_LIB)
   target_compile_options(${target} PRIVATE -pthread)
 endfunction()
 

@@ -45,13 +45,13 @@ QString failureCode(const PipelineFailure &failure)
         }
     }
     switch (failure.error()) {
-    case PipelineError::unreadable:
+    case PipelineError::Unreadable:
         return u"unreadable"_s;
-    case PipelineError::tooLarge:
+    case PipelineError::TooLarge:
         return u"too-large"_s;
-    case PipelineError::write:
+    case PipelineError::Write:
         return u"write"_s;
-    case PipelineError::fileSize:
+    case PipelineError::FileSize:
         return u"file-size"_s;
     }
     return {};

@@ -39,7 +39,7 @@ QSize outputCanvas(const PhotoItem &item, const ExportOptions &options)
     const QSizeF canvas = wantedCanvas(item, options);
     if (canvas.width() * canvas.height() > mostPixels ||
         std::max(canvas.width(), canvas.height()) > longestCanvas) {
-        throw PipelineFailure(PipelineError::tooLarge);
+        throw PipelineFailure(PipelineError::TooLarge);
     }
     // A very narrow ratio may round an edge to nothing.
     return canvas.toSize().expandedTo({1, 1});

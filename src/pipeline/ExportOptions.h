@@ -21,7 +21,7 @@ struct ExportOptions {
     bool operator==(const ExportOptions &) const = default;
 };
 
-/// The pixels of the exported picture. Throws PipelineFailure(tooLarge) above 24,000,000 pixels or an edge of
+/// The pixels of the exported picture. Throws PipelineFailure(TooLarge) above 24,000,000 pixels or an edge of
 /// 12,000.
 QSize outputCanvas(const PhotoItem &item, const ExportOptions &options);
 

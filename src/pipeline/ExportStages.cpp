@@ -34,14 +34,14 @@ QByteArray encoded(const QImage &canvas, const ExportOptions &options, const std
         const double limit = std::min(options.maxMB * 1'000'000, 1e15);
         const JpegSearchResult found = searchJpegQuality(canvas, static_cast<qint64>(limit), stop);
         if (!found.bytes) {
-            throw PipelineFailure(PipelineError::fileSize);
+            throw PipelineFailure(PipelineError::FileSize);
         }
         bytes = *found.bytes;
     } else {
         bytes = encodeJpeg(canvas, defaultQuality);
     }
     if (bytes.isEmpty()) {
-        throw PipelineFailure(PipelineError::write);
+        throw PipelineFailure(PipelineError::Write);
     }
     return bytes;
 }

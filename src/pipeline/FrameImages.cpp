@@ -95,7 +95,7 @@ QList<CompositionImages> frameImages(PhotoReader &reader, const PhotoItem &item,
 void compose(QImage &canvas, const PhotoItem &item, const CompositionImages &images)
 {
     if (canvas.isNull()) {
-        throw PipelineFailure(PipelineError::tooLarge);
+        throw PipelineFailure(PipelineError::TooLarge);
     }
     QPainter painter(&canvas);
     CompositionRenderer::draw(painter, item, item.settings, canvas.size(), images);

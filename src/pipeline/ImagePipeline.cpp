@@ -99,7 +99,7 @@ QFuture<QImage> ImagePipeline::blurred(const QImage &image, std::stop_token stop
 {
     return onScreenThread(u"blur"_s, std::move(stop), [image](const std::stop_token &) {
         if (image.isNull()) {
-            throw PipelineFailure(PipelineError::unreadable);
+            throw PipelineFailure(PipelineError::Unreadable);
         }
         return gaussianBlurred(image, blurSigma);
     });

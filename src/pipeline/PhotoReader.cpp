@@ -82,8 +82,8 @@ PipelineFailure PhotoReader::failure(const QString &file, FramePicture which, co
     const std::optional<PictureFault> fault = faultOf(error);
     const std::optional<FileError> trouble =
         !fault || *fault == PictureFault::Damaged ? fileTrouble(path(file)) : std::nullopt;
-    return fault && !trouble ? PipelineFailure(PipelineError::unreadable, named, which, *fault)
-                             : PipelineFailure(PipelineError::unreadable, named, which, trouble);
+    return fault && !trouble ? PipelineFailure(PipelineError::Unreadable, named, which, *fault)
+                             : PipelineFailure(PipelineError::Unreadable, named, which, trouble);
 }
 
 template<typename Work>

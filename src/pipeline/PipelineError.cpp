@@ -11,19 +11,19 @@ namespace tarnovel {
 QString errorDescription(PipelineError error)
 {
     switch (error) {
-    case PipelineError::unreadable:
+    case PipelineError::Unreadable:
         return localized({"无法读取这张照片，请尝试 JPEG、HEIC 或 PNG。",
                           "Cannot read this photo. Try JPEG, HEIC or PNG.",
                           "Impossible de lire cette photo. Essayez JPEG, HEIC ou PNG."});
-    case PipelineError::tooLarge:
+    case PipelineError::TooLarge:
         return localized({"输出超过安全内存上限，请选择 4096 像素。",
                           "Output exceeds the memory limit. Choose 4096 pixels.",
                           "L’image dépasse la limite de mémoire. Choisissez 4096 pixels."});
-    case PipelineError::write:
+    case PipelineError::Write:
         return localized({"无法生成文件，请检查剩余储存空间。",
                           "Could not write the file. Check available storage.",
                           "Écriture du fichier impossible. Vérifiez l’espace disponible."});
-    case PipelineError::fileSize:
+    case PipelineError::FileSize:
         return localized(
             {"当前分辨率无法压缩到目标大小，请降低分辨率或提高大小上限。",
              "Cannot meet this file-size limit. Lower the resolution or raise the limit.",
@@ -97,7 +97,7 @@ QString errorDescription(const FileError &error)
         return localized({"这里需要文件夹，却有同名文件。", "A file stands where a folder is needed.",
                           "Un fichier occupe la place d’un dossier."});
     default:
-        return errorDescription(PipelineError::write);
+        return errorDescription(PipelineError::Write);
     }
 }
 

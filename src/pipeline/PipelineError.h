@@ -10,7 +10,7 @@
 namespace tarnovel {
 
 /// How the image service can fail.
-enum class PipelineError { unreadable, tooLarge, write, fileSize };
+enum class PipelineError { Unreadable, TooLarge, Write, FileSize };
 
 /// What the user is told, in the current language.
 QString errorDescription(PipelineError error);

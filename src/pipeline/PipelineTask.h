@@ -60,17 +60,17 @@ auto promised(const QString &subject, const std::stop_token &stop, const Work &w
     } catch (const ImageError &error) {
         qCWarning(logImaging) << subject << error.what();
         const std::optional<PictureFault> fault = faultOf(error);
-        throw fault ? PipelineFailure(PipelineError::unreadable, {}, FramePicture::Photo, *fault)
-                    : PipelineFailure(PipelineError::unreadable);
+        throw fault ? PipelineFailure(PipelineError::Unreadable, {}, FramePicture::Photo, *fault)
+                    : PipelineFailure(PipelineError::Unreadable);
     } catch (const std::bad_alloc &) {
         qCWarning(logImaging) << subject << "out of memory";
-        throw PipelineFailure(PipelineError::tooLarge);
+        throw PipelineFailure(PipelineError::TooLarge);
     } catch (const QException &) {
         throw;
     } catch (const std::exception &error) {
         qCWarning(logImaging) << subject << error.what();
         // Nothing may leave the thread but what the service promises: the next photo is still to be done.
-        throw PipelineFailure(PipelineError::unreadable);
+        throw PipelineFailure(PipelineError::Unreadable);
     }
 }
 

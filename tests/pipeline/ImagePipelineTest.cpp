@@ -172,14 +172,14 @@ TEST_F(Exporting, FailsByNameAndLeavesNothing)
 {
     write(u"a.jpg"_s, gradient({400, 300}));
     PhotoItem photo = item(u"a.jpg"_s);
-    EXPECT_EQ(failure(photo, {.maxMB = 0.001}), PipelineError::fileSize);
+    EXPECT_EQ(failure(photo, {.maxMB = 0.001}), PipelineError::FileSize);
     photo.settings.handwritingFile = u"none.png"_s;
-    EXPECT_EQ(failure(photo, {}), PipelineError::unreadable);
+    EXPECT_EQ(failure(photo, {}), PipelineError::Unreadable);
     photo.file = u"none.jpg"_s;
     photo.settings.handwritingFile = {};
-    EXPECT_EQ(failure(photo, {}), PipelineError::unreadable);
+    EXPECT_EQ(failure(photo, {}), PipelineError::Unreadable);
     photo.settings.preset = CanvasPreset::square;
-    EXPECT_EQ(failure(photo, {.longEdge = 8192}), PipelineError::tooLarge);
+    EXPECT_EQ(failure(photo, {.longEdge = 8192}), PipelineError::TooLarge);
     EXPECT_EQ(QDir(m_folder.filePath(u"temporary/Exports"_s)).entryList(QDir::Files | QDir::Hidden).size(),
               0);
 

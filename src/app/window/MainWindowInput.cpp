@@ -87,7 +87,7 @@ bool MainWindow::importImage(const QMimeData *carried, const QString &name)
                      if (saved) {
                          import({path}, mode);
                      } else {
-                         state().say(errorDescription(PipelineError::write), Toast::Kind::Error);
+                         state().say(errorDescription(PipelineError::Write), Toast::Kind::Error);
                      }
                  });
     return true;
