@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What reviewers forget: formatting, file length, stray files, left-over markers."""
+"""What is easily forgotten: formatting, file length, stray files, left-over markers."""
 import pathlib
 import re
 import subprocess

@@ -52,7 +52,12 @@ ProgramEnd::ProgramEnd(std::function<void(bool certain)> save) : m_save(std::mov
     action.sa_handler = noteSignal;
     action.sa_flags = SA_RESTART;
     for (const int signal : endingSignals) {
-        sigaction(signal, &action, nullptr);
+        struct sigaction inherited = {};
+        sigaction(signal, &action, &inherited);
+        // Whoever started the program may have it ignore a signal, as `nohup` does.
+        if (inherited.sa_handler == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
     }
     // Where a file may not grow on, or nobody reads, the write that fails says so.
     std::signal(SIGXFSZ, SIG_IGN);

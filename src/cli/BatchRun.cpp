@@ -161,7 +161,10 @@ void BatchRun::preview(const Entry &entry)
 
 void BatchRun::endReady()
 {
-    while (!m_entries.empty() && !m_deaf && (!m_entries.front().made || m_making >= m_maker.most())) {
+    // Those that are left alone wait for a photo before them, but not by the hundred thousand.
+    constexpr size_t mostWaiting = 1000;
+    while (!m_entries.empty() && !m_deaf &&
+           (!m_entries.front().made || m_making >= m_maker.most() || m_entries.size() > mostWaiting)) {
         const Entry entry = std::move(m_entries.front());
         m_entries.pop_front();
         end(entry);

@@ -1,6 +1,7 @@
 #include "cli/ExportCommand.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <utility>
 
@@ -9,15 +10,18 @@
 
 #include "base/AtomicFile.h"
 #include "base/Cancellation.h"
+#include "base/FileError.h"
 #include "base/Json.h"
 #include "cli/BatchRun.h"
 #include "cli/Console.h"
+#include "cli/FailureCode.h"
 #include "cli/Interruption.h"
 #include "cli/OutputOptions.h"
 #include "cli/WorkerPool.h"
 #include "language/AppLanguage.h"
 #include "model/LibraryPaths.h"
 #include "model/SessionStore.h"
+#include "pipeline/PipelineError.h"
 
 using namespace Qt::StringLiterals;
 
@@ -128,6 +132,10 @@ void runThrough(BatchRun &run, const Batch &batch, const PhotoSource &source)
                           localized({"这个文件夹里没有照片。", "There are no photos in this folder.",
                                      "Il n’y a pas de photo dans ce dossier."}),
                           u"missing"_s);
+    }
+    for (const QString &folder : batch.photos.closedFolders()) {
+        const FileError closed(folder, EACCES, FileAccess::Read);
+        run.reportFailure(folder, errorDescription(closed), failureCode(closed));
     }
     for (int index = 0; index < batch.count() && !run.deaf(); ++index) {
         const PhotoJob job = batch.job(index);

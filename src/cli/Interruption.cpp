@@ -7,13 +7,17 @@ namespace tarnovel::cli {
 
 namespace {
 
+/// Without those that whoever started the program has it ignore, as `nohup` does.
 sigset_t endingSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGHUP);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction inherited = {};
+        if (sigaction(signal, nullptr, &inherited) != 0 || inherited.sa_handler != SIG_IGN) {
+            sigaddset(&signals, signal);
+        }
+    }
     return signals;
 }
 

@@ -26,18 +26,14 @@ QString canonical(const QString &folder)
     return whole.isEmpty() ? QDir::cleanPath(QFileInfo(folder).absoluteFilePath()) : whole;
 }
 
-/// Whether the name of a file ends as those of pictures do.
-bool hasPictureSuffix(const QString &path)
-{
-    static const QStringList endings = {u"jpg"_s, u"jpeg"_s, u"jpe"_s,  u"png"_s, u"heic"_s, u"heif"_s,
-                                        u"hif"_s, u"avif"_s, u"webp"_s, u"tif"_s, u"tiff"_s};
-    return endings.contains(QFileInfo(path).suffix().toLower());
-}
-
 void collect(const QString &folder, bool recursive, const QString &leftOut, PicturesBelow &found)
 {
     found.folders.append(folder);
     const QDir directory(folder);
+    if (!directory.isReadable()) {
+        found.closed.append(folder);
+        return;
+    }
     const auto entries = directory.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QFileInfo &entry : entries) {
         const QString path = folder.endsWith(u'/') ? folder + entry.fileName() : entry.filePath();
@@ -154,7 +150,8 @@ void PhotoList::add(const QString &photo, bool recursive, const QString &destina
     for (const QString &path : found.pictures) {
         append(path);
     }
-    if (found.pictures.isEmpty()) {
+    m_closedFolders += found.closed;
+    if (found.pictures.isEmpty() && found.closed.isEmpty()) {
         m_emptyFolders.append(photo);
     }
 }

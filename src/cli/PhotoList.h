@@ -45,6 +45,8 @@ public:
 
     /// Folders in which there was no picture.
     const QStringList &emptyFolders() const { return m_emptyFolders; }
+    /// Folders that may not be looked into.
+    const QStringList &closedFolders() const { return m_closedFolders; }
 
 private:
     void add(const QString &photo, bool recursive, const QString &destination);
@@ -52,14 +54,16 @@ private:
     QByteArray m_names;
     QList<qint64> m_ends;
     QStringList m_emptyFolders;
+    QStringList m_closedFolders;
 };
 
 /// The pictures in a folder, or below it, in the order of their paths. Hidden ones and links to folders are
 /// left out, so that there are no loops, and so is the folder `leftOut`, a canonical path.
 struct PicturesBelow {
     QStringList pictures;
-    /// The folders that were looked into.
+    /// The folders that were looked into, and those that the system keeps closed.
     QStringList folders;
+    QStringList closed;
 
     PicturesBelow(const QString &folder, bool recursive, const QString &leftOut);
 };

@@ -121,10 +121,16 @@ void PhotoDecoder::start(const std::stop_token &stop)
     while (m_dying.size() > 1) {
         m_dying.pop_front();
     }
-    if (m_jpegAlone && isStarted(startedDecoder(m_jpegProgram), stop)) {
-        return;
+    if (m_jpegAlone) {
+        try {
+            if (isStarted(startedDecoder(m_jpegProgram), stop)) {
+                return;
+            }
+        } catch (const ImageError &error) {
+            qCWarning(logDecoder) << error.what();
+        }
+        m_jpegAlone = false;
     }
-    m_jpegAlone = false;
     // A spare one may have ended while it waited.
     if (m_failedStarts < mostFailedStarts && ((m_spare && isStarted(std::exchange(m_spare, nullptr), stop)) ||
                                               isStarted(startedDecoder(m_program), stop))) {

@@ -29,9 +29,9 @@ constexpr size_t mostEntries = 400;
 
 int sourceSize(QSize canvas)
 {
-    const int edge = std::max(canvas.width(), canvas.height());
-    const auto *found =
-        std::find_if(sourcePixels.begin(), sourcePixels.end(), [edge](int pixels) { return pixels >= edge; });
+    const int longer = std::max(canvas.width(), canvas.height());
+    const auto *found = std::find_if(sourcePixels.begin(), sourcePixels.end(),
+                                     [longer](int pixels) { return pixels >= longer; });
     return found == sourcePixels.end() ? sourcePixels.back() : *found;
 }
 

@@ -1,5 +1,6 @@
 // The picture under hand and keys: what a gesture changes, by how much, and one step to take it back.
 
+#include <QMouseEvent>
 #include <QWheelEvent>
 
 #include "app/canvas/CanvasView.h"
@@ -77,6 +78,27 @@ TEST_F(Canvas, KeysMoveThePhotoAndItsTexts)
         press(Qt::Key_Z, Qt::ControlModifier);
         EXPECT_EQ(settings(), before);
     }
+}
+
+TEST_F(Canvas, ADragEndsWithTheButtonEvenWhereItsReleaseIsNotSeen)
+{
+    const FrameSettings before = settings();
+    const QPoint photo = canvas().frameRect().center().toPoint();
+    QTest::mousePress(&canvas(), Qt::LeftButton, {}, photo);
+    QTest::mouseMove(&canvas(), photo + QPoint(0, 20));
+    const double moved = settings().y;
+    EXPECT_GT(moved, before.y);
+    const QPointF away = photo + QPoint(0, 60);
+    QMouseEvent released(QEvent::MouseMove, away, canvas().mapToGlobal(away), Qt::NoButton, Qt::NoButton, {});
+    QCoreApplication::sendEvent(&canvas(), &released);
+    EXPECT_EQ(settings().y, moved);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(settings(), before);
+    QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, photo);
+    QTest::mousePress(&canvas(), Qt::LeftButton, {}, photo);
+    QTest::mouseMove(&canvas(), photo + QPoint(0, 30));
+    QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, photo + QPoint(0, 30));
+    EXPECT_GT(settings().y, before.y);
 }
 
 TEST_F(Canvas, PlusAndMinusSizeThePhoto)

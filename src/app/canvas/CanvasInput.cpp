@@ -68,6 +68,8 @@ void CanvasView::mousePressEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton || !m_context.model.current()) {
         return;
     }
+    // Where the release of the drag before went to another window.
+    endGesture();
     const QPointF position = event->position();
     if (m_state.colorTaker()) {
         takeColor(position);
@@ -86,6 +88,9 @@ void CanvasView::mousePressEvent(QMouseEvent *event)
 void CanvasView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPointF position = event->position();
+    if (m_drag && !event->buttons().testFlag(Qt::LeftButton)) {
+        endGesture();
+    }
     if (!m_drag) {
         showCursor(position);
         return;

@@ -165,7 +165,7 @@ void CanvasView::drawGround(const QRectF &frame)
 {
     const double device = devicePixelRatioF();
     if (!m_ground.isNull() && m_groundFrame == frame && m_groundTheme == &theme() &&
-        m_ground.deviceIndependentSize() == QSizeF(size())) {
+        m_ground.size() == size() * device) {
         return;
     }
     m_ground = QPixmap(size() * device);
