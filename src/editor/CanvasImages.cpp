@@ -57,8 +57,12 @@ PhotoImage CanvasImages::photoAtHand(const Wanted &wanted, AtHand &quality) cons
     const QPointF way = placement.whole.topLeft() - m_ready.placement.whole.topLeft();
     const QPoint grid(qRound(way.x()), qRound(way.y()));
     const QRect pixels = m_ready.pixels.translated(grid);
-    const bool isSame =
-        QPointF(way - grid).manhattanLength() < 1e-6 && pixels.contains(placedRegion(placement).pixels);
+    const bool coversWhatShows = pixels.contains(placedRegion(placement).pixels);
+    if (!coversWhatShows && placement.shown != placement.whole) {
+        quality = AtHand::Near;
+        return {preview};
+    }
+    const bool isSame = QPointF(way - grid).manhattanLength() < 1e-6 && coversWhatShows;
     quality = isSame ? AtHand::Exact : AtHand::Near;
     return {m_ready.photo.image, extentOf(pixels, placement.whole)};
 }

@@ -101,6 +101,30 @@ TEST_F(ScreenSupport, ADraggedPhotoKeepsItsPixelsUntilItRests)
     EXPECT_FALSE(better) << "nothing is left to be made";
 }
 
+TEST_F(ScreenSupport, AVeryLongPhotoFillsItsFrameWhileItIsDragged)
+{
+    PhotoItem item = photo(u"long.jpg"_s, {300, 1500});
+    item.settings = BuiltInTemplates::make(BuiltInTemplate::cinema, item.settings, {});
+    Previews previews;
+    previews.photo = m_pipeline.read(item.file, 1400).result();
+    CanvasImages images(m_clock);
+    const QSize canvas(480, 270);
+    bool better = false;
+    QObject::connect(&images, &CanvasImages::changed, [&better] { better = true; });
+    images.images(item, canvas, previews);
+    ASSERT_TRUE(waitFor([&] { return better; }));
+    for (const double y : {0.05, 0.2, 0.5, -0.5}) {
+        item.settings.y = y;
+        const PhotoPlacement placement = CompositionRenderer::photoPlacement(item, item.settings, canvas);
+        ASSERT_NE(placement.shown, placement.whole);
+        const QRectF part = images.images(item, canvas, previews).photo.extent;
+        const QRectF &whole = placement.whole;
+        const QRectF lent(whole.x() + part.x() * whole.width(), whole.y() + part.y() * whole.height(),
+                          part.width() * whole.width(), part.height() * whole.height());
+        EXPECT_TRUE(lent.adjusted(-0.5, -0.5, 0.5, 0.5).contains(placement.shown)) << y;
+    }
+}
+
 /// A frame of any looks with layers of several kinds, one of them turned.
 PhotoItem dressed(PhotoItem item, BuiltInTemplate look, Backdrop background)
 {
