@@ -24,6 +24,8 @@ QString extensionOf(const BatchOutput &output)
     return output.sizes.first().options.png ? u"png"_s : u"jpg"_s;
 }
 
+struct MadeByAnother {};
+
 /// Whether a name leads to anything, also to a link into nowhere.
 bool isTaken(const QString &path)
 {
@@ -196,11 +198,7 @@ void BatchRun::end(const Entry &entry)
     const bool oneFailure = made.sizes.size() == 1 && made.sizes.first().path.isEmpty();
     for (qsizetype next = 0; const Result &result : entry.results) {
         if (result.skipped) {
-            if (m_output.json) {
-                Json object = line(entry, result, path(result, result.attempt));
-                object["skipped"] = true;
-                print(object);
-            }
+            tellSkipped(entry, result);
         } else if (oneFailure) {
             if (next++ == 0) {
                 const MadeSize &why = made.sizes.first();
@@ -213,6 +211,15 @@ void BatchRun::end(const Entry &entry)
     ++m_done;
 }
 
+void BatchRun::tellSkipped(const Entry &entry, const Result &result)
+{
+    if (m_output.json) {
+        Json object = line(entry, result, path(result, result.attempt));
+        object["skipped"] = true;
+        print(object);
+    }
+}
+
 void BatchRun::publish(const Entry &entry, const Result &result, const MadeSize &made)
 {
     if (made.path.isEmpty()) {
@@ -221,6 +228,11 @@ void BatchRun::publish(const Entry &entry, const Result &result, const MadeSize 
     }
     try {
         const QString published = publishFile(made.path, m_output.folder, [this, &result](int attempt) {
+            // The next name may be another photo's. That one has appeared meanwhile says that another run
+            // has made this photo.
+            if (m_output.skipExisting && attempt > 0) {
+                throw MadeByAnother();
+            }
             return m_names.name(result.values, result.attempt + attempt);
         });
         if (m_output.json) {
@@ -228,6 +240,8 @@ void BatchRun::publish(const Entry &entry, const Result &result, const MadeSize 
             object.update(made.facts);
             print(object);
         }
+    } catch (const MadeByAnother &) {
+        tellSkipped(entry, result);
     } catch (const FileError &error) {
         const bool elsewhere = error.path().startsWith(QDir::tempPath() + u"/tarnovel-run-"_s);
         const QString where =

@@ -72,6 +72,7 @@ private:
     void endReady();
     void end(const Entry &entry);
     void publish(const Entry &entry, const Result &result, const MadeSize &made);
+    void tellSkipped(const Entry &entry, const Result &result);
     Json line(const Entry &entry, const Result &result, const QString &path) const;
     void print(const Json &line);
     void fail(const PhotoJob &job, const Result *result, const QString &message, const QString &code);

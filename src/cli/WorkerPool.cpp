@@ -273,7 +273,7 @@ PhotoJob decodedJob(const QByteArray &bytes, const QList<WantedSize> &sizes)
 
 QByteArray encoded(const MadePhoto &photo, const QString &folder)
 {
-    const QByteArray whole = writeJson(photo.toJson());
+    QByteArray whole = writeJson(photo.toJson());
     if (whole.size() < longestMessage) {
         return whole;
     }

@@ -141,6 +141,35 @@ TEST_F(BatchList, GoesOnWhereItStopped)
     EXPECT_EQ(m_program.entries(u"out"_s).size(), 3);
 }
 
+TEST_F(BatchList, TwoRunsOfOnePartMakeEachPhotoOnce)
+{
+    // The result appears while the photo is being made, as another machine's would.
+    photos({u"a/x.jpg"_s, u"b/x.jpg"_s});
+    const QString path = m_program.path(u"out/x-framed.jpg"_s);
+    const Outcome first =
+        exported({u"--skip-existing"_s, u"--json"_s, u"--shard"_s, u"1/2"_s, u"a/x.jpg"_s, u"b/x.jpg"_s});
+    ASSERT_EQ(first.status, 0);
+    QProcess one;
+    QProcess other;
+    ASSERT_TRUE(QFile::remove(path));
+    const QStringList again = {u"export"_s,
+                               u"-q"_s,
+                               u"--size"_s,
+                               u"720"_s,
+                               u"--skip-existing"_s,
+                               u"--shard"_s,
+                               u"1/2"_s,
+                               u"-o"_s,
+                               m_program.path(u"out"_s),
+                               m_program.path(u"a/x.jpg"_s),
+                               m_program.path(u"b/x.jpg"_s)};
+    one.start(QStringLiteral(TARNOVEL_EXECUTABLE), again);
+    other.start(QStringLiteral(TARNOVEL_EXECUTABLE), again);
+    ASSERT_TRUE(one.waitForFinished(60'000) && other.waitForFinished(60'000));
+    EXPECT_EQ(one.exitCode() + other.exitCode(), 0);
+    EXPECT_EQ(m_program.entries(u"out"_s), QStringList{u"x-framed.jpg"_s});
+}
+
 TEST_F(BatchList, SaysWhatItWouldWriteAndWritesNothing)
 {
     photos({u"a.jpg"_s, u"b.jpg"_s});
