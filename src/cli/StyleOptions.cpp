@@ -76,15 +76,17 @@ double aspectOf(const QString &path, ImagePipeline &pipeline, const std::stop_to
     }
 }
 
+} // namespace
+
 /// The pictures that the options add to every photo, with what has to be known of them.
-struct Pictures {
+struct StylePictures {
     std::optional<QString> background;
     std::optional<QString> logo;
     std::optional<QString> signature;
     double logoAspect = 1;
     double signatureAspect = 1;
 
-    Pictures(const StyleRequest &request, ImagePipeline &pipeline, const std::stop_token &stop)
+    StylePictures(const StyleRequest &request, ImagePipeline &pipeline, const std::stop_token &stop)
         : background(request.background), logo(request.logo), signature(request.signature)
     {
         if (background) {
@@ -115,6 +117,8 @@ struct Pictures {
         }
     }
 };
+
+namespace {
 
 void edit(FrameSettings &settings, const StyleRequest &request)
 {
@@ -180,7 +184,7 @@ struct Styler::Parts {
     BuiltInTemplate look;
     std::optional<FrameSettings> style;
     FrameSettings trial;
-    Pictures pictures;
+    StylePictures pictures;
 
     Parts(const StyleRequest &asked, ImagePipeline &pipeline, const std::stop_token &stop)
         : request(asked),
