@@ -81,6 +81,10 @@ def main():
         for where, find in (("manual", in_manual), ("bash", in_bash), ("zsh", in_zsh), ("fish", in_fish)):
             if found := find(folder, command) ^ known:
                 faults.append(f"{command or 'tarnovel'}: {where} and help differ by {' '.join(sorted(found))}")
+    for language, heading in (("fr", "COMMANDES"), ("zh_CN", "命令")):
+        page = gzip.open(folder / "man" / language / "man1" / "tarnovel.1.gz", "rt", encoding="utf-8").read()
+        if f".SH {heading}" not in page and f'.SH "{heading}"' not in page:
+            faults.append(f"{language}: the manual does not speak the language of its folder")
     listed = set(re.findall(r"^  ([a-z]+)  ", said(program, "--help", "--language", "en").stdout, re.M))
     if listed != pressed(folder, "tarnovel ''") & listed or not listed >= set(PROMISED) - {""}:
         faults.append(f"commands: {listed}")

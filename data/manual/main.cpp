@@ -25,9 +25,9 @@ void write(const std::filesystem::path &file, const std::string &text)
     }
 }
 
-void speak(const QString &language)
+void speak(AppLanguage language)
 {
-    setLanguageSources({[language] { return language; }, [] { return QStringList(); }});
+    setLanguageSources({[language] { return languageName(language); }, [] { return QStringList(); }});
 }
 
 void writePages(const std::filesystem::path &folder)
@@ -49,11 +49,11 @@ int main(int argc, char **argv)
         return 2;
     }
     const std::filesystem::path folder = argv[1];
-    speak(QStringLiteral("fr"));
+    speak(AppLanguage::french);
     writePages(folder / "man" / "fr" / "man1");
-    speak(QStringLiteral("zh"));
+    speak(AppLanguage::chinese);
     writePages(folder / "man" / "zh_CN" / "man1");
-    speak(QStringLiteral("en"));
+    speak(AppLanguage::english);
     writePages(folder / "man" / "man1");
     const manual::CommandTable table = manual::readCommandTable();
     write(folder / "completion" / "tarnovel", manual::bashCompletion(table));

@@ -69,6 +69,9 @@ TEST_F(Form, ANameIsKeptUnlessItCannotBeRead)
     EXPECT_EQ(m_form.choices().name, u"{n:3} {name}"_s);
     m_form.findChild<QAbstractButton *>(u"{camera}"_s)->click();
     EXPECT_EQ(ExportForm(m_model, m_preferences).choices().name, u"{n:3} {name}{camera}"_s);
+    name->setText(u"my-{foo}"_s);
+    QTest::keyClick(name, Qt::Key_Return);
+    EXPECT_EQ(name->text(), u"my-{foo}"_s) << "what is faulty stays to be mended";
     name->clear();
     QTest::keyClick(name, Qt::Key_Return);
     EXPECT_EQ(name->text(), u"{name}-framed"_s);

@@ -55,6 +55,8 @@ NameField::NameField()
     for (const Insertable &each : insertable) {
         auto *button = new Button(Button::Kind::Secondary, said(each.title));
         button->setHeight(28);
+        // A click leaves the keyboard, and what is typed, with the field.
+        button->setFocusPolicy(Qt::TabFocus);
         button->setObjectName(QString::fromLatin1(each.field));
         button->setHint(said({"插入字段", "Insert a field", "Insérer un champ"}));
         connect(button, &QPushButton::clicked, this,
@@ -68,7 +70,8 @@ NameField::NameField()
     column->addWidget(hint);
     connect(m_field, &QLineEdit::textEdited, this, &NameField::take);
     connect(m_field, &QLineEdit::editingFinished, this, [this] {
-        if (m_field->text().isEmpty() || FieldPattern(m_field->text()).fault()) {
+        // A faulty one stays to be mended; the last one without fault is used meanwhile.
+        if (m_field->text().isEmpty()) {
             m_field->setText(defaultText);
             take();
         }
