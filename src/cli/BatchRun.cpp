@@ -57,7 +57,12 @@ void BatchRun::take(const PhotoJob &job, const QString &name, const QString &tem
         values.size = size.name;
         entry.results.append({size, values});
     }
-    setFacts(job, entry.results);
+    try {
+        setFacts(job, entry.results);
+    } catch (const OperationCancelled &) {
+        finish(); // what was begun before may be there already
+        throw;
+    }
     setAttempts(entry);
     if (whose == Whose::Others) {
         return;

@@ -193,16 +193,17 @@ Batch batchFrom(const ExportRequest &request)
 
 QList<WantedSize> wantedSizes(const ExportRequest &request)
 {
-    QStringList typed = request.sizes.isEmpty() ? QStringList{u"4096"_s} : request.sizes;
-    typed.removeDuplicates();
-    if (typed.size() > ImagePipeline::mostSizes) {
+    QList<WantedSize> sizes;
+    for (const QString &typed : request.sizes.isEmpty() ? QStringList{u"4096"_s} : request.sizes) {
+        WantedSize size = sizeFrom(typed);
+        setFormat(size.options, request.format, request.maxMb);
+        if (std::ranges::find(sizes, size.options, &WantedSize::options) == sizes.end()) {
+            sizes.append(size);
+        }
+    }
+    if (sizes.size() > ImagePipeline::mostSizes) {
         throw UsageError{localized({"--size 最多写八次。", "--size can be given at most eight times.",
                                     "--size se donne huit fois au plus."})};
-    }
-    QList<WantedSize> sizes;
-    for (const QString &each : typed) {
-        sizes.append(sizeFrom(each));
-        setFormat(sizes.last().options, request.format, request.maxMb);
     }
     return sizes;
 }

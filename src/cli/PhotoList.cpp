@@ -47,12 +47,16 @@ void collect(const QString &folder, bool recursive, const QString &leftOut, Pict
     }
 }
 
+QString calledList(const QString &listFile)
+{
+    return listFile == u"-"_s ? localized({"标准输入", "standard input", "entrée standard"}) : listFile;
+}
+
 QByteArray bytesOfList(const QString &listFile)
 {
     QFile file(listFile);
     const bool standardInput = listFile == u"-"_s;
-    const QString called =
-        standardInput ? localized({"标准输入", "standard input", "entrée standard"}) : listFile;
+    const QString called = calledList(listFile);
     errno = 0;
     const bool open = standardInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
     if (!open || (!standardInput && QFileInfo(listFile).isDir())) {
@@ -96,7 +100,8 @@ Shard Shard::from(const QString &typed)
         shard.part = sides.first().toInt(&partIsNumber);
         shard.parts = sides.last().toInt(&partsIsNumber);
     }
-    if (!partIsNumber || !partsIsNumber || shard.part < 1 || shard.part > shard.parts) {
+    const bool signs = typed.contains(u'+') || typed.contains(u'-');
+    if (signs || !partIsNumber || !partsIsNumber || shard.part < 1 || shard.part > shard.parts) {
         throw UsageError{localized({"--shard 应写成 K/N，1 ≤ K ≤ N：", "--shard takes K/N with 1 ≤ K ≤ N: ",
                                     "--shard prend K/N avec 1 ≤ K ≤ N : "}) +
                          typed};
@@ -132,8 +137,9 @@ PhotoList::PhotoList(const PhotoSelection &selection, const QString &destination
         begin = end + 1;
     }
     if (!named && selection.photos.isEmpty()) {
-        throw Refusal{selection.listFile, localized({"列表里没有照片。", "The list names no photo.",
-                                                     "La liste ne nomme aucune photo."})};
+        throw Refusal{
+            calledList(selection.listFile),
+            localized({"列表里没有照片。", "The list names no photo.", "La liste ne nomme aucune photo."})};
     }
 }
 

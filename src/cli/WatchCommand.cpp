@@ -10,6 +10,7 @@
 #include "cli/OutputOptions.h"
 #include "cli/WorkerPool.h"
 #include "language/AppLanguage.h"
+#include "language/FieldPattern.h"
 
 using namespace Qt::StringLiterals;
 
@@ -37,6 +38,14 @@ QString folderOf(const ExportRequest &request)
 int watchFolder(const ExportRequest &request, const Interruption &interruption)
 {
     const QString folder = folderOf(request);
+    const FieldPattern pattern = namePattern(request);
+    if (pattern.uses(FieldPattern::Field::Number) || pattern.uses(FieldPattern::Field::Count)) {
+        throw UsageError{localized(
+            {"watch 的文件名不能用 {n} 和 {count}：照片陆续到来，没有固定的位置。",
+             "watch takes no {n} and no {count} in names: photos come one by one, and have no place in a "
+             "list.",
+             "watch n’accepte ni {n} ni {count} dans les noms : les photos arrivent une à une, sans rang."})};
+    }
     const TemporaryFolder temporary;
     ImagePipeline pipeline(QDir::currentPath(), temporary.path(), PipelineUse::Command);
     // The photo at hand is finished after an interruption: nothing here is stopped by it.

@@ -118,7 +118,7 @@ TEST_F(BatchList, GivesEveryPartOfAListTheNamesOfTheWhole)
     const Outcome idle = exported(QStringList{u"--shard"_s, u"9/9"_s} + list);
     EXPECT_EQ(idle.status, 0);
     EXPECT_EQ(idle.errors, "");
-    for (const char *wrong : {"0/0", "0/3", "4/3", "1", "1/", "a/b", "1/2/3", "-1/3"}) {
+    for (const char *wrong : {"0/0", "0/3", "4/3", "1", "1/", "a/b", "1/2/3", "-1/3", "+1/3"}) {
         EXPECT_EQ(exported(QStringList{u"--shard=%1"_s.arg(QLatin1StringView(wrong))} + list).status, 2)
             << wrong;
     }

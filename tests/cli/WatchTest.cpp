@@ -113,6 +113,7 @@ TEST_F(Watch, RefusesWhatItCannotWatch)
     EXPECT_EQ(status({u"in"_s}), 2);
     EXPECT_EQ(status({u"in"_s, u"-o"_s, u"in"_s}), 2);
     EXPECT_EQ(status({u"in"_s, u"-o"_s, u"out"_s, u"--shard"_s, u"1/2"_s}), 2);
+    EXPECT_EQ(status({u"in"_s, u"-o"_s, u"out"_s, u"--name"_s, u"{n}-{name}"_s}), 2);
     const Outcome none = m_program.run({u"watch"_s, u"none"_s, u"-o"_s, u"out"_s});
     EXPECT_EQ(none.status, 1);
     EXPECT_EQ(none.errors, "tarnovel: none: There is no such folder.\n");
