@@ -15,11 +15,26 @@ std::string in(const Text &variants)
     return localized(variants).toStdString();
 }
 
+/// Chinese has no spaces: a line may break behind each of its characters, which take three bytes from this
+/// first one on.
+constexpr unsigned char firstOfIdeographs = 0xe3;
+constexpr unsigned char lastOfThreeBytes = 0xef;
+
 /// Text as troff prints it: a hyphen that can be copied, no escapes, no request at a line's start.
 std::string plain(const std::string &text)
 {
     std::string escaped;
+    int left = 0;
     for (const char letter : text) {
+        const auto byte = static_cast<unsigned char>(letter);
+        if (byte >= firstOfIdeographs && byte <= lastOfThreeBytes) {
+            left = 3;
+        }
+        if (left > 0) {
+            escaped += letter;
+            escaped += --left == 0 ? "\\:" : "";
+            continue;
+        }
         switch (letter) {
         case '\\':
             escaped += "\\e";
@@ -60,7 +75,10 @@ void title(std::ostringstream &page, std::string name)
 {
     std::ranges::transform(name, name.begin(), [](unsigned char letter) { return std::toupper(letter); });
     page << ".\\\" Made from the program's own table of options.\n"
-         << ".TH " << plain(name) << " 1 \"\" \"tarnovel " << TARNOVEL_VERSION << "\" \"Tarnovel\"\n";
+         << ".TH " << plain(name) << " 1 \"\" \"tarnovel " << TARNOVEL_VERSION
+         << "\" \"Tarnovel\"\n"
+         // Lines without spaces cannot be spread to the margin.
+         << (currentLanguage() == AppLanguage::chinese ? ".ad l\n" : "");
 }
 
 void section(std::ostringstream &page, const Text &heading)
