@@ -7,7 +7,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "base/MessageSocket.h"
+#include "base/OwnedDescriptor.h"
 
 namespace tarnovel::cli {
 

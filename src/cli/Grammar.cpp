@@ -214,13 +214,13 @@ void Grammar::addNameOptions(CLI::App &command)
     addOption(command, "--name", request.name, "PATTERN",
               {"文件名（不含结尾），默认 {name}-framed；字段：{name} {n:3} {count} {date:yyyy-MM-dd} {time} "
                "{camera} {make} {model} {lens} {focal} {aperture} {shutter} {iso} {template} {size} {width} "
-               "{height}",
+               "{height}（watch 没有 {n} 和 {count}）",
                "Output name without its ending, {name}-framed by default; fields: {name} {n:3} {count} "
                "{date:yyyy-MM-dd} {time} {camera} {make} {model} {lens} {focal} {aperture} {shutter} {iso} "
-               "{template} {size} {width} {height}",
+               "{template} {size} {width} {height} (watch: all but {n} and {count})",
                "Nom sans extension, {name}-framed par défaut ; champs : {name} {n:3} {count} "
                "{date:yyyy-MM-dd} {time} {camera} {make} {model} {lens} {focal} {aperture} {shutter} {iso} "
-               "{template} {size} {width} {height}"});
+               "{template} {size} {width} {height} (watch : tous sauf {n} et {count})"});
     command.add_flag("--skip-existing", request.skipExisting,
                      inThisLanguage({"已有同名成品时跳过", "Leave a result alone whose name is there already",
                                      "Laisser un résultat dont le nom existe déjà"}));
@@ -240,8 +240,9 @@ void Grammar::addRunOptions(CLI::App &command)
 {
     ExportRequest &request = m_requests.framing;
     addOption(command, "-j,--jobs", request.jobs, "N",
-              {"同时处理的照片数，默认按处理器和内存", "Photos at once; by default as cores and memory allow",
-               "Photos à la fois ; par défaut selon les cœurs et la mémoire"});
+              {"同时处理的照片数，默认按处理器和内存（watch 默认 1）",
+               "Photos at once; by default as cores and memory allow (watch: 1)",
+               "Photos à la fois ; par défaut selon les cœurs et la mémoire (watch : 1)"});
     addJson(command, request.json);
     addQuiet(command, request.quiet);
 }

@@ -16,21 +16,6 @@ namespace {
 
 using namespace test;
 
-/// The processes that this one has started.
-QList<pid_t> childrenOf(qint64 process)
-{
-    QProcess find;
-    find.start(u"pgrep"_s, {u"-P"_s, QString::number(process)});
-    find.waitForFinished();
-    QList<pid_t> found;
-    for (const QByteArray &line : find.readAllStandardOutput().split('\n')) {
-        if (!line.isEmpty()) {
-            found.append(line.toInt());
-        }
-    }
-    return found;
-}
-
 /// Exports six photos and sends the decoder a signal on the way.
 class Batch : public testing::Test {
 protected:

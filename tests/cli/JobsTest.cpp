@@ -13,21 +13,6 @@ using namespace Qt::StringLiterals;
 namespace tarnovel::test {
 namespace {
 
-/// The processes that this one has started.
-QList<pid_t> childrenOf(qint64 process)
-{
-    QProcess find;
-    find.start(u"pgrep"_s, {u"-P"_s, QString::number(process)});
-    find.waitForFinished();
-    QList<pid_t> found;
-    for (const QByteArray &line : find.readAllStandardOutput().split('\n')) {
-        if (!line.isEmpty()) {
-            found.append(line.toInt());
-        }
-    }
-    return found;
-}
-
 bool isGone(pid_t process)
 {
     QElapsedTimer timer;

@@ -77,4 +77,18 @@ QStringList Program::entries(const QString &folder) const
         .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
 }
 
+QList<pid_t> childrenOf(qint64 process)
+{
+    QProcess find;
+    find.start(u"pgrep"_s, {u"-P"_s, QString::number(process)});
+    find.waitForFinished();
+    QList<pid_t> found;
+    for (const QByteArray &line : find.readAllStandardOutput().split('\n')) {
+        if (!line.isEmpty()) {
+            found.append(line.toInt());
+        }
+    }
+    return found;
+}
+
 } // namespace tarnovel::test

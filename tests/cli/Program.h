@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <QByteArray>
 #include <QList>
 #include <QProcessEnvironment>
@@ -44,5 +46,8 @@ private:
     QTemporaryDir m_folder;
     QProcessEnvironment m_environment;
 };
+
+/// The processes that a process has started.
+QList<pid_t> childrenOf(qint64 process);
 
 } // namespace tarnovel::test

@@ -324,8 +324,9 @@ TEST_F(RawPhotoTest, LoopsAndCutsEndInOneError)
         const QByteArray whole = write(m_picture, m_small);
         for (const qsizetype kept : {qsizetype(20), qsizetype(120), whole.size() / 2, whole.size() - 200}) {
             const QString file = path(whole.left(kept));
-            // Whatever is still there, it is a picture or an error of the file.
-            causeOf(file);
+            // Whatever is still there, it is a picture or an error of the file; headers alone are no picture.
+            const std::optional<ImageError::Cause> cause = causeOf(file);
+            EXPECT_TRUE(cause || kept > 120);
         }
     }
 }
